@@ -1,0 +1,51 @@
+# How the targets of this project are made: one static library per folder of src, one test program per
+# folder of tests, and the flags that all of them share.
+
+include(CheckPIESupported)
+check_pie_supported()
+
+find_package(PkgConfig REQUIRED)
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual
+                    -Wimplicit-fallthrough -Werror)
+
+if(SELA_SANITIZE)
+  add_compile_options(-fsanitize=${SELA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${SELA_SANITIZE} -fno-sanitize-recover=all)
+elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
+  add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong -fcf-protection)
+  add_link_options(-Wl,-z,relro,-z,now)
+endif()
+
+# sela_library(NAME SOURCES a.cpp ... [PUBLIC lib ...] [PRIVATE lib ...])
+# A static library of the folder that calls it. Headers are included as "folder/Name.h" from src.
+function(sela_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+  target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+endfunction()
+
+# sela_program(NAME SOURCES main.cpp ... LIBRARIES lib ...)
+# A program in build/<preset>/bin.
+function(sela_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/src)
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES})
+endfunction()
+
+# sela_test(NAME SOURCES a_test.cpp ... LIBRARIES lib ... [DEPENDS target ...])
+# A GoogleTest program that CTest runs as one test; DEPENDS names programs that it starts.
+function(sela_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;DEPENDS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} sela_test_support GTest::gmock GTest::gtest)
+  target_compile_definitions(${name} PRIVATE SELA_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
+                                             SELA_BINARY_DIR="${CMAKE_BINARY_DIR}")
+  if(ARG_DEPENDS)
+    add_dependencies(${name} ${ARG_DEPENDS})
+  endif()
+  add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
+endfunction()

@@ -1,0 +1,13 @@
+#include "platform/foundation/Error.h"
+
+#include <system_error>
+
+namespace sela {
+
+ErrorRef NSError::posix(int code, std::string_view what) {
+    std::string description(what);
+    description += ": " + std::generic_category().message(code);
+    return std::make_shared<NSError>(NSPOSIXErrorDomain, code, std::move(description));
+}
+
+} // namespace sela

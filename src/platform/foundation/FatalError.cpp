@@ -1,0 +1,16 @@
+#include "platform/foundation/FatalError.h"
+
+#include "platform/foundation/NSLog.h"
+
+#include <cstdlib>
+#include <string>
+
+namespace sela {
+
+void fatalError(std::string_view message, std::source_location place) {
+    NSLog(std::string(message));
+    NSLog("Fatal error at " + std::string(place.file_name()) + ":" + std::to_string(place.line()));
+    std::abort();
+}
+
+} // namespace sela

@@ -1,0 +1,99 @@
+#include "platform/foundation/NSLog.h"
+
+#include "platform/foundation/UTF8.h"
+
+#include <cstdio>
+#include <mutex>
+#include <unistd.h>
+#include <utility>
+
+#include <syslog.h>
+
+namespace sela {
+
+namespace {
+
+std::mutex& sinkMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
+
+std::function<void(const std::string&)>& redirectedSink() {
+    static std::function<void(const std::string&)> sink;
+    return sink;
+}
+
+bool isHarmful(char32_t c) {
+    const bool control = c < 0x20 || (c >= 0x7F && c <= 0x9F);
+    const bool lineSeparator = c == 0x2028 || c == 0x2029;
+    const bool direction = c == 0x200E || c == 0x200F || c == 0x061C || (c >= 0x202A && c <= 0x202E) ||
+                           (c >= 0x2066 && c <= 0x2069);
+    return control || lineSeparator || direction;
+}
+
+std::string escape(char32_t c) {
+    switch (c) {
+    case '\n':
+        return "\\n";
+    case '\r':
+        return "\\r";
+    case '\t':
+        return "\\t";
+    default: {
+        char buffer[16];
+        std::snprintf(buffer, sizeof buffer, "\\u%04x", static_cast<unsigned>(c));
+        return buffer;
+    }
+    }
+}
+
+void writeToStandardError(const std::string& line) {
+    // One write per line, so that lines of two processes on one terminal do not mix.
+    std::size_t written = 0;
+    while (written < line.size()) {
+        const ssize_t count = ::write(STDERR_FILENO, line.data() + written, line.size() - written);
+        if (count <= 0)
+            return;
+        written += static_cast<std::size_t>(count);
+    }
+}
+
+} // namespace
+
+std::string escapedForLog(std::string_view text) {
+    std::string line;
+    line.reserve(text.size());
+    while (!text.empty()) {
+        const DecodedCharacter character = decodeUTF8(text);
+        if (isHarmful(character.codePoint))
+            line += escape(character.codePoint);
+        else
+            appendUTF8(line, character.codePoint);
+        text.remove_prefix(character.length);
+    }
+    return line;
+}
+
+void NSLog(std::string_view text) {
+    std::string line = escapedForLog(text);
+    const std::lock_guard lock(sinkMutex());
+    if (redirectedSink()) {
+        redirectedSink()(line);
+        return;
+    }
+    ::syslog(LOG_USER | LOG_NOTICE, "%s", line.c_str());
+    line += '\n';
+    writeToStandardError(line);
+}
+
+LogRedirection::LogRedirection(std::function<void(const std::string&)> sink) {
+    const std::lock_guard lock(sinkMutex());
+    redirectedSink() = std::move(sink);
+}
+
+LogRedirection::~LogRedirection() {
+    const std::lock_guard lock(sinkMutex());
+    redirectedSink() = nullptr;
+}
+
+} // namespace sela

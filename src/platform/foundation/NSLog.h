@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace sela {
+
+/// Writes one diagnostic line to the system's log and to standard error. Thread-safe.
+///
+/// `text` is the whole line, without a line end. Control characters, line separators and characters that
+/// turn the direction of text are escaped, and bytes that are not UTF-8 become U+FFFD, so that a file name
+/// can neither break a line into two nor drive a terminal. Nothing else is changed and nothing is put before
+/// the text.
+void NSLog(std::string_view text);
+
+/// The text as `NSLog` writes it.
+std::string escapedForLog(std::string_view text);
+
+/// Where the lines of `NSLog` go instead of the log while this object lives: tests capture them with it.
+/// `sink` is called on whatever thread logs, one call at a time, with the escaped text. One redirection at
+/// a time.
+class LogRedirection {
+public:
+    explicit LogRedirection(std::function<void(const std::string&)> sink);
+    ~LogRedirection();
+    LogRedirection(const LogRedirection&) = delete;
+    LogRedirection& operator=(const LogRedirection&) = delete;
+};
+
+/// "true" or "false", as log lines print a Boolean.
+inline std::string_view describe(bool value) {
+    return value ? "true" : "false";
+}
+
+} // namespace sela

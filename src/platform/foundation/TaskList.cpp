@@ -1,0 +1,24 @@
+#include "platform/foundation/TaskList.h"
+
+#include "platform/foundation/BackgroundWork.h"
+
+namespace sela {
+
+void TaskList::add(double dueTime, DispatchQueue::Task task) {
+    tasks_.emplace(std::pair(dueTime, added_++), std::move(task));
+    BackgroundWork::changed().notify_all();
+}
+
+std::optional<DispatchQueue::Task> TaskList::takeDue(double now) {
+    if (tasks_.empty() || tasks_.begin()->first.first > now)
+        return std::nullopt;
+    return std::move(tasks_.extract(tasks_.begin()).mapped());
+}
+
+std::optional<double> TaskList::nextDueTime() const {
+    if (tasks_.empty())
+        return std::nullopt;
+    return tasks_.begin()->first.first;
+}
+
+} // namespace sela

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/foundation/DispatchQueue.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <utility>
+
+namespace sela {
+
+/// Tasks by due time, first given first among those due together. Every operation wants the caller to hold
+/// `BackgroundWork::mutex`, so that a loop can look at the list and at the outstanding work at one moment.
+class TaskList {
+public:
+    /// Adds a task and wakes whoever waits for one.
+    void add(double dueTime, DispatchQueue::Task task);
+
+    /// Takes out the first task that is due at `now`; absent when none is.
+    std::optional<DispatchQueue::Task> takeDue(double now);
+
+    /// When the first task is due; absent when the list is empty.
+    std::optional<double> nextDueTime() const;
+
+private:
+    std::map<std::pair<double, std::uint64_t>, DispatchQueue::Task> tasks_;
+    std::uint64_t added_ = 0;
+};
+
+} // namespace sela

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "platform/foundation/Data.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sela {
+
+/// Pixels of a picture: rows from the top, `4 * width` bytes each, every pixel red, green, blue, alpha with
+/// the colours premultiplied by alpha, in sRGB.
+struct PixelBuffer {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint8_t> bytes;
+};
+
+/// A picture: a named asset, or a block of pixels. An immutable value that is cheap to copy (pixels are
+/// shared) and may be read from any thread.
+class UIImage {
+public:
+    /// How a view draws the picture: as it is, or as a stencil filled with the view's tint colour.
+    enum class RenderingMode { automatic, alwaysTemplate };
+
+    /// The asset of that name; absent when the catalogue has none.
+    static std::optional<UIImage> named(std::string_view name);
+
+    /// The picture in a file, decoded by the media helper so that its longer side is at most `maximumSide`
+    /// pixels (smaller pictures keep their size), upright, in sRGB. Absent when the file is missing or is no
+    /// picture that can be decoded whole. Blocks; may be called from any thread.
+    static std::optional<UIImage> contentsOfFile(const std::string& path, int maximumSide);
+
+    /// A picture from pixels; `pixels.bytes` must hold exactly 4 * width * height bytes, else the process
+    /// stops.
+    static UIImage fromPixels(PixelBuffer pixels);
+
+    /// The asset's name; empty for a picture of pixels.
+    const std::string& assetName() const { return assetName_; }
+
+    /// The pixels; null for a named asset, which is drawn at the size where it is shown.
+    const PixelBuffer* pixels() const { return pixels_.get(); }
+
+    /// The natural size: an asset's in points, otherwise in pixels.
+    double width() const { return width_; }
+    double height() const { return height_; }
+
+    RenderingMode renderingMode() const { return renderingMode_; }
+
+    /// The same picture drawn in another way.
+    UIImage withRenderingMode(RenderingMode mode) const;
+
+    /// The picture as JPEG at `quality` 0.0 to 1.0, transparent parts flattened on white; absent when it
+    /// cannot be encoded (a named asset, an empty picture, a side above JPEG's 65,535).
+    std::optional<Data> jpegData(double quality) const;
+
+private:
+    UIImage() = default;
+
+    std::string assetName_;
+    std::shared_ptr<const PixelBuffer> pixels_;
+    double width_ = 0;
+    double height_ = 0;
+    RenderingMode renderingMode_ = RenderingMode::automatic;
+};
+
+} // namespace sela
