@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sela {
+
+/// Writes one JSON text, value after value, without white space. Used by one thread at a time.
+///
+/// Inside an object each value follows a `key`. A text that is not UTF-8 spoils the result for good; the
+/// caller asks `isValid` at the end.
+class JSONWriter {
+public:
+    JSONWriter& beginObject();
+    JSONWriter& endObject();
+    JSONWriter& beginArray();
+    JSONWriter& endArray();
+    JSONWriter& key(std::string_view name);
+    JSONWriter& string(std::string_view text);
+    JSONWriter& boolean(bool value);
+    JSONWriter& integer(std::int64_t value);
+
+    /// Writes the shortest decimal form that reads back to the same number; one that is not finite as null.
+    JSONWriter& number(double value);
+    JSONWriter& strings(const std::vector<std::string>& texts);
+
+    /// Whether everything written so far was valid text.
+    bool isValid() const { return valid_; }
+
+    const std::string& text() const { return text_; }
+
+private:
+    void separate();
+    void quote(std::string_view text);
+
+    std::string text_;
+    bool needsComma_ = false;
+    bool valid_ = true;
+};
+
+} // namespace sela

@@ -1,0 +1,268 @@
+#include "platform/foundation/SettingsDatabase.h"
+
+#include "platform/foundation/FileDescriptor.h"
+#include "platform/foundation/FileManager.h"
+#include "platform/foundation/SystemCall.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <map>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <utility>
+
+namespace sela {
+
+namespace {
+
+/// The format that this version writes, in the file's user_version; 0 stands for a file nobody stamped.
+constexpr std::int64_t formatVersion = 1;
+
+/// How long one program waits for another to let go of the file.
+constexpr int busyTimeoutMilliseconds = 5000;
+
+constexpr std::string_view sqliteErrorDomain = "SQLite";
+
+constexpr const char* tableCountQuery =
+    "SELECT count(*) FROM sqlite_master WHERE type = 'table' AND name = 'settings'";
+
+} // namespace
+
+/// A prepared statement that ends with its scope.
+struct SettingsDatabase::Statement {
+    Statement(sqlite3* connection, const char* sql) {
+        result = sqlite3_prepare_v2(connection, sql, -1, &handle, nullptr);
+    }
+    ~Statement() { sqlite3_finalize(handle); }
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+
+    void bind(int index, std::string_view text) {
+        sqlite3_bind_text64(handle, index, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
+    }
+    void bind(int index, DataView bytes) {
+        // A null pointer would be stored as NULL, but an empty value is a value.
+        const void* const start = bytes.empty() ? "" : static_cast<const void*>(bytes.data());
+        sqlite3_bind_blob64(handle, index, start, bytes.size(), SQLITE_STATIC);
+    }
+    int step() { return result == SQLITE_OK ? sqlite3_step(handle) : result; }
+    Data column(int index) const {
+        const auto* const start = static_cast<const std::byte*>(sqlite3_column_blob(handle, index));
+        return Data(start, start + sqlite3_column_bytes(handle, index));
+    }
+
+    sqlite3_stmt* handle = nullptr;
+    int result;
+};
+
+Result<std::shared_ptr<SettingsDatabase>> SettingsDatabase::open(const std::string& path) {
+    // One object per file for the life of the process: SQLite's locks are dropped when a second connection of
+    // the same process is closed behind its back.
+    static std::mutex mutex;
+    static auto* const databases = new std::map<std::string, std::shared_ptr<SettingsDatabase>>;
+    std::shared_ptr<SettingsDatabase> database;
+    {
+        const std::lock_guard lock(mutex);
+        std::shared_ptr<SettingsDatabase>& known = (*databases)[path];
+        if (!known)
+            known = std::make_shared<SettingsDatabase>(path);
+        database = known;
+    }
+    const std::lock_guard lock(database->mutex_);
+    if (ErrorRef error = database->connect())
+        return error;
+    return database;
+}
+
+SettingsDatabase::SettingsDatabase(std::string path) : path_(std::move(path)) {}
+
+SettingsDatabase::~SettingsDatabase() {
+    disconnect();
+}
+
+Result<std::optional<Data>> SettingsDatabase::read(std::string_view key, std::string_view kind) {
+    const std::lock_guard lock(mutex_);
+    if (!connection_)
+        return std::optional<Data>();
+    Statement statement(connection_, "SELECT value FROM settings WHERE key = ?1 AND kind = ?2");
+    statement.bind(1, key);
+    statement.bind(2, kind);
+    switch (statement.step()) {
+    case SQLITE_ROW:
+        return std::optional(statement.column(0));
+    case SQLITE_DONE:
+        return std::optional<Data>();
+    default:
+        return failure("read a setting");
+    }
+}
+
+Result<std::vector<std::string>> SettingsDatabase::keys(std::string_view prefix) {
+    const std::lock_guard lock(mutex_);
+    std::vector<std::string> found;
+    if (!connection_)
+        return found;
+    Statement statement(connection_,
+                        "SELECT key FROM settings WHERE substr(key, 1, length(?1)) = ?1 ORDER BY key");
+    statement.bind(1, prefix);
+    int result = statement.step();
+    for (; result == SQLITE_ROW; result = statement.step())
+        found.emplace_back(asText(statement.column(0)));
+    if (result != SQLITE_DONE)
+        return failure("list the settings");
+    return found;
+}
+
+ErrorRef SettingsDatabase::write(std::string_view key, std::string_view kind, DataView value) {
+    const std::lock_guard lock(mutex_);
+    if (ErrorRef error = create())
+        return error;
+    Statement statement(connection_,
+                        "INSERT INTO settings(key, kind, value) VALUES(?1, ?2, ?3) "
+                        "ON CONFLICT(key) DO UPDATE SET kind = excluded.kind, value = excluded.value");
+    statement.bind(1, key);
+    statement.bind(2, kind);
+    statement.bind(3, value);
+    return statement.step() == SQLITE_DONE ? nullptr : failure("store a setting");
+}
+
+ErrorRef SettingsDatabase::remove(std::string_view key) {
+    const std::lock_guard lock(mutex_);
+    if (!connection_)
+        return nullptr;
+    Statement statement(connection_, "DELETE FROM settings WHERE key = ?1");
+    statement.bind(1, key);
+    return statement.step() == SQLITE_DONE ? nullptr : failure("remove a setting");
+}
+
+ErrorRef SettingsDatabase::transaction(const std::function<ErrorRef()>& body) {
+    const std::lock_guard lock(mutex_);
+    if (ErrorRef error = create())
+        return error;
+    if (ErrorRef error = execute("BEGIN IMMEDIATE"))
+        return error;
+    inTransaction_ = true;
+    transactionFailure_ = nullptr;
+    ErrorRef error = body();
+    inTransaction_ = false;
+    if (!error)
+        error = std::exchange(transactionFailure_, nullptr);
+    if (!error)
+        error = execute("COMMIT");
+    if (error && !sqlite3_get_autocommit(connection_))
+        execute("ROLLBACK");
+    return error;
+}
+
+ErrorRef SettingsDatabase::connect() {
+    if (inTransaction_ || isConnectedToFile())
+        return nullptr;
+    disconnect();
+    struct stat status = {};
+    if (::stat(path_.c_str(), &status) != 0)
+        return errno == ENOENT ? nullptr : NSError::posix(errno, path_);
+    constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE;
+    ErrorRef error;
+    if (sqlite3_open_v2(path_.c_str(), &connection_, flags, nullptr) != SQLITE_OK)
+        error = failure("open " + path_);
+    else
+        error = checkFormat();
+    if (error) {
+        disconnect();
+        return error;
+    }
+    device_ = status.st_dev;
+    inode_ = status.st_ino;
+    return nullptr;
+}
+
+ErrorRef SettingsDatabase::checkFormat() {
+    sqlite3_busy_timeout(connection_, busyTimeoutMilliseconds);
+    const Result<std::int64_t> version = readInteger("PRAGMA user_version");
+    if (!version)
+        return version.error();
+    if (version.value() > formatVersion)
+        return std::make_shared<NSError>(sqliteErrorDomain, SQLITE_MISMATCH,
+                                         path_ + ": format " + std::to_string(version.value()) +
+                                             " is later than this program's format " +
+                                             std::to_string(formatVersion));
+    // A rollback journal that is truncated rather than deleted: with synchronous FULL its end is flushed, so
+    // a committed step survives a power cut, and no file is made and removed at each step.
+    if (ErrorRef error = execute("PRAGMA journal_mode = TRUNCATE"))
+        return error;
+    return execute("PRAGMA synchronous = FULL");
+}
+
+ErrorRef SettingsDatabase::create() {
+    if (inTransaction_)
+        return nullptr;
+    if (ErrorRef error = connect())
+        return error;
+    if (!connection_) {
+        const std::string folder = URL::fileURL(path_).deletingLastPathComponent().path();
+        if (ErrorRef error = FileManager::defaultManager().createDirectory(folder))
+            return error;
+        // Made beforehand so that neither the file nor its journal is ever readable by others.
+        FileDescriptor file(retryingInterrupted(
+            [&] { return ::open(path_.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600); }));
+        if (!file.isOpen())
+            return NSError::posix(errno, path_);
+        file.reset();
+        if (ErrorRef error = FileManager::defaultManager().synchronizeDirectory(folder))
+            return error;
+        if (ErrorRef error = connect())
+            return error;
+    }
+    const Result<std::int64_t> tables = readInteger(tableCountQuery);
+    if (!tables)
+        return tables.error();
+    if (tables.value() > 0)
+        return nullptr;
+    // Large pages: the ledger is one long value, and fewer pages are fewer writes (docs/libraries.md).
+    for (const char* const sql : {"PRAGMA page_size = 65536", "BEGIN IMMEDIATE",
+                                  "CREATE TABLE IF NOT EXISTS settings(key TEXT PRIMARY KEY, "
+                                  "kind TEXT NOT NULL CHECK(kind IN ('text','data')), value BLOB NOT NULL)",
+                                  "PRAGMA user_version = 1", "COMMIT"}) {
+        if (ErrorRef error = execute(sql)) {
+            if (!sqlite3_get_autocommit(connection_))
+                execute("ROLLBACK");
+            return error;
+        }
+    }
+    return nullptr;
+}
+
+void SettingsDatabase::disconnect() {
+    sqlite3_close(std::exchange(connection_, nullptr));
+}
+
+bool SettingsDatabase::isConnectedToFile() const {
+    struct stat status = {};
+    return connection_ && ::stat(path_.c_str(), &status) == 0 && status.st_dev == device_ &&
+           status.st_ino == inode_;
+}
+
+ErrorRef SettingsDatabase::execute(const char* sql) {
+    if (sqlite3_exec(connection_, sql, nullptr, nullptr, nullptr) != SQLITE_OK)
+        return failure(sql);
+    return nullptr;
+}
+
+Result<std::int64_t> SettingsDatabase::readInteger(const char* sql) {
+    Statement statement(connection_, sql);
+    if (statement.step() != SQLITE_ROW)
+        return failure(sql);
+    return static_cast<std::int64_t>(sqlite3_column_int64(statement.handle, 0));
+}
+
+ErrorRef SettingsDatabase::failure(std::string_view what) {
+    std::string description(what);
+    description += ": ";
+    description += sqlite3_errmsg(connection_);
+    auto error = std::make_shared<NSError>(sqliteErrorDomain, sqlite3_errcode(connection_), description);
+    if (inTransaction_ && !transactionFailure_)
+        transactionFailure_ = error;
+    return error;
+}
+
+} // namespace sela

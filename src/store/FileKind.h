@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+namespace sela {
+
+/// What a file is, told by its name alone.
+enum class FileKind { image, video, audio, other };
+
+/// The kind of a file by the extension of its name, upper or lower case alike; `other` for anything the vault
+/// does not keep, a name without extension included. Thread-safe.
+FileKind fileKind(std::string_view fileName);
+
+} // namespace sela
