@@ -4,6 +4,7 @@
 #include "platform/uikit/UIView.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -75,7 +76,8 @@ void ConstraintDescription::setPriority(double priority) {
 
 void ConstraintDescription::resolve(std::vector<Constraint>& constraints) const {
     if (!related_)
-        fatalError("Incomplete constraint: it says nothing about its " + std::string(describe(attributes_[0])),
+        fatalError("Incomplete constraint: it says nothing about its " +
+                       std::string(describe(attributes_[0])),
                    place_);
     for (std::size_t i = 0; i < attributes_.size(); ++i) {
         const ConstraintAttribute attribute = attributes_[i];
@@ -85,9 +87,11 @@ void ConstraintDescription::resolve(std::vector<Constraint>& constraints) const 
             fatalError("A constraint cannot relate " + std::string(describe(attribute)) + " to " +
                            describe(other),
                        place_);
-        const UIView* target = sizesAreConstant_ && isSize(attribute) ? nullptr : target_;
+        std::optional<std::weak_ptr<UIView>> target;
+        if (target_ && !(sizesAreConstant_ && isSize(attribute)))
+            target = target_->weakReference();
         constraints.push_back({.attribute = attribute,
-                               .target = target,
+                               .target = std::move(target),
                                .targetAttribute = other,
                                .multiplier = multiplier_,
                                .constant = constant(attribute),

@@ -39,8 +39,8 @@ public:
     void addInsets(const UIEdgeInsets& insets);
     void setPriority(double priority);
 
-    /// Appends one constraint per attribute. A chain without a relation, and one that relates a size to a place
-    /// or a place to one of the other axis, is a mistake.
+    /// Appends one constraint per attribute. A chain without a relation, and one that relates a size to a
+    /// place or a place to one of the other axis, is a mistake.
     void resolve(std::vector<Constraint>& constraints) const;
 
 private:

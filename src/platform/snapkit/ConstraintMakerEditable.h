@@ -22,11 +22,12 @@ public:
         return *this;
     }
 
-    /// Moves edges inwards by `amount` points: left and top edges by +amount, right and bottom edges by -amount;
-    /// sizes shrink by both sides.
+    /// Moves edges inwards by `amount` points: left and top edges by +amount, right and bottom edges by
+    /// -amount; sizes shrink by both sides.
     ConstraintMakerEditable inset(double amount) { return inset({amount, amount, amount, amount}); }
 
-    /// Moves edges inwards by the side's inset; sizes shrink by both sides, centres move by half the difference.
+    /// Moves edges inwards by the side's inset; sizes shrink by both sides, centres move by half the
+    /// difference.
     ConstraintMakerEditable inset(const UIEdgeInsets& insets) {
         description_.addInsets(insets);
         return *this;

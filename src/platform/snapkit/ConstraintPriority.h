@@ -2,8 +2,8 @@
 
 namespace sela {
 
-/// How important a constraint is, above 0 and up to 1000; the platform's named steps. The more important one of
-/// two that contradict each other is kept, of equally important ones the one that was made first.
+/// How important a constraint is, above 0 and up to 1000; the platform's named steps. The more important one
+/// of two that contradict each other is kept, of equally important ones the one that was made first.
 namespace ConstraintPriority {
 
 inline constexpr double required = 1000;
