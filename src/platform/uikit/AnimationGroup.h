@@ -1,0 +1,50 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+namespace sela {
+
+/// One call of `UIView::animate`: the changes made by its block start together, last equally long, and report
+/// together. Main thread only.
+class AnimationGroup : public std::enable_shared_from_this<AnimationGroup> {
+public:
+    using Completion = std::function<void(bool finished)>;
+
+    /// Runs `changes` with a new group as the current one, then starts it. `duration` in seconds; with 0 or
+    /// less the changes take effect at once. `completion` may be empty.
+    static void run(double duration, const std::function<void()>& changes, Completion completion);
+
+    /// Runs `changes` with no current group, so that they are not animated.
+    static void runWithoutAnimation(const std::function<void()>& changes);
+
+    /// The group whose block is running; null outside and within `runWithoutAnimation`.
+    static AnimationGroup* current();
+
+    /// The fraction of the change that is shown now, eased in and out, 0 to 1.
+    double progress() const;
+
+    /// Whether its duration has passed or all its changes were interrupted.
+    bool isOver() const { return over_; }
+
+    /// One more property takes part.
+    void join() { ++running_; }
+
+    /// A property that takes part was changed anew or its view went away: the group reports false. With the
+    /// last one the group is over.
+    void interrupt();
+
+private:
+    AnimationGroup(double duration, Completion completion);
+    void start();
+    void end();
+
+    double startTime_;
+    double duration_;
+    Completion completion_;
+    int running_ = 0;
+    bool interrupted_ = false;
+    bool over_ = false;
+};
+
+} // namespace sela

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "platform/uikit/UIControl.h"
+#include "platform/uikit/UIImageView.h"
+#include "platform/uikit/UILabel.h"
+
+#include <optional>
+#include <string>
+
+namespace sela {
+
+/// A button of the system type: an image, then a title, in the tint colour; while pressed both fade. What it
+/// shows is in its two subviews. Main thread only.
+class UIButton : public UIControl {
+public:
+    enum class State { normal };
+    enum class ContentHorizontalAlignment { center, left, right };
+
+    explicit UIButton(const CGRect& frame = {});
+
+    /// The plain title, empty for none; an attributed title, when set, is shown instead.
+    const std::string& title() const { return title_; }
+    void setTitle(const std::string& title, State state = State::normal);
+    const std::optional<NSAttributedString>& attributedTitle() const { return attributedTitle_; }
+    void setAttributedTitle(std::optional<NSAttributedString> title, State state = State::normal);
+
+    /// The colour of the plain title; none: the tint colour.
+    void setTitleColor(const std::optional<UIColor>& color, State state = State::normal);
+
+    /// Drawn in the tint colour.
+    void setImage(std::optional<UIImage> image, State state = State::normal);
+
+    /// The label of the title (its font is chosen here; the system font of 15 points at first) and the view
+    /// of the image.
+    UILabel& titleLabel() { return titleLabel_; }
+    const UILabel& titleLabel() const { return titleLabel_; }
+    UIImageView& imageView() { return imageView_; }
+    const UIImageView& imageView() const { return imageView_; }
+
+    /// Room between the bounds and the content.
+    const UIEdgeInsets& contentEdgeInsets() const { return contentEdgeInsets_; }
+    void setContentEdgeInsets(const UIEdgeInsets& insets);
+
+    ContentHorizontalAlignment contentHorizontalAlignment() const { return contentHorizontalAlignment_; }
+    void setContentHorizontalAlignment(ContentHorizontalAlignment alignment);
+
+    /// Image and title side by side, with the insets.
+    CGSize intrinsicContentSize() const override;
+    void layoutSubviews() override;
+
+protected:
+    void stateChanged() override;
+    void tintColorDidChange() override;
+
+private:
+    void titleChanged();
+
+    UILabel titleLabel_;
+    UIImageView imageView_;
+    std::string title_;
+    std::optional<NSAttributedString> attributedTitle_;
+    std::optional<UIColor> titleColor_;
+    UIEdgeInsets contentEdgeInsets_;
+    ContentHorizontalAlignment contentHorizontalAlignment_ = ContentHorizontalAlignment::center;
+};
+
+} // namespace sela

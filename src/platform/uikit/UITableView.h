@@ -1,0 +1,128 @@
+#pragma once
+
+#include "platform/uikit/IndexPath.h"
+#include "platform/uikit/UIScrollView.h"
+#include "platform/uikit/UITableViewCell.h"
+#include "platform/uikit/UITableViewDataSource.h"
+#include "platform/uikit/UITableViewDelegate.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sela {
+
+/// A scrolling list of rows of one height in sections (plain style, no headers). Only the rows in view have
+/// cells, and a cell that scrolls out of view serves again; a reload costs time in the number of sections,
+/// and scrolling in the number of visible rows. Main thread only.
+class UITableView : public UIScrollView {
+public:
+    enum class Style { plain };
+    enum class SeparatorStyle { none, singleLine };
+    enum class RowAnimation { none };
+    using CellFactory = std::function<std::unique_ptr<UITableViewCell>(UITableViewCell::Style,
+                                                                       const std::string& reuseIdentifier)>;
+
+    explicit UITableView(const CGRect& frame = {}, Style style = Style::plain);
+    ~UITableView() override;
+
+    /// Not owned; it must outlive the table or be set to null before it goes (usually it owns the table).
+    void setDataSource(UITableViewDataSource* dataSource);
+    void setDelegate(UITableViewDelegate* delegate);
+
+    /// Lines between the rows, `singleLine` at first.
+    SeparatorStyle separatorStyle() const { return separatorStyle_; }
+    void setSeparatorStyle(SeparatorStyle style);
+
+    /// How cells are made for an identifier.
+    void registerCellFactory(const std::string& identifier, CellFactory factory);
+
+    /// Cells of class `Cell`, which is constructed with a style and the identifier.
+    template<class Cell>
+    void registerClass(const std::string& identifier) {
+        registerCellFactory(identifier, [](UITableViewCell::Style style, const std::string& reuseIdentifier) {
+            return std::make_unique<Cell>(style, reuseIdentifier);
+        });
+    }
+
+    /// A cell for the data source to fill: one that is out of use, else a new one. An identifier without a
+    /// class stops the process.
+    UITableViewCell& dequeueReusableCell(const std::string& identifier, const IndexPath& indexPath);
+
+    /// Asks the data source for everything again; the selection goes, the offset stays as far as it can.
+    void reloadData();
+
+    /// Asks again for the rows of these sections only; nothing moves by animation. Their cells are filled
+    /// anew.
+    void reloadSections(const std::vector<int>& sections, RowAnimation animation = RowAnimation::none);
+
+    int numberOfSections();
+    int numberOfRows(int section);
+    double rowHeight();
+
+    /// The cell in view for a row; null when the row is out of view.
+    UITableViewCell* cellForRow(const IndexPath& indexPath);
+
+    /// The rows in view, in order.
+    std::vector<IndexPath> indexPathsForVisibleRows();
+
+    /// The row at a point of the content; absent when there is none.
+    std::optional<IndexPath> indexPathForRow(CGPoint point);
+
+    /// Where a row lies in the content.
+    CGRect rectForRow(const IndexPath& indexPath);
+
+    /// Moves the content as little as needed to bring the row wholly into view.
+    void scrollToRow(const IndexPath& indexPath);
+
+    std::optional<IndexPath> indexPathForSelectedRow() const { return selectedRow_; }
+
+    /// Selects without telling the delegate; the former selection goes. A row that does not exist is ignored.
+    void selectRow(const IndexPath& indexPath);
+    void deselectRow(const IndexPath& indexPath);
+
+    /// Cells that exist now, in view or kept for reuse.
+    std::size_t cellCount() const { return cells_.size(); }
+
+    void layoutSubviews() override;
+    void touchesBegan(const UITouch& touch) override;
+    void touchesMoved(const UITouch& touch) override;
+    void touchesEnded(const UITouch& touch) override;
+    void touchesCancelled(const UITouch& touch) override;
+
+protected:
+    void didScroll() override;
+
+private:
+    void loadIfNeeded();
+    void countRows();
+    void updateContentSize();
+    void updateVisibleCells();
+    void showRow(int index);
+    void recycle(UITableViewCell& cell);
+    bool contains(const IndexPath& indexPath) const;
+    int indexOf(const IndexPath& indexPath) const;
+    IndexPath indexPathAt(int index) const;
+    void highlight(std::optional<IndexPath> indexPath);
+
+    UITableViewDataSource* dataSource_ = nullptr;
+    UITableViewDelegate* delegate_ = nullptr;
+    SeparatorStyle separatorStyle_ = SeparatorStyle::singleLine;
+    std::map<std::string, CellFactory> factories_;
+    std::vector<std::unique_ptr<UITableViewCell>> cells_;
+    std::map<std::string, std::vector<UITableViewCell*>> reusable_;
+    std::vector<UITableViewCell*> dequeued_;
+    std::map<IndexPath, UITableViewCell*> visible_;
+    std::vector<int> sectionRows_;
+    std::vector<int> sectionStarts_;
+    int rowCount_ = 0;
+    double rowHeight_ = 44;
+    bool loaded_ = false;
+    std::optional<IndexPath> selectedRow_;
+    std::optional<IndexPath> highlightedRow_;
+};
+
+} // namespace sela

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "platform/uikit/UIColor.h"
+#include "platform/uikit/UIView.h"
+#include "platform/uikit/UIViewController.h"
+
+#include <memory>
+#include <optional>
+
+namespace sela {
+
+class UIScrollView;
+
+/// The root of the view tree, as large as the screen: takes the touches of whoever shows it, runs the layout
+/// pass, and knows what must be drawn. Main thread only.
+///
+/// Whoever shows it calls `prepareFrame` when a frame is due, draws what `takeDirtyRect` returns, and asks
+/// `needsFrame` whether another frame is due; `setNeedsFrameHandler` tells it when that changes while it
+/// waits.
+class UIWindow : public UIView {
+public:
+    /// `size` in points becomes the screen's size.
+    explicit UIWindow(CGSize size);
+    ~UIWindow() override;
+
+    /// The screen's size changes: the root view follows.
+    void setScreenSize(CGSize size);
+
+    UIViewController* rootViewController() const { return rootViewController_.get(); }
+
+    /// Shows `controller`'s view over the whole window, in place of a former one, and owns it.
+    void setRootViewController(std::shared_ptr<UIViewController> controller);
+
+    UIUserInterfaceStyle userInterfaceStyle() const { return userInterfaceStyle_; }
+    void setUserInterfaceStyle(UIUserInterfaceStyle style);
+
+    // Frames
+
+    /// Brings the tree up to date for this moment: rolling lists move, and what asked for layout is laid out.
+    void prepareFrame();
+
+    /// The part of the window (points) that looks different since the last call, animations included; empty
+    /// when nothing does. Call it after `prepareFrame`.
+    CGRect takeDirtyRect();
+
+    /// Whether another frame is due: something changed, or moves.
+    bool needsFrame() const;
+
+    /// Whether nothing moves that will come to rest: no animation of limited length, no rolling list, no
+    /// finger down. A spinner does not count.
+    bool isIdle() const;
+
+    /// Called when a frame becomes due after `needsFrame` was false.
+    void setNeedsFrameHandler(std::function<void()> handler) { needsFrameHandler_ = std::move(handler); }
+
+    // Input (points of the window)
+
+    /// A finger comes down, moves, goes up; or the system takes it away. A second finger is ignored by the
+    /// caller.
+    void touchBegan(CGPoint point);
+    void touchMoved(CGPoint point);
+    void touchEnded(CGPoint point);
+    void touchCancelled();
+
+    /// A wheel over `point` asks the list there to move by `points`, downwards when positive.
+    void wheelScrolled(CGPoint point, double points);
+
+    /// Whether a tap in the middle of `view`'s shown part would reach `view` or something inside it: it is in
+    /// this window, not hidden and not covered. Its middle, in window points, or absent.
+    std::optional<CGPoint> tapPoint(UIView& view);
+
+private:
+    friend class UIView;
+
+    struct TouchSequence {
+        std::weak_ptr<UIView> view;
+        std::weak_ptr<UIView> scrollView;
+        CGPoint start;
+        CGPoint last;
+        bool strayed = false;   ///< moved too far for a tap
+        bool scrolling = false; ///< the scroll view has taken it over
+    };
+
+    void invalidate(const CGRect& rect);
+    void viewLeft(UIView& view);
+    void cancelTouch(TouchSequence& touch);
+    bool recognizeTap(const TouchSequence& touch);
+
+    std::shared_ptr<UIViewController> rootViewController_;
+    UIUserInterfaceStyle userInterfaceStyle_ = UIUserInterfaceStyle::light;
+    CGRect dirtyRect_;
+    std::function<void()> needsFrameHandler_;
+    std::optional<TouchSequence> touch_;
+};
+
+} // namespace sela
