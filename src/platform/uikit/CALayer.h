@@ -65,6 +65,9 @@ private:
         double startTime;
     };
 
+    template<class T>
+    void change(T& value, const T& newValue);
+
     UIView& view_;
     double cornerRadius_ = 0;
     bool masksToBounds_ = false;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 namespace sela {
 
 /// Points, sizes and rectangles of the view kit, in points (the screen's unit of length, independent of its
@@ -45,6 +47,9 @@ struct CGRect {
 
     /// The same size moved by `dx` and `dy`.
     CGRect offsetBy(double dx, double dy) const;
+
+    /// The smallest upright rectangle around four points.
+    static CGRect around(const std::array<CGPoint, 4>& points);
 
     /// The smallest rectangle around both; an empty one counts as nothing.
     CGRect unionWith(const CGRect& other) const;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/uikit/AnimationGroup.h"
+#include "platform/uikit/Interpolation.h"
 
 #include <memory>
 #include <utility>
@@ -35,10 +36,12 @@ public:
             group->interrupt();
     }
 
-    const T& from() const { return from_; }
+    bool isPart(const AnimationGroup& group) const { return group_.get() == &group; }
 
-    /// The fraction of the way, 1 when it does not run.
-    double progress() const { return isRunning() ? group_->progress() : 1; }
+    /// What is shown now of a property that has the value `model`.
+    T shown(const T& model) const {
+        return isRunning() ? interpolated(from_, model, group_->progress()) : model;
+    }
 
 private:
     std::shared_ptr<AnimationGroup> group_;

@@ -18,9 +18,10 @@ public:
     /// less, never by more than `dimension`, the visible length.
     static double rubberBand(double wanted, double minimum, double maximum, double dimension);
 
+    /// What a finger wants when the content is shown at `shown`: the inverse of `rubberBand`.
+    static double pullFor(double shown, double minimum, double maximum, double dimension);
+
 private:
-    double roll(double elapsed) const;
-    double rollVelocity(double elapsed) const;
     double spring(double elapsed) const;
 
     double start_;

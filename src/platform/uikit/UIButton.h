@@ -27,6 +27,9 @@ public:
     /// The colour of the plain title; none: the tint colour.
     void setTitleColor(const std::optional<UIColor>& color, State state = State::normal);
 
+    /// The system font of 15 points at first.
+    void setTitleFont(const UIFont& font);
+
     /// Drawn in the tint colour.
     void setImage(std::optional<UIImage> image, State state = State::normal);
 
@@ -54,6 +57,8 @@ protected:
 
 private:
     void titleChanged();
+    void contentChanged();
+    CGSize imageSize() const;
 
     UILabel titleLabel_;
     UIImageView imageView_;

@@ -3,7 +3,7 @@
 #include "platform/uikit/UIView.h"
 
 #include <functional>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace sela {
@@ -61,6 +61,7 @@ private:
     std::vector<TargetAction> targets_;
     bool enabled_ = true;
     bool highlighted_ = false;
+    bool tracking_ = false; ///< a touch that began here is still down
     int tag_ = 0;
 };
 

@@ -55,7 +55,8 @@ public:
     CGSize sizeThatFits(CGSize size) const override;
 
 private:
-    void textChanged();
+    template<class T>
+    void change(T& value, const T& newValue);
     NSAttributedString resolvedText(double scale) const;
 
     NSAttributedString text_;

@@ -36,16 +36,12 @@ public:
 
     void viewDidLoad() override;
     void viewDidLayoutSubviews() override;
-    void viewWillAppear(bool animated) override;
-    void viewDidAppear(bool animated) override;
-    void viewWillDisappear(bool animated) override;
-    void viewDidDisappear(bool animated) override;
 
 private:
     struct Transition;
 
-    void show(std::shared_ptr<UIViewController> incoming, std::shared_ptr<UIViewController> outgoing,
-              bool forward, bool animated);
+    void show(const std::shared_ptr<UIViewController>& incoming,
+              const std::shared_ptr<UIViewController>& outgoing, bool forward, bool animated);
     void finishTransition();
 
     std::shared_ptr<Transition> transition_;

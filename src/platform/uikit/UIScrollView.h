@@ -55,6 +55,8 @@ protected:
     /// The offset changed.
     virtual void didScroll() {}
 
+    void didMoveToWindow() override;
+
 private:
     struct Drag {
         double startOffset;

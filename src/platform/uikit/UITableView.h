@@ -26,6 +26,9 @@ public:
     using CellFactory = std::function<std::unique_ptr<UITableViewCell>(UITableViewCell::Style,
                                                                        const std::string& reuseIdentifier)>;
 
+    /// Height of a row in points where no delegate says otherwise.
+    static constexpr double defaultRowHeight = 44;
+
     explicit UITableView(const CGRect& frame = {}, Style style = Style::plain);
     ~UITableView() override;
 
@@ -98,12 +101,13 @@ protected:
 
 private:
     void loadIfNeeded();
-    void countRows();
+    void rowsChanged();
     void updateContentSize();
     void updateVisibleCells();
-    void showRow(int index);
+    void showRow(const IndexPath& indexPath);
     void recycle(UITableViewCell& cell);
-    bool contains(const IndexPath& indexPath) const;
+    void recycleAll();
+    bool contains(const IndexPath& indexPath);
     int indexOf(const IndexPath& indexPath) const;
     IndexPath indexPathAt(int index) const;
     void highlight(std::optional<IndexPath> indexPath);
@@ -119,8 +123,10 @@ private:
     std::vector<int> sectionRows_;
     std::vector<int> sectionStarts_;
     int rowCount_ = 0;
-    double rowHeight_ = 44;
+    double rowHeight_ = defaultRowHeight;
     bool loaded_ = false;
+    bool updating_ = false;
+    CGPoint touchStart_;
     std::optional<IndexPath> selectedRow_;
     std::optional<IndexPath> highlightedRow_;
 };

@@ -24,6 +24,9 @@ public:
     SelectionStyle selectionStyle() const { return selectionStyle_; }
     void setSelectionStyle(SelectionStyle style);
 
+    /// Whether a thin line is drawn along the lower edge; chosen by the table.
+    void setShowsSeparator(bool shows);
+
     bool isSelected() const { return selected_; }
     virtual void setSelected(bool selected, bool animated);
     bool isHighlighted() const { return highlighted_; }
@@ -45,6 +48,7 @@ private:
     std::optional<std::string> reuseIdentifier_;
     UIView contentView_;
     UIView selectionShade_;
+    UIView separator_;
     SelectionStyle selectionStyle_ = SelectionStyle::gray;
     bool selected_ = false;
     bool highlighted_ = false;

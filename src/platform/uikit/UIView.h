@@ -1,16 +1,18 @@
 #pragma once
 
+#include "platform/uikit/AnimationGroup.h"
 #include "platform/uikit/CALayer.h"
 #include "platform/uikit/Geometry.h"
 #include "platform/uikit/NSCoder.h"
-#include "platform/uikit/PropertyAnimation.h"
 #include "platform/uikit/UIColor.h"
 #include "platform/uikit/UITouch.h"
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -21,6 +23,9 @@ class LayoutConstraints;
 class UITapGestureRecognizer;
 class UIViewController;
 class UIWindow;
+struct ViewAnimations;
+template<class T>
+class PropertyAnimation;
 
 /// What a view is to a screen reader.
 enum class AccessibilityRole { none, button, image, staticText, keyboardKey, progress, list, listItem };
@@ -88,6 +93,10 @@ public:
 
     /// A reference that is empty once the view is gone.
     std::weak_ptr<UIView> weakReference() const { return self_; }
+
+    /// The view at the root of the tree, often the window.
+    UIView& treeRoot();
+    const UIView& treeRoot() const;
 
     /// The controller whose root view this is; null for any other view.
     UIViewController* viewController() const { return viewController_; }
@@ -282,24 +291,22 @@ private:
     friend class UIViewController;
     friend class UIWindow;
 
-    struct Animations;
-
     template<class T>
-    void change(PropertyAnimation<T> Animations::*animation, T& value, const T& newValue);
-    template<class T>
-    T shown(const PropertyAnimation<T> Animations::*animation, const T& value) const;
+    void change(PropertyAnimation<T> ViewAnimations::*animation, T& value, const T& newValue);
 
+    virtual UIWindow* asWindow() { return nullptr; }
+    void link(UIView& view, std::size_t index);
     void unlink();
-    void movedToWindow();
+    void movedToWindow(UIWindow* former);
     void endAnimations();
     void tintChanged();
-    void markSubtreeForLayout();
     void layoutTree();
-    UIView* layoutRoot();
-    UIView& treeRoot();
+    void solveAgain();
+    bool hasConstrainedSubview() const;
+    std::optional<CGPoint> fromRoot(CGPoint point) const;
     CGRect displayExtent() const;
-
-    std::weak_ptr<UIView> self() const { return self_; }
+    CGRect displayRectInWindow() const;
+    CGRect takeChangedRect();
 
     std::shared_ptr<UIView> self_;
     UIView* superview_ = nullptr;
@@ -319,7 +326,7 @@ private:
     std::optional<UIColor> backgroundColor_;
     std::optional<UIColor> tintColor_;
     CALayer layer_;
-    std::unique_ptr<Animations> animations_;
+    std::unique_ptr<ViewAnimations> animations_;
     std::unique_ptr<LayoutConstraints> layoutConstraints_;
     std::vector<std::unique_ptr<UITapGestureRecognizer>> gestureRecognizers_;
     std::string accessibilityLabel_;

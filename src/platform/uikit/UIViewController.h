@@ -82,8 +82,9 @@ public:
     /// nothing to dismiss.
     virtual void dismiss(bool animated, Completion completion = {});
 
-    UIViewController* presentedViewController() const { return presented_.get(); }
-    UIViewController* presentingViewController() const { return presenting_; }
+    /// What this controller or the one around it presents, and what presents it; null for nothing.
+    UIViewController* presentedViewController();
+    UIViewController* presentingViewController();
 
 protected:
     /// Makes the root view; an override gives `setView` a view of its own.
@@ -102,11 +103,12 @@ private:
 
     enum class Appearance { disappeared, appearing, appeared, disappearing };
 
+    UIViewController& containmentRoot();
+    std::vector<std::shared_ptr<UIViewController>> shownChildren() const;
     void viewMovedToWindow();
     void dismissPresented(bool animated, Completion completion);
 
     std::unique_ptr<UIView> view_;
-    bool loadingView_ = false;
     Appearance appearance_ = Appearance::disappeared;
     bool transitionAnimated_ = false;
     UIViewController* parent_ = nullptr;

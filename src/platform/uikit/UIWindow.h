@@ -4,6 +4,7 @@
 #include "platform/uikit/UIView.h"
 #include "platform/uikit/UIViewController.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -53,6 +54,8 @@ public:
     /// Called when a frame becomes due after `needsFrame` was false.
     void setNeedsFrameHandler(std::function<void()> handler) { needsFrameHandler_ = std::move(handler); }
 
+    void layoutSubviews() override;
+
     // Input (points of the window)
 
     /// A finger comes down, moves, goes up; or the system takes it away. A second finger is ignored by the
@@ -81,14 +84,17 @@ private:
         bool scrolling = false; ///< the scroll view has taken it over
     };
 
+    UIWindow* asWindow() override { return this; }
+    static void prepareSubtree(UIView& view);
+    static bool isMoving(const UIView& view);
     void invalidate(const CGRect& rect);
+    void requestFrame();
     void viewLeft(UIView& view);
-    void cancelTouch(TouchSequence& touch);
-    bool recognizeTap(const TouchSequence& touch);
 
     std::shared_ptr<UIViewController> rootViewController_;
     UIUserInterfaceStyle userInterfaceStyle_ = UIUserInterfaceStyle::light;
     CGRect dirtyRect_;
+    bool frameRequested_ = false;
     std::function<void()> needsFrameHandler_;
     std::optional<TouchSequence> touch_;
 };

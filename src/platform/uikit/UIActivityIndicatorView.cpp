@@ -1,0 +1,53 @@
+#include "platform/uikit/UIActivityIndicatorView.h"
+
+#include "platform/foundation/DispatchQueue.h"
+
+#include <cmath>
+
+namespace sela {
+
+UIActivityIndicatorView::UIActivityIndicatorView(Style)
+    : UIView({0, 0, side, side}), color_(UIColor::dynamic({0.6, 0.6, 0.6, 1}, {0.7, 0.7, 0.7, 1})) {
+    setHidden(true);
+    setUserInteractionEnabled(false);
+    setAccessibilityRole(AccessibilityRole::progress);
+}
+
+void UIActivityIndicatorView::setColor(const UIColor& color) {
+    color_ = color;
+    setNeedsDisplay();
+}
+
+void UIActivityIndicatorView::startAnimating() {
+    if (!spinning_)
+        startTime_ = DispatchQueue::main().now();
+    spinning_ = true;
+    if (hidesWhenStopped_)
+        setHidden(false);
+    setNeedsDisplay();
+}
+
+void UIActivityIndicatorView::stopAnimating() {
+    spinning_ = false;
+    if (hidesWhenStopped_)
+        setHidden(true);
+}
+
+void UIActivityIndicatorView::setHidesWhenStopped(bool hides) {
+    hidesWhenStopped_ = hides;
+    if (!spinning_)
+        setHidden(hides);
+}
+
+int UIActivityIndicatorView::leadingSpoke() const {
+    if (!spinning_)
+        return 0;
+    const double turns = (DispatchQueue::main().now() - startTime_) / turnDuration;
+    return static_cast<int>((turns - std::floor(turns)) * spokes) % spokes;
+}
+
+bool UIActivityIndicatorView::isAnimating() const {
+    return spinning_ || UIView::isAnimating();
+}
+
+} // namespace sela

@@ -1,0 +1,91 @@
+#include "platform/uikit/UILabel.h"
+
+#include "platform/uikit/TextMeasurer.h"
+
+#include <algorithm>
+
+namespace sela {
+
+UILabel::UILabel(const CGRect& frame)
+    : UIView(frame), font_(UIFont::systemFont(17)), textColor_(UIColor::dynamic({0, 0, 0, 1}, {1, 1, 1, 1})) {
+    setUserInteractionEnabled(false);
+    setAccessibilityRole(AccessibilityRole::staticText);
+}
+
+template<class T>
+void UILabel::change(T& value, const T& newValue) {
+    if (value == newValue)
+        return;
+    value = newValue;
+    setNeedsDisplay();
+    invalidateIntrinsicContentSize();
+}
+
+void UILabel::setText(std::string_view text) {
+    change(text_, NSAttributedString(text));
+}
+
+void UILabel::setAttributedText(const NSAttributedString& text) {
+    change(text_, text);
+}
+
+void UILabel::setFont(const UIFont& font) {
+    change(font_, font);
+}
+
+void UILabel::setTextColor(const UIColor& color) {
+    if (color == textColor_)
+        return;
+    textColor_ = color;
+    setNeedsDisplay();
+}
+
+void UILabel::setTextAlignment(NSTextAlignment alignment) {
+    if (alignment == textAlignment_)
+        return;
+    textAlignment_ = alignment;
+    setNeedsDisplay();
+}
+
+void UILabel::setNumberOfLines(int lines) {
+    change(numberOfLines_, lines);
+}
+
+void UILabel::setAdjustsFontSizeToFitWidth(bool adjusts) {
+    change(adjustsFontSizeToFitWidth_, adjusts);
+}
+
+void UILabel::setMinimumScaleFactor(double factor) {
+    change(minimumScaleFactor_, factor);
+}
+
+NSAttributedString UILabel::resolvedText(double scale) const {
+    NSAttributedString resolved;
+    for (const NSAttributedString::Run& run : text_.runs()) {
+        const UIFont font = run.attributes.font.value_or(font_);
+        resolved.append({run.text,
+                         {.foregroundColor = run.attributes.foregroundColor.value_or(textColor_),
+                          .font = scale == 1 ? font : font.withSize(font.size() * scale)}});
+    }
+    return resolved;
+}
+
+NSAttributedString UILabel::displayedText() const {
+    const NSAttributedString text = resolvedText(1);
+    if (!adjustsFontSizeToFitWidth_ || numberOfLines_ != 1)
+        return text;
+    const double width = TextMeasurer::current().size(text, TextMeasurer::unlimitedWidth, 1).width;
+    if (width <= bounds().size.width)
+        return text;
+    return resolvedText(std::max(minimumScaleFactor_, bounds().size.width / width));
+}
+
+CGSize UILabel::intrinsicContentSize() const {
+    return sizeThatFits({TextMeasurer::unlimitedWidth, 0});
+}
+
+CGSize UILabel::sizeThatFits(CGSize size) const {
+    return TextMeasurer::current().size(resolvedText(1), size.width, numberOfLines_);
+}
+
+} // namespace sela

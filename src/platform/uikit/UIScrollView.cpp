@@ -1,0 +1,145 @@
+#include "platform/uikit/UIScrollView.h"
+
+#include "platform/foundation/DispatchQueue.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace sela {
+
+namespace {
+
+constexpr double frameDuration = 1.0 / 60;
+
+/// A finger that rests so long (seconds) before it goes up throws nothing.
+constexpr double restTime = 0.1;
+
+/// The weight of the newest step in the finger's velocity.
+constexpr double velocityWeight = 0.6;
+
+} // namespace
+
+UIScrollView::UIScrollView(const CGRect& frame) : UIView(frame) {
+    setClipsToBounds(true);
+}
+
+void UIScrollView::setContentOffset(CGPoint offset) {
+    motion_.reset();
+    moveTo(offset.y);
+}
+
+void UIScrollView::setContentSize(CGSize size) {
+    if (size == contentSize_)
+        return;
+    contentSize_ = size;
+    if (!drag_ && !motion_)
+        moveTo(std::clamp(contentOffset().y, 0.0, maximumOffset()));
+}
+
+double UIScrollView::maximumOffset() const {
+    return std::max(0.0, contentSize_.height - bounds().size.height);
+}
+
+bool UIScrollView::isAnimating() const {
+    return motion_ || UIView::isAnimating();
+}
+
+void UIScrollView::moveTo(double offset) {
+    if (offset == contentOffset().y)
+        return;
+    performWithoutAnimation([&] { setBounds({{0, offset}, bounds().size}); });
+    didScroll();
+}
+
+bool UIScrollView::holdScrolling() {
+    advance();
+    const bool moved = motion_.has_value();
+    motion_.reset();
+    return moved;
+}
+
+void UIScrollView::beginDragging(const UITouch& touch) {
+    motion_.reset();
+    const double y = touch.locationInWindow.y;
+    drag_ = Drag{ScrollMotion::pullFor(contentOffset().y, 0, maximumOffset(), bounds().size.height), y, y,
+                 touch.timestamp, 0};
+}
+
+void UIScrollView::drag(const UITouch& touch) {
+    if (!drag_)
+        return;
+    const double y = touch.locationInWindow.y;
+    const double elapsed = touch.timestamp - drag_->previousTime;
+    if (elapsed > 0) {
+        const double velocity = (drag_->previousY - y) / elapsed;
+        drag_->velocity =
+            elapsed > restTime ? velocity : drag_->velocity + velocityWeight * (velocity - drag_->velocity);
+        drag_->previousY = y;
+        drag_->previousTime = touch.timestamp;
+    }
+    moveTo(ScrollMotion::rubberBand(drag_->startOffset + drag_->startY - y, 0, maximumOffset(),
+                                    bounds().size.height));
+}
+
+void UIScrollView::endDragging(const UITouch& touch) {
+    if (!drag_)
+        return;
+    const bool rested = touch.timestamp - drag_->previousTime > restTime;
+    const double velocity = rested ? 0 : drag_->velocity;
+    drag_.reset();
+    startMotion(velocity);
+}
+
+void UIScrollView::cancelDragging() {
+    if (!drag_)
+        return;
+    drag_.reset();
+    startMotion(0);
+}
+
+void UIScrollView::scrollByWheel(double points) {
+    if (!scrollEnabled_ || drag_)
+        return;
+    setContentOffset({0, std::clamp(contentOffset().y + points, 0.0, maximumOffset())});
+}
+
+void UIScrollView::didMoveToWindow() {
+    if (window())
+        return;
+    drag_.reset();
+    motion_.reset();
+}
+
+void UIScrollView::startMotion(double velocity) {
+    const ScrollMotion motion(contentOffset().y, velocity, 0, maximumOffset());
+    if (motion.duration() <= 0)
+        return;
+    motion_ = Motion{motion, DispatchQueue::main().now(), ++motions_};
+    scheduleFrame();
+}
+
+void UIScrollView::advance() {
+    if (!motion_)
+        return;
+    const double elapsed = DispatchQueue::main().now() - motion_->startTime;
+    const double offset = motion_->motion.position(elapsed);
+    if (elapsed >= motion_->motion.duration())
+        motion_.reset();
+    moveTo(offset);
+}
+
+void UIScrollView::scheduleFrame() {
+    DispatchQueue::main().asyncAfter(frameDuration, [view = weakReference(), serial = motion_->serial] {
+        const std::shared_ptr<UIView> alive = view.lock();
+        if (!alive)
+            return;
+        auto& scrollView = static_cast<UIScrollView&>(*alive);
+        if (!scrollView.motion_ || scrollView.motion_->serial != serial)
+            return;
+        scrollView.advance();
+        if (scrollView.motion_)
+            scrollView.scheduleFrame();
+    });
+}
+
+} // namespace sela

@@ -1,0 +1,146 @@
+#include "platform/foundation/DispatchQueue.h"
+#include "platform/uikit/UIControl.h"
+#include "platform/uikit/UIScrollView.h"
+#include "platform/uikit/UITapGestureRecognizer.h"
+#include "platform/uikit/UIWindow.h"
+
+#include <cmath>
+#include <utility>
+
+namespace sela {
+
+namespace {
+
+UITouch touchAt(CGPoint point) {
+    return {point, DispatchQueue::main().now()};
+}
+
+UIScrollView* scrollViewAround(UIView* view) {
+    for (; view; view = view->superview())
+        if (auto* const scrollView = dynamic_cast<UIScrollView*>(view);
+            scrollView && scrollView->isScrollEnabled())
+            return scrollView;
+    return nullptr;
+}
+
+UIScrollView* asScrollView(const std::weak_ptr<UIView>& view) {
+    return static_cast<UIScrollView*>(view.lock().get());
+}
+
+/// The recogniser that a tap on `view` reaches; null when there is none.
+UITapGestureRecognizer* recognizerFor(UIView* view) {
+    for (; view; view = view->superview()) {
+        for (const std::unique_ptr<UITapGestureRecognizer>& recognizer : view->gestureRecognizers())
+            if (recognizer->isEnabled())
+                return recognizer.get();
+        if (dynamic_cast<UIControl*>(view))
+            return nullptr;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+void UIWindow::touchBegan(CGPoint point) {
+    touchCancelled();
+    UIView* const view = hitTest(point);
+    if (!view)
+        return;
+    touch_ = TouchSequence{.view = view->weakReference(), .scrollView = {}, .start = point, .last = point};
+    if (UIScrollView* const scrollView = scrollViewAround(view)) {
+        touch_->scrollView = scrollView->weakReference();
+        if (scrollView->holdScrolling()) {
+            touch_->scrolling = true;
+            scrollView->beginDragging(touchAt(point));
+            return;
+        }
+    }
+    view->touchesBegan(touchAt(point));
+}
+
+void UIWindow::touchMoved(CGPoint point) {
+    if (!touch_)
+        return;
+    touch_->last = point;
+    touch_->strayed |= std::hypot(point.x - touch_->start.x, point.y - touch_->start.y) > tapMovementLimit;
+    UIScrollView* const scrollView = asScrollView(touch_->scrollView);
+    if (touch_->scrolling) {
+        if (scrollView)
+            scrollView->drag(touchAt(point));
+    } else if (scrollView && std::abs(point.y - touch_->start.y) > tapMovementLimit) {
+        touch_->scrolling = true;
+        const std::weak_ptr<UIView> scrolling = touch_->scrollView;
+        if (const std::shared_ptr<UIView> view = touch_->view.lock())
+            view->touchesCancelled(touchAt(point));
+        if (UIScrollView* const stillThere = asScrollView(scrolling))
+            stillThere->beginDragging(touchAt(point));
+    } else if (const std::shared_ptr<UIView> view = touch_->view.lock()) {
+        view->touchesMoved(touchAt(point));
+    }
+}
+
+void UIWindow::touchEnded(CGPoint point) {
+    if (!touch_)
+        return;
+    if (point != touch_->last)
+        touchMoved(point);
+    const std::optional<TouchSequence> ended = std::exchange(touch_, std::nullopt);
+    if (!ended)
+        return;
+    if (ended->scrolling) {
+        if (UIScrollView* const scrollView = asScrollView(ended->scrollView))
+            scrollView->endDragging(touchAt(point));
+        return;
+    }
+    UIView* const view = ended->view.lock().get();
+    if (!view)
+        return;
+    UITapGestureRecognizer* const recognizer = ended->strayed ? nullptr : recognizerFor(view);
+    if (!recognizer) {
+        view->touchesEnded(touchAt(point));
+        return;
+    }
+    const std::weak_ptr<UIView> recognizing = recognizer->view()->weakReference();
+    view->touchesCancelled(touchAt(point));
+    if (!recognizing.expired())
+        recognizer->recognize();
+}
+
+void UIWindow::touchCancelled() {
+    const std::optional<TouchSequence> cancelled = std::exchange(touch_, std::nullopt);
+    if (!cancelled)
+        return;
+    if (cancelled->scrolling) {
+        if (UIScrollView* const scrollView = asScrollView(cancelled->scrollView))
+            scrollView->cancelDragging();
+    } else if (UIView* const view = cancelled->view.lock().get()) {
+        view->touchesCancelled(touchAt(cancelled->last));
+    }
+}
+
+void UIWindow::viewLeft(UIView& view) {
+    if (!touch_)
+        return;
+    const std::shared_ptr<UIView> touched = touch_->view.lock();
+    if (!touched || touched.get() == &view)
+        touchCancelled();
+}
+
+void UIWindow::wheelScrolled(CGPoint point, double points) {
+    if (UIScrollView* const scrollView = scrollViewAround(hitTest(point)))
+        scrollView->scrollByWheel(points);
+}
+
+std::optional<CGPoint> UIWindow::tapPoint(UIView& view) {
+    if (view.window() != this)
+        return std::nullopt;
+    CGRect shown = view.bounds();
+    for (const UIView* up = &view; up->superview(); up = up->superview())
+        shown = up->toSuperview().apply(shown).intersection(up->superview()->bounds());
+    const UIView* const hit = shown.isEmpty() ? nullptr : hitTest(shown.center());
+    if (!hit || !hit->isDescendant(view))
+        return std::nullopt;
+    return shown.center();
+}
+
+} // namespace sela
