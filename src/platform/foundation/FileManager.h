@@ -15,13 +15,19 @@
 
 namespace sela {
 
-/// What the file system tells of a file; a symbolic link is followed.
+/// What the file system tells of a file.
 struct FileAttributes {
-    enum class Type { regular, directory, other };
+    enum class Type { regular, directory, symbolicLink, other };
 
     Type type = Type::other;
     std::int64_t size = 0;       ///< bytes
     double modificationDate = 0; ///< seconds since 1970
+    std::uint64_t device = 0;    ///< with `inode`, tells whether two names are one file
+    std::uint64_t inode = 0;
+
+    bool isSameFile(const FileAttributes& other) const {
+        return device == other.device && inode == other.inode;
+    }
 };
 
 /// The file system, as the programs of the group use it: every file that they make or read goes through it.
@@ -52,7 +58,11 @@ public:
     /// Whether something exists at the path; a link that leads nowhere does not.
     virtual bool fileExists(const std::string& path) const = 0;
 
+    /// The attributes of what a path leads to, symbolic links followed.
     virtual Result<FileAttributes> attributesOfItem(const std::string& path) const = 0;
+
+    /// The attributes of what stands at a path, which may be a symbolic link itself.
+    virtual Result<FileAttributes> attributesOfEntry(const std::string& path) const = 0;
 
     /// Makes the folder and those above it that are missing, and brings them to the disk; no error when it is
     /// there already.
@@ -66,6 +76,10 @@ public:
 
     /// Gives a file a second name, which must not exist yet (EEXIST otherwise), and brings that to the disk.
     virtual ErrorRef linkItem(const std::string& from, const std::string& to) = 0;
+
+    /// Gives a file another name, which must not exist yet (EEXIST otherwise), and brings that to the disk.
+    /// Both names lie in one file system (EXDEV otherwise).
+    virtual ErrorRef moveItem(const std::string& from, const std::string& to) = 0;
 
     /// Brings the entries of a folder to the disk.
     virtual ErrorRef synchronizeDirectory(const std::string& path) = 0;

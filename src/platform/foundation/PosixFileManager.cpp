@@ -8,6 +8,7 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -29,7 +30,11 @@ FileAttributes attributesFrom(const struct stat& status) {
         attributes.type = FileAttributes::Type::regular;
     else if (S_ISDIR(status.st_mode))
         attributes.type = FileAttributes::Type::directory;
+    else if (S_ISLNK(status.st_mode))
+        attributes.type = FileAttributes::Type::symbolicLink;
     attributes.size = status.st_size;
+    attributes.device = status.st_dev;
+    attributes.inode = status.st_ino;
     attributes.modificationDate = secondsOf(status.st_mtim);
     return attributes;
 }
@@ -114,6 +119,13 @@ Result<FileAttributes> PosixFileManager::attributesOfItem(const std::string& pat
     return attributesFrom(status);
 }
 
+Result<FileAttributes> PosixFileManager::attributesOfEntry(const std::string& path) const {
+    struct stat status = {};
+    if (::lstat(path.c_str(), &status) != 0)
+        return NSError::posix(errno, "lstat");
+    return attributesFrom(status);
+}
+
 ErrorRef PosixFileManager::createDirectory(const std::string& path) {
     if (::mkdir(path.c_str(), 0700) == 0)
         return synchronizeFolder(URL::fileURL(path).deletingLastPathComponent().path());
@@ -154,6 +166,12 @@ ErrorRef PosixFileManager::removeItem(const std::string& path) {
 ErrorRef PosixFileManager::linkItem(const std::string& from, const std::string& to) {
     if (::link(from.c_str(), to.c_str()) != 0)
         return NSError::posix(errno, "link");
+    return synchronizeFolder(URL::fileURL(to).deletingLastPathComponent().path());
+}
+
+ErrorRef PosixFileManager::moveItem(const std::string& from, const std::string& to) {
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) != 0)
+        return NSError::posix(errno, "rename");
     return synchronizeFolder(URL::fileURL(to).deletingLastPathComponent().path());
 }
 

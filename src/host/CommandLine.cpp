@@ -1,0 +1,176 @@
+#include "host/CommandLine.h"
+
+#include <charconv>
+#include <string_view>
+
+namespace sela {
+
+namespace {
+
+/// A number that the whole text consists of and that lies within the bounds.
+std::optional<double> numberIn(std::string_view text, double smallest, double largest) {
+    double number = 0;
+    const std::from_chars_result result = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (result.ec != std::errc() || result.ptr != text.data() + text.size())
+        return std::nullopt;
+    if (!(number >= smallest && number <= largest))
+        return std::nullopt;
+    return number;
+}
+
+/// Reads arguments one by one; `problem` is empty as long as nothing is wrong.
+class Parser {
+public:
+    explicit Parser(const std::vector<std::string>& arguments) : arguments_(arguments) {}
+
+    std::variant<CommandLine, std::string> parse() {
+        bool optionsEnded = false;
+        while (problem_.empty() && position_ < arguments_.size()) {
+            const std::string& argument = arguments_[position_++];
+            if (optionsEnded || argument == "-" || !argument.starts_with('-'))
+                line_.attachments.push_back(argument);
+            else if (argument == "--")
+                optionsEnded = true;
+            else
+                readOption(argument);
+        }
+        if (!problem_.empty())
+            return problem_;
+        return std::move(line_);
+    }
+
+private:
+    void readOption(const std::string& option) {
+        if (option == "--paste")
+            line_.paste = true;
+        else if (option == "--headless")
+            line_.headless = true;
+        else if (option == "--help" || option == "-h")
+            line_.help = true;
+        else if (option == "--version")
+            line_.version = true;
+        else if (option == "--screen")
+            readScreen(value(option));
+        else if (option == "--scale")
+            readScale(value(option));
+        else if (option == "--appearance")
+            readAppearance(value(option));
+        else
+            readStep(option);
+    }
+
+    std::string value(const std::string& option) {
+        if (position_ < arguments_.size())
+            return arguments_[position_++];
+        problem_ = option + " needs a value";
+        return {};
+    }
+
+    void readScreen(const std::string& text) {
+        const std::size_t cross = text.find('x');
+        const std::string_view whole = text;
+        if (cross != std::string::npos) {
+            line_.screenWidth = numberIn(whole.substr(0, cross), 1, 8192);
+            line_.screenHeight = numberIn(whole.substr(cross + 1), 1, 8192);
+        }
+        if (problem_.empty() && !(line_.screenWidth && line_.screenHeight))
+            problem_ = "--screen needs a size in points like 375x667, not \"" + text + "\"";
+    }
+
+    void readScale(const std::string& text) {
+        const std::optional<double> scale = numberIn(text, 0.25, 8);
+        if (scale) {
+            line_.scale = *scale;
+            line_.hasScale = true;
+        } else if (problem_.empty()) {
+            problem_ = "--scale needs a number from 0.25 to 8, not \"" + text + "\"";
+        }
+    }
+
+    void readAppearance(const std::string& text) {
+        if (text == "light")
+            line_.appearance = CommandLine::Appearance::light;
+        else if (text == "dark")
+            line_.appearance = CommandLine::Appearance::dark;
+        else if (problem_.empty())
+            problem_ = "--appearance is light or dark, not \"" + text + "\"";
+    }
+
+    void readStep(const std::string& option) {
+        struct Named {
+            std::string_view option;
+            Step::Kind kind;
+        };
+        constexpr Named names[] = {{"--tap", Step::Kind::tap},           {"--tap-now", Step::Kind::tapNow},
+                                   {"--type", Step::Kind::type},         {"--wait", Step::Kind::wait},
+                                   {"--snapshot", Step::Kind::snapshot}, {"--tree", Step::Kind::tree}};
+        for (const Named& named : names) {
+            if (named.option != option)
+                continue;
+            Step step{named.kind, value(option)};
+            check(step);
+            line_.steps.push_back(std::move(step));
+            return;
+        }
+        problem_ = "unknown option " + option;
+    }
+
+    void check(Step& step) {
+        if (!problem_.empty())
+            return;
+        if (step.kind == Step::Kind::type &&
+            step.argument.find_first_not_of("0123456789") != std::string::npos) {
+            problem_ = "--type takes digits only";
+        } else if (step.kind == Step::Kind::wait) {
+            const std::optional<double> seconds = numberIn(step.argument, 0, 86400);
+            if (seconds)
+                step.seconds = *seconds;
+            else
+                problem_ = "--wait needs seconds, not \"" + step.argument + "\"";
+        }
+    }
+
+    const std::vector<std::string>& arguments_;
+    std::size_t position_ = 0;
+    CommandLine line_;
+    std::string problem_;
+};
+
+} // namespace
+
+std::variant<CommandLine, std::string> CommandLine::parse(const std::vector<std::string>& arguments) {
+    return Parser(arguments).parse();
+}
+
+std::string CommandLine::usage() {
+    return R"(Usage: sela-share [OPTION]... [FILE | file://URL | -]...
+
+Adds files to the vault: shows the card on which an album is chosen, copies every file into
+the vault's container and records it there for the vault to import.
+
+  FILE, file://URL     one attachment each; all belong to one request
+  -                    a picture from standard input
+  --paste              what is on the clipboard
+
+  --screen WxH         size of the screen in points (375x667 without a display)
+  --scale N            pixels per point
+  --appearance MODE    light or dark
+  --headless           no window; no display is needed
+
+Steps, taken in this order once the screen is idle:
+  --tap NAME           touch a view: addButton, albumButton, cancelButton, backButton,
+                       button0 to button9, row:SECTION:ROW, showChildButton:SECTION
+  --tap-now NAME       the same without waiting
+  --type DIGITS        touch one digit after another
+  --wait SECONDS       let time pass; the next step does not wait for the screen
+  --snapshot FILE.png  a picture of the screen
+  --tree FILE.json     the view tree
+
+  --help, --version
+
+Status: 0 completed, 3 cancelled, 4 the request cannot end any more, 64 bad arguments,
+65 a step failed.
+)";
+}
+
+} // namespace sela

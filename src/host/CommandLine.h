@@ -1,0 +1,52 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace sela {
+
+/// One step that `sela-share` takes by itself, as a person would by hand.
+struct Step {
+    enum class Kind {
+        tap,      ///< touch up inside on the topmost visible view of that name, once the screen is idle
+        tapNow,   ///< the same without waiting
+        type,     ///< a tap per digit of the argument
+        wait,     ///< real time in seconds, counted from the step before; the next step does not wait either
+        snapshot, ///< a picture of the screen into a PNG file
+        tree,     ///< the view tree as JSON into a file
+    };
+
+    Kind kind;
+    std::string argument;
+    double seconds = 0; ///< of a `wait`
+
+    bool operator==(const Step&) const = default;
+};
+
+/// What the command line of `sela-share` asks for. A value.
+struct CommandLine {
+    enum class Appearance { automatic, light, dark };
+
+    std::vector<std::string> attachments; ///< paths, file URLs, or "-" for a picture on standard input
+    bool paste = false;
+    std::optional<double> screenWidth; ///< points; absent without --screen
+    std::optional<double> screenHeight;
+    double scale = 1; ///< pixels per point of pictures and windows without a display's own
+    bool hasScale = false;
+    Appearance appearance = Appearance::automatic;
+    bool headless = false;
+    bool help = false;
+    bool version = false;
+    std::vector<Step> steps;
+
+    /// Reads the arguments behind the program's name. The other alternative is a line that says what is wrong
+    /// with them.
+    static std::variant<CommandLine, std::string> parse(const std::vector<std::string>& arguments);
+
+    /// What --help prints.
+    static std::string usage();
+};
+
+} // namespace sela

@@ -1,0 +1,83 @@
+#include "mediaservice/RequestLoop.h"
+
+#include "platform/media/MediaHelperProcess.h"
+#include "platform/media/MediaSocket.h"
+#include "platform/media/SharedPixels.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <malloc.h>
+#include <new>
+#include <poll.h>
+#include <thread>
+
+namespace sela {
+
+namespace {
+
+constexpr int exitUnavailable = 69;
+
+/// Ends the process when the client's end of the socket closes. (A signal at the parent's death would come
+/// when the client's thread ends that started this process, not the client.)
+void endWithClient() {
+    pollfd client{mediaHelperSocket, POLLRDHUP, 0};
+    while (::poll(&client, 1, -1) <= 0) {
+    }
+    ::_exit(EXIT_SUCCESS);
+}
+
+MediaOutcome outcomeOf(const RequestHandler& handler, const MediaRequest& request, FileDescriptor file) {
+    try {
+        return handler(request, InputFile(std::move(file)));
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
+/// The answer to one packet; absent when the packet breaks the rules.
+std::optional<MediaResponse> answer(MediaSocket::Packet packet, const RequestHandler& handler) {
+    const auto request = decodeRequest(packet.bytes);
+    if (!request)
+        return std::nullopt;
+    const bool wantsPixels = request->maximumSide > 0;
+    if (packet.descriptors.size() != (wantsPixels ? 2 : 1))
+        return std::nullopt;
+    const MediaOutcome outcome = outcomeOf(handler, *request, std::move(packet.descriptors[0]));
+
+    MediaResponse response;
+    response.number = request->number;
+    response.status = outcome.status;
+    response.framesDecoded = outcome.framesDecoded;
+    if (outcome.status != MediaStatus::done)
+        return response;
+    response.time = outcome.time;
+    if (wantsPixels) {
+        const auto shared = SharedPixels::open(std::move(packet.descriptors[1]), outcome.pixels.bytes.size());
+        if (!shared)
+            return std::nullopt;
+        std::ranges::copy(outcome.pixels.bytes, shared->bytes().begin());
+        response.width = static_cast<std::uint32_t>(outcome.pixels.width);
+        response.height = static_cast<std::uint32_t>(outcome.pixels.height);
+    }
+    return response;
+}
+
+} // namespace
+
+int serveRequests(const Sandbox::Limits& limits, const RequestHandler& handler) {
+    // An arena for each thread would cost address space, and large blocks must go back when a file is done.
+    ::mallopt(M_ARENA_MAX, 2);
+    ::mallopt(M_MMAP_THRESHOLD, 1 << 20);
+    if (!Sandbox::enter(limits))
+        return exitUnavailable;
+    std::thread(endWithClient).detach();
+    while (auto packet = MediaSocket::receive(mediaHelperSocket)) {
+        const auto response = answer(std::move(*packet), handler);
+        if (!response || !MediaSocket::send(mediaHelperSocket, encode(*response)))
+            break;
+        ::malloc_trim(0);
+    }
+    ::_exit(EXIT_SUCCESS);
+}
+
+} // namespace sela

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "mediaservice/InputFile.h"
+#include "mediaservice/Sandbox.h"
+#include "platform/media/MediaMessages.h"
+#include "platform/media/UIImage.h"
+
+#include <functional>
+#include <optional>
+
+namespace sela {
+
+/// What a helper made of one request.
+struct MediaOutcome {
+    MediaStatus status = MediaStatus::unreadable;
+    PixelBuffer pixels; ///< empty when the request wants none
+    CMTime time;
+    std::uint32_t framesDecoded = 0;
+};
+
+using RequestHandler = std::function<MediaOutcome(const MediaRequest& request, InputFile file)>;
+
+/// Enters the sandbox and answers requests on `mediaHelperSocket` until the client goes away, whereupon the
+/// process ends at once even in the middle of a request. Returns the exit status when it cannot start.
+/// `handler` is called on this thread, one request at a time; memory that it cannot get is an unreadable
+/// file.
+int serveRequests(const Sandbox::Limits& limits, const RequestHandler& handler);
+
+} // namespace sela

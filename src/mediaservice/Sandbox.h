@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+
+namespace sela {
+
+/// Shuts the calling process off from everything but the descriptors it holds. Called once, after libraries
+/// and codecs are loaded and before the first byte of a file is read; threads that exist are shut off too.
+namespace Sandbox {
+
+struct Limits {
+    std::uint64_t addressSpace; ///< bytes
+    std::uint64_t cpuSeconds;   ///< of the whole process
+};
+
+/// From here on the process can read and map descriptors that it holds or is sent, talk on its sockets, write
+/// to standard error, use memory and start threads. Opening, creating or looking at files, new sockets,
+/// running programs, new processes, touching other processes and executable memory fail with EPERM; no file
+/// can grow; the process dumps no core and cannot be traced. False when any of it cannot be had; nothing
+/// must be decoded then.
+///
+/// Builds with sanitizers reserve terabytes of addresses, so they leave out the limit on address space.
+bool enter(const Limits& limits);
+
+} // namespace Sandbox
+
+} // namespace sela

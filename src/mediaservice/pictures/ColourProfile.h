@@ -1,0 +1,11 @@
+#pragma once
+
+#include "mediaservice/pictures/DecodedPicture.h"
+
+namespace sela {
+
+/// The picture's pixels in sRGB. A profile that is absent, broken or made for another kind of colours counts
+/// as sRGB (for CMYK: as plain inks, each taking away its share of light).
+PixelBuffer convertedToSRGB(DecodedPicture picture);
+
+} // namespace sela

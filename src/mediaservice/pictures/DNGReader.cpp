@@ -1,0 +1,123 @@
+#include "mediaservice/pictures/DNGReader.h"
+
+#include "mediaservice/pictures/AreaScaler.h"
+#include "mediaservice/pictures/JPEGReader.h"
+#include "mediaservice/pictures/TIFFDirectory.h"
+
+#include <algorithm>
+
+namespace sela {
+
+namespace {
+
+// Tags and values of TIFF 6.0 and its supplement on JPEG.
+constexpr std::uint16_t widthTag = 256;
+constexpr std::uint16_t heightTag = 257;
+constexpr std::uint16_t bitsTag = 258;
+constexpr std::uint16_t compressionTag = 259;
+constexpr std::uint16_t photometricTag = 262;
+constexpr std::uint16_t stripOffsetsTag = 273;
+constexpr std::uint16_t orientationTag = 274;
+constexpr std::uint16_t samplesTag = 277;
+constexpr std::uint16_t stripSizesTag = 279;
+constexpr std::uint16_t planesTag = 284;
+constexpr std::uint32_t uncompressed = 1;
+constexpr std::uint32_t jpegCompression = 7;
+constexpr std::uint32_t photometricRGB = 2;
+constexpr std::uint32_t photometricYCbCr = 6;
+
+PictureSize sizeOf(const TIFFDirectory& directory) {
+    const auto side = [&](std::uint16_t tag) {
+        return static_cast<int>(std::min(directory.number(tag).value_or(0), std::uint32_t{1} << 30));
+    };
+    return {side(widthTag), side(heightTag)};
+}
+
+bool isJPEG(const TIFFDirectory& directory) {
+    return directory.number(compressionTag) == jpegCompression &&
+           directory.numbers(stripOffsetsTag).size() == 1 && directory.numbers(stripSizesTag).size() == 1;
+}
+
+bool isPlainRGB(const TIFFDirectory& directory) {
+    return directory.number(compressionTag).value_or(uncompressed) == uncompressed &&
+           directory.number(samplesTag) == 3U && directory.number(planesTag).value_or(1) == 1 &&
+           std::ranges::all_of(directory.numbers(bitsTag), [](std::uint32_t bits) { return bits == 8; });
+}
+
+/// Whether a directory describes a picture that can be shown as it is, not what the sensor saw.
+bool isPreview(const TIFFDirectory& directory) {
+    const auto photometric = directory.number(photometricTag);
+    const PictureSize size = sizeOf(directory);
+    const bool sensible = size.width > 0 && size.height > 0 && size.width <= largestSourceSide &&
+                          size.height <= largestSourceSide;
+    return sensible &&
+           ((isJPEG(directory) && (photometric == photometricYCbCr || photometric == photometricRGB)) ||
+            (isPlainRGB(directory) && photometric == photometricRGB));
+}
+
+std::optional<DecodedPicture> readPlainRGB(const InputFile& file, const TIFFDirectory& directory,
+                                           int maximumSide) {
+    const PictureSize size = sizeOf(directory);
+    const auto offsets = directory.numbers(stripOffsetsTag);
+    const auto sizes = directory.numbers(stripSizesTag);
+    if (offsets.size() != sizes.size())
+        return std::nullopt;
+    AreaScaler scaler(size, fitted(size, maximumSide));
+    std::vector<std::byte> packed(std::size_t{3} * static_cast<std::size_t>(size.width));
+    std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width), 255);
+    for (std::size_t strip = 0; strip < offsets.size(); ++strip) {
+        const std::int64_t end = std::int64_t{offsets[strip]} + sizes[strip];
+        const auto rowSize = static_cast<std::int64_t>(packed.size());
+        for (std::int64_t offset = offsets[strip]; offset + rowSize <= end; offset += rowSize) {
+            if (scaler.isComplete())
+                break;
+            if (file.readAt(offset, packed) != packed.size())
+                return std::nullopt;
+            for (std::size_t from = 0, to = 0; from < packed.size(); from += 3, to += 4)
+                for (std::size_t channel = 0; channel < 3; ++channel)
+                    row[to + channel] = std::to_integer<std::uint8_t>(packed[from + channel]);
+            scaler.addRow(row.data());
+        }
+    }
+    if (!scaler.isComplete())
+        return std::nullopt;
+    DecodedPicture picture;
+    picture.pixels = scaler.take();
+    return picture;
+}
+
+std::optional<DecodedPicture> readPreview(const InputFile& file, const TIFFDirectory& directory,
+                                          int maximumSide) {
+    if (!isJPEG(directory))
+        return readPlainRGB(file, directory, maximumSide);
+    const std::int64_t offset = directory.numbers(stripOffsetsTag).front();
+    return readJPEG(file, offset, offset + directory.numbers(stripSizesTag).front(), maximumSide);
+}
+
+} // namespace
+
+std::optional<DecodedPicture> readDNGPreview(const InputFile& file, int maximumSide) {
+    const auto main = TIFFDirectory::first(
+        [&file](std::int64_t offset, std::span<std::byte> buffer) { return file.readAt(offset, buffer); });
+    if (!main)
+        return std::nullopt;
+    std::vector<TIFFDirectory> previews = main->subdirectories();
+    previews.push_back(*main);
+    std::erase_if(previews, [](const TIFFDirectory& directory) { return !isPreview(directory); });
+    const auto longerSide = [](const TIFFDirectory& directory) {
+        return std::max(sizeOf(directory).width, sizeOf(directory).height);
+    };
+    std::ranges::sort(previews, {}, longerSide);
+    auto chosen = std::ranges::find_if(
+        previews, [&](const TIFFDirectory& directory) { return longerSide(directory) >= maximumSide; });
+    if (previews.empty())
+        return std::nullopt;
+    if (chosen == previews.end())
+        --chosen;
+    auto picture = readPreview(file, *chosen, maximumSide);
+    if (picture)
+        picture->orientation = orientationOfNumber(main->number(orientationTag).value_or(1));
+    return picture;
+}
+
+} // namespace sela

@@ -1,0 +1,49 @@
+#include "mediaservice/pictures/PictureDecoder.h"
+
+#include "mediaservice/pictures/BMPReader.h"
+#include "mediaservice/pictures/ColourProfile.h"
+#include "mediaservice/pictures/DNGReader.h"
+#include "mediaservice/pictures/GIFReader.h"
+#include "mediaservice/pictures/HEIFReader.h"
+#include "mediaservice/pictures/JPEGReader.h"
+#include "mediaservice/pictures/PNGReader.h"
+#include "mediaservice/pictures/PictureKind.h"
+#include "mediaservice/pictures/WebPReader.h"
+
+namespace sela {
+
+namespace {
+
+std::optional<DecodedPicture> read(const InputFile& file, int maximumSide) {
+    switch (pictureKind(file)) {
+    case PictureKind::none:
+        return std::nullopt;
+    case PictureKind::jpeg:
+        return readJPEG(file, 0, file.size(), maximumSide);
+    case PictureKind::png:
+        return readPNG(file, maximumSide);
+    case PictureKind::gif:
+        return readGIF(file, maximumSide);
+    case PictureKind::bmp:
+        return readBMP(file, maximumSide);
+    case PictureKind::webp:
+        return readWebP(file, maximumSide);
+    case PictureKind::heif:
+        return readHEIF(file, maximumSide);
+    case PictureKind::tiff:
+        return readDNGPreview(file, maximumSide);
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<PixelBuffer> decodePicture(const InputFile& file, int maximumSide) {
+    auto picture = read(file, maximumSide);
+    if (!picture)
+        return std::nullopt;
+    const Orientation orientation = picture->orientation;
+    return upright(convertedToSRGB(std::move(*picture)), orientation);
+}
+
+} // namespace sela

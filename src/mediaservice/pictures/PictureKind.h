@@ -1,0 +1,13 @@
+#pragma once
+
+#include "mediaservice/InputFile.h"
+
+namespace sela {
+
+/// The kinds of picture files that are read.
+enum class PictureKind { none, jpeg, png, gif, bmp, webp, heif, tiff };
+
+/// The kind that the first bytes of a file tell.
+PictureKind pictureKind(const InputFile& file);
+
+} // namespace sela

@@ -1,0 +1,56 @@
+#include "platform/extension/NSItemProvider.h"
+
+#include "platform/extension/TypeIdentifier.h"
+#include "platform/foundation/ThreadPoolQueue.h"
+
+#include <utility>
+
+namespace sela {
+
+namespace {
+
+/// One thread: a request loads one attachment at a time anyway. Never destroyed, since an item may still load
+/// when main ends.
+DispatchQueue& loadingQueue() {
+    static auto* const queue = new ThreadPoolQueue(1);
+    return *queue;
+}
+
+std::shared_ptr<NSItemProvider> providerOf(NSItemProvider::Item item, const std::string& typeIdentifier) {
+    return std::make_shared<NSItemProvider>(
+        std::vector{typeIdentifier},
+        [item = std::move(item)](const std::string&) -> Result<NSItemProvider::Item> { return item; });
+}
+
+} // namespace
+
+NSItemProvider::NSItemProvider(std::vector<std::string> typeIdentifiers, Loader loader)
+    : typeIdentifiers_(std::move(typeIdentifiers)), loader_(std::move(loader)) {}
+
+std::shared_ptr<NSItemProvider> NSItemProvider::ofFile(const URL& file) {
+    return providerOf(file, typeIdentifierOfFile(file));
+}
+
+std::shared_ptr<NSItemProvider> NSItemProvider::ofImage(const UIImage& image) {
+    return providerOf(image, "public.image");
+}
+
+std::shared_ptr<NSItemProvider> NSItemProvider::ofData(Data data, const std::string& typeIdentifier) {
+    return providerOf(std::move(data), typeIdentifier);
+}
+
+std::shared_ptr<NSItemProvider> NSItemProvider::ofText(std::string text) {
+    return providerOf(std::move(text), "public.utf8-plain-text");
+}
+
+void NSItemProvider::loadItem(const std::string& typeIdentifier, CompletionHandler completion) const {
+    loadingQueue().async([loader = loader_, typeIdentifier, completion = std::move(completion)] {
+        const Result<Item> item = loader(typeIdentifier);
+        if (item)
+            completion(item.value(), nullptr);
+        else
+            completion(Item(), item.error());
+    });
+}
+
+} // namespace sela

@@ -1,0 +1,147 @@
+#include "platform/media/MediaMessages.h"
+
+#include <cstring>
+#include <type_traits>
+
+namespace sela {
+
+namespace {
+
+class Writer {
+public:
+    template<class Number>
+    requires std::is_arithmetic_v<Number>
+    void put(Number number) {
+        const auto* bytes = reinterpret_cast<const std::byte*>(&number);
+        data_.insert(data_.end(), bytes, bytes + sizeof number);
+    }
+
+    void put(const CMTime& time) {
+        put(time.value);
+        put(time.timescale);
+        put(std::uint32_t{time.positiveInfinity});
+    }
+
+    Data take() { return std::move(data_); }
+
+private:
+    Data data_;
+};
+
+/// Reads numbers in order; a value that is missing or not allowed makes the whole message bad.
+class Reader {
+public:
+    explicit Reader(DataView bytes) : bytes_(bytes) {}
+
+    template<class Number>
+    requires std::is_arithmetic_v<Number>
+    void get(Number& number) {
+        if (bytes_.size() < sizeof number) {
+            good_ = false;
+            return;
+        }
+        std::memcpy(&number, bytes_.data(), sizeof number);
+        bytes_ = bytes_.subspan(sizeof number);
+    }
+
+    void get(bool& flag) {
+        std::uint32_t number = 0;
+        get(number);
+        require(number <= 1);
+        flag = number == 1;
+    }
+
+    template<class Enumeration>
+    requires std::is_enum_v<Enumeration>
+    void get(Enumeration& value, Enumeration last) {
+        std::uint32_t number = 0;
+        get(number);
+        require(number <= static_cast<std::uint32_t>(last));
+        value = good_ ? static_cast<Enumeration>(number) : Enumeration{};
+    }
+
+    void get(CMTime& time) {
+        get(time.value);
+        get(time.timescale);
+        get(time.positiveInfinity);
+        require(time.timescale > 0);
+    }
+
+    void require(bool condition) { good_ = good_ && condition; }
+
+    bool isWholeMessage() const { return good_ && bytes_.empty(); }
+
+private:
+    DataView bytes_;
+    bool good_ = true;
+};
+
+} // namespace
+
+Data encode(const MediaRequest& request) {
+    Writer writer;
+    writer.put(request.number);
+    writer.put(static_cast<std::uint32_t>(request.operation));
+    writer.put(request.maximumSide);
+    writer.put(request.asset);
+    writer.put(request.time);
+    writer.put(request.toleranceBefore);
+    writer.put(request.toleranceAfter);
+    writer.put(std::uint32_t{request.appliesTrackTransform});
+    return writer.take();
+}
+
+Data encode(const MediaResponse& response) {
+    Writer writer;
+    writer.put(response.number);
+    writer.put(static_cast<std::uint32_t>(response.status));
+    writer.put(response.width);
+    writer.put(response.height);
+    writer.put(response.time);
+    writer.put(response.framesDecoded);
+    return writer.take();
+}
+
+std::optional<MediaRequest> decodeRequest(DataView bytes) {
+    Reader reader(bytes);
+    MediaRequest request;
+    reader.get(request.number);
+    reader.get(request.operation, MediaOperation::copyFrame);
+    reader.get(request.maximumSide);
+    reader.get(request.asset);
+    reader.get(request.time);
+    reader.get(request.toleranceBefore);
+    reader.get(request.toleranceAfter);
+    reader.get(request.appliesTrackTransform);
+
+    const bool wantsPixels = request.operation != MediaOperation::readDuration;
+    reader.require(wantsPixels == (request.maximumSide > 0));
+    reader.require(request.maximumSide <= maximumPictureSide);
+    reader.require(!request.time.positiveInfinity);
+    if (!reader.isWholeMessage())
+        return std::nullopt;
+    return request;
+}
+
+std::optional<MediaResponse> decodeResponse(DataView bytes, const MediaRequest& request) {
+    Reader reader(bytes);
+    MediaResponse response;
+    reader.get(response.number);
+    reader.get(response.status, MediaStatus::noSuchFrame);
+    reader.get(response.width);
+    reader.get(response.height);
+    reader.get(response.time);
+    reader.get(response.framesDecoded);
+
+    const bool hasPixels =
+        response.status == MediaStatus::done && request.operation != MediaOperation::readDuration;
+    reader.require(response.number == request.number);
+    reader.require(hasPixels == (response.width > 0) && hasPixels == (response.height > 0));
+    reader.require(response.width <= request.maximumSide && response.height <= request.maximumSide);
+    reader.require(!response.time.positiveInfinity);
+    if (!reader.isWholeMessage())
+        return std::nullopt;
+    return response;
+}
+
+} // namespace sela

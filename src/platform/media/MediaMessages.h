@@ -1,0 +1,68 @@
+#pragma once
+
+#include "platform/foundation/Data.h"
+#include "platform/media/CMTime.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace sela {
+
+/// What the media helpers are asked and what they answer: fixed-size messages, one a packet, in the byte
+/// order of the machine that both ends run on. The reader of a message trusts nothing in it. Values;
+/// thread-safe.
+
+/// The largest side of a picture that a request may ask for, in pixels. It bounds the shared memory.
+inline constexpr std::uint32_t maximumPictureSide = 4096;
+
+/// What a request wants done with its file.
+enum class MediaOperation : std::uint32_t {
+    decodePicture, ///< the picture in the file
+    readDuration,  ///< the duration of the video in the file
+    copyFrame,     ///< one frame of the video in the file
+};
+
+/// One request. With it travel the file's descriptor and, for pictures and frames, shared memory of
+/// 4 * maximumSide * maximumSide bytes for the pixels.
+struct MediaRequest {
+    std::uint32_t number = 0; ///< repeated in the response
+    MediaOperation operation = MediaOperation::decodePicture;
+    std::uint32_t maximumSide = 0; ///< of the pixels, 1 to `maximumPictureSide`; 0 for a duration
+    std::uint32_t asset = 0;       ///< requests of one number are about the same open video
+    CMTime time;                   ///< of the frame, from the start of the video
+    CMTime toleranceBefore;
+    CMTime toleranceAfter;
+    bool appliesTrackTransform = false; ///< whether the frame is turned upright
+
+    bool operator==(const MediaRequest&) const = default;
+};
+
+enum class MediaStatus : std::uint32_t {
+    done,
+    unreadable,  ///< no picture or video that can be decoded whole
+    noSuchFrame, ///< the video has no frame within the tolerance
+};
+
+/// The answer to one request. A picture's pixels lie at the start of the shared memory, as in `PixelBuffer`.
+struct MediaResponse {
+    std::uint32_t number = 0;
+    MediaStatus status = MediaStatus::unreadable;
+    std::uint32_t width = 0; ///< in pixels; 0 when there are none
+    std::uint32_t height = 0;
+    CMTime time;                     ///< the duration asked for, or the time of the frame taken
+    std::uint32_t framesDecoded = 0; ///< frames that were decoded on the way to the one taken
+
+    bool operator==(const MediaResponse&) const = default;
+};
+
+Data encode(const MediaRequest& request);
+Data encode(const MediaResponse& response);
+
+/// Absent when the bytes are no request that the rules above allow.
+std::optional<MediaRequest> decodeRequest(DataView bytes);
+
+/// The answer to `request`; absent when the bytes are no response that the rules above allow, answer another
+/// request, or claim more pixels than were asked for.
+std::optional<MediaResponse> decodeResponse(DataView bytes, const MediaRequest& request);
+
+} // namespace sela

@@ -1,0 +1,134 @@
+#include "platform/media/MediaServiceClient.h"
+
+#include "platform/foundation/MonotonicClock.h"
+#include "platform/media/AVError.h"
+#include "platform/media/MediaHelperProcess.h"
+#include "platform/media/SharedPixels.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <utility>
+#include <vector>
+
+namespace sela {
+
+namespace {
+
+std::string_view programName(MediaOperation operation) {
+    return operation == MediaOperation::decodePicture ? "sela-media" : "sela-media-video";
+}
+
+std::string locateProgram(const std::string& directory, std::string_view name) {
+    namespace fs = std::filesystem;
+    if (!directory.empty())
+        return fs::path(directory) / name;
+    if (const char* override = std::getenv("SELA_MEDIA_DIRECTORY"))
+        return fs::path(override) / name;
+    std::error_code error;
+    const fs::path own = fs::read_symlink("/proc/self/exe", error).parent_path();
+    if (fs::exists(own / name, error))
+        return own / name;
+    return own.parent_path() / "libexec" / "sela-share" / name;
+}
+
+Result<FileDescriptor> openRegularFile(const std::string& path) {
+    // A pipe without a writer must not block the open.
+    FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!file.isOpen())
+        return NSError::posix(errno, "open");
+    struct stat status {};
+    if (::fstat(file.get(), &status) != 0)
+        return NSError::posix(errno, "fstat");
+    if (!S_ISREG(status.st_mode))
+        return NSError::posix(EINVAL, "not a regular file");
+    return file;
+}
+
+ErrorRef mediaError(int code, std::string description) {
+    return std::make_shared<NSError>(AVFoundationErrorDomain, code, std::move(description));
+}
+
+ErrorRef errorOfStatus(MediaStatus status) {
+    if (status == MediaStatus::noSuchFrame)
+        return mediaError(AVErrorNoImageAtTime, "The video has no frame at that time");
+    return mediaError(AVErrorFileFormatNotRecognized, "The file cannot be decoded");
+}
+
+} // namespace
+
+MediaServiceClient& MediaServiceClient::shared() {
+    static MediaServiceClient client{Options{}};
+    return client;
+}
+
+MediaServiceClient::MediaServiceClient(Options options) : options_(std::move(options)) {}
+
+MediaServiceClient::~MediaServiceClient() = default;
+
+Result<MediaServiceClient::Answer> MediaServiceClient::perform(const std::string& path,
+                                                               MediaRequest request) {
+    const Result<FileDescriptor> file = openRegularFile(path);
+    if (!file)
+        return file.error();
+    const std::lock_guard lock(mutex_);
+    request.number = ++requests_;
+    return performLocked(file.value().get(), request);
+}
+
+std::optional<pid_t> MediaServiceClient::helperProcessIdentifier(MediaOperation operation) const {
+    const std::lock_guard lock(mutex_);
+    const Helper& helper = operation == MediaOperation::decodePicture ? pictureHelper_ : videoHelper_;
+    if (!helper)
+        return std::nullopt;
+    return helper->processIdentifier();
+}
+
+MediaServiceClient::Helper& MediaServiceClient::helperFor(MediaOperation operation) {
+    Helper& helper = operation == MediaOperation::decodePicture ? pictureHelper_ : videoHelper_;
+    if (!helper)
+        helper = MediaHelperProcess::start(locateProgram(options_.programDirectory, programName(operation)));
+    return helper;
+}
+
+Result<MediaServiceClient::Answer> MediaServiceClient::performLocked(int file, const MediaRequest& request) {
+    std::vector<int> descriptors{file};
+    std::optional<SharedPixels> pixels;
+    if (request.maximumSide > 0) {
+        pixels = SharedPixels::create(std::size_t{4} * request.maximumSide * request.maximumSide);
+        if (!pixels)
+            return NSError::posix(errno, "shared memory");
+        descriptors.push_back(pixels->descriptor());
+    }
+
+    const double deadline = monotonicSeconds() + options_.timeLimit;
+    const Data message = encode(request);
+    Helper& helper = helperFor(request.operation);
+    if (helper && !helper->send(message, descriptors)) {
+        // It ended while nobody asked it anything, so this file is not to blame.
+        helper.reset();
+        if (helperFor(request.operation))
+            helper->send(message, descriptors);
+    }
+    const auto packet = helper ? helper->receive(deadline) : std::nullopt;
+    const auto response = packet ? decodeResponse(packet->bytes, request) : std::nullopt;
+    if (!response) {
+        helper.reset();
+        return mediaError(AVErrorMediaServicesWereReset, "The media helper did not answer");
+    }
+    if (response->status != MediaStatus::done)
+        return errorOfStatus(response->status);
+
+    Answer answer{*response, {}};
+    if (pixels) {
+        auto copy = pixels->copy(response->width, response->height);
+        if (!copy)
+            return mediaError(AVErrorUnknown, "The media helper answered with too many pixels");
+        answer.pixels = std::move(*copy);
+    }
+    return answer;
+}
+
+} // namespace sela

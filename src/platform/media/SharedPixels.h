@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/foundation/FileDescriptor.h"
+#include "platform/media/UIImage.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace sela {
+
+/// Memory that two processes see, into which a helper writes pixels. Its size is sealed, so that no peer can
+/// shrink it under a reader. Used by one thread at a time.
+class SharedPixels {
+public:
+    /// New memory of `size` bytes, above 0; absent when the system has none left.
+    static std::optional<SharedPixels> create(std::size_t size);
+
+    /// The memory behind a descriptor that came from the peer; absent unless it holds at least `size` bytes.
+    static std::optional<SharedPixels> open(FileDescriptor descriptor, std::size_t size);
+
+    SharedPixels(SharedPixels&& other) noexcept;
+    SharedPixels& operator=(SharedPixels&& other) noexcept;
+    ~SharedPixels();
+
+    int descriptor() const { return descriptor_.get(); }
+    std::span<std::uint8_t> bytes() const { return bytes_; }
+
+    /// A copy of the first 4 * width * height bytes; absent when the memory is smaller.
+    std::optional<PixelBuffer> copy(std::uint32_t width, std::uint32_t height) const;
+
+private:
+    SharedPixels(FileDescriptor descriptor, std::span<std::uint8_t> bytes)
+        : descriptor_(std::move(descriptor)), bytes_(bytes) {}
+
+    FileDescriptor descriptor_;
+    std::span<std::uint8_t> bytes_;
+};
+
+} // namespace sela

@@ -1,0 +1,78 @@
+#include "platform/media/UIImage.h"
+
+#include "platform/foundation/AssetCatalogue.h"
+#include "platform/foundation/FatalError.h"
+#include "platform/media/JPEGEncoding.h"
+#include "platform/media/MediaServiceClient.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace sela {
+
+namespace {
+
+/// The number in the first `name="..."` of an SVG file's text; 0 when there is none.
+double lengthAttribute(std::string_view svg, std::string_view name) {
+    std::string start = " ";
+    start.append(name).append("=\"");
+    const std::size_t found = svg.find(start);
+    double length = 0;
+    if (found != std::string_view::npos) {
+        const std::string_view text = svg.substr(found + start.size());
+        std::from_chars(text.data(), text.data() + text.size(), length);
+    }
+    return length;
+}
+
+} // namespace
+
+std::optional<UIImage> UIImage::named(std::string_view name) {
+    const auto asset = AssetCatalogue::image(name);
+    if (!asset)
+        return std::nullopt;
+    UIImage image;
+    image.assetName_ = name;
+    image.width_ = lengthAttribute(asset->svg, "width");
+    image.height_ = lengthAttribute(asset->svg, "height");
+    return image;
+}
+
+std::optional<UIImage> UIImage::contentsOfFile(const std::string& path, int maximumSide) {
+    if (maximumSide <= 0)
+        return std::nullopt;
+    MediaRequest request;
+    request.operation = MediaOperation::decodePicture;
+    request.maximumSide = std::min(static_cast<std::uint32_t>(maximumSide), maximumPictureSide);
+    auto answer = MediaServiceClient::shared().perform(path, request);
+    if (!answer)
+        return std::nullopt;
+    return fromPixels(std::move(answer.value().pixels));
+}
+
+UIImage UIImage::fromPixels(PixelBuffer pixels) {
+    const bool fits = pixels.width >= 0 && pixels.height >= 0 &&
+                      pixels.bytes.size() == std::size_t{4} * static_cast<std::size_t>(pixels.width) *
+                                                 static_cast<std::size_t>(pixels.height);
+    if (!fits)
+        fatalError("UIImage: pixels do not have the size that they claim");
+    UIImage image;
+    image.width_ = pixels.width;
+    image.height_ = pixels.height;
+    image.pixels_ = std::make_shared<const PixelBuffer>(std::move(pixels));
+    return image;
+}
+
+UIImage UIImage::withRenderingMode(RenderingMode mode) const {
+    UIImage image = *this;
+    image.renderingMode_ = mode;
+    return image;
+}
+
+std::optional<Data> UIImage::jpegData(double quality) const {
+    if (!pixels_)
+        return std::nullopt;
+    return encodeJPEG(*pixels_, quality);
+}
+
+} // namespace sela

@@ -1,0 +1,140 @@
+#include "platform/foundation/DispatchQueue.h"
+#include "platform/foundation/FatalError.h"
+#include "platform/foundation/FileManager.h"
+#include "platform/foundation/NSLog.h"
+#include "store/ShareExtensionError.h"
+#include "store/SharedItemManager.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace sela {
+
+namespace {
+
+/// The size of one block: the format's 2 MiB, large enough that the calls cost nothing beside the copy.
+constexpr std::size_t blockSize = 2'097'152;
+
+/// One copy under way, on one background thread.
+class FileCopy {
+public:
+    FileCopy(URL source, URL destination, SharedItemManager::Progress progress,
+             SharedItemManager::Completion completion)
+        : source_(std::move(source)), destination_(std::move(destination)), progress_(std::move(progress)),
+          completion_(std::move(completion)) {}
+
+    void run() {
+        if (!createStreams()) {
+            if (completion_)
+                completion_(ShareExtensionError::make("failed to create stream"));
+            return;
+        }
+        const Result<FileAttributes> attributes =
+            FileManager::defaultManager().attributesOfItem(source_.path());
+        if (!attributes) {
+            abandon(attributes.error());
+            return;
+        }
+        input_->open();
+        output_->open();
+        // An empty source is never reported: there is nothing to record.
+        if (const std::int64_t size = attributes.value().size; size > 0)
+            end(copyBlocks(size));
+        input_->close();
+        output_->close();
+    }
+
+private:
+    /// The source first, so that a missing source leaves no empty destination.
+    bool createStreams() {
+        FileManager& files = FileManager::defaultManager();
+        Result<std::unique_ptr<InputStream>> input = files.inputStream(source_);
+        if (!input)
+            return false;
+        Result<std::unique_ptr<OutputStream>> output =
+            files.outputStream(destination_, input.value()->expectedSize());
+        if (!output)
+            return false;
+        input_ = std::move(input.value());
+        output_ = std::move(output.value());
+        return true;
+    }
+
+    /// Returns what the last read returned.
+    std::int64_t copyBlocks(std::int64_t size) {
+        std::vector<std::byte> buffer(blockSize);
+        std::int64_t total = 0;
+        std::int64_t count = input_->read(buffer);
+        while (count > 0) {
+            // A failed write is kept by the stream and told by synchronize.
+            output_->write(DataView(buffer).first(static_cast<std::size_t>(count)));
+            if (__builtin_add_overflow(total, count, &total))
+                fatalError("copyItem: the number of bytes overflows");
+            logBlock(count, total);
+            postProgress(static_cast<float>(total) / static_cast<float>(size));
+            count = input_->read(buffer);
+        }
+        if (count == 0)
+            logBlock(0, total);
+        return count;
+    }
+
+    void end(std::int64_t lastRead) {
+        if (lastRead < 0) {
+            const ErrorRef error = input_->streamError();
+            NSLog("copyItem: read error = " + (error ? error->localizedDescription() : std::string()));
+            abandon(error);
+            return;
+        }
+        if (const ErrorRef error = output_->synchronize()) {
+            NSLog("copyItem: write error = " + error->localizedDescription());
+            abandon(error);
+            return;
+        }
+        DispatchQueue::main().async([progress = progress_, completion = completion_] {
+            if (progress)
+                progress(1.0f);
+            if (completion)
+                completion(nullptr);
+        });
+    }
+
+    /// Ends the copy with an error. What was copied so far is of no use to anybody.
+    void abandon(const ErrorRef& error) {
+        output_->close();
+        FileManager::defaultManager().removeItem(destination_.path());
+        DispatchQueue::main().async([completion = completion_, error] {
+            if (completion)
+                completion(error);
+        });
+    }
+
+    static void logBlock(std::int64_t count, std::int64_t total) {
+        NSLog("copyItem: readBytes = " + std::to_string(count) +
+              ", totalReadBytes = " + std::to_string(total));
+    }
+
+    void postProgress(float fraction) {
+        if (progress_)
+            DispatchQueue::main().async([progress = progress_, fraction] { progress(fraction); });
+    }
+
+    const URL source_;
+    const URL destination_;
+    const SharedItemManager::Progress progress_;
+    const SharedItemManager::Completion completion_;
+    std::unique_ptr<InputStream> input_;
+    std::unique_ptr<OutputStream> output_;
+};
+
+} // namespace
+
+void SharedItemManager::copyItem(const URL& source, const URL& destination, Progress progress,
+                                 Completion completion) {
+    auto copy = std::make_shared<FileCopy>(source, destination, std::move(progress), std::move(completion));
+    DispatchQueue::global().async([copy] { copy->run(); });
+}
+
+} // namespace sela

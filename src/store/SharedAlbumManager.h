@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/media/UIImage.h"
+#include "store/SharedAlbum.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sela {
+
+/// Reads what the main application publishes. Without state: every call reads the shared store afresh, so
+/// that a change is seen on the next call. Any thread.
+class SharedAlbumManager {
+public:
+    /// The catalogue, normal and decoy albums mixed, in the main application's order. Absent when nothing is
+    /// published or the settings cannot be opened, and when it cannot be decoded (which is logged); an empty
+    /// catalogue is an empty list.
+    static std::optional<std::vector<SharedAlbum>> getAlbums();
+
+    /// The vault passcode as it is stored; absent when there is none.
+    static std::optional<std::string> sharedPassword();
+
+    /// The decoy passcode as it is stored; absent when there is none.
+    static std::optional<std::string> sharedFakePassword();
+
+    /// The cover of that file name in "AlbumThumbnails"; absent without a name or a container, when the name
+    /// is no single path component, and when there is no such picture. Blocks while the picture is decoded.
+    static std::optional<UIImage> thumbnail(const std::optional<std::string>& fileName);
+};
+
+} // namespace sela

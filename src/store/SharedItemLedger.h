@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/foundation/Data.h"
+#include "platform/foundation/Error.h"
+#include "store/SharedItem.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace sela {
+
+/// The ledger's text: a JSON object that maps ledger keys to records (docs/formats.md). Functions without
+/// state; any thread.
+namespace SharedItemLedger {
+
+using Entry = std::pair<std::string, SharedItem>;
+
+/// The key of an item: each album name with every "-" doubled and one "-" behind it, then "fake" or "normal",
+/// then the file name.
+std::string key(const SharedItem& item);
+
+/// All entries in their order, also those with the same key; the error when the text is no ledger.
+Result<std::vector<Entry>> decode(DataView ledger);
+
+/// Whether the ledger has that key; the error when the text is no ledger. Reads the whole text.
+Result<bool> contains(DataView ledger, std::string_view key);
+
+/// A ledger with this one entry; absent when a text of the item is not UTF-8.
+std::optional<Data> fresh(std::string_view key, const SharedItem& item);
+
+/// A valid ledger with one entry more; what was in it stays byte for byte. Absent when a text of the item is
+/// not UTF-8.
+std::optional<Data> adding(DataView ledger, std::string_view key, const SharedItem& item);
+
+/// A ledger of these entries; absent when a text is not UTF-8.
+std::optional<Data> encode(const std::vector<Entry>& entries);
+
+} // namespace SharedItemLedger
+
+} // namespace sela

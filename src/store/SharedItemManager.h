@@ -1,0 +1,50 @@
+#pragma once
+
+#include "platform/foundation/Data.h"
+#include "platform/foundation/Error.h"
+#include "platform/foundation/URL.h"
+#include "store/SharedItem.h"
+
+#include <functional>
+
+namespace sela {
+
+/// Copies shared items into "Items" of the group's container and records them in the ledger. Without state:
+/// all of it lives in the shared folder and the settings. May be called from any thread.
+///
+/// What the ledger records exists whole on the disk: a file is recorded only after it was flushed. A file
+/// whose record could not be stored stays in "Items" unrecorded; a copy that did not come to its end is
+/// removed.
+class SharedItemManager {
+public:
+    /// Takes an optional error. Callers must expect it twice, or never, where that is said.
+    using Completion = std::function<void(const ErrorRef&)>;
+
+    /// Takes a fraction from 0.0 to 1.0; more while a file grows under way.
+    using Progress = std::function<void(float)>;
+
+    /// Saves the file at `fileUrl` under `item.fileName`. Returns at once. `completion` (which may be empty)
+    /// comes
+    /// - before the return, with an error: settings that cannot be opened ("UserDefaults is nil"), a kind of
+    ///   file that the vault does not keep ("Unsupported file"), no container ("Shared folder is nil");
+    /// - before the return, without an error: a file of that name exists in "Items" already;
+    /// - on the main queue: the end of the copy and of recording it, or their error;
+    /// - on a background thread: a stream that cannot be made ("failed to create stream");
+    /// - twice, first with the error and then without: a ledger that cannot be decoded (it is set aside and a
+    ///   fresh one holds this item), an item that cannot be encoded into a ledger that has others;
+    /// - never: "Items" cannot be made, or the file is empty (an empty copy stays, unrecorded).
+    static void saveItem(const SharedItem& item, const URL& fileUrl, Completion completion);
+
+    /// Saves `data` under `item.fileName`, wholly on the calling thread: `completion` is called before the
+    /// return, in the cases of the other form, or with the error of writing.
+    static void saveItem(const SharedItem& item, DataView data, const Completion& completion);
+
+    /// Copies a file on the global queue through one buffer of 2 MiB, replacing what `destination` held, and
+    /// brings it to the disk. `progress` (which may be empty) comes on the main queue after each block and
+    /// with 1.0 at the end; `completion` (which may be empty) after it, without an error once everything is
+    /// on the disk, otherwise with the error of reading, writing or flushing; "failed to create stream" comes
+    /// on the background thread. Neither comes when the source is empty.
+    static void copyItem(const URL& source, const URL& destination, Progress progress, Completion completion);
+};
+
+} // namespace sela

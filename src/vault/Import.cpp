@@ -1,0 +1,263 @@
+#include "vault/Import.h"
+
+#include "platform/foundation/FileManager.h"
+#include "platform/foundation/JSONRecords.h"
+#include "store/ShareExtensionError.h"
+#include "store/SharedFolder.h"
+#include "vault/ContentComparison.h"
+#include "vault/ImportLock.h"
+#include "vault/ImportPlace.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <set>
+#include <utility>
+
+namespace sela {
+
+namespace {
+
+constexpr std::string_view journalKey = "importJournal";
+constexpr double dayInSeconds = 86'400;
+constexpr std::size_t copyBlockSize = 2'097'152;
+
+bool isError(const ErrorRef& error, int code) {
+    const auto* const posix = dynamic_cast<const NSError*>(error.get());
+    return posix && posix->domain() == NSPOSIXErrorDomain && posix->code() == code;
+}
+
+/// Whether a file system says that it cannot give this file a second name there.
+bool cannotLink(const ErrorRef& error) {
+    return std::ranges::any_of(std::array{EXDEV, EPERM, EOPNOTSUPP, EMLINK, ENOSYS},
+                               [&](int code) { return isError(error, code); });
+}
+
+double secondsSince1970() {
+    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+} // namespace
+
+struct Import::Journal {
+    std::string key;
+    std::string fileName;
+    std::string target; ///< a file URL, since a path need not be text
+
+    static std::span<const JSONField> jsonFields() {
+        static constexpr std::array fields{jsonField<&Journal::key>("key"),
+                                           jsonField<&Journal::fileName>("fileName"),
+                                           jsonField<&Journal::target>("target")};
+        return fields;
+    }
+};
+
+Result<Import::Report> Import::run() {
+    container_ = sharedFolderUrl();
+    if (!container_)
+        return ShareExtensionError::make("the group is not provisioned; run \"sela-vault init\" first");
+    const Result<ImportLock> lock = ImportLock::take(*container_);
+    if (!lock)
+        return lock.error();
+    if (ErrorRef error = FileManager::defaultManager().createDirectory(options_.into.path()))
+        return error;
+    // What an import that was killed had not finished copying.
+    FileManager::defaultManager().removeItem(temporaryCopy().path());
+    if (ErrorRef error = recover())
+        return error;
+    const Result<std::vector<SharedItemLedger::Entry>> entries = ledger();
+    if (!entries)
+        return entries.error();
+    for (const SharedItemLedger::Entry& entry : entries.value())
+        if (const ErrorRef error = importEntry(entry))
+            report_.problems.push_back(entry.second.fileName + ": " + error->localizedDescription());
+    if (ErrorRef error = findUnrecorded())
+        return error;
+    return std::move(report_);
+}
+
+Result<std::vector<SharedItemLedger::Entry>> Import::ledger() const {
+    const std::optional<UserDefaults> defaults = sharedDefaults();
+    if (!defaults)
+        return ShareExtensionError::make("UserDefaults is nil");
+    const std::optional<Data> text = defaults->data(sharedItemsKey);
+    if (!text)
+        return std::vector<SharedItemLedger::Entry>();
+    return SharedItemLedger::decode(*text);
+}
+
+ErrorRef Import::recover() {
+    std::optional<UserDefaults> defaults = sharedDefaults();
+    if (!defaults)
+        return ShareExtensionError::make("UserDefaults is nil");
+    const std::optional<Data> text = defaults->data(journalKey);
+    if (!text)
+        return nullptr;
+    Journal journal;
+    const auto next = [&](std::string_view) -> void* { return &journal; };
+    const ErrorRef unreadable = readJSONArray(*text, Journal::jsonFields(), next);
+    const std::optional<URL> target = URL::parse(journal.target);
+    if (!unreadable && target && isSinglePathComponent(journal.fileName)) {
+        const URL source =
+            container_->appendingPathComponent(itemsFolderName).appendingPathComponent(journal.fileName);
+        // The target is ours only if it holds the very content: somebody else may have made a file there.
+        if (hasSameContent(source, *target)) {
+            const Result<std::vector<SharedItemLedger::Entry>> entries = ledger();
+            if (!entries)
+                return entries.error();
+            for (const auto& [key, item] : entries.value())
+                if (key == journal.key && item.fileName == journal.fileName)
+                    if (ErrorRef error = takeOutOfLedger(key, item))
+                        return error;
+            if (ErrorRef error = FileManager::defaultManager().removeItem(source.path()))
+                return error;
+            report_.imported.push_back(target->path());
+        }
+    }
+    return defaults->removeObject(journalKey);
+}
+
+ErrorRef Import::importEntry(const SharedItemLedger::Entry& entry) {
+    const auto& [key, item] = entry;
+    if (!isSinglePathComponent(item.fileName))
+        return ShareExtensionError::make("the file name leads elsewhere");
+    FileManager& files = FileManager::defaultManager();
+    const URL source =
+        container_->appendingPathComponent(itemsFolderName).appendingPathComponent(item.fileName);
+    const Result<FileAttributes> attributes = files.attributesOfEntry(source.path());
+    if (!attributes)
+        return attributes.error();
+    if (attributes.value().type != FileAttributes::Type::regular)
+        return ShareExtensionError::make("not a file");
+    const URL folder = importFolder(options_.into, item);
+    if (ErrorRef error = files.createDirectory(folder.path()))
+        return error;
+    const Result<URL> target = place(entry, source, folder);
+    if (!target)
+        return target.error();
+    if (!options_.keep) {
+        if (ErrorRef error = takeOutOfLedger(key, item))
+            return error;
+        if (ErrorRef error = files.removeItem(source.path()))
+            return error;
+        if (std::optional<UserDefaults> defaults = sharedDefaults())
+            if (ErrorRef error = defaults->removeObject(journalKey))
+                return error;
+    }
+    report_.imported.push_back(target.value().path());
+    return nullptr;
+}
+
+Result<URL> Import::place(const SharedItemLedger::Entry& entry, const URL& source, const URL& folder) {
+    for (int attempt = 1;; ++attempt) {
+        const URL target = folder.appendingPathComponent(importName(entry.second, attempt));
+        if (FileManager::defaultManager().attributesOfEntry(target.path()))
+            continue;
+        if (!options_.keep)
+            if (ErrorRef error = noteJournal({entry.first, entry.second.fileName, target.absoluteString()}))
+                return error;
+        const ErrorRef error = putAt(source, target);
+        if (!error)
+            return target;
+        if (!isError(error, EEXIST))
+            return error;
+    }
+}
+
+ErrorRef Import::putAt(const URL& source, const URL& target) {
+    if (options_.keep)
+        return copyTo(source, target);
+    ErrorRef error = FileManager::defaultManager().linkItem(source.path(), target.path());
+    return cannotLink(error) ? copyTo(source, target) : error;
+}
+
+URL Import::temporaryCopy() const {
+    return options_.into.appendingPathComponent(".sela-import");
+}
+
+ErrorRef Import::copyTo(const URL& source, const URL& target) {
+    FileManager& files = FileManager::defaultManager();
+    const URL temporary = temporaryCopy();
+    const Result<std::unique_ptr<InputStream>> input = files.inputStream(source);
+    if (!input)
+        return input.error();
+    const Result<std::unique_ptr<OutputStream>> output =
+        files.outputStream(temporary, input.value()->expectedSize());
+    if (!output)
+        return output.error();
+    std::vector<std::byte> buffer(copyBlockSize);
+    std::int64_t count = 0;
+    while ((count = input.value()->read(buffer)) > 0)
+        if (output.value()->write(DataView(buffer).first(static_cast<std::size_t>(count))) < 0)
+            break;
+    ErrorRef error = count < 0 ? input.value()->streamError() : output.value()->synchronize();
+    output.value()->close();
+    if (!error)
+        error = files.moveItem(temporary.path(), target.path());
+    if (error)
+        files.removeItem(temporary.path());
+    return error;
+}
+
+ErrorRef Import::noteJournal(const Journal& journal) {
+    JSONWriter writer;
+    writer.beginArray();
+    writeJSONRecord(writer, Journal::jsonFields(), &journal);
+    writer.endArray();
+    std::optional<UserDefaults> defaults = sharedDefaults();
+    if (!defaults)
+        return ShareExtensionError::make("UserDefaults is nil");
+    return defaults->setData(journalKey, asData(writer.text()));
+}
+
+ErrorRef Import::takeOutOfLedger(const std::string& key, const SharedItem& item) {
+    std::optional<UserDefaults> defaults = sharedDefaults();
+    if (!defaults)
+        return ShareExtensionError::make("UserDefaults is nil");
+    return defaults->transaction([&]() -> ErrorRef {
+        Result<std::vector<SharedItemLedger::Entry>> entries = ledger();
+        if (!entries)
+            return entries.error();
+        std::erase(entries.value(), SharedItemLedger::Entry(key, item));
+        if (entries.value().empty())
+            return defaults->removeObject(sharedItemsKey);
+        const std::optional<Data> text = SharedItemLedger::encode(entries.value());
+        if (!text)
+            return ShareExtensionError::make("the ledger cannot be encoded");
+        return defaults->setData(sharedItemsKey, *text);
+    });
+}
+
+ErrorRef Import::findUnrecorded() {
+    FileManager& files = FileManager::defaultManager();
+    const URL items = container_->appendingPathComponent(itemsFolderName);
+    if (!files.fileExists(items.path()))
+        return nullptr;
+    // The names first: a file that is recorded in between then counts as recorded.
+    const Result<std::vector<std::string>> names = files.contentsOfDirectory(items.path());
+    if (!names)
+        return names.error();
+    const Result<std::vector<SharedItemLedger::Entry>> entries = ledger();
+    if (!entries)
+        return entries.error();
+    std::set<std::string_view> recorded;
+    for (const SharedItemLedger::Entry& entry : entries.value())
+        recorded.insert(entry.second.fileName);
+    for (const std::string& name : names.value()) {
+        if (recorded.contains(name))
+            continue;
+        const std::string path = items.appendingPathComponent(name).path();
+        const Result<FileAttributes> attributes = files.attributesOfEntry(path);
+        if (!attributes)
+            continue;
+        const bool old = secondsSince1970() - attributes.value().modificationDate > dayInSeconds;
+        if (options_.prune && old && !files.removeItem(path))
+            report_.pruned.push_back(name);
+        else
+            report_.unrecorded.push_back(name);
+    }
+    return nullptr;
+}
+
+} // namespace sela

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "platform/foundation/Error.h"
+#include "platform/foundation/URL.h"
+#include "store/SharedItemLedger.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sela {
+
+/// Takes what the ledger records out of the group's container and into albums below a folder. One thread.
+///
+/// May be killed at any point and run again: no file is lost, none is imported twice, none is overwritten. A
+/// file first gets its place in its album, then leaves the ledger, then leaves "Items"; which file is under
+/// way, and to where, is noted in the settings before.
+class Import {
+public:
+    struct Options {
+        URL into;           ///< made if missing
+        bool keep = false;  ///< copy only: the ledger and "Items" stay as they are
+        bool prune = false; ///< remove files of "Items" that nobody recorded and that are older than a day
+    };
+
+    /// What became of the entries and files; each line is for a person.
+    struct Report {
+        std::vector<std::string> imported;
+        std::vector<std::string> problems;   ///< entries that stay in the ledger, and why
+        std::vector<std::string> unrecorded; ///< names in "Items" that no entry knows
+        std::vector<std::string> pruned;
+    };
+
+    explicit Import(Options options) : options_(std::move(options)) {}
+
+    /// Imports everything. The error when nothing could be begun: no group, settings or ledger that cannot be
+    /// read, another import that is running.
+    Result<Report> run();
+
+private:
+    /// A file on its way: what the settings note under "importJournal".
+    struct Journal;
+
+    ErrorRef recover();
+    ErrorRef importEntry(const SharedItemLedger::Entry& entry);
+    Result<URL> place(const SharedItemLedger::Entry& entry, const URL& source, const URL& folder);
+    ErrorRef putAt(const URL& source, const URL& target);
+    URL temporaryCopy() const;
+    ErrorRef copyTo(const URL& source, const URL& target);
+    ErrorRef noteJournal(const Journal& journal);
+    ErrorRef takeOutOfLedger(const std::string& key, const SharedItem& item);
+    ErrorRef findUnrecorded();
+    Result<std::vector<SharedItemLedger::Entry>> ledger() const;
+
+    const Options options_;
+    std::optional<URL> container_;
+    Report report_;
+};
+
+} // namespace sela

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/foundation/Error.h"
+#include "platform/foundation/FileDescriptor.h"
+#include "platform/foundation/URL.h"
+
+#include <utility>
+
+namespace sela {
+
+/// Keeps a second import of the same group away while it lives. One thread.
+class ImportLock {
+public:
+    /// Locks the container's folder itself, so that no lock file is left behind; the error when another
+    /// import holds it.
+    static Result<ImportLock> take(const URL& container);
+
+private:
+    explicit ImportLock(FileDescriptor folder) : folder_(std::move(folder)) {}
+
+    FileDescriptor folder_;
+};
+
+} // namespace sela

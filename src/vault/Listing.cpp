@@ -1,0 +1,112 @@
+#include "vault/Listing.h"
+
+#include "platform/foundation/FileManager.h"
+#include "platform/foundation/NSLog.h"
+#include "store/ShareExtensionError.h"
+#include "store/SharedAlbum.h"
+#include "store/SharedFolder.h"
+#include "store/SharedItemLedger.h"
+
+#include <algorithm>
+#include <fmt/core.h>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace sela {
+
+namespace {
+
+using Row = std::vector<std::string>;
+
+/// Rows as columns, two blanks between them; fmt counts the columns that a terminal needs.
+std::string table(const std::vector<Row>& rows) {
+    std::vector<std::size_t> widths(rows.front().size());
+    for (const Row& row : rows)
+        for (std::size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], fmt::formatted_size("{:1}", row[i]));
+    std::string text;
+    for (const Row& row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i < row.size(); ++i)
+            line += i + 1 < row.size() ? fmt::format("{:<{}}  ", row[i], widths[i]) : row[i];
+        text += line + "\n";
+    }
+    return text;
+}
+
+std::string pathText(const std::vector<std::string>& names) {
+    std::string text;
+    for (const std::string& name : names)
+        text += (text.empty() ? "" : "/") + escapedForLog(name);
+    return text;
+}
+
+ErrorRef settingsMissing() {
+    return ShareExtensionError::make("UserDefaults is nil");
+}
+
+Result<std::vector<SharedItemLedger::Entry>> entriesOfLedger() {
+    const std::optional<UserDefaults> defaults = sharedDefaults();
+    if (!defaults)
+        return settingsMissing();
+    const std::optional<Data> ledger = defaults->data(sharedItemsKey);
+    if (!ledger)
+        return std::vector<SharedItemLedger::Entry>();
+    return SharedItemLedger::decode(*ledger);
+}
+
+std::string sizeOf(const SharedItem& item) {
+    const std::optional<URL> container = sharedFolderUrl();
+    if (!container || !isSinglePathComponent(item.fileName))
+        return "missing";
+    const URL file = container->appendingPathComponent(itemsFolderName).appendingPathComponent(item.fileName);
+    const Result<FileAttributes> attributes = FileManager::defaultManager().attributesOfItem(file.path());
+    return attributes ? std::to_string(attributes.value().size) : "missing";
+}
+
+} // namespace
+
+Result<std::string> albumsTable() {
+    const std::optional<UserDefaults> defaults = sharedDefaults();
+    if (!defaults)
+        return settingsMissing();
+    const std::optional<Data> catalogue = defaults->data(sharedAlbumsKey);
+    if (!catalogue)
+        return ShareExtensionError::make("no catalogue is published; run \"sela-vault publish\"");
+    const Result<std::vector<SharedAlbum>> albums = decodeJSONArray<SharedAlbum>(*catalogue);
+    if (!albums)
+        return albums.error();
+    std::vector<Row> rows = {{"VAULT", "LOCK", "ALBUM", "COVER"}};
+    for (const SharedAlbum& album : albums.value())
+        rows.push_back({album.fake ? "decoy" : "vault", album.password ? "locked" : "-",
+                        pathText(album.namePath), escapedForLog(album.thumbNailName.value_or("-"))});
+    return table(rows);
+}
+
+Result<std::string> ledgerTable() {
+    const Result<std::vector<SharedItemLedger::Entry>> entries = entriesOfLedger();
+    if (!entries)
+        return entries.error();
+    std::vector<Row> rows = {{"VAULT", "BYTES", "ALBUM", "NAME", "FILE"}};
+    for (const auto& [key, item] : entries.value())
+        rows.push_back({item.fake ? "decoy" : "vault", sizeOf(item), pathText(item.albumNames),
+                        escapedForLog(item.preferredName.value_or("-")), escapedForLog(item.fileName)});
+    std::string text = table(rows);
+    if (const std::optional<UserDefaults> defaults = sharedDefaults())
+        for (const std::string& key : defaults->keys(unreadableItemsKeyPrefix))
+            text += "An earlier ledger could not be read and is kept in the settings under " + key + "\n";
+    return text;
+}
+
+Result<std::string> ledgerJSON() {
+    const Result<std::vector<SharedItemLedger::Entry>> entries = entriesOfLedger();
+    if (!entries)
+        return entries.error();
+    const std::optional<Data> text = SharedItemLedger::encode(entries.value());
+    if (!text)
+        return ShareExtensionError::make("the ledger cannot be encoded");
+    return std::string(asText(*text)) + "\n";
+}
+
+} // namespace sela

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/foundation/Error.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sela {
+
+/// What the main application puts into the group for the extension to read. One thread.
+
+/// Makes the group's container and its folders. No error when they are there already.
+ErrorRef provisionGroup();
+
+/// What to publish. Passcodes that are absent leave the stored ones as they are.
+struct Publication {
+    std::string cataloguePath;
+    std::optional<std::string> passcode;
+    std::optional<std::string> decoyPasscode;
+    std::optional<std::string> coversFolder;
+};
+
+/// Publishes a catalogue with its covers and passcodes: the covers first, then the rest in one step, so that
+/// an extension never sees a catalogue without its covers. Nothing of the settings changes when there is an
+/// error. With a folder of covers, covers that no album names any more are removed at the end. `warnings`
+/// gets a line for each cover that an album names and the folder does not have.
+ErrorRef publish(const Publication& publication, std::vector<std::string>& warnings);
+
+} // namespace sela

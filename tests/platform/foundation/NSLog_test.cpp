@@ -1,0 +1,61 @@
+#include "platform/foundation/NSLog.h"
+
+#include "platform/foundation/TimeText.h"
+#include "platform/foundation/UTF8.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+#include <set>
+
+namespace sela {
+namespace {
+
+TEST(NSLog, ALineStaysALineAndDrivesNoTerminal) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"File already exists, fileName = a.jpg", "File already exists, fileName = a.jpg"},
+        {"a\nb\r\tc", "a\\nb\\r\\tc"},
+        {"\x1B[31m", "\\u001b[31m"},
+        {"\xC2\x9B"
+         "31m",
+         "\\u009b31m"},                      // the one-character form of the escape sequence
+        {"a\xE2\x80\xAEgpj", "a\\u202egpj"}, // right-to-left override
+        {"a\xE2\x80\xA8"
+         "b",
+         "a\\u2028b"}, // line separator
+        {"\xFF", "\xEF\xBF\xBD"},
+        {"Bücher 本 \\", "Bücher 本 \\"},
+        {std::string("a\0b", 3), "a\\u0000b"},
+    };
+    for (const auto& [text, line] : cases)
+        EXPECT_EQ(escapedForLog(text), line);
+}
+
+RC_GTEST_PROP(NSLog, AnyBytesBecomeOneValidLine, (const std::string& bytes)) {
+    const std::string line = escapedForLog(bytes);
+    RC_ASSERT(isValidUTF8(line));
+    for (const char c : line)
+        RC_ASSERT(static_cast<unsigned char>(c) >= 0x20);
+}
+
+TEST(TimeText, IsTheShortestFormThatReadsBack) {
+    const std::pair<double, const char*> cases[] = {
+        {1731733000.123456, "1731733000.123456"},
+        {1731733000.5, "1731733000.5"},
+        {1700000000, "1700000000.0"},
+        {0, "0.0"},
+        {0.1, "0.1"},
+        {1e21, "1000000000000000000000.0"},
+    };
+    for (const auto& [value, text] : cases)
+        EXPECT_EQ(describe(value), text);
+}
+
+TEST(TimeText, IsUniqueWhenTheClockStandsStillOrStepsBack) {
+    std::set<std::string> texts;
+    for (const double now : {5e9, 5e9, 5e9, 4e9, 5e9, 6e9, 6e9})
+        texts.insert(uniqueTimeText(now));
+    EXPECT_EQ(texts.size(), 7u);
+}
+
+} // namespace
+} // namespace sela

@@ -1,0 +1,224 @@
+#include "platform/foundation/UserDefaults.h"
+
+#include "support/LogCapture.h"
+#include "support/TemporaryHome.h"
+
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <map>
+#include <rapidcheck/gtest.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace sela {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* suite = "group.sela.vault";
+
+/// A connection of another program, in the eyes of the settings.
+void executeSQL(const fs::path& file, const char* sql) {
+    sqlite3* connection = nullptr;
+    ASSERT_EQ(sqlite3_open(file.c_str(), &connection), SQLITE_OK);
+    char* message = nullptr;
+    sqlite3_exec(connection, sql, nullptr, nullptr, &message);
+    EXPECT_EQ(message, nullptr) << message;
+    sqlite3_close(connection);
+}
+
+class UserDefaultsTest : public testing::Test {
+protected:
+    TemporaryHome home;
+    LogCapture log;
+
+    static UserDefaults open() {
+        std::optional<UserDefaults> defaults = UserDefaults::withSuiteName(suite);
+        EXPECT_TRUE(defaults);
+        return *defaults;
+    }
+};
+
+TEST_F(UserDefaultsTest, ReadingMakesNothing) {
+    EXPECT_FALSE(open().data("key"));
+    EXPECT_FALSE(open().string("key"));
+    EXPECT_FALSE(open().removeObject("key"));
+    EXPECT_TRUE(fs::is_empty(home.path()));
+}
+
+TEST_F(UserDefaultsTest, ValuesAreKeptByKindInAFileForTheUserAlone) {
+    const mode_t before = ::umask(0);
+    EXPECT_FALSE(open().setString("text", "pässwörd"));
+    ::umask(before);
+    EXPECT_FALSE(open().setData("data", asData(std::string_view("\0\xFF", 2))));
+    EXPECT_FALSE(open().setString("empty", ""));
+    EXPECT_FALSE(open().setData("nothing", {}));
+    EXPECT_EQ(open().string("text"), "pässwörd");
+    EXPECT_EQ(open().data("data"), toData(std::string_view("\0\xFF", 2)));
+    EXPECT_EQ(open().string("empty"), "");
+    EXPECT_EQ(open().data("nothing"), Data());
+    EXPECT_FALSE(open().data("text")) << "a text is no data";
+    EXPECT_FALSE(open().string("data")) << "data are no text";
+    struct stat status = {};
+    ASSERT_EQ(::stat(home.settingsFile().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600u);
+    ASSERT_EQ(::stat(home.settingsFile().parent_path().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0700u);
+}
+
+TEST_F(UserDefaultsTest, KeysAreFoundByTheirStart) {
+    for (const char* const key : {"b.2", "b.1", "b", "a", "%"})
+        EXPECT_FALSE(open().setString(key, "x"));
+    EXPECT_THAT(open().keys("b."), testing::ElementsAre("b.1", "b.2"));
+    EXPECT_THAT(open().keys("%"), testing::ElementsAre("%"));
+}
+
+TEST_F(UserDefaultsTest, ATransactionIsKeptWholeOrNotAtAll) {
+    EXPECT_FALSE(open().setString("a", "1"));
+    UserDefaults defaults = open();
+    const ErrorRef refused = NSError::posix(EIO, "test");
+    EXPECT_EQ(defaults.transaction([&] {
+        EXPECT_FALSE(open().setString("a", "2"));
+        EXPECT_EQ(open().string("a"), "2");
+        return refused;
+    }),
+              refused);
+    EXPECT_EQ(open().string("a"), "1");
+    EXPECT_FALSE(defaults.transaction([&] { return open().setString("a", "3"); }));
+    EXPECT_EQ(open().string("a"), "3");
+}
+
+TEST_F(UserDefaultsTest, AFailureInsideATransactionUndoesItEvenIfNobodyLooks) {
+    EXPECT_FALSE(open().setString("a", "1"));
+    executeSQL(home.settingsFile(), "CREATE TRIGGER refuse BEFORE INSERT ON settings WHEN NEW.key = 'bad' "
+                                    "BEGIN SELECT RAISE(ABORT, 'refused'); END");
+    UserDefaults defaults = open();
+    const ErrorRef error = defaults.transaction([&]() -> ErrorRef {
+        defaults.setString("a", "2");
+        defaults.setString("bad", "x");
+        return nullptr;
+    });
+    ASSERT_TRUE(error);
+    EXPECT_THAT(error->localizedDescription(), testing::HasSubstr("refused"));
+    EXPECT_EQ(open().string("a"), "1");
+}
+
+TEST_F(UserDefaultsTest, UnusableSettingsDoNotOpenAndSayWhy) {
+    struct Case {
+        const char* name;
+        std::function<void(const fs::path&)> spoil;
+        const char* reason;
+    };
+    const Case cases[] = {
+        {"not a database", [](const fs::path& file) { std::ofstream(file) << std::string(5000, 'x'); },
+         "not a database"},
+        {"a folder", [](const fs::path& file) { fs::create_directory(file); }, "unable to open"},
+        {"a later format",
+         [](const fs::path& file) {
+             executeSQL(file, "CREATE TABLE settings(key, kind, value); PRAGMA user_version = 2");
+         },
+         "format 2 is later than this program's format 1"},
+    };
+    fs::create_directories(home.settingsFile().parent_path());
+    for (const Case& c : cases) {
+        fs::remove_all(home.settingsFile());
+        c.spoil(home.settingsFile());
+        EXPECT_FALSE(UserDefaults::withSuiteName(suite)) << c.name;
+        EXPECT_THAT(log.lines().back(), testing::HasSubstr(c.reason)) << c.name;
+    }
+    EXPECT_FALSE(UserDefaults::withSuiteName("../escape"));
+}
+
+TEST_F(UserDefaultsTest, SettingsThatAnotherProgramMadeAreReadAndWritten) {
+    fs::create_directories(home.settingsFile().parent_path());
+    executeSQL(
+        home.settingsFile(),
+        "CREATE TABLE settings(key TEXT PRIMARY KEY, kind TEXT NOT NULL CHECK(kind IN ('text','data')), "
+        "value BLOB NOT NULL); INSERT INTO settings VALUES('a', 'text', 'written as text'); "
+        "INSERT INTO settings VALUES('b', 'data', X'5B5D')");
+    EXPECT_EQ(open().string("a"), "written as text");
+    EXPECT_EQ(open().data("b"), toData("[]"));
+    EXPECT_FALSE(open().setString("c", "x"));
+    EXPECT_EQ(open().string("c"), "x");
+}
+
+TEST_F(UserDefaultsTest, AnEmptyFileHoldsNothingAndCanBeUsed) {
+    home.write("config/sela/group.sela.vault.sqlite3", "");
+    EXPECT_FALSE(open().data("a"));
+    EXPECT_FALSE(open().setString("a", "1"));
+    EXPECT_EQ(open().string("a"), "1");
+}
+
+TEST_F(UserDefaultsTest, AFileThatIsReplacedIsSeen) {
+    EXPECT_FALSE(open().setString("a", "1"));
+    fs::rename(home.settingsFile(), home.path() / "moved");
+    EXPECT_FALSE(open().string("a"));
+    EXPECT_FALSE(open().setString("a", "2"));
+    EXPECT_EQ(open().string("a"), "2");
+}
+
+TEST_F(UserDefaultsTest, ALockHeldForTooLongIsAnErrorAndChangesNothing) {
+    EXPECT_FALSE(open().setString("a", "1"));
+    UserDefaults defaults = open();
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(home.settingsFile().c_str(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+    EXPECT_TRUE(defaults.setString("a", "2"));
+    sqlite3_exec(other, "COMMIT", nullptr, nullptr, nullptr);
+    sqlite3_close(other);
+    EXPECT_EQ(open().string("a"), "1");
+}
+
+TEST_F(UserDefaultsTest, ReadModifyWriteOfTwoProcessesLosesNothing) {
+    constexpr int steps = 200;
+    const auto addOne = [] {
+        UserDefaults defaults = open();
+        return defaults.transaction([&] {
+            const std::string value = defaults.string("count").value_or("0");
+            return defaults.setString("count", std::to_string(std::stoi(value) + 1));
+        });
+    };
+    // The child opens the settings for itself, after the fork: no connection crosses it.
+    const pid_t child = ::fork();
+    if (child == 0) {
+        bool failed = false;
+        for (int i = 0; i < steps; ++i)
+            failed = addOne() || failed;
+        ::_exit(failed ? 1 : 0);
+    }
+    for (int i = 0; i < steps; ++i)
+        EXPECT_FALSE(addOne());
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(open().string("count"), std::to_string(2 * steps));
+}
+
+RC_GTEST_PROP(UserDefaultsProperty, BehavesLikeAMap, ()) {
+    const TemporaryHome home;
+    std::map<std::string, std::string> model;
+    std::optional<UserDefaults> defaults = UserDefaults::withSuiteName(suite);
+    const int steps = *rc::gen::inRange(1, 20);
+    for (int i = 0; i < steps; ++i) {
+        const std::string key = *rc::gen::element<std::string>("a", "b", "");
+        const std::string value = *rc::gen::string<std::string>();
+        if (*rc::gen::arbitrary<bool>()) {
+            RC_ASSERT(!defaults->setString(key, value));
+            model[key] = value;
+        } else {
+            RC_ASSERT(!defaults->removeObject(key));
+            model.erase(key);
+        }
+        for (const char* const asked : {"a", "b", ""}) {
+            const auto known = model.find(asked);
+            const auto expected = known == model.end() ? std::nullopt : std::optional(known->second);
+            RC_ASSERT(UserDefaults::withSuiteName(suite)->string(asked) == expected);
+        }
+    }
+}
+
+} // namespace
+} // namespace sela
