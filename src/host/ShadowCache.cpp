@@ -1,0 +1,108 @@
+#include "host/ShadowCache.h"
+
+#include "host/GaussianBlur.h"
+#include "host/QtConversions.h"
+#include "platform/uikit/UIActivityIndicatorView.h"
+#include "platform/uikit/UIImageView.h"
+#include "platform/uikit/UILabel.h"
+
+#include <QPainter>
+
+#include <cmath>
+
+namespace sela {
+
+namespace {
+
+template<class T>
+void append(std::string& key, const T& value) {
+    key.append(reinterpret_cast<const char*>(&value), sizeof value);
+}
+
+void appendText(std::string& key, const std::string& text) {
+    append(key, text.size());
+    key += text;
+}
+
+/// Everything of a view and its subviews that shows in the outline they draw.
+void appendLook(std::string& key, const UIView& view, const UIView& caster) {
+    const UIView::Presentation shown = view.presentation();
+    if (&view != &caster) {
+        if (view.isHidden() || shown.alpha <= 0)
+            return;
+        append(key, shown.toSuperview());
+        append(key, shown.alpha);
+    }
+    append(key, shown.bounds);
+    append(key, view.layer().cornerRadius());
+    append(key, view.layer().masksToBounds());
+    append(key, view.layer().borderWidth());
+    append(key,
+           shown.backgroundColor ? shown.backgroundColor->resolve(UIUserInterfaceStyle::light).alpha : 0);
+    if (const auto* label = dynamic_cast<const UILabel*>(&view)) {
+        appendText(key, label->attributedText().description());
+        append(key, label->font().size());
+        append(key, label->textAlignment());
+    } else if (const auto* image = dynamic_cast<const UIImageView*>(&view)) {
+        append(key, image->contentMode());
+        append(key, image->image() ? image->image()->pixels() : nullptr);
+        appendText(key, image->image() ? image->image()->assetName() : std::string());
+    } else if (const auto* spinner = dynamic_cast<const UIActivityIndicatorView*>(&view)) {
+        append(key, spinner->leadingSpoke());
+    }
+    append(key, view.subviews().size());
+    for (const UIView* const subview : view.subviews())
+        appendLook(key, *subview, caster);
+}
+
+/// What `view` and its subviews may cover, in `view`'s coordinates.
+CGRect extent(const UIView& view) {
+    CGRect covered = view.presentation().bounds;
+    if (view.layer().masksToBounds())
+        return covered;
+    for (const UIView* const subview : view.subviews())
+        if (!subview->isHidden())
+            covered = covered.unionWith(subview->presentation().toSuperview().apply(extent(*subview)));
+    return covered;
+}
+
+ShadowCache::Shadow makeShadow(const UIView& view, double pixelsPerPoint, const QColor& color,
+                               const ShadowCache::DrawCaster& drawCaster) {
+    const double deviation = view.layer().shadowRadius() * pixelsPerPoint;
+    const double margin = 3 * view.layer().shadowRadius() + 1;
+    const CGRect covered = extent(view).insetBy(-margin, -margin);
+    QImage caster(static_cast<int>(std::ceil(covered.size.width * pixelsPerPoint)),
+                  static_cast<int>(std::ceil(covered.size.height * pixelsPerPoint)),
+                  QImage::Format_ARGB32_Premultiplied);
+    caster.fill(Qt::transparent);
+    drawCaster(caster, toQt(covered.origin));
+
+    const QImage blurred = gaussianBlur(caster.convertToFormat(QImage::Format_Alpha8), deviation);
+    QImage image = blurred.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&image);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(image.rect(), color);
+    return {image, toQt(covered.origin)};
+}
+
+} // namespace
+
+const ShadowCache::Shadow& ShadowCache::shadow(const UIView& view, double pixelsPerPoint,
+                                               UIUserInterfaceStyle style, const DrawCaster& drawCaster) {
+    const CALayer& layer = view.layer();
+    QColor color = toQt(layer.shadowColor().resolve(style));
+    color.setAlphaF(static_cast<float>(color.alphaF() * layer.shadowOpacity()));
+    std::string key;
+    append(key, pixelsPerPoint);
+    append(key, color.rgba());
+    append(key, layer.shadowRadius());
+    appendLook(key, view, view);
+    if (const auto found = shadows_.find(key); found != shadows_.end())
+        return found->second;
+    if (shadows_.size() >= capacity)
+        shadows_.clear();
+    return shadows_.emplace(std::move(key), makeShadow(view, pixelsPerPoint, color, drawCaster))
+        .first->second;
+}
+
+} // namespace sela

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "host/CommandLine.h"
+#include "host/ViewPainter.h"
+#include "platform/uikit/UIWindow.h"
+
+#include <QBackingStore>
+#include <QBasicTimer>
+#include <QWindow>
+
+#include <functional>
+#include <optional>
+
+namespace sela {
+
+/// The desktop's window that shows a `UIWindow`: over the whole screen and translucent where the desktop
+/// composites, as the phone's sheet dims the application below it, an ordinary window otherwise or when a
+/// size is asked for. It draws only what changed, and only while something changes; mouse, finger and wheel
+/// become touches. Main thread only.
+class ShareWindow : public QWindow {
+public:
+    /// The size in points that a `UIWindow` for this command line should have before the window is shown.
+    static CGSize screenSize(const CommandLine& line);
+
+    /// The appearance the command line asks for, else the desktop's.
+    static UIUserInterfaceStyle appearance(const CommandLine& line);
+
+    /// Both must outlive this window.
+    ShareWindow(UIWindow& window, ViewPainter& painter, const CommandLine& line);
+    ~ShareWindow() override;
+
+    /// Called when the user closes the window.
+    void setCloseHandler(std::function<void()> handler) { closeHandler_ = std::move(handler); }
+
+    /// Shows the window.
+    void open();
+
+    double pixelsPerPoint() const { return unitsPerPoint() * devicePixelRatio(); }
+
+protected:
+    bool event(QEvent* event) override;
+    void exposeEvent(QExposeEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void touchEvent(QTouchEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    static bool coversScreen(const CommandLine& line);
+
+    double unitsPerPoint() const;
+    CGPoint toPoints(QPointF position) const;
+    void scheduleFrame();
+    void drawFrame();
+    void drawPart(const QRect& part);
+    void press(QPointF position);
+    void release(QPointF position);
+    void cancelPress();
+
+    UIWindow& window_;
+    ViewPainter& painter_;
+    const CommandLine line_;
+    const bool coversScreen_;
+    std::function<void()> closeHandler_;
+    QBackingStore store_;
+    QRegion exposed_; ///< must be drawn whether it changed or not
+    QBasicTimer frameTimer_;
+    double lastFrameTime_ = 0;
+    bool pressed_ = false;
+    std::optional<int> finger_;
+};
+
+} // namespace sela

@@ -1,0 +1,32 @@
+#include "host/Snapshot.h"
+
+#include <QString>
+
+#include <algorithm>
+#include <cmath>
+
+namespace sela::Snapshot {
+
+QColor backdrop(UIUserInterfaceStyle style) {
+    return style == UIUserInterfaceStyle::dark ? QColor(0x4A, 0x4D, 0x58) : QColor(0xDF, 0xE2, 0xEA);
+}
+
+QImage picture(UIWindow& window, ViewPainter& painter, double pixelsPerPoint) {
+    window.prepareFrame();
+    const CGSize size = window.bounds().size;
+    const auto pixels = [&](double points) {
+        return std::max(1, static_cast<int>(std::lround(points * pixelsPerPoint)));
+    };
+    QImage image(pixels(size.width), pixels(size.height), QImage::Format_ARGB32_Premultiplied);
+    image.fill(backdrop(window.userInterfaceStyle()));
+    painter.paint(image, image.rect(), window, {pixelsPerPoint, window.userInterfaceStyle()});
+    return image;
+}
+
+bool write(UIWindow& window, ViewPainter& painter, double pixelsPerPoint, const std::string& path) {
+    return picture(window, painter, pixelsPerPoint)
+        .convertToFormat(QImage::Format_RGB32)
+        .save(QString::fromStdString(path), "PNG");
+}
+
+} // namespace sela::Snapshot

@@ -1,0 +1,132 @@
+#include "host/StepRunner.h"
+
+#include "host/Snapshot.h"
+#include "host/TreeWriter.h"
+#include "host/ViewLocator.h"
+#include "platform/foundation/BackgroundWork.h"
+
+#include <utility>
+
+namespace sela {
+
+namespace {
+
+/// Seconds between two looks at a screen that is not at rest yet.
+constexpr double lookInterval = 0.005;
+
+bool isBackgroundAtWork() {
+    const std::lock_guard lock(BackgroundWork::mutex());
+    return BackgroundWork::outstanding() > 0;
+}
+
+} // namespace
+
+StepRunner::StepRunner(Screen screen, const std::vector<Step>& steps) : screen_(std::move(screen)) {
+    for (const Step& step : steps) {
+        if (step.kind != Step::Kind::type) {
+            steps_.push_back(step);
+            continue;
+        }
+        for (const char digit : step.argument)
+            steps_.push_back({Step::Kind::tap, std::string("button") + digit});
+    }
+}
+
+void StepRunner::start(Completion completion) {
+    completion_ = std::move(completion);
+    running_ = true;
+    previousStepTime_ = screen_.queue.now();
+    scheduleNext(0);
+}
+
+void StepRunner::scheduleNext(double seconds) {
+    screen_.queue.inner().asyncAfter(seconds, [this] { next(); });
+}
+
+void StepRunner::next() {
+    if (!running_)
+        return;
+    if (steps_.empty()) {
+        finish(std::nullopt);
+        return;
+    }
+    const Step& step = steps_.front();
+    const double now = screen_.queue.now();
+    if (step.kind == Step::Kind::wait) {
+        if (const double end = previousStepTime_ + step.seconds; now < end) {
+            scheduleNext(end - now);
+            return;
+        }
+        previousStepTime_ += step.seconds;
+        waited_ = true;
+    } else {
+        screen_.window.prepareFrame();
+        if (step.kind != Step::Kind::tapNow && !waited_ && !isScreenAtRest()) {
+            scheduleNext(lookInterval);
+            return;
+        }
+        const std::optional<std::string> failure = take(step);
+        if (failure || !running_) {
+            finish(failure);
+            return;
+        }
+        previousStepTime_ = now;
+        waited_ = false;
+    }
+    steps_.pop_front();
+    scheduleNext(0);
+}
+
+/// Content that is not shown is not waited for when nothing is at work any more that could bring it.
+bool StepRunner::isScreenAtRest() const {
+    const bool contentCanCome = isBackgroundAtWork();
+    if (!screen_.window.isIdle() || screen_.queue.pendingTasks() > 0)
+        return false;
+    return !contentCanCome || !screen_.isContentShown || screen_.isContentShown();
+}
+
+std::optional<std::string> StepRunner::take(const Step& step) {
+    switch (step.kind) {
+    case Step::Kind::tap:
+    case Step::Kind::tapNow: {
+        const std::optional<CGPoint> point = ViewLocator::tapPoint(screen_.window, step.argument);
+        if (!point)
+            return step.argument + " is not on the screen, or is hidden or covered";
+        screen_.window.touchBegan(*point);
+        screen_.window.touchEnded(*point);
+        return std::nullopt;
+    }
+    case Step::Kind::snapshot:
+        if (!Snapshot::write(screen_.window, screen_.painter, screen_.pixelsPerPoint, step.argument))
+            return "cannot write the picture " + step.argument;
+        return std::nullopt;
+    case Step::Kind::tree:
+        if (!TreeWriter::write(screen_.window, step.argument))
+            return "cannot write the tree " + step.argument;
+        return std::nullopt;
+    case Step::Kind::wait:
+    case Step::Kind::type:
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+void StepRunner::requestEnded() {
+    std::optional<std::string> failure;
+    while (running_ && !failure && !steps_.empty()) {
+        const Step step = steps_.front();
+        if (step.kind != Step::Kind::snapshot && step.kind != Step::Kind::tree)
+            break;
+        steps_.pop_front();
+        failure = take(step);
+    }
+    finish(failure);
+}
+
+void StepRunner::finish(const std::optional<std::string>& failure) {
+    running_ = false;
+    if (const Completion completion = std::exchange(completion_, {}))
+        completion(failure);
+}
+
+} // namespace sela

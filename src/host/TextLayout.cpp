@@ -1,0 +1,146 @@
+#include "host/TextLayout.h"
+
+#include "host/QtConversions.h"
+
+#include <QPainter>
+#include <QTextOption>
+
+#include <algorithm>
+#include <cmath>
+
+namespace sela {
+
+namespace {
+
+/// Wider than any text, yet within the range of Qt's fixed-point lengths.
+constexpr double widest = 1'000'000;
+
+/// Of a text that is cut off no more is looked at than ever fits into a line.
+constexpr int longestTruncatedLine = 1'000;
+
+/// Room for the rounding of widths that come out of a layout.
+constexpr double tolerance = 0.01;
+
+QTextOption textOption(QTextOption::WrapMode wrapMode) {
+    QTextOption option;
+    option.setWrapMode(wrapMode);
+    option.setUseDesignMetrics(true);
+    return option;
+}
+
+} // namespace
+
+TextLayout::TextLayout(const NSAttributedString& text, double width, int maximumLines,
+                       UIUserInterfaceStyle style, FontCache& fonts) {
+    addText(text, style, fonts);
+    if (!text_.isEmpty())
+        breakLines(std::clamp(width + tolerance, 0.0, widest), maximumLines);
+    for (const QTextLine& line : lines_) {
+        size_.width = std::max(size_.width, line.naturalTextWidth());
+        size_.height += line.height();
+    }
+}
+
+void TextLayout::addText(const NSAttributedString& text, UIUserInterfaceStyle style, FontCache& fonts) {
+    for (const NSAttributedString::Run& run : text.runs()) {
+        QTextLayout::FormatRange range;
+        range.start = static_cast<int>(text_.size());
+        text_ += QString::fromUtf8(run.text.data(), static_cast<qsizetype>(run.text.size()));
+        range.length = static_cast<int>(text_.size()) - range.start;
+        if (run.attributes.font)
+            range.format.setFont(fonts.font(*run.attributes.font));
+        const UIColor color = run.attributes.foregroundColor.value_or(UIColor::black());
+        range.format.setForeground(toQt(color.resolve(style)));
+        formats_.append(range);
+    }
+    text_.replace(QLatin1Char('\n'), QChar(QChar::LineSeparator));
+}
+
+void TextLayout::breakLines(double width, int maximumLines) {
+    whole_.setText(text_);
+    whole_.setFont(formats_.front().format.font());
+    whole_.setFormats(formats_);
+    whole_.setTextOption(textOption(QTextOption::WrapAtWordBoundaryOrAnywhere));
+    whole_.setCacheEnabled(true);
+    whole_.beginLayout();
+    for (QTextLine line = whole_.createLine(); line.isValid(); line = whole_.createLine()) {
+        line.setLineWidth(width);
+        lines_.push_back(line);
+        if (maximumLines > 0 && lineCount() == maximumLines)
+            break;
+    }
+    whole_.endLayout();
+    const QTextLine& last = lines_.back();
+    const bool isCut = last.textStart() + last.textLength() < text_.size();
+    const bool isTooWide = maximumLines > 0 && last.naturalTextWidth() > width;
+    if (isCut || isTooWide)
+        truncateFrom(last.textStart(), width);
+}
+
+/// Replaces the last line by one that starts at `start`, fills the width and ends in an ellipsis.
+void TextLayout::truncateFrom(int start, double width) {
+    QString rest = text_.mid(start, longestTruncatedLine);
+    if (const qsizetype lineEnd = rest.indexOf(QChar(QChar::LineSeparator)); lineEnd >= 0)
+        rest.truncate(lineEnd);
+    const std::unique_ptr<QTextLayout> full =
+        layOutLine(rest, formatsFrom(start, static_cast<int>(rest.size())));
+    int length = full->lineAt(0).xToCursor(width, QTextLine::CursorOnCharacter);
+    while (true) {
+        QString shown = rest.left(length);
+        while (shown.endsWith(QLatin1Char(' ')))
+            shown.chop(1);
+        Formats formats = formatsFrom(start, static_cast<int>(shown.size()));
+        if (formats.isEmpty())
+            formats = formatsFrom(start, 1);
+        formats.back().length = static_cast<int>(shown.size()) + 1 - formats.back().start;
+        truncated_ = layOutLine(shown + QChar(0x2026), formats);
+        if (length <= 0 || truncated_->lineAt(0).naturalTextWidth() <= width)
+            break;
+        length = full->previousCursorPosition(length);
+    }
+    lines_.back() = truncated_->lineAt(0);
+}
+
+std::unique_ptr<QTextLayout> TextLayout::layOutLine(const QString& text, const Formats& formats) const {
+    auto layout = std::make_unique<QTextLayout>(text, whole_.font());
+    layout->setFormats(formats);
+    layout->setTextOption(textOption(QTextOption::NoWrap));
+    layout->setCacheEnabled(true);
+    layout->beginLayout();
+    QTextLine line = layout->createLine();
+    if (line.isValid())
+        line.setLineWidth(widest);
+    layout->endLayout();
+    return layout;
+}
+
+/// The formats of a stretch of the text, counted from its start.
+TextLayout::Formats TextLayout::formatsFrom(int start, int length) const {
+    Formats formats;
+    for (QTextLayout::FormatRange range : formats_) {
+        const int begin = std::max(range.start, start);
+        const int end = std::min(range.start + range.length, start + length);
+        if (begin >= end)
+            continue;
+        range.start = begin - start;
+        range.length = end - begin;
+        formats.append(range);
+    }
+    return formats;
+}
+
+void TextLayout::draw(QPainter& painter, const CGRect& bounds, NSTextAlignment alignment) const {
+    double top = bounds.midY() - size_.height / 2;
+    for (const QTextLine& line : lines_) {
+        const double slack = bounds.size.width - line.naturalTextWidth();
+        double left = bounds.minX();
+        if (alignment == NSTextAlignment::center)
+            left += slack / 2;
+        else if (alignment == NSTextAlignment::right)
+            left += slack;
+        line.draw(&painter, QPointF(left, top) - line.position());
+        top += line.height();
+    }
+}
+
+} // namespace sela

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/uikit/UIWindow.h"
+
+#include <string>
+
+namespace sela {
+
+/// The view tree as JSON, for other programs. Main thread only.
+namespace TreeWriter {
+
+/// One object: the window's root view, with everything in it as it is shown at this moment, laid out first.
+/// Lengths are points of the screen, rounded to thousandths. An empty object when nothing is shown.
+std::string json(UIWindow& window);
+
+/// Writes that object and a line end to the file `path`, replacing one that exists. False when it cannot be
+/// written.
+bool write(UIWindow& window, const std::string& path);
+
+} // namespace TreeWriter
+
+} // namespace sela

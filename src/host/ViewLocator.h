@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/uikit/UIWindow.h"
+
+#include <optional>
+#include <string_view>
+
+namespace sela {
+
+/// Finds by name what a finger could touch. Main thread only.
+namespace ViewLocator {
+
+/// Where (window points) a tap reaches the topmost view called `name`. "row:SECTION:ROW" is that row of the
+/// topmost table, and "showChildButton:SECTION" the view of that name in the section's first row; both are
+/// scrolled to when they are out of view. Absent when there is no such view, or it is hidden or covered.
+std::optional<CGPoint> tapPoint(UIWindow& window, std::string_view name);
+
+} // namespace ViewLocator
+
+} // namespace sela

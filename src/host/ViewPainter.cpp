@@ -1,0 +1,252 @@
+#include "host/ViewPainter.h"
+
+#include "host/QtConversions.h"
+#include "platform/uikit/UIActivityIndicatorView.h"
+#include "platform/uikit/UIImageView.h"
+#include "platform/uikit/UILabel.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace sela {
+
+namespace {
+
+/// Below this alpha nothing can be seen in 8 bits.
+constexpr double invisibleAlpha = 0.002;
+
+void setHints(QPainter& painter) {
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing |
+                           QPainter::SmoothPixmapTransform);
+}
+
+QPainterPath roundedPath(const CGRect& rect, double radius) {
+    const double largest = std::min(rect.size.width, rect.size.height) / 2;
+    const double shown = std::clamp(radius, 0.0, std::max(largest, 0.0));
+    QPainterPath path;
+    path.addRoundedRect(toQt(rect), shown, shown);
+    return path;
+}
+
+/// Whether the transform leaves upright rectangles upright.
+bool isUpright(const QTransform& transform) {
+    return transform.m12() == 0 && transform.m21() == 0;
+}
+
+QRect clippedDeviceRect(const QPainter& painter, const QRectF& rect) {
+    const QRect device(0, 0, painter.device()->width(), painter.device()->height());
+    QRect clip = device;
+    if (painter.hasClipping())
+        clip = painter.worldTransform().mapRect(painter.clipBoundingRect()).toAlignedRect() & device;
+    return painter.worldTransform().mapRect(rect).toAlignedRect() & clip;
+}
+
+} // namespace
+
+void ViewPainter::paint(QImage& target, const QRect& area, const UIView& root, const Screen& screen) {
+    screen_ = screen;
+    QPainter painter(&target);
+    setHints(painter);
+    painter.setClipRect(area);
+    painter.scale(screen.pixelsPerPoint, screen.pixelsPerPoint);
+    paintView(painter, root);
+}
+
+QColor ViewPainter::color(const UIColor& color) const {
+    return toQt(color.resolve(screen_.style));
+}
+
+void ViewPainter::paintView(QPainter& painter, const UIView& view) {
+    const UIView::Presentation shown = view.presentation();
+    if (view.isHidden() || shown.alpha < invisibleAlpha)
+        return;
+    const QTransform toSuperview = toQt(shown.toSuperview());
+    if (!toSuperview.isInvertible())
+        return;
+    painter.save();
+    painter.setWorldTransform(toSuperview, true);
+    const bool masks = view.layer().masksToBounds();
+    const bool isOutside = masks && clippedDeviceRect(painter, toQt(shown.bounds)).isEmpty();
+    if (!isOutside) {
+        const bool needsShape =
+            masks && (view.layer().cornerRadius() > 0 || !isUpright(painter.worldTransform()));
+        const bool needsOneOpacity = shown.alpha < 1 && !view.subviews().empty();
+        if (needsShape || needsOneOpacity) {
+            if (!masks)
+                paintShadow(painter, view);
+            paintGroup(painter, view, shown.alpha, masks);
+        } else {
+            painter.setOpacity(painter.opacity() * shown.alpha);
+            if (masks)
+                painter.setClipRect(toQt(shown.bounds), Qt::IntersectClip);
+            else
+                paintShadow(painter, view);
+            paintInside(painter, view, true);
+        }
+    }
+    painter.restore();
+}
+
+/// Draws the view into a picture of its own, which is then cut to the rounded bounds and laid over the target
+/// as one.
+void ViewPainter::paintGroup(QPainter& painter, const UIView& view, double opacity, bool masks) {
+    const CGRect bounds = view.presentation().bounds;
+    const QTransform transform = painter.worldTransform();
+    const QRect everything(0, 0, painter.device()->width(), painter.device()->height());
+    const QRect area = masks ? clippedDeviceRect(painter, toQt(bounds))
+                             : clippedDeviceRect(painter, transform.inverted().mapRect(QRectF(everything)));
+    if (area.isEmpty())
+        return;
+    QImage group(area.size(), QImage::Format_ARGB32_Premultiplied);
+    group.fill(Qt::transparent);
+    {
+        QPainter inside(&group);
+        setHints(inside);
+        inside.setWorldTransform(transform * QTransform::fromTranslate(-area.x(), -area.y()));
+        const QTransform groupTransform = inside.worldTransform();
+        paintInside(inside, view, !masks);
+        if (masks) {
+            QPainterPath outside;
+            outside.addRect(QRectF(group.rect()).adjusted(-1, -1, 1, 1));
+            outside.addPath(groupTransform.map(roundedPath(bounds, view.layer().cornerRadius())));
+            inside.resetTransform();
+            inside.setCompositionMode(QPainter::CompositionMode_DestinationOut);
+            inside.fillPath(outside, Qt::black);
+        }
+    }
+    painter.resetTransform();
+    painter.setOpacity(painter.opacity() * opacity);
+    painter.drawImage(area.topLeft(), group);
+}
+
+void ViewPainter::paintInside(QPainter& painter, const UIView& view, bool roundsBackground) {
+    const UIView::Presentation shown = view.presentation();
+    if (shown.backgroundColor) {
+        if (roundsBackground && view.layer().cornerRadius() > 0)
+            painter.fillPath(roundedPath(shown.bounds, view.layer().cornerRadius()),
+                             color(*shown.backgroundColor));
+        else
+            painter.fillRect(toQt(shown.bounds), color(*shown.backgroundColor));
+    }
+    if (const auto* label = dynamic_cast<const UILabel*>(&view))
+        paintLabel(painter, *label);
+    else if (const auto* image = dynamic_cast<const UIImageView*>(&view))
+        paintImage(painter, *image);
+    else if (const auto* spinner = dynamic_cast<const UIActivityIndicatorView*>(&view))
+        paintSpinner(painter, *spinner);
+    for (const UIView* const subview : view.subviews())
+        paintView(painter, *subview);
+    paintBorder(painter, view);
+}
+
+void ViewPainter::paintShadow(QPainter& painter, const UIView& view) {
+    if (view.layer().shadowOpacity() <= 0)
+        return;
+    const double pixelsPerPoint = screen_.pixelsPerPoint;
+    const ShadowCache::Shadow& shadow =
+        shadows_.shadow(view, pixelsPerPoint, screen_.style, [&](QImage& picture, QPointF origin) {
+            QPainter inside(&picture);
+            setHints(inside);
+            inside.scale(pixelsPerPoint, pixelsPerPoint);
+            inside.translate(-origin);
+            paintInside(inside, view, true);
+        });
+    const CGSize offset = view.layer().shadowOffset();
+    const QRectF target(shadow.origin + QPointF(offset.width, offset.height),
+                        QSizeF(shadow.image.size()) / pixelsPerPoint);
+    painter.save();
+    painter.setOpacity(painter.opacity() * view.presentation().alpha);
+    painter.drawImage(target, shadow.image);
+    painter.restore();
+}
+
+void ViewPainter::paintBorder(QPainter& painter, const UIView& view) {
+    const double width = view.layer().borderWidth();
+    if (width <= 0)
+        return;
+    const CGRect bounds = view.presentation().bounds;
+    QPainterPath frame = roundedPath(bounds, view.layer().cornerRadius());
+    const CGRect hole = bounds.insetBy(width, width);
+    if (!hole.isEmpty())
+        frame.addPath(roundedPath(hole, view.layer().cornerRadius() - width));
+    painter.fillPath(frame, color(view.layer().borderColor()));
+}
+
+void ViewPainter::paintLabel(QPainter& painter, const UILabel& label) {
+    const CGRect bounds = label.presentation().bounds;
+    const NSAttributedString text = label.displayedText();
+    if (text.isEmpty() || bounds.isEmpty())
+        return;
+    std::shared_ptr<const TextLayout> layout =
+        measurer_.layout(text, bounds.size.width, label.numberOfLines(), screen_.style);
+    if (layout->lineCount() > 1 && layout->size().height > bounds.size.height + 1) {
+        const double lineHeight = layout->size().height / layout->lineCount();
+        const int fitting = std::max(1, static_cast<int>((bounds.size.height + 1) / lineHeight));
+        layout = measurer_.layout(text, bounds.size.width, fitting, screen_.style);
+    }
+    layout->draw(painter, bounds, label.textAlignment());
+}
+
+void ViewPainter::paintImage(QPainter& painter, const UIImageView& view) {
+    const CGRect whole = view.imageRect();
+    if (!view.image() || whole.isEmpty())
+        return;
+    const UIImage& image = *view.image();
+    const std::optional<QColor> tint =
+        view.drawsTemplate() ? std::optional(color(view.tintColor())) : std::nullopt;
+    const double scale = screen_.pixelsPerPoint;
+    if (!image.pixels()) {
+        // Vectors are placed on whole pixels, where thin lines stay sharp.
+        const QSize size = (QSizeF(whole.size.width, whole.size.height) * scale).toSize();
+        const QImage rendered = images_.scaled(image, {0, 0, 1, 1}, size, tint);
+        QRectF target(toQt(whole.origin), QSizeF(size) / scale);
+        const QTransform transform = painter.worldTransform();
+        if (isUpright(transform) && transform.m11() == scale && transform.m22() == scale) {
+            const QPointF corner = transform.map(target.topLeft()).toPoint();
+            target.moveTopLeft(transform.inverted().map(corner));
+        }
+        painter.drawImage(target, rendered);
+        return;
+    }
+    const CGRect visible = view.clipsToBounds() ? whole.intersection(view.presentation().bounds) : whole;
+    if (visible.isEmpty())
+        return;
+    const QRectF part((visible.minX() - whole.minX()) / whole.size.width,
+                      (visible.minY() - whole.minY()) / whole.size.height,
+                      visible.size.width / whole.size.width, visible.size.height / whole.size.height);
+    const QSize size(static_cast<int>(std::ceil(visible.size.width * scale)),
+                     static_cast<int>(std::ceil(visible.size.height * scale)));
+    painter.drawImage(toQt(visible), images_.scaled(image, part, size, tint));
+}
+
+void ViewPainter::paintSpinner(QPainter& painter, const UIActivityIndicatorView& spinner) {
+    constexpr double innerRadius = 0.24;
+    constexpr double outerRadius = 0.46;
+    constexpr double thickness = 0.11;
+    constexpr double faintest = 0.18;
+    constexpr int spokes = UIActivityIndicatorView::spokes;
+
+    const CGRect bounds = spinner.presentation().bounds;
+    const double side = std::min(bounds.size.width, bounds.size.height);
+    painter.save();
+    painter.translate(toQt(bounds.center()));
+    painter.rotate(360.0 / spokes * spinner.leadingSpoke());
+    for (int age = 0; age < spokes; ++age) {
+        const double strength = 1 - static_cast<double>(age) / spokes;
+        QColor shade = color(spinner.color());
+        shade.setAlphaF(static_cast<float>(shade.alphaF() * std::max(strength, faintest)));
+        const QRectF spoke(-thickness / 2 * side, -outerRadius * side, thickness * side,
+                           (outerRadius - innerRadius) * side);
+        QPainterPath path;
+        path.addRoundedRect(spoke, thickness / 2 * side, thickness / 2 * side);
+        painter.fillPath(path, shade);
+        painter.rotate(-360.0 / spokes);
+    }
+    painter.restore();
+}
+
+} // namespace sela
