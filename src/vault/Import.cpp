@@ -62,6 +62,8 @@ Result<Import::Report> Import::run() {
         return lock.error();
     if (ErrorRef error = FileManager::defaultManager().createDirectory(options_.into.path()))
         return error;
+    // What an import that was killed had not finished copying.
+    FileManager::defaultManager().removeItem(temporaryCopy().path());
     if (ErrorRef error = recover())
         return error;
     const Result<std::vector<SharedItemLedger::Entry>> entries = ledger();
@@ -170,9 +172,13 @@ ErrorRef Import::putAt(const URL& source, const URL& target) {
     return cannotLink(error) ? copyTo(source, target) : error;
 }
 
+URL Import::temporaryCopy() const {
+    return options_.into.appendingPathComponent(".sela-import");
+}
+
 ErrorRef Import::copyTo(const URL& source, const URL& target) {
     FileManager& files = FileManager::defaultManager();
-    const URL temporary = options_.into.appendingPathComponent(".sela-import");
+    const URL temporary = temporaryCopy();
     const Result<std::unique_ptr<InputStream>> input = files.inputStream(source);
     if (!input)
         return input.error();

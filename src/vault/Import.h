@@ -46,6 +46,7 @@ private:
     ErrorRef importEntry(const SharedItemLedger::Entry& entry);
     Result<URL> place(const SharedItemLedger::Entry& entry, const URL& source, const URL& folder);
     ErrorRef putAt(const URL& source, const URL& target);
+    URL temporaryCopy() const;
     ErrorRef copyTo(const URL& source, const URL& target);
     ErrorRef noteJournal(const Journal& journal);
     ErrorRef takeOutOfLedger(const std::string& key, const SharedItem& item);

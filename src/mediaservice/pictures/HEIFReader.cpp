@@ -91,7 +91,7 @@ Handle sufficientThumbnail(const Handle& main, int maximumSide) {
 Image decode(const Handle& handle, heif_colorspace space, heif_chroma chroma) {
     const Options options(heif_decoding_options_alloc());
     options->strict_decoding = 1;
-    options->convert_hdr_to_8bit = 1;
+    options->convert_hdr_to_8bit = space == heif_colorspace_RGB;
     heif_image* image = nullptr;
     if (heif_decode_image(handle.get(), &image, space, chroma, options.get()).code != heif_error_Ok)
         return nullptr;
@@ -147,7 +147,8 @@ private:
 /// Scales the planes as they are and brings the few pixels that are left to RGB: half the memory and less
 /// time than a picture of RGB in full size.
 std::optional<PixelBuffer> readPlanes(const Handle& handle, int maximumSide) {
-    const Image image = decode(handle, heif_colorspace_undefined, heif_chroma_undefined);
+    // Asked for as nearly every encoder stores it, so that the library has nothing to convert.
+    const Image image = decode(handle, heif_colorspace_YCbCr, heif_chroma_420);
     if (!image)
         return std::nullopt;
     const Plane luma(image.get(), heif_channel_Y);
@@ -232,7 +233,9 @@ std::optional<DecodedPicture> readHEIF(const InputFile& file, int maximumSide) {
     const ColourCoding coding = colourCoding(chosen, nullptr);
     const bool rare = heif_image_handle_has_alpha_channel(chosen.get()) ||
                       (coding && coding->matrix_coefficients == identityMatrix);
-    auto pixels = rare ? readInterleaved(chosen, maximumSide) : readPlanes(chosen, maximumSide);
+    auto pixels = rare ? std::nullopt : readPlanes(chosen, maximumSide);
+    if (!pixels)
+        pixels = readInterleaved(chosen, maximumSide);
     if (!pixels)
         return std::nullopt;
     DecodedPicture picture;

@@ -39,7 +39,7 @@ std::unique_ptr<MediaHelperProcess> MediaHelperProcess::start(const std::string&
         return nullptr;
     // Duplicating a descriptor onto its own number would leave it closed on exec, so it gets another first.
     const FileDescriptor childEnd(::fcntl(ends->second.get(), F_DUPFD_CLOEXEC, mediaHelperSocket + 1));
-    if (!childEnd)
+    if (!childEnd.isOpen())
         return nullptr;
     const SpawnActions actions(childEnd.get());
     std::string program = path;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/media/FileDescriptor.h"
+#include "platform/foundation/FileDescriptor.h"
 #include "platform/media/MediaSocket.h"
 
 #include <memory>

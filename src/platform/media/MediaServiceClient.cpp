@@ -37,7 +37,7 @@ std::string locateProgram(const std::string& directory, std::string_view name) {
 Result<FileDescriptor> openRegularFile(const std::string& path) {
     // A pipe without a writer must not block the open.
     FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    if (!file)
+    if (!file.isOpen())
         return NSError::posix(errno, "open");
     struct stat status {};
     if (::fstat(file.get(), &status) != 0)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/foundation/Data.h"
-#include "platform/media/FileDescriptor.h"
+#include "platform/foundation/FileDescriptor.h"
 
 #include <optional>
 #include <span>

@@ -7,7 +7,7 @@ namespace sela {
 
 std::optional<SharedPixels> SharedPixels::create(std::size_t size) {
     FileDescriptor descriptor(::memfd_create("sela-pixels", MFD_CLOEXEC | MFD_ALLOW_SEALING));
-    if (!descriptor || ::ftruncate(descriptor.get(), static_cast<off_t>(size)) != 0 ||
+    if (!descriptor.isOpen() || ::ftruncate(descriptor.get(), static_cast<off_t>(size)) != 0 ||
         ::fcntl(descriptor.get(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) != 0)
         return std::nullopt;
     return open(std::move(descriptor), size);

@@ -61,6 +61,13 @@ void UIViewController::removeFromParent() {
     didMove(nullptr);
 }
 
+std::shared_ptr<NSExtensionContext> UIViewController::extensionContext() const {
+    const UIViewController* controller = this;
+    while (!controller->extensionContext_ && controller->parent_)
+        controller = controller->parent_;
+    return controller->extensionContext_;
+}
+
 UINavigationController* UIViewController::navigationController() const {
     for (UIViewController* ancestor = parent_; ancestor; ancestor = ancestor->parent_)
         if (auto* const navigationController = dynamic_cast<UINavigationController*>(ancestor))

@@ -8,10 +8,12 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace sela {
 
+class NSExtensionContext;
 class UINavigationController;
 
 /// A screen: a root view that it makes when first asked for, and the steps of its life. Always held by
@@ -64,6 +66,12 @@ public:
     UINavigationController* navigationController() const;
     UINavigationItem& navigationItem() { return navigationItem_; }
 
+    /// The share request that this controller, or the nearest one around it, was started for; null for none.
+    std::shared_ptr<NSExtensionContext> extensionContext() const;
+    void setExtensionContext(std::shared_ptr<NSExtensionContext> context) {
+        extensionContext_ = std::move(context);
+    }
+
     // Presentation
 
     using Completion = std::function<void()>;
@@ -114,6 +122,7 @@ private:
     UIViewController* parent_ = nullptr;
     std::vector<std::shared_ptr<UIViewController>> children_;
     UINavigationItem navigationItem_;
+    std::shared_ptr<NSExtensionContext> extensionContext_;
     std::shared_ptr<UIViewController> presented_;
     UIViewController* presenting_ = nullptr;
 };

@@ -1,0 +1,124 @@
+#include "mediaservice/videos/FrameConversion.h"
+
+#include "mediaservice/pictures/AreaScaler.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+
+extern "C" {
+#include <libavformat/avformat.h>
+#include <libavutil/display.h>
+#include <libavutil/frame.h>
+#include <libavutil/pixdesc.h>
+#include <libswscale/swscale.h>
+}
+
+namespace sela {
+
+namespace {
+
+// Pixel shapes beyond this come from broken files.
+constexpr double mostStretched = 8;
+
+constexpr int highDefinitionWidth = 1280;
+
+struct FreeScaler {
+    void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
+};
+
+/// The frame's size once its pixels are square: stretched, never shrunk, so that no detail is lost.
+PictureSize displaySize(const AVFrame& frame, const AVStream& track) {
+    AVRational shape = frame.sample_aspect_ratio;
+    if (shape.num <= 0 || shape.den <= 0)
+        shape = track.sample_aspect_ratio;
+    const double ratio = shape.num > 0 && shape.den > 0 ? av_q2d(shape) : 1;
+    if (ratio > mostStretched || ratio < 1 / mostStretched)
+        return {frame.width, frame.height};
+    if (ratio >= 1)
+        return {static_cast<int>(std::lround(frame.width * ratio)), frame.height};
+    return {frame.width, static_cast<int>(std::lround(frame.height / ratio))};
+}
+
+/// The frame's colour matrix; a frame that tells none is taken as its size suggests.
+int colourMatrix(const AVFrame& frame) {
+    switch (frame.colorspace) {
+    case AVCOL_SPC_BT709:
+        return SWS_CS_ITU709;
+    case AVCOL_SPC_BT2020_NCL:
+    case AVCOL_SPC_BT2020_CL:
+        return SWS_CS_BT2020;
+    case AVCOL_SPC_UNSPECIFIED:
+        return frame.width >= highDefinitionWidth ? SWS_CS_ITU709 : SWS_CS_ITU601;
+    default:
+        return SWS_CS_ITU601;
+    }
+}
+
+bool isFullRange(const AVFrame& frame) {
+    switch (frame.format) {
+    case AV_PIX_FMT_YUVJ420P:
+    case AV_PIX_FMT_YUVJ422P:
+    case AV_PIX_FMT_YUVJ444P:
+        return true;
+    default:
+        return frame.color_range == AVCOL_RANGE_JPEG;
+    }
+}
+
+} // namespace
+
+std::optional<PixelBuffer> convertedFrame(const AVFrame& frame, const AVStream& track, int maximumSide) {
+    const PictureSize size = displaySize(frame, track);
+    const auto format = static_cast<AVPixelFormat>(frame.format);
+    if (frame.width < 1 || frame.height < 1 || std::max(size.width, size.height) > largestSourceSide ||
+        !sws_isSupportedInput(format))
+        return std::nullopt;
+    const PictureSize target = fitted(size, maximumSide);
+    const bool smaller = target.width < frame.width || target.height < frame.height;
+    const std::unique_ptr<SwsContext, FreeScaler> scaler(
+        sws_getContext(frame.width, frame.height, format, target.width, target.height, AV_PIX_FMT_RGBA,
+                       (smaller ? SWS_AREA : SWS_BICUBIC) | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, nullptr,
+                       nullptr, nullptr));
+    if (!scaler)
+        return std::nullopt;
+    constexpr int one = 1 << 16;
+    sws_setColorspaceDetails(scaler.get(), sws_getCoefficients(colourMatrix(frame)), isFullRange(frame),
+                             sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, one, one);
+
+    PixelBuffer pixels{target.width, target.height, {}};
+    pixels.bytes.resize(std::size_t{4} * static_cast<std::size_t>(target.width) *
+                        static_cast<std::size_t>(target.height));
+    std::uint8_t* const planes[] = {pixels.bytes.data(), nullptr, nullptr, nullptr};
+    const int strides[] = {4 * target.width, 0, 0, 0};
+    if (sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, planes, strides) <= 0)
+        return std::nullopt;
+    // A cover has no use for the alpha that a few codecs carry.
+    for (std::size_t i = 3; i < pixels.bytes.size(); i += 4)
+        pixels.bytes[i] = 255;
+    return pixels;
+}
+
+Orientation displayOrientation(const AVStream& track) {
+    const auto* matrix = reinterpret_cast<const std::int32_t*>(
+        av_stream_get_side_data(&track, AV_PKT_DATA_DISPLAYMATRIX, nullptr));
+    if (!matrix)
+        return Orientation::up;
+    // Rows of the matrix say where the frame's horizontal (a, b) and vertical (c, d) axes point on the
+    // screen.
+    const double a = matrix[0];
+    const double b = matrix[1];
+    const double c = matrix[3];
+    const double d = matrix[4];
+    if (std::abs(a) + std::abs(d) >= std::abs(b) + std::abs(c)) {
+        if (a >= 0)
+            return d >= 0 ? Orientation::up : Orientation::downMirrored;
+        return d >= 0 ? Orientation::upMirrored : Orientation::down;
+    }
+    if (b >= 0)
+        return c >= 0 ? Orientation::leftMirrored : Orientation::right;
+    return c >= 0 ? Orientation::left : Orientation::rightMirrored;
+}
+
+} // namespace sela

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "mediaservice/pictures/Orientation.h"
+#include "platform/media/UIImage.h"
+
+#include <optional>
+
+struct AVFrame;
+struct AVStream;
+
+namespace sela {
+
+/// A decoded frame as pixels in RGB, with square pixels, scaled so that no side is longer than `maximumSide`;
+/// its colour matrix and range are those that the frame tells. Absent when its format cannot be converted.
+std::optional<PixelBuffer> convertedFrame(const AVFrame& frame, const AVStream& track, int maximumSide);
+
+/// How the track's frames are to be turned and mirrored for display, to the nearest quarter turn.
+Orientation displayOrientation(const AVStream& track);
+
+} // namespace sela

@@ -1,0 +1,179 @@
+#include "mediaservice/videos/FrameReader.h"
+
+#include <algorithm>
+#include <utility>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+}
+
+namespace sela {
+
+void FreeFrame::operator()(AVFrame* frame) const {
+    av_frame_free(&frame);
+}
+
+namespace {
+
+// A frame larger than this is not decoded (144 megapixels; 8K video has 33).
+constexpr std::int64_t mostPixels = std::int64_t{144} * 1000 * 1000;
+
+struct FreePacket {
+    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+};
+using Packet = std::unique_ptr<AVPacket, FreePacket>;
+
+struct FreeDecoder {
+    void operator()(AVCodecContext* decoder) const { avcodec_free_context(&decoder); }
+};
+using Decoder = std::unique_ptr<AVCodecContext, FreeDecoder>;
+
+/// A decoder for the track; null when its codec is not read. More threads decode a row of frames sooner, but
+/// each holds frames of its own, so one frame alone gets one thread.
+Decoder openDecoder(const AVStream& track, int threads) {
+    const AVCodec* codec = avcodec_find_decoder(track.codecpar->codec_id);
+    Decoder decoder(codec ? avcodec_alloc_context3(codec) : nullptr);
+    if (!decoder || avcodec_parameters_to_context(decoder.get(), track.codecpar) < 0)
+        return nullptr;
+    decoder->pkt_timebase = track.time_base;
+    decoder->thread_count = threads;
+    decoder->max_pixels = mostPixels;
+    return avcodec_open2(decoder.get(), codec, nullptr) == 0 ? std::move(decoder) : nullptr;
+}
+
+std::int64_t timeOf(const AVPacket& packet) {
+    return packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+}
+
+std::int64_t timeOf(const AVFrame& frame) {
+    return frame.best_effort_timestamp != AV_NOPTS_VALUE ? frame.best_effort_timestamp : frame.pts;
+}
+
+/// Decodes from the packet at hand until a frame of the window comes out.
+class Walk {
+public:
+    Walk(VideoFile& video, const FrameWindow& window, Decoder decoder, bool keyFrameSuffices)
+        : video_(video), window_(window), decoder_(std::move(decoder)), keyFrameSuffices_(keyFrameSuffices) {}
+
+    std::optional<ReadFrame> run(Packet packet) {
+        for (bool more = true; more;) {
+            skipUnneeded(*packet);
+            if (avcodec_send_packet(decoder_.get(), packet.get()) == AVERROR(ENOMEM))
+                return std::nullopt;
+            if (keyFrameSuffices_)
+                break;
+            if (auto found = receive())
+                return found;
+            more = !isPastWindow() && video_.read(*packet);
+        }
+        avcodec_send_packet(decoder_.get(), nullptr);
+        if (auto found = receive())
+            return found;
+        return lastShown();
+    }
+
+private:
+    /// Frames that end before the window, and that no other frame is made from, need not be decoded.
+    void skipUnneeded(const AVPacket& packet) {
+        const std::int64_t end = timeOf(packet) + std::max<std::int64_t>(packet.duration, 0);
+        const bool unneeded = timeOf(packet) != AV_NOPTS_VALUE && packet.duration > 0 && end < window_.from;
+        decoder_->skip_frame = unneeded ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
+    }
+
+    /// Takes the frames that are ready, up to the one of the window.
+    std::optional<ReadFrame> receive() {
+        for (;;) {
+            VideoFrame frame(av_frame_alloc());
+            if (!frame || avcodec_receive_frame(decoder_.get(), frame.get()) != 0)
+                return std::nullopt;
+            ++framesDecoded_;
+            if (frame->decode_error_flags != 0 || frame->flags & AV_FRAME_FLAG_CORRUPT)
+                continue;
+            const std::int64_t time = timeOf(*frame);
+            if (keyFrameSuffices_ || window_.contains(time))
+                return ReadFrame{std::move(frame), time, framesDecoded_};
+            if (time > window_.to) {
+                pastWindow_ = true;
+                // The frame before this one is still shown throughout the window.
+                return previous_
+                           ? std::optional(ReadFrame{std::move(previous_), previousTime_, framesDecoded_})
+                           : std::nullopt;
+            }
+            previous_ = std::move(frame);
+            previousTime_ = time;
+        }
+    }
+
+    bool isPastWindow() const { return pastWindow_; }
+
+    /// The last frame of the file, when it is shown until the window.
+    std::optional<ReadFrame> lastShown() {
+        if (!previous_ || pastWindow_ || previousTime_ + previous_->pkt_duration <= window_.from)
+            return std::nullopt;
+        return ReadFrame{std::move(previous_), previousTime_, framesDecoded_};
+    }
+
+    VideoFile& video_;
+    const FrameWindow window_;
+    Decoder decoder_;
+    const bool keyFrameSuffices_;
+    bool pastWindow_ = false;
+    std::uint32_t framesDecoded_ = 0;
+    VideoFrame previous_;
+    std::int64_t previousTime_ = 0;
+};
+
+/// Goes to the key frame at or before `time` and reads its packet; null when there is none to be read.
+Packet readKeyPacket(VideoFile& video, std::int64_t time) {
+    Packet packet(av_packet_alloc());
+    if (!packet || !video.seek(time))
+        return nullptr;
+    while (video.read(*packet))
+        if (packet->flags & AV_PKT_FLAG_KEY)
+            return packet;
+    return nullptr;
+}
+
+/// The packet of the first key frame after the time asked for, when it lies in the window; null otherwise.
+Packet readLaterKeyPacket(VideoFile& video, const FrameWindow& window) {
+    const auto next = video.keyFrameAfter(window.time);
+    if (!next || !window.contains(*next))
+        return nullptr;
+    Packet packet = readKeyPacket(video, *next);
+    return packet && window.contains(timeOf(*packet)) ? std::move(packet) : nullptr;
+}
+
+/// The packet to start from: of the key frame at or before the time asked for, else of the video's first.
+Packet readEarlierKeyPacket(VideoFile& video, const FrameWindow& window) {
+    Packet packet = readKeyPacket(video, window.time);
+    // The first search of some containers lands behind the time asked for; from the start none does.
+    if (!packet || timeOf(*packet) > window.to)
+        packet = readKeyPacket(video, std::min(video.startTime(), window.from));
+    return packet;
+}
+
+std::optional<ReadFrame> decode(VideoFile& video, const FrameWindow& window, Packet packet,
+                                bool keyFrameSuffices) {
+    constexpr int threadsForMany = 2;
+    Decoder decoder = packet ? openDecoder(video.track(), keyFrameSuffices ? 1 : threadsForMany) : nullptr;
+    if (!decoder)
+        return std::nullopt;
+    return Walk(video, window, std::move(decoder), keyFrameSuffices).run(std::move(packet));
+}
+
+} // namespace
+
+std::optional<ReadFrame> readFrame(VideoFile& video, const FrameWindow& window) {
+    Packet packet = readEarlierKeyPacket(video, window);
+    if (packet && window.contains(timeOf(*packet))) {
+        if (auto found = decode(video, window, std::move(packet), true))
+            return found;
+    } else if (Packet later = readLaterKeyPacket(video, window)) {
+        if (auto found = decode(video, window, std::move(later), true))
+            return found;
+    }
+    return decode(video, window, readEarlierKeyPacket(video, window), false);
+}
+
+} // namespace sela

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/snapkit/ConstraintAttribute.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <source_location>
+
+namespace sela {
+
+class UIView;
+
+/// One equation of a view's layout: its `attribute` = `multiplier` * the target's `targetAttribute` +
+/// `constant`, in points. Without a target, `attribute` = `constant`. A multiplied place counts from the left
+/// or top edge of the nearest view that holds both views. A constraint sleeps while its target is not in the
+/// tree of its view, or is gone.
+struct Constraint {
+    ConstraintAttribute attribute;
+    std::optional<std::weak_ptr<UIView>> target; ///< absent: none
+    ConstraintAttribute targetAttribute;
+    double multiplier;
+    double constant;
+    double priority;
+    std::uint64_t number;       ///< constraints are numbered in the order in which they are made
+    std::source_location place; ///< where it was made
+};
+
+} // namespace sela

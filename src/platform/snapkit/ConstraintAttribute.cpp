@@ -1,0 +1,27 @@
+#include "platform/snapkit/ConstraintAttribute.h"
+
+namespace sela {
+
+const char* describe(ConstraintAttribute attribute) {
+    switch (attribute) {
+    case ConstraintAttribute::left:
+        return "left";
+    case ConstraintAttribute::right:
+        return "right";
+    case ConstraintAttribute::top:
+        return "top";
+    case ConstraintAttribute::bottom:
+        return "bottom";
+    case ConstraintAttribute::width:
+        return "width";
+    case ConstraintAttribute::height:
+        return "height";
+    case ConstraintAttribute::centerX:
+        return "centerX";
+    case ConstraintAttribute::centerY:
+        return "centerY";
+    }
+    return "";
+}
+
+} // namespace sela

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/snapkit/ConstraintAttribute.h"
+
+#include <source_location>
+
+namespace sela {
+
+/// The words for attributes that every stage of the constraint language shares. `Stage` has an operation
+/// `name(ConstraintAttributes, std::source_location)` whose result is what each word returns.
+template<class Stage>
+class ConstraintAttributeWords {
+public:
+    using Place = std::source_location;
+    using Attribute = ConstraintAttribute;
+
+    auto left(Place place = Place::current()) { return stage().name({Attribute::left}, place); }
+    auto right(Place place = Place::current()) { return stage().name({Attribute::right}, place); }
+    auto top(Place place = Place::current()) { return stage().name({Attribute::top}, place); }
+    auto bottom(Place place = Place::current()) { return stage().name({Attribute::bottom}, place); }
+    auto leading(Place place = Place::current()) { return stage().name({Attribute::left}, place); }
+    auto trailing(Place place = Place::current()) { return stage().name({Attribute::right}, place); }
+    auto width(Place place = Place::current()) { return stage().name({Attribute::width}, place); }
+    auto height(Place place = Place::current()) { return stage().name({Attribute::height}, place); }
+    auto centerX(Place place = Place::current()) { return stage().name({Attribute::centerX}, place); }
+    auto centerY(Place place = Place::current()) { return stage().name({Attribute::centerY}, place); }
+
+    /// Top, left, bottom and right.
+    auto edges(Place place = Place::current()) {
+        return stage().name({Attribute::top, Attribute::left, Attribute::bottom, Attribute::right}, place);
+    }
+
+    /// Width and height.
+    auto size(Place place = Place::current()) {
+        return stage().name({Attribute::width, Attribute::height}, place);
+    }
+
+    /// Both centres.
+    auto center(Place place = Place::current()) {
+        return stage().name({Attribute::centerX, Attribute::centerY}, place);
+    }
+
+private:
+    Stage& stage() { return static_cast<Stage&>(*this); }
+};
+
+} // namespace sela

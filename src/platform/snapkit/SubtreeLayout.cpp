@@ -1,0 +1,214 @@
+#include "platform/snapkit/SubtreeLayout.h"
+
+#include "platform/foundation/NSLog.h"
+#include "platform/foundation/URL.h"
+#include "platform/snapkit/ViewConstraints.h"
+#include "platform/uikit/UILabel.h"
+#include "platform/uikit/UIView.h"
+
+#include <algorithm>
+#include <limits>
+#include <set>
+#include <string>
+#include <utility>
+
+namespace sela {
+
+namespace {
+
+void logDropped(const UIView& view, const Constraint& constraint) {
+    static std::set<std::pair<std::string, unsigned>> logged;
+    const std::string file = URL::fileURL(constraint.place.file_name()).lastPathComponent();
+    if (!logged.emplace(file, constraint.place.line()).second)
+        return;
+    NSLog("Constraint dropped at " + file + ":" + std::to_string(constraint.place.line()) + ": the " +
+          describe(constraint.attribute) + " of " + view.className() +
+          (view.name().empty() ? "" : " " + view.name()) + " contradicts other constraints");
+}
+
+const UIView& nearestCommonView(const UIView& a, const UIView& b) {
+    const UIView* common = &a;
+    while (!b.isDescendant(*common))
+        common = common->superview();
+    return *common;
+}
+
+} // namespace
+
+SubtreeLayout::SubtreeLayout(UIView& root) : root_(root) {
+    addKnownViews();
+    addMembers(root);
+    moved_ = members_.size();
+    collectEquations();
+}
+
+void SubtreeLayout::apply() {
+    addEquations();
+    addNaturalSizes();
+    addZeros();
+    for (std::size_t i = 0; i < moved_; ++i)
+        members_[i].view->setLayoutFrame(frame(members_[i]));
+}
+
+void SubtreeLayout::addKnownViews() {
+    CGPoint position;
+    const UIView* view = &root_;
+    while (true) {
+        const CGRect bounds = view->bounds();
+        boxes_.insert({view,
+                       {{LinearExpression(position.x), LinearExpression(bounds.size.width)},
+                        {LinearExpression(position.y), LinearExpression(bounds.size.height)}}});
+        const UIView* superview = view->superview();
+        if (!superview)
+            return;
+        const CGPoint origin = view->layoutFrame().origin;
+        position.x -= origin.x - superview->bounds().origin.x;
+        position.y -= origin.y - superview->bounds().origin.y;
+        view = superview;
+    }
+}
+
+void SubtreeLayout::addMembers(const UIView& superview) {
+    for (UIView* view : superview.subviews()) {
+        if (!view->layoutConstraints())
+            continue;
+        const Member member{view, system_.addVariable(), system_.addVariable(), system_.addVariable(),
+                            system_.addVariable()};
+        members_.push_back(member);
+        boxes_.insert({view,
+                       {{LinearExpression(member.left), LinearExpression(member.width)},
+                        {LinearExpression(member.top), LinearExpression(member.height)}}});
+        addMembers(*view);
+    }
+}
+
+const SubtreeLayout::Box* SubtreeLayout::box(const UIView& view) {
+    if (const auto found = boxes_.find(&view); found != boxes_.end())
+        return &found->second;
+    const UIView* superview = view.superview();
+    const Box* outer = superview ? box(*superview) : nullptr;
+    if (!outer)
+        return nullptr;
+    if (view.layoutConstraints() && !isLaidOutBefore(view)) {
+        if (!boxes_.contains(&view))
+            addMembers(*superview);
+        return &boxes_.at(&view);
+    }
+
+    const CGRect frame = view.layoutFrame();
+    const CGPoint origin = superview->bounds().origin;
+    Box box{{outer->horizontal.start, LinearExpression(frame.size.width)},
+            {outer->vertical.start, LinearExpression(frame.size.height)}};
+    box.horizontal.start.add(frame.origin.x - origin.x);
+    box.vertical.start.add(frame.origin.y - origin.y);
+    return &boxes_.insert({&view, std::move(box)}).first->second;
+}
+
+bool SubtreeLayout::isLaidOutBefore(const UIView& view) const {
+    const UIView* layoutRoot = view.superview();
+    while (layoutRoot->layoutConstraints() && layoutRoot->superview())
+        layoutRoot = layoutRoot->superview();
+    return root_.isDescendant(*layoutRoot);
+}
+
+void SubtreeLayout::collectEquations() {
+    // Looking up a target may add a member, whose constraints are then looked at in their turn.
+    for (std::size_t i = 0; i < members_.size(); ++i) {
+        UIView* view = members_[i].view;
+        const ViewConstraints* own = ViewConstraints::of(*view);
+        if (!own)
+            continue;
+        for (const Constraint& constraint : own->constraints()) {
+            const UIView* target = constraint.target ? constraint.target->lock().get() : nullptr;
+            if (constraint.target && (!target || !box(*target)))
+                continue;
+            equations_.push_back({view, target, &constraint});
+        }
+    }
+    std::ranges::sort(equations_, {}, [](const Equation& equation) {
+        return std::pair(-equation.constraint->priority, equation.constraint->number);
+    });
+}
+
+LinearExpression SubtreeLayout::expression(const Equation& equation) {
+    const Constraint& constraint = *equation.constraint;
+    LinearExpression sum = attribute(*equation.view, constraint.attribute).add(-constraint.constant);
+    if (!equation.target)
+        return sum;
+    sum.add(attribute(*equation.target, constraint.targetAttribute), -constraint.multiplier);
+    if (constraint.multiplier != 1 && !isSize(constraint.attribute)) {
+        const Box& common = boxes_.at(&nearestCommonView(*equation.view, *equation.target));
+        const Span& span = isHorizontal(constraint.attribute) ? common.horizontal : common.vertical;
+        sum.add(span.start, constraint.multiplier - 1);
+    }
+    return sum;
+}
+
+LinearExpression SubtreeLayout::attribute(const UIView& view, ConstraintAttribute attribute) {
+    const Box& box = boxes_.at(&view);
+    const Span& span = isHorizontal(attribute) ? box.horizontal : box.vertical;
+    LinearExpression result = isSize(attribute) ? span.length : span.start;
+    if (attribute == ConstraintAttribute::right || attribute == ConstraintAttribute::bottom)
+        result.add(span.length);
+    else if (attribute == ConstraintAttribute::centerX || attribute == ConstraintAttribute::centerY)
+        result.add(span.length, 0.5);
+    return result;
+}
+
+void SubtreeLayout::addEquations() {
+    for (const Equation& equation : equations_)
+        if (system_.addEquation(expression(equation)) == LinearSystem::Outcome::contradiction)
+            logDropped(*equation.view, *equation.constraint);
+}
+
+void SubtreeLayout::addNaturalSizes() {
+    // Widths first: the height of a label depends on its width. Sizes that are known are not asked for, since
+    // measuring text is the dearest part of a layout.
+    for (const Member& member : members_) {
+        if (system_.value(member.width))
+            continue;
+        const double width = member.view->intrinsicContentSize().width;
+        if (width != UIView::noIntrinsicMetric)
+            system_.assign(member.width, width);
+    }
+    for (const Member& member : members_) {
+        if (system_.value(member.height))
+            continue;
+        double height = member.view->intrinsicContentSize().height;
+        const std::optional<double> width = system_.value(member.width);
+        if (const auto* label = dynamic_cast<const UILabel*>(member.view); label && width)
+            height = label->sizeThatFits({*width, std::numeric_limits<double>::infinity()}).height;
+        if (height != UIView::noIntrinsicMetric)
+            system_.assign(member.height, height);
+    }
+}
+
+void SubtreeLayout::addZeros() {
+    for (const Member& member : members_) {
+        system_.assign(member.width, 0);
+        system_.assign(member.height, 0);
+    }
+    for (const Member& member : members_) {
+        const Box& outer = boxes_.at(member.view->superview());
+        system_.addEquation(LinearExpression(member.left).add(outer.horizontal.start, -1));
+        system_.addEquation(LinearExpression(member.top).add(outer.vertical.start, -1));
+    }
+}
+
+double SubtreeLayout::value(const LinearExpression& expression) const {
+    double sum = expression.constant();
+    for (const Term& term : expression.terms())
+        sum += term.coefficient * system_.value(term.variable).value();
+    return sum;
+}
+
+CGRect SubtreeLayout::frame(const Member& member) const {
+    const UIView& superview = *member.view->superview();
+    const Box& outer = boxes_.at(&superview);
+    const CGPoint origin = superview.bounds().origin;
+    return {value(LinearExpression(member.left)) - value(outer.horizontal.start) + origin.x,
+            value(LinearExpression(member.top)) - value(outer.vertical.start) + origin.y,
+            value(LinearExpression(member.width)), value(LinearExpression(member.height))};
+}
+
+} // namespace sela

@@ -1,0 +1,174 @@
+#include "share/SelaShareExtensionVc.h"
+
+#include "platform/foundation/Bundle.h"
+#include "platform/foundation/DispatchQueue.h"
+#include "platform/uikit/NSAttributedString.h"
+#include "platform/uikit/UINavigationController.h"
+#include "platform/uikit/UIScreen.h"
+#include "share/RequestEnd.h"
+#include "ui/UIScale.h"
+#include "unlock/SelaShareExtensionAlbumsVc.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace sela {
+
+namespace {
+
+constexpr double slideAwaySeconds = 0.2;
+constexpr double growSeconds = 0.3;
+constexpr double doneSeconds = 1.5;
+
+/// The width of the front thumbnail in design points, and room for a picture of 4:3 that stands upright.
+constexpr double frontFrameWidth = 178;
+constexpr double uprightRatio = 4.0 / 3.0;
+
+std::string localized(std::string_view key) {
+    return Bundle::main().localizedString(key);
+}
+
+std::string albumText(const std::vector<std::string>& path) {
+    std::string text = path.empty() ? std::string() : path.front();
+    if (path.size() == 2)
+        text += "/" + path.back();
+    return text;
+}
+
+/// What a delayed step holds of the screen: nothing that keeps it alive.
+std::weak_ptr<SelaShareExtensionVc> weakReference(SelaShareExtensionVc& screen) {
+    return std::static_pointer_cast<SelaShareExtensionVc>(screen.shared_from_this());
+}
+
+} // namespace
+
+SelaShareExtensionVc::SelaShareExtensionVc()
+    : resultIcon_(UIImage::named("Success")), disclosureIcon_(UIImage::named("Disclosure")),
+      intake_(std::make_shared<AttachmentIntake>()) {}
+
+void SelaShareExtensionVc::viewDidLoad() {
+    UIViewController::viewDidLoad();
+    scale_ = getUIScale(*this);
+    intake_->extensionContext = extensionContext();
+    intake_->thumbnailSide =
+        static_cast<int>(std::ceil(frontFrameWidth * uprightRatio * scale_ * UIScreen::main().scale()));
+    intake_->itemsCount = intake_->getItemsCount();
+    buildTree();
+    layoutPanels();
+    layoutCard();
+    layoutThumbnails();
+    styleCard();
+    styleButtons();
+    styleResult();
+    intake_->thumbnailCount = 0;
+    intake_->thumbnails.clear();
+    intake_->loadThumbnails([weak = weakReference(*this)] {
+        if (const auto self = weak.lock())
+            self->showThumbnails();
+    });
+    updateTitle();
+}
+
+void SelaShareExtensionVc::viewDidLayoutSubviews() {
+    UIViewController::viewDidLayoutSubviews();
+    addButton_.setBackgroundColor(UIColor::named("AppTint"));
+}
+
+double SelaShareExtensionVc::whole(double designLength) const {
+    return std::trunc(designLength * scale_);
+}
+
+void SelaShareExtensionVc::showThumbnails() {
+    const std::vector<UIImage>& thumbnails = intake_->thumbnails;
+    UIImageView* const frames[] = {&imageView1_, &imageView2_, &imageView3_};
+    for (std::size_t i = 0; i < std::min(thumbnails.size(), std::size(frames)); ++i)
+        frames[i]->setImage(thumbnails[i]);
+    thumbnailsShown_ = true;
+}
+
+void SelaShareExtensionVc::updateTitle() {
+    const UIFont font = UIFont::systemFont(std::ceil(14 * scale_));
+    const NSAttributedString::Attributes plain{UIColor::named("AppTextSecond"), font};
+    const NSAttributedString::Attributes highlight{UIColor::named("AppTint"), font};
+    const NSAttributedString album(albumText(intake_->selectedAlbumName), highlight);
+    const std::int64_t count = intake_->itemsCount;
+    const NSAttributedString title =
+        count == 1 ? NSAttributedString(localized("Add 1 file to xxx"), plain).format({album})
+                   : NSAttributedString(localized("Add xxx files to xxx"), plain)
+                         .format({NSAttributedString(std::to_string(count), highlight), album});
+    albumButton_.setAttributedTitle(title);
+}
+
+void SelaShareExtensionVc::albumButtonTouched(UIButton&) {
+    UINavigationController* const navigation = navigationController();
+    if (!navigation)
+        return;
+    const auto picker = std::make_shared<SelaShareExtensionAlbumsVc>();
+    picker->setDelegate(weakReference(*this));
+    navigation->pushViewController(picker, true);
+}
+
+void SelaShareExtensionVc::cancelButtonTapped(UIButton&) {
+    UINavigationController* const navigation = navigationController();
+    UIView& card = navigation ? navigation->view() : view();
+    const double height = card.frame().size.height;
+    UIView::animate(
+        slideAwaySeconds, [&] { card.setTransform(CGAffineTransform::translation(0, height)); },
+        [weak = weakReference(*this)](bool) {
+            if (const auto self = weak.lock())
+                cancelRequest(*self);
+        });
+}
+
+void SelaShareExtensionVc::onAddButtonTouched(UIButton&) {
+    if (intake_->currentAttachmentIndex != -1)
+        return;
+    intake_->currentAttachmentIndex = 0;
+    addStarted_ = true;
+    UIView::animate(
+        growSeconds, [this] { containerView_.setTransform(CGAffineTransform::scale(0, 0)); },
+        [weak = weakReference(*this)](bool finished) {
+            const auto self = weak.lock();
+            if (self && finished)
+                self->showAdding();
+        });
+}
+
+void SelaShareExtensionVc::showAdding() {
+    UIView::animate(
+        growSeconds,
+        [this] {
+            activityIndicator_.setHidden(false);
+            activityIndicator_.startAnimating();
+            resultLabel_.setText(localized("Adding..."));
+            resultView_.setTransform(CGAffineTransform());
+        },
+        [weak = weakReference(*this)](bool finished) {
+            const auto self = weak.lock();
+            if (self && finished)
+                self->startSaving();
+        });
+}
+
+void SelaShareExtensionVc::startSaving() {
+    // The error of a run is not shown; it is in the log.
+    intake_->saveAttachments([weak = weakReference(*this)](const ErrorRef&) {
+        DispatchQueue::main().async([weak] {
+            if (const auto self = weak.lock())
+                self->showDone();
+        });
+    });
+}
+
+void SelaShareExtensionVc::showDone() {
+    activityIndicator_.stopAnimating();
+    activityIndicator_.setHidden(true);
+    resultIcon_.setHidden(false);
+    resultLabel_.setText(localized("Done"));
+    DispatchQueue::main().asyncAfter(doneSeconds, [weak = weakReference(*this)] {
+        if (const auto self = weak.lock())
+            completeRequest(*self);
+    });
+}
+
+} // namespace sela

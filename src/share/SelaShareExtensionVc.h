@@ -1,0 +1,96 @@
+#pragma once
+
+#include "platform/uikit/UIActivityIndicatorView.h"
+#include "platform/uikit/UIButton.h"
+#include "platform/uikit/UIImageView.h"
+#include "platform/uikit/UILabel.h"
+#include "platform/uikit/UIView.h"
+#include "platform/uikit/UIViewController.h"
+#include "share/AttachmentIntake.h"
+#include "unlock/SelaShareExtensionAlbumsVcDelegate.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace sela {
+
+/// The share screen: a card with up to three thumbnails, the line that says how many files go into which
+/// album (and is the button that chooses the album), Cancel and Add. After Add it turns into a small panel
+/// that says "Adding..." and then "Done", and the request ends. Main thread only.
+///
+/// What it counts, previews and saves is its intake's doing; the album comes from the picker, whose delegate
+/// it is.
+class SelaShareExtensionVc : public UIViewController, public SelaShareExtensionAlbumsVcDelegate {
+public:
+    SelaShareExtensionVc();
+
+    void viewDidLoad() override;
+    void viewDidLayoutSubviews() override;
+
+    void setFakePasswordMode(bool fake) override { intake_->fakePasswordMode = fake; }
+    void setSelectedAlbumName(const std::vector<std::string>& namePath) override {
+        intake_->selectedAlbumName = namePath;
+    }
+
+    /// Rebuilds the title of `albumButton` from the number of attachments and the album.
+    void updateTitle() override;
+
+    void albumButtonTouched(UIButton& button);
+    void cancelButtonTapped(UIButton& sender);
+    void onAddButtonTouched(UIButton& button);
+
+    const AttachmentIntake& intake() const { return *intake_; }
+
+    /// Whether the loading of thumbnails has ended and they are shown.
+    bool areThumbnailsShown() const { return thumbnailsShown_; }
+
+    /// Whether Add was tapped, so that only the end of the save run ends the request.
+    bool hasAddStarted() const { return addStarted_; }
+
+private:
+    /// A design length in whole points.
+    double whole(double designLength) const;
+
+    void buildTree();
+    void layoutPanels();
+    void layoutCard();
+    void layoutThumbnails();
+    void styleCard();
+    void styleButtons();
+    void styleResult();
+
+    void showThumbnails();
+    void showAdding();
+    void startSaving();
+    void showDone();
+
+    UIView resultView_;
+    UIImageView resultIcon_;
+    UIActivityIndicatorView activityIndicator_;
+    UILabel resultLabel_;
+    UIView containerView_;
+    UILabel titleLabel_;
+    UIButton albumButton_;
+    UIImageView disclosureIcon_;
+    UIView imageViewContainer_;
+    UIImageView imageView1_;
+    UIView imageView1Container_;
+    UIImageView imageView2_;
+    UIView imageView2Container_;
+    UIImageView imageView3_;
+    UIView imageView3Container_;
+    UIButton cancelButton_;
+    UIButton addButton_;
+
+    /// Holds the state fields: the chosen album, the mode, the counters and the thumbnails.
+    const std::shared_ptr<AttachmentIntake> intake_;
+
+    /// Measured once, when the view loads, so that fonts and lengths stay what they are.
+    double scale_ = 1;
+
+    bool thumbnailsShown_ = false;
+    bool addStarted_ = false;
+};
+
+} // namespace sela

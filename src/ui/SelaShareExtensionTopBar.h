@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/uikit/UIButton.h"
+#include "platform/uikit/UILabel.h"
+#include "platform/uikit/UIView.h"
+
+#include <memory>
+#include <utility>
+
+namespace sela {
+
+class SelaShareExtensionTopBarDelegate;
+
+/// A bar with a button of 80 points at each end and a centred title in what is left between them, nothing
+/// when the bar is 160 points wide or less. Its user sets titles and images. Main thread only.
+class SelaShareExtensionTopBar : public UIView {
+public:
+    explicit SelaShareExtensionTopBar(const CGRect& frame);
+
+    /// Has the views but neither adds nor lays out any.
+    explicit SelaShareExtensionTopBar(const NSCoder& coder);
+
+    UIButton& leftButton() { return leftButton_; }
+    UIButton& rightButton() { return rightButton_; }
+    UILabel& titleLabel() { return titleLabel_; }
+
+    /// Whoever is told of taps on the buttons; nobody at first, and nobody once it is gone.
+    const std::weak_ptr<SelaShareExtensionTopBarDelegate>& delegate() const { return delegate_; }
+    void setDelegate(std::weak_ptr<SelaShareExtensionTopBarDelegate> delegate) {
+        delegate_ = std::move(delegate);
+    }
+
+    /// The actions of the two buttons.
+    void onLeftButtonTouched(UIButton& button);
+    void onRightButtonTouched(UIButton& button);
+
+private:
+    void applyLooks();
+    void makeConstraints();
+
+    UIButton leftButton_;
+    UIButton rightButton_;
+    UILabel titleLabel_;
+    std::weak_ptr<SelaShareExtensionTopBarDelegate> delegate_;
+};
+
+} // namespace sela

@@ -1,0 +1,87 @@
+"""What the end-to-end tests share: a home of its own for each test, and the built programs run in it."""
+
+import json
+import os
+import pathlib
+import shutil
+import sqlite3
+import subprocess
+import tempfile
+import unittest
+
+BIN = pathlib.Path(os.environ["SELA_BIN_DIR"])
+GROUP = "group.sela.vault"
+
+CATALOGUE = [
+    {"namePath": ["Family"], "fake": False},
+    {"namePath": ["Trips"], "fake": False},
+    {"namePath": ["Trips", "Rome"], "fake": False},
+    {"namePath": ["Private"], "fake": False, "password": "2580"},
+    {"namePath": ["Private", "Letters"], "fake": False},
+    {"namePath": ["Recipes"], "fake": True},
+]
+
+
+class HomeTest(unittest.TestCase):
+    def setUp(self):
+        self.home = pathlib.Path(tempfile.mkdtemp(prefix="sela-e2e-"))
+        self.addCleanup(shutil.rmtree, self.home, ignore_errors=True)
+        self.container = self.home / "data/sela/groups" / GROUP
+        self.items = self.container / "Items"
+        self.settings = self.home / "config/sela" / (GROUP + ".sqlite3")
+        self.environment = {
+            "PATH": os.environ["PATH"],
+            "HOME": str(self.home),
+            "XDG_DATA_HOME": str(self.home / "data"),
+            "XDG_CONFIG_HOME": str(self.home / "config"),
+            "XDG_RUNTIME_DIR": str(self.home),
+            "LANG": "C.UTF-8",
+        }
+
+    def run_program(self, name, *arguments, expect=0, **options):
+        """Runs a program to its end and checks its status (None: any); standard output and error are text."""
+        result = subprocess.run([BIN / name, *map(os.fsencode, arguments)], env=self.environment,
+                                capture_output=True, timeout=120, **options)
+        result.stdout = result.stdout.decode(errors="replace")
+        result.stderr = result.stderr.decode(errors="replace")
+        if expect is not None:
+            self.assertEqual(result.returncode, expect, result.stdout + result.stderr)
+        return result
+
+    def vault(self, *arguments, **options):
+        return self.run_program("sela-vault", *arguments, **options)
+
+    def share(self, *arguments, **options):
+        return self.run_program("sela-share", "--headless", *arguments, **options)
+
+    def add(self, *files, **options):
+        """Shares files and taps Add."""
+        return self.share(*files, "--tap", "addButton", **options)
+
+    def provision(self, passcode="123456", decoy="0000"):
+        self.vault("init")
+        catalogue = self.write("catalogue.json", json.dumps(CATALOGUE).encode())
+        self.vault("publish", catalogue, "--passcode-file", self.write("passcode", passcode.encode()),
+                   "--decoy-passcode-file", self.write("decoy", decoy.encode()))
+
+    def write(self, name, content):
+        """Makes a file below the home; the name may be bytes."""
+        path = os.path.join(os.fsencode(self.home), os.fsencode(name))
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "wb") as file:
+            file.write(content)
+        return os.fsdecode(path)
+
+    def ledger(self):
+        """The ledger as another program reads it from the settings."""
+        if not self.settings.exists():
+            return {}
+        with sqlite3.connect(f"file:{self.settings}?mode=ro", uri=True) as connection:
+            row = connection.execute("SELECT value FROM settings WHERE key = 'sharedItems'").fetchone()
+        return json.loads(row[0]) if row else {}
+
+    def assert_recorded_files_are_whole(self, contents):
+        """Every entry of the ledger has its file, with one of the contents that were shared under its name."""
+        for entry in self.ledger().values():
+            content = (self.items / entry["fileName"]).read_bytes()
+            self.assertIn(content, contents[entry["preferredName"]], entry)

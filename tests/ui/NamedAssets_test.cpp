@@ -1,0 +1,60 @@
+#include "platform/media/UIImage.h"
+#include "platform/uikit/UIColor.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace sela {
+namespace {
+
+double linear(double component) {
+    return component <= 0.04045 ? component / 12.92 : std::pow((component + 0.055) / 1.055, 2.4);
+}
+
+/// Relative luminance and contrast as the Web Content Accessibility Guidelines 2.1 define them.
+double luminance(const RGBA& color) {
+    return 0.2126 * linear(color.red) + 0.7152 * linear(color.green) + 0.0722 * linear(color.blue);
+}
+
+double contrast(const UIColor& text, const UIColor& ground, UIUserInterfaceStyle style) {
+    const double a = luminance(text.resolve(style)), b = luminance(ground.resolve(style));
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
+
+TEST(NamedColors, KeepTextReadableInBothAppearances) {
+    EXPECT_NEAR(contrast(UIColor::black(), UIColor::white(), UIUserInterfaceStyle::light), 21, 1e-9);
+    const struct {
+        const char* text;
+        const char* ground;
+    } pairs[] = {{"AppText", "AppCard"},
+                 {"AppTextSecond", "AppCard"},
+                 {"AppTint", "AppCard"},
+                 {"AlertButtonDefault", "AppCard"},
+                 {"TintButtonText", "AppTint"}};
+    for (const auto& [text, ground] : pairs)
+        for (const auto style : {UIUserInterfaceStyle::light, UIUserInterfaceStyle::dark}) {
+            EXPECT_GE(contrast(UIColor::named(text), UIColor::named(ground), style), 4.5)
+                << text << " on " << ground << (style == UIUserInterfaceStyle::dark ? ", dark" : ", light");
+            EXPECT_EQ(UIColor::named(text).resolve(style).alpha, 1);
+        }
+}
+
+TEST(NamedImages, HaveTheSizesThatTheScreensCountOn) {
+    const struct {
+        const char* name;
+        double width;
+        double height;
+    } images[] = {{"Success", 56, 56},     {"Disclosure", 8, 13},   {"Back", 12, 20},
+                  {"EmptyFolder", 40, 40}, {"AlbumLocked", 40, 40}, {"arrow_down_circle", 20, 20}};
+    for (const auto& [name, width, height] : images) {
+        const auto image = UIImage::named(name);
+        ASSERT_TRUE(image) << name;
+        EXPECT_EQ(image->width(), width) << name;
+        EXPECT_EQ(image->height(), height) << name;
+    }
+}
+
+} // namespace
+} // namespace sela
