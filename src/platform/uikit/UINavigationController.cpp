@@ -74,7 +74,7 @@ void UINavigationController::show(const std::shared_ptr<UIViewController>& incom
     const double width = view().bounds().size.width;
     UIView& entering = incoming->view();
     UIView& leaving = outgoing->view();
-    transition_ = std::make_shared<Transition>(incoming, outgoing);
+    transition_ = std::make_shared<Transition>(Transition{incoming, outgoing});
     if (window) {
         window->touchCancelled();
         outgoing->beginAppearanceTransition(false, animated);

@@ -13,8 +13,8 @@ class UIView;
 class UITapGestureRecognizer {
 public:
     /// Calls `action` of `target`, which must outlive the view.
-    template<class Target>
-    UITapGestureRecognizer(Target* target, void (Target::*action)(UITapGestureRecognizer&))
+    template<class Target, class Owner>
+    UITapGestureRecognizer(Target* target, void (Owner::*action)(UITapGestureRecognizer&))
         : action_([target, action](UITapGestureRecognizer& recognizer) { (target->*action)(recognizer); }) {}
 
     /// The view it was added to; null before.

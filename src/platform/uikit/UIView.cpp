@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <ranges>
 
 namespace sela {
 
@@ -141,8 +140,8 @@ bool UIView::isDescendant(const UIView& view) const {
 }
 
 UIView* UIView::viewNamed(std::string_view name) {
-    for (UIView* const view : subviews_ | std::views::reverse)
-        if (UIView* const found = view->viewNamed(name))
+    for (auto view = subviews_.rbegin(); view != subviews_.rend(); ++view)
+        if (UIView* const found = (*view)->viewNamed(name))
             return found;
     return name_ == name ? this : nullptr;
 }
@@ -284,11 +283,11 @@ UITapGestureRecognizer& UIView::addGestureRecognizer(std::unique_ptr<UITapGestur
 UIView* UIView::hitTest(CGPoint point) {
     if (hidden_ || alpha_ < 0.01 || !userInteractionEnabled_ || !pointInside(point))
         return nullptr;
-    for (UIView* const view : subviews_ | std::views::reverse) {
-        const CGAffineTransform up = view->toSuperview();
+    for (auto view = subviews_.rbegin(); view != subviews_.rend(); ++view) {
+        const CGAffineTransform up = (*view)->toSuperview();
         if (!up.isInvertible())
             continue;
-        if (UIView* const hit = view->hitTest(up.inverted().apply(point)))
+        if (UIView* const hit = (*view)->hitTest(up.inverted().apply(point)))
             return hit;
     }
     return this;

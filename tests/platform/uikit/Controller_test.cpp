@@ -1,0 +1,251 @@
+#include "platform/uikit/UINavigationController.h"
+#include "platform/uikit/UIScreen.h"
+#include "platform/uikit/ViewTest.h"
+
+#include <gmock/gmock.h>
+
+#include <memory>
+
+namespace sela {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Journal = std::vector<std::string>;
+
+/// Writes the steps of its life into a journal.
+class Screen : public UIViewController {
+public:
+    Screen(std::string name, Journal& journal) : name_(std::move(name)), journal_(journal) {}
+    ~Screen() override { journal_.push_back(name_ + " gone"); }
+
+    void viewDidLoad() override { note("didLoad"); }
+    void viewWillAppear(bool animated) override { note(animated ? "willAppear animated" : "willAppear"); }
+    void viewDidAppear(bool) override { note("didAppear"); }
+    void viewWillDisappear(bool animated) override {
+        note(animated ? "willDisappear animated" : "willDisappear");
+    }
+    void viewDidDisappear(bool) override { note("didDisappear"); }
+    void viewDidLayoutSubviews() override { layoutWidths.push_back(view().bounds().size.width); }
+
+    std::vector<double> layoutWidths;
+    UIView box{{0, 0, 50, 50}};
+
+private:
+    void note(const char* what) { journal_.push_back(name_ + " " + what); }
+
+    std::string name_;
+    Journal& journal_;
+};
+
+class ControllerTest : public ViewTest {
+protected:
+    /// The screens go before the journal does.
+    ~ControllerTest() override {
+        window.setRootViewController(nullptr);
+        loop.runUntilIdle();
+    }
+
+    std::shared_ptr<Screen> screen(const char* name) { return std::make_shared<Screen>(name, journal); }
+
+    /// The steps since the last call.
+    Journal steps() { return std::exchange(journal, {}); }
+
+    Journal journal;
+};
+
+TEST_F(ControllerTest, AViewIsLoadedOnceWithTheScreensBounds) {
+    const std::shared_ptr<Screen> a = screen("a");
+    EXPECT_FALSE(a->isViewLoaded());
+    EXPECT_EQ(a->view().frame(), CGRect(0, 0, 300, 400));
+    a->view();
+    EXPECT_THAT(steps(), ElementsAre("a didLoad"));
+    EXPECT_EQ(a->view().viewController(), a.get());
+    EXPECT_EQ(a->className(), "Screen");
+}
+
+TEST_F(ControllerTest, TheRootAppearsWithItsViewAndFollowsTheScreensSize) {
+    const std::shared_ptr<Screen> a = screen("a");
+    window.setRootViewController(a);
+    EXPECT_THAT(steps(), ElementsAre("a didLoad", "a willAppear", "a didAppear"));
+    window.prepareFrame();
+    window.setScreenSize({500, 200});
+    window.prepareFrame();
+    EXPECT_THAT(a->layoutWidths, ElementsAre(300, 500));
+    EXPECT_EQ(UIScreen::main().bounds(), CGRect(0, 0, 500, 200));
+    window.setRootViewController(nullptr);
+    EXPECT_THAT(steps(), ElementsAre("a willDisappear", "a didDisappear"));
+}
+
+TEST_F(ControllerTest, PresentationSlidesUpAndDismissalDownAndReport) {
+    window.setRootViewController(screen("a"));
+    std::shared_ptr<Screen> b = screen("b");
+    steps();
+    Journal& log = journal;
+    window.rootViewController()->present(b, true, [&] { log.push_back("presented"); });
+    EXPECT_THAT(steps(), ElementsAre("b didLoad", "a willDisappear animated", "b willAppear animated"));
+    EXPECT_EQ(b->view().presentation().transform.ty, 400);
+    EXPECT_EQ(b->presentingViewController(), window.rootViewController());
+    loop.advance(UIViewController::presentationDuration);
+    EXPECT_THAT(steps(), ElementsAre("a didDisappear", "b didAppear", "presented"));
+    EXPECT_EQ(window.hitTest({10, 10}), &b->view());
+
+    b->dismiss(true, [&] { log.push_back("dismissed"); });
+    EXPECT_THAT(steps(), ElementsAre("b willDisappear animated", "a willAppear animated"));
+    b->dismiss(true, [&] { log.push_back("again"); });
+    b.reset();
+    loop.advance(UIViewController::presentationDuration);
+    EXPECT_THAT(steps(), ElementsAre("again", "b didDisappear", "a didAppear", "dismissed", "b gone"));
+    EXPECT_EQ(window.rootViewController()->presentedViewController(), nullptr);
+}
+
+TEST_F(ControllerTest, APresentationThatCannotBeStartedDoesNothing) {
+    const std::shared_ptr<Screen> loose = screen("loose");
+    loose->present(screen("b"), false, [&] { journal.push_back("presented"); });
+    EXPECT_EQ(loose->presentedViewController(), nullptr);
+    loose->dismiss(false);
+    steps();
+    loop.runUntilIdle();
+    EXPECT_THAT(steps(), IsEmpty());
+}
+
+TEST_F(ControllerTest, APresentedScreenGoesWithItsPresenter) {
+    window.setRootViewController(screen("a"));
+    window.rootViewController()->present(screen("b"), true);
+    window.setRootViewController(nullptr);
+    loop.runUntilIdle();
+    EXPECT_EQ(window.subviews().size(), 0u);
+    EXPECT_THAT(steps(), testing::IsSupersetOf({"a gone", "b gone"}));
+}
+
+class NavigationTest : public ControllerTest {
+protected:
+    NavigationTest() {
+        navigation->setNavigationBarHidden(true);
+        window.setRootViewController(navigation);
+        window.prepareFrame();
+        steps();
+    }
+
+    std::shared_ptr<Screen> root = screen("root");
+    std::shared_ptr<UINavigationController> navigation = std::make_shared<UINavigationController>(root);
+};
+
+TEST_F(NavigationTest, APushSlidesInFromTheRight) {
+    const std::shared_ptr<Screen> a = screen("a");
+    navigation->pushViewController(a, true);
+    EXPECT_THAT(steps(), ElementsAre("a didLoad", "root willDisappear animated", "a willAppear animated"));
+    EXPECT_EQ(navigation->topViewController(), a.get());
+    EXPECT_EQ(a->navigationController(), navigation.get());
+    EXPECT_EQ(a->view().presentation().transform.tx, 300);
+    loop.advance(UINavigationController::transitionDuration / 2);
+    EXPECT_NEAR(a->view().presentation().transform.tx, 150, 1e-6);
+    EXPECT_NEAR(root->view().presentation().transform.tx, -45, 1e-6);
+    EXPECT_EQ(window.hitTest({10, 10}), &window) << "a screen took a touch while it slid";
+    loop.advance(UINavigationController::transitionDuration / 2);
+    EXPECT_THAT(steps(), ElementsAre("root didDisappear", "a didAppear"));
+    EXPECT_EQ(root->view().superview(), nullptr);
+    EXPECT_EQ(window.hitTest({10, 10}), &a->view());
+    EXPECT_TRUE(window.isIdle());
+}
+
+TEST_F(NavigationTest, APopGivesTheScreenUpWhenItHasSlidAway) {
+    std::shared_ptr<Screen> a = screen("a");
+    navigation->pushViewController(a, false);
+    EXPECT_THAT(steps(), ElementsAre("a didLoad", "root willDisappear", "a willAppear", "root didDisappear",
+                                     "a didAppear"));
+    EXPECT_EQ(navigation->popViewController(true), a);
+    EXPECT_EQ(a->navigationController(), nullptr);
+    EXPECT_EQ(navigation->viewControllers().size(), 1u);
+    a.reset();
+    EXPECT_THAT(steps(), ElementsAre("a willDisappear animated", "root willAppear animated"));
+    loop.advance(UINavigationController::transitionDuration);
+    EXPECT_THAT(steps(), ElementsAre("a didDisappear", "root didAppear", "a gone"));
+    EXPECT_EQ(navigation->popViewController(true), nullptr);
+}
+
+TEST_F(NavigationTest, TransitionsThatOverlapEndInTheRightScreen) {
+    const std::shared_ptr<Screen> a = screen("a");
+    navigation->pushViewController(a, true);
+    loop.advance(0.1);
+    navigation->popViewController(true);
+    loop.advance(0.1);
+    navigation->pushViewController(screen("b"), true);
+    navigation->pushViewController(screen("c"), true);
+    EXPECT_EQ(navigation->viewControllers().size(), 3u);
+    loop.runUntilIdle();
+    EXPECT_FALSE(navigation->isTransitioning());
+    EXPECT_THAT(navigation->view().subviews(), ElementsAre(&navigation->topViewController()->view()));
+    EXPECT_EQ(navigation->topViewController()->view().transform(), CGAffineTransform());
+    EXPECT_TRUE(navigation->view().isUserInteractionEnabled());
+}
+
+TEST_F(NavigationTest, AScreenMayPopItselfAtOnceFromItsOwnMethod) {
+    class SelfPopping : public UIViewController {
+    public:
+        explicit SelfPopping(bool& gone) : gone_(gone) {}
+        ~SelfPopping() override { gone_ = true; }
+        void leave() {
+            navigationController()->popViewController(false);
+            EXPECT_FALSE(gone_);
+        }
+
+    private:
+        bool& gone_;
+    };
+    bool gone = false;
+    auto controller = std::make_shared<SelfPopping>(gone);
+    SelfPopping& popping = *controller;
+    navigation->pushViewController(std::move(controller), false);
+    popping.leave();
+    loop.runPending();
+    EXPECT_TRUE(gone);
+}
+
+TEST_F(NavigationTest, EverythingMayGoWhileScreensSlideAndAnimationsRun) {
+    const std::weak_ptr<Screen> a = [&] {
+        const std::shared_ptr<Screen> pushed = screen("a");
+        navigation->pushViewController(pushed, true);
+        pushed->view().addSubview(pushed->box);
+        UIView::animate(
+            2, [&] { pushed->box.setAlpha(0); },
+            [weak = std::weak_ptr(pushed), this](bool finished) {
+                journal.push_back(finished || !weak.expired() ? "wrong" : "cut short");
+            });
+        loop.asyncAfter(1, [weak = std::weak_ptr(pushed)] { EXPECT_TRUE(weak.expired()); });
+        return std::weak_ptr(pushed);
+    }();
+    loop.advance(0.1);
+    steps();
+    root.reset();
+    navigation.reset();
+    window.setRootViewController(nullptr);
+    EXPECT_TRUE(a.expired());
+    loop.runUntilIdle();
+    EXPECT_THAT(steps(), testing::Contains("cut short"));
+    EXPECT_TRUE(window.isIdle());
+}
+
+TEST_F(NavigationTest, ATouchDoesNotOutliveTheStartOfASlide) {
+    window.touchBegan({10, 10});
+    EXPECT_FALSE(window.isIdle());
+    navigation->pushViewController(screen("a"), true);
+    loop.runUntilIdle();
+    EXPECT_TRUE(window.isIdle());
+    window.touchEnded({10, 10});
+}
+
+TEST_F(NavigationTest, TheStackFollowsItsContainersSize) {
+    const std::shared_ptr<Screen> a = screen("a");
+    navigation->pushViewController(a, true);
+    navigation->view().setFrame({20, 20, 200, 100});
+    window.layoutIfNeeded();
+    EXPECT_EQ(a->view().layoutFrame(), CGRect(0, 0, 200, 100));
+    EXPECT_EQ(a->layoutWidths.back(), 200);
+}
+
+} // namespace
+
+} // namespace sela

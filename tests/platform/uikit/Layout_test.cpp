@@ -1,0 +1,292 @@
+#include "platform/uikit/LayoutConstraints.h"
+#include "platform/uikit/UIButton.h"
+#include "platform/uikit/UIImageView.h"
+#include "platform/uikit/UILabel.h"
+#include "platform/uikit/ViewTest.h"
+
+#include <gmock/gmock.h>
+
+#include <map>
+#include <memory>
+#include <numbers>
+
+namespace sela {
+
+namespace {
+
+/// Counts the solutions of each layout root.
+using Solutions = std::map<UIView*, int>;
+
+/// Gives each constrained view the upper half of its superview.
+class UpperHalf : public LayoutConstraints {
+public:
+    explicit UpperHalf(Solutions& solutions) : solutions_(solutions) {}
+
+    void layoutSubtree(UIView& root) const override {
+        ++solutions_[&root];
+        place(root);
+    }
+
+private:
+    static void place(UIView& view) {
+        for (UIView* const subview : view.subviews()) {
+            if (!subview->layoutConstraints())
+                continue;
+            const CGSize size = view.bounds().size;
+            subview->setLayoutFrame({0, 0, size.width, size.height / 2});
+            place(*subview);
+        }
+    }
+
+    Solutions& solutions_;
+};
+
+class CountingView : public UIView {
+public:
+    using UIView::UIView;
+    void layoutSubviews() override { ++layouts; }
+
+    int layouts = 0;
+};
+
+class LayoutTest : public ViewTest {
+protected:
+    LayoutTest() {
+        window.addSubview(root);
+        root.addSubview(outer);
+        outer.addSubview(inner);
+        inner.addSubview(island);
+        island.addSubview(islander);
+        for (UIView* const view : {&outer, &inner, &islander})
+            view->setLayoutConstraints(std::make_unique<UpperHalf>(solutions));
+        window.layoutIfNeeded();
+    }
+
+    /// The roots that were solved since the last call, after a layout pass.
+    Solutions solved() {
+        window.layoutIfNeeded();
+        return std::exchange(solutions, {});
+    }
+
+    Solutions solutions;
+    CountingView root{{0, 0, 100, 400}};
+    CountingView outer;
+    CountingView inner;
+    CountingView island{{0, 0, 50, 60}}; // keeps its frame, so what is in it is solved by itself
+    CountingView islander;
+};
+
+TEST_F(LayoutTest, SolvesEachRootOnceFromTheWindowDownwards) {
+    EXPECT_EQ(outer.frame(), CGRect(0, 0, 100, 200));
+    EXPECT_EQ(inner.frame(), CGRect(0, 0, 100, 100));
+    EXPECT_EQ(island.frame(), CGRect(0, 0, 50, 60));
+    EXPECT_EQ(islander.frame(), CGRect(0, 0, 50, 30));
+    EXPECT_EQ(solved(), (Solutions{{&root, 1}, {&island, 1}}));
+    EXPECT_EQ(solved(), Solutions());
+}
+
+TEST_F(LayoutTest, WhatSolvesWhichRootAgain) {
+    UIView other;
+    struct Case {
+        const char* what;
+        std::function<void()> change;
+        Solutions solutions;
+    };
+    const Case cases[] = {
+        {"the root's size",
+         [&] {
+             root.setFrame({0, 0, 100, 500});
+         },
+         {{&root, 1}}},
+        {"the root's place",
+         [&] {
+             root.setFrame({5, 5, 100, 500});
+         },
+         {}},
+        {"a transform", [&] { outer.setTransform(CGAffineTransform::scale(0, 0)); }, {}},
+        {"scrolling inside",
+         [&] {
+             root.setBounds({0, 30, 100, 500});
+         },
+         {}},
+        {"an intrinsic size", [&] { inner.invalidateIntrinsicContentSize(); }, {{&root, 1}}},
+        {"an inner intrinsic size", [&] { islander.invalidateIntrinsicContentSize(); }, {{&island, 1}}},
+        {"the inner root's size",
+         [&] {
+             island.setFrame({0, 0, 20, 20});
+         },
+         {{&island, 1}}},
+        {"new constraints",
+         [&] { inner.setLayoutConstraints(std::make_unique<UpperHalf>(solutions)); },
+         {{&root, 1}}},
+        {"a sibling of the constrained view comes", [&] { root.addSubview(other); }, {{&root, 1}}},
+        {"it moves",
+         [&] {
+             other.setFrame({1, 2, 3, 4});
+         },
+         {{&root, 1}}},
+        {"it goes", [&] { other.removeFromSuperview(); }, {{&root, 1}}},
+        {"the inner root becomes constrained",
+         [&] { island.setLayoutConstraints(std::make_unique<UpperHalf>(solutions)); },
+         {{&root, 1}}},
+        {"and free again", [&] { island.setLayoutConstraints(nullptr); }, {{&root, 1}, {&island, 1}}},
+    };
+    solved();
+    for (const Case& each : cases) {
+        each.change();
+        EXPECT_EQ(solved(), each.solutions) << each.what;
+    }
+    EXPECT_EQ(outer.layoutFrame(), CGRect(0, 0, 100, 250)) << "laid out beneath its transform";
+}
+
+TEST_F(LayoutTest, LayoutSubviewsRunsForWhatChangedOnly) {
+    for (CountingView* const view : {&root, &outer, &inner, &island, &islander})
+        view->layouts = 0;
+    inner.setNeedsLayout();
+    window.layoutIfNeeded();
+    EXPECT_EQ(inner.layouts, 1);
+    root.setFrame({0, 0, 100, 600});
+    window.layoutIfNeeded();
+    EXPECT_EQ(root.layouts, 1);
+    EXPECT_EQ(outer.layouts, 1);
+    EXPECT_EQ(inner.layouts, 2);
+    EXPECT_EQ(island.layouts, 0);
+}
+
+TEST_F(LayoutTest, ATreeOfItsOwnIsLaidOutFromItsRoot) {
+    root.removeFromSuperview();
+    root.setFrame({0, 0, 60, 80});
+    islander.layoutIfNeeded();
+    EXPECT_EQ(outer.frame(), CGRect(0, 0, 60, 40));
+}
+
+TEST_F(LayoutTest, ADestroyedViewLeavesNothingBehind) {
+    {
+        UIView passing;
+        UIView inside;
+        passing.setLayoutConstraints(std::make_unique<UpperHalf>(solutions));
+        root.addSubview(passing);
+        passing.addSubview(inside);
+        passing.addSubview(island);
+        solved();
+    }
+    EXPECT_EQ(island.superview(), nullptr);
+    EXPECT_EQ(island.window(), nullptr);
+    EXPECT_THAT(root.subviews(), testing::ElementsAre(&outer));
+    EXPECT_EQ(solved().at(&root), 1);
+}
+
+TEST_F(LayoutTest, TheTreeKeepsItsOrderAndHasNoCycles) {
+    UIView first;
+    UIView second;
+    root.insertSubview(first, 0);
+    root.insertSubview(second, 99);
+    EXPECT_THAT(root.subviews(), testing::ElementsAre(&first, &outer, &second));
+    root.bringSubviewToFront(first);
+    EXPECT_THAT(root.subviews(), testing::ElementsAre(&outer, &second, &first));
+    second.addSubview(first);
+    EXPECT_THAT(root.subviews(), testing::ElementsAre(&outer, &second));
+    EXPECT_TRUE(first.isDescendant(root));
+    EXPECT_DEATH(first.addSubview(root), "own subtree");
+    EXPECT_DEATH(first.addSubview(first), "own subtree");
+}
+
+TEST(Tint, IsInheritedUntilAViewHasItsOwn) {
+    UIView root;
+    UIView middle;
+    UIButton button;
+    button.setTitle("Add");
+    middle.addSubview(button);
+    EXPECT_EQ(button.tintColor(), UIColor::systemBlue());
+    root.setTintColor(UIColor::named("AppTint"));
+    root.addSubview(middle);
+    EXPECT_EQ(button.titleLabel().textColor().name(), "AppTint");
+    EXPECT_EQ(button.imageView().tintColor().name(), "AppTint");
+    button.setTintColor(UIColor::named("AppTextSecond"));
+    root.setTintColor(UIColor::black());
+    EXPECT_EQ(button.titleLabel().textColor().name(), "AppTextSecond");
+    button.setTitleColor(UIColor::named("AppText"));
+    EXPECT_EQ(button.titleLabel().textColor().name(), "AppText");
+    button.setTintColor(std::nullopt);
+    EXPECT_EQ(button.tintColor(), UIColor::black());
+}
+
+// With the fixed metrics, a character of a font of size 10 is 5 wide and a line is 12 high.
+TEST(Label, MeasuresItsTextInLines) {
+    UILabel label;
+    label.setFont(UIFont::systemFont(10));
+    label.setText("ab cd efgh");
+    EXPECT_EQ(label.intrinsicContentSize(), (CGSize{50, 12}));
+    struct Case {
+        int lines;
+        double width;
+        CGSize size;
+    };
+    for (const Case& each :
+         {Case{1, 30, {30, 12}}, Case{0, 50, {50, 12}}, Case{0, 30, {25, 24}}, Case{2, 20, {20, 24}},
+          Case{0, 20, {20, 36}}, Case{0, 10, {10, 48}}, Case{3, 10, {10, 36}}}) {
+        label.setNumberOfLines(each.lines);
+        EXPECT_EQ(label.sizeThatFits({each.width, 1000}), each.size)
+            << each.lines << " lines of " << each.width;
+    }
+    label.setText("");
+    EXPECT_EQ(label.intrinsicContentSize(), (CGSize{0, 0}));
+}
+
+TEST(Label, ShrinksALineThatIsTooWideDownToItsLimit) {
+    UILabel label({0, 0, 25, 12});
+    label.setFont(UIFont::systemFont(10));
+    label.setText("ab cd efgh");
+    const auto shownSize = [&] { return label.displayedText().runs().front().attributes.font->size(); };
+    EXPECT_EQ(shownSize(), 10);
+    label.setAdjustsFontSizeToFitWidth(true);
+    EXPECT_DOUBLE_EQ(shownSize(), 5);
+    label.setMinimumScaleFactor(0.8);
+    EXPECT_DOUBLE_EQ(shownSize(), 8);
+    label.setFrame({0, 0, 100, 12});
+    EXPECT_EQ(shownSize(), 10);
+}
+
+TEST(Button, PlacesItsTitleByAlignmentAndInsets) {
+    using Alignment = UIButton::ContentHorizontalAlignment;
+    struct Case {
+        Alignment alignment;
+        UIEdgeInsets insets;
+        double width;
+        CGRect title;
+    };
+    for (const Case& each :
+         {Case{Alignment::center, {}, 100, {40, 14, 20, 12}}, Case{Alignment::left, {}, 100, {0, 14, 20, 12}},
+          Case{Alignment::left, {0, 24, 0, 0}, 100, {24, 14, 20, 12}},
+          Case{Alignment::right, {0, 0, 0, 16}, 100, {64, 14, 20, 12}},
+          Case{Alignment::center, {10, 0, 0, 0}, 100, {40, 19, 20, 12}},
+          Case{Alignment::left, {0, 24, 0, 0}, 30, {24, 14, 6, 12}},
+          Case{Alignment::left, {0, 24, 0, 0}, 10, {24, 14, 0, 12}}}) {
+        UIButton button({0, 0, each.width, 40});
+        button.setTitle("Back");
+        button.setTitleFont(UIFont::systemFont(10));
+        button.setContentHorizontalAlignment(each.alignment);
+        button.setContentEdgeInsets(each.insets);
+        button.layoutIfNeeded();
+        EXPECT_EQ(button.titleLabel().frame(), each.title);
+        EXPECT_EQ(button.intrinsicContentSize(), (CGSize{20 + each.insets.left + each.insets.right,
+                                                         12 + each.insets.top + each.insets.bottom}));
+    }
+}
+
+TEST(Geometry, TransformsComposeFromLeftToRightAndCanBeUndone) {
+    const CGAffineTransform map = CGAffineTransform::translation(10, 0)
+                                      .concatenating(CGAffineTransform::scale(2, 3))
+                                      .concatenating(CGAffineTransform::rotation(std::numbers::pi / 2));
+    const CGPoint there = map.apply(CGPoint{1, 1});
+    EXPECT_NEAR(there.x, -3, 1e-9);
+    EXPECT_NEAR(there.y, 22, 1e-9);
+    const CGPoint back = map.inverted().apply(there);
+    EXPECT_NEAR(back.x, 1, 1e-9);
+    EXPECT_NEAR(back.y, 1, 1e-9);
+    EXPECT_DEATH(CGAffineTransform::scale(0, 1).inverted(), "cannot be undone");
+}
+
+} // namespace
+
+} // namespace sela

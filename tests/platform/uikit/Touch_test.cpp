@@ -1,0 +1,291 @@
+#include "platform/uikit/UIButton.h"
+#include "platform/uikit/UITapGestureRecognizer.h"
+#include "platform/uikit/ViewTest.h"
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <numbers>
+
+namespace sela {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using HitTest = ViewTest;
+
+TEST_F(HitTest, FindsTheTopmostViewThatTakesTouches) {
+    UIView below({50, 50, 100, 100});
+    UIView above({100, 100, 100, 100});
+    UIView inside({50, 50, 100, 100}); // reaches out of `above`
+    window.addSubview(below);
+    window.addSubview(above);
+    above.addSubview(inside);
+    struct Case {
+        const char* what;
+        std::function<void()> change;
+        CGPoint point;
+        UIView* hit;
+    };
+    const Case cases[] = {
+        {"only below", [] {}, {75, 75}, &below},
+        {"where both lie", [] {}, {120, 120}, &above},
+        {"the subview", [] {}, {175, 175}, &inside},
+        {"the subview's part outside", [] {}, {225, 225}, &window},
+        {"the right edge is outside", [] {}, {200, 120}, &window},
+        {"hidden", [&] { above.setHidden(true); }, {175, 175}, &window},
+        {"nearly transparent", [&] { above.setAlpha(0.009); }, {120, 120}, &below},
+        {"barely visible", [&] { above.setAlpha(0.01); }, {120, 120}, &above},
+        {"without interaction", [&] { above.setUserInteractionEnabled(false); }, {175, 175}, &window},
+        {"a subview without interaction",
+         [&] { inside.setUserInteractionEnabled(false); },
+         {175, 175},
+         &above},
+        {"scaled down", [&] { above.setTransform(CGAffineTransform::scale(0.5, 0.5)); }, {120, 120}, &below},
+        {"inside what is scaled down",
+         [&] { above.setTransform(CGAffineTransform::scale(0.5, 0.5)); },
+         {160, 160},
+         &inside},
+        {"scaled to nothing",
+         [&] { above.setTransform(CGAffineTransform::scale(0, 0)); },
+         {150, 150},
+         &window},
+        {"moved", [&] { above.setTransform(CGAffineTransform::translation(-50, 0)); }, {60, 120}, &above},
+        {"turned by a quarter",
+         [&] { above.setTransform(CGAffineTransform::rotation(std::numbers::pi / 2)); },
+         {110, 190},
+         &inside},
+        {"scrolled",
+         [&] {
+             above.setBounds({0, 40, 100, 100});
+         },
+         {160, 115},
+         &inside},
+    };
+    for (const Case& each : cases) {
+        for (UIView* const view : {&below, &above, &inside}) {
+            view->setHidden(false);
+            view->setAlpha(1);
+            view->setTransform({});
+            view->setUserInteractionEnabled(true);
+        }
+        above.setBounds({0, 0, 100, 100});
+        each.change();
+        EXPECT_EQ(window.hitTest(each.point), each.hit) << each.what;
+    }
+}
+
+TEST_F(HitTest, APointComesBackThroughEveryTransform) {
+    UIView outer({50, 60, 100, 80});
+    UIView inner({10, 20, 40, 30});
+    outer.addSubview(inner);
+    window.addSubview(outer);
+    outer.setTransform(CGAffineTransform::rotation(0.7).concatenating(CGAffineTransform::scale(2, 0.5)));
+    inner.setTransform(CGAffineTransform::translation(5, -3));
+    inner.setBounds({7, 9, 40, 30});
+    const CGPoint there = inner.convert(CGPoint{12, 13}, window);
+    const CGPoint back = window.convert(there, inner);
+    EXPECT_NEAR(back.x, 12, 1e-9);
+    EXPECT_NEAR(back.y, 13, 1e-9);
+    outer.setTransform(CGAffineTransform::scale(0, 0));
+    EXPECT_FALSE(inner.bounds().contains(window.convert(CGPoint{100, 100}, inner)));
+}
+
+class TouchTest : public ViewTest {
+public:
+    TouchTest() {
+        window.addSubview(container);
+        container.addSubview(button);
+        button.addTarget(this, &TouchTest::onDown, UIControl::Event::touchDown);
+        button.addTarget(this, &TouchTest::onInside, UIControl::Event::touchUpInside);
+        button.addTarget(this, &TouchTest::onOutside, UIControl::Event::touchUpOutside);
+        button.addTarget(this, &TouchTest::onCancel, UIControl::Event::touchCancel);
+    }
+
+    void onDown(UIButton&) { events.push_back("down"); }
+    void onInside(UIButton& sender) { events.push_back("inside " + std::to_string(sender.tag())); }
+    void onOutside(UIControl&) { events.push_back("outside"); }
+    void onCancel(UIButton&) { events.push_back("cancel"); }
+    void onTap(UITapGestureRecognizer& recognizer) { events.push_back("tap " + recognizer.view()->name()); }
+
+    UIView container{{0, 0, 300, 400}};
+    UIButton button{{100, 100, 50, 40}};
+    std::vector<std::string> events;
+};
+
+TEST_F(TouchTest, AButtonFollowsTheFinger) {
+    struct Case {
+        const char* what;
+        std::function<void()> touch;
+        std::vector<std::string> events;
+    };
+    const Case cases[] = {
+        {"a tap",
+         [&] {
+             tap({110, 110});
+         },
+         {"down", "inside 7"}},
+        {"up within the slack of 70 points",
+         [&] {
+             window.touchEnded({219, 110});
+         },
+         {"down", "inside 7"}},
+        {"up beyond it",
+         [&] {
+             window.touchEnded({221, 110});
+         },
+         {"down", "outside"}},
+        {"away and back",
+         [&] {
+             window.touchMoved({290, 110});
+             window.touchEnded({110, 110});
+         },
+         {"down", "inside 7"}},
+        {"taken away",
+         [&] {
+             window.touchCancelled();
+             window.touchEnded({110, 110});
+         },
+         {"down", "cancel"}},
+        {"the button leaves",
+         [&] {
+             button.removeFromSuperview();
+             window.touchEnded({110, 110});
+         },
+         {"down", "cancel"}},
+        {"its superview leaves", [&] { container.removeFromSuperview(); }, {"down", "cancel"}},
+        {"a second finger down",
+         [&] {
+             window.touchBegan({1, 1});
+         },
+         {"down", "cancel"}},
+        {"disabled meanwhile",
+         [&] {
+             button.setEnabled(false);
+             window.touchEnded({110, 110});
+         },
+         {"down"}},
+        {"flattened meanwhile",
+         [&] {
+             container.setTransform(CGAffineTransform::scale(0, 0));
+             window.touchEnded({110, 110});
+         },
+         {"down", "outside"}},
+    };
+    button.setTag(7);
+    for (const Case& each : cases) {
+        window.touchCancelled();
+        window.addSubview(container);
+        container.addSubview(button);
+        container.setTransform({});
+        button.setEnabled(true);
+        events.clear();
+        if (std::string_view(each.what) != "a tap")
+            window.touchBegan({110, 110});
+        each.touch();
+        EXPECT_EQ(events, each.events) << each.what;
+        EXPECT_FALSE(button.isHighlighted()) << each.what;
+    }
+}
+
+TEST_F(TouchTest, APressedButtonFades) {
+    button.setTitle("Add");
+    window.touchBegan({110, 110});
+    EXPECT_EQ(button.titleLabel().alpha(), 0.2);
+    window.touchMoved({290, 390});
+    EXPECT_EQ(button.titleLabel().alpha(), 1);
+    window.touchMoved({110, 110});
+    EXPECT_EQ(button.titleLabel().alpha(), 0.2);
+    window.touchEnded({110, 110});
+    EXPECT_EQ(button.titleLabel().alpha(), 1);
+}
+
+TEST_F(TouchTest, ADisabledButtonSwallowsTaps) {
+    container.addGestureRecognizer(std::make_unique<UITapGestureRecognizer>(this, &TouchTest::onTap));
+    button.setEnabled(false);
+    tap({110, 110});
+    EXPECT_THAT(events, IsEmpty());
+}
+
+TEST_F(TouchTest, TheNearestRecogniserWinsAndAControlShieldsThoseAbove) {
+    UIView inner({0, 0, 50, 50});
+    container.setName("container");
+    inner.setName("inner");
+    container.addSubview(inner);
+    container.addGestureRecognizer(std::make_unique<UITapGestureRecognizer>(this, &TouchTest::onTap));
+    tap({20, 20});
+    EXPECT_THAT(events, ElementsAre("tap container"));
+    UITapGestureRecognizer& nearest =
+        inner.addGestureRecognizer(std::make_unique<UITapGestureRecognizer>(this, &TouchTest::onTap));
+    tap({20, 20});
+    EXPECT_EQ(events.back(), "tap inner");
+    nearest.setEnabled(false);
+    tap({20, 20});
+    EXPECT_EQ(events.back(), "tap container");
+    tap({110, 110});
+    EXPECT_EQ(events.back(), "inside 0");
+    EXPECT_EQ(events.size(), 5u);
+}
+
+TEST_F(TouchTest, AFingerThatStraysByMoreThanTenPointsIsNoTap) {
+    container.addGestureRecognizer(std::make_unique<UITapGestureRecognizer>(this, &TouchTest::onTap));
+    window.touchBegan({20, 20});
+    window.touchEnded({26, 28});
+    EXPECT_EQ(events.size(), 1u);
+    window.touchBegan({20, 20});
+    window.touchEnded({27, 28});
+    window.touchBegan({20, 20});
+    window.touchMoved({60, 20});
+    window.touchEnded({20, 20});
+    EXPECT_EQ(events.size(), 1u);
+}
+
+/// Goes away by its own action.
+class Disposable {
+public:
+    explicit Disposable(UIView& superview) {
+        button.addTarget(this, &Disposable::onTouched, UIControl::Event::touchUpInside);
+        button.addTarget(this, &Disposable::onTouched, UIControl::Event::touchUpInside);
+        superview.addSubview(button);
+    }
+
+    void onTouched(UIButton&) {
+        ++calls;
+        owner.reset();
+    }
+
+    static inline std::unique_ptr<Disposable> owner;
+    static inline int calls = 0;
+    UIButton button{{0, 0, 300, 400}};
+};
+
+TEST_F(TouchTest, AnActionMayDestroyItsControl) {
+    Disposable::owner = std::make_unique<Disposable>(window);
+    tap({20, 20});
+    EXPECT_EQ(Disposable::calls, 1);
+    EXPECT_EQ(Disposable::owner, nullptr);
+    tap({20, 20});
+}
+
+TEST_F(TouchTest, ATapPointIsWhereAViewIsReallyReached) {
+    UIView clipping({0, 0, 120, 400});
+    clipping.setClipsToBounds(true);
+    window.addSubview(clipping);
+    clipping.addSubview(button);
+    EXPECT_EQ(window.tapPoint(button), (CGPoint{110, 120}));
+    UIView cover({0, 110, 300, 20});
+    window.addSubview(cover);
+    EXPECT_EQ(window.tapPoint(button), std::nullopt);
+    cover.setHidden(true);
+    EXPECT_NE(window.tapPoint(button), std::nullopt);
+    button.setHidden(true);
+    EXPECT_EQ(window.tapPoint(button), std::nullopt);
+    UIView elsewhere({0, 0, 10, 10});
+    EXPECT_EQ(window.tapPoint(elsewhere), std::nullopt);
+}
+
+} // namespace
+
+} // namespace sela
