@@ -181,12 +181,14 @@ void ViewPainter::paintLabel(QPainter& painter, const UILabel& label) {
     const NSAttributedString text = label.displayedText();
     if (text.isEmpty() || bounds.isEmpty())
         return;
+    // Sizes of fonts are rounded, so a line that was shrunk to fit may still be a little too wide.
+    const double width = bounds.size.width * (label.adjustsFontSizeToFitWidth() ? 1.01 : 1);
     std::shared_ptr<const TextLayout> layout =
-        measurer_.layout(text, bounds.size.width, label.numberOfLines(), screen_.style);
+        measurer_.layout(text, width, label.numberOfLines(), screen_.style);
     if (layout->lineCount() > 1 && layout->size().height > bounds.size.height + 1) {
         const double lineHeight = layout->size().height / layout->lineCount();
         const int fitting = std::max(1, static_cast<int>((bounds.size.height + 1) / lineHeight));
-        layout = measurer_.layout(text, bounds.size.width, fitting, screen_.style);
+        layout = measurer_.layout(text, width, fitting, screen_.style);
     }
     layout->draw(painter, bounds, label.textAlignment());
 }

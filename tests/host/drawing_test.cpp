@@ -55,20 +55,53 @@ void PrintTo(const Look& look, std::ostream* stream) {
 
 class GalleryPicture : public testing::TestWithParam<Look> {};
 
+/// A window with the gallery and what draws it.
+struct Gallery {
+    explicit Gallery(UIUserInterfaceStyle style = UIUserInterfaceStyle::light) {
+        window.setUserInterfaceStyle(style);
+        window.setRootViewController(controller);
+    }
+
+    OffscreenEnvironment environment;
+    ViewPainter painter{environment.measurer};
+    std::shared_ptr<GalleryController> controller = std::make_shared<GalleryController>();
+    UIWindow window{screenSize};
+};
+
+/// One view of 40 by 40 points at (10, 10) on white, drawn at `scale` pixels to a point.
+class SmallScene {
+public:
+    SmallScene() {
+        window.setRootViewController(controller);
+        controller->view().setBackgroundColor(UIColor::white());
+        controller->view().addSubview(view);
+    }
+
+    QColor pixel(double x, double y, double scale = 1) {
+        const QImage image = Snapshot::picture(window, painter, scale);
+        return image.pixelColor(static_cast<int>(x * scale), static_cast<int>(y * scale));
+    }
+
+    OffscreenEnvironment environment;
+    ViewPainter painter{environment.measurer};
+    std::shared_ptr<UIViewController> controller = std::make_shared<UIViewController>();
+    UIView view{{10, 10, 40, 40}};
+    UIWindow window{{60, 60}};
+};
+
+const UIColor red(1, 0, 0, 1);
+const QColor redPixel(255, 0, 0);
+const QColor whitePixel(255, 255, 255);
+
 } // namespace
 
 /// Compares with the pictures in tests/host/references, which people have looked at. SELA_WRITE_REFERENCES=1
 /// writes them anew; every picture is kept in the build folder to look at.
 TEST_P(GalleryPicture, LooksAsItsReference) {
     const Look& look = GetParam();
-    OffscreenEnvironment environment;
-    ViewPainter painter(environment.measurer);
-    UIWindow window(screenSize);
-    window.setUserInterfaceStyle(look.style);
-    window.setRootViewController(std::make_shared<GalleryController>());
-
-    const QImage picture =
-        Snapshot::picture(window, painter, look.pixelsPerPoint).convertToFormat(QImage::Format_RGB32);
+    Gallery gallery(look.style);
+    const QImage picture = Snapshot::picture(gallery.window, gallery.painter, look.pixelsPerPoint)
+                               .convertToFormat(QImage::Format_RGB32);
     ASSERT_TRUE(picture.save(QString(SELA_BINARY_DIR "/gallery-%1.png").arg(look.name)));
     const QString path = QString(SELA_SOURCE_DIR "/tests/host/references/gallery-%1.png").arg(look.name);
     if (std::getenv("SELA_WRITE_REFERENCES")) {
@@ -86,5 +119,127 @@ INSTANTIATE_TEST_SUITE_P(Looks, GalleryPicture,
                                          Look{"dark", UIUserInterfaceStyle::dark, 1},
                                          Look{"light-2x", UIUserInterfaceStyle::light, 2},
                                          Look{"dark-2x", UIUserInterfaceStyle::dark, 2}));
+
+/// What changed is drawn piece by piece, so pieces must add up to the whole, and touch nothing around them.
+TEST(ViewPainter, DrawsPiecesThatAddUpToTheWhole) {
+    Gallery gallery;
+    for (const double scale : {1.0, 1.5}) {
+        const QImage whole = Snapshot::picture(gallery.window, gallery.painter, scale);
+        QImage pieces(whole.size(), whole.format());
+        pieces.fill(Snapshot::backdrop(UIUserInterfaceStyle::light));
+        for (int y = 0; y < whole.height(); y += 97)
+            for (int x = 0; x < whole.width(); x += 61)
+                gallery.painter.paint(pieces, QRect(x, y, 61, 97), gallery.window, {scale, {}});
+        const Difference found = difference(whole, pieces);
+        EXPECT_LT(found.mean, 0.01) << scale;
+        EXPECT_EQ(found.visibleShare, 0) << scale;
+    }
+}
+
+TEST(ViewPainter, LeavesOutWhatCannotBeSeen) {
+    SmallScene scene;
+    scene.view.setBackgroundColor(red);
+    EXPECT_EQ(scene.pixel(30, 30), redPixel);
+    scene.view.setHidden(true);
+    EXPECT_EQ(scene.pixel(30, 30), whitePixel);
+    scene.view.setHidden(false);
+    scene.view.setAlpha(0);
+    EXPECT_EQ(scene.pixel(30, 30), whitePixel);
+    scene.view.setAlpha(1);
+    scene.view.setTransform(CGAffineTransform::scale(0, 0));
+    EXPECT_EQ(scene.pixel(30, 30), whitePixel);
+}
+
+TEST(ViewPainter, CutsSubviewsOffAtRoundedBoundsOnlyWhenTheViewClips) {
+    SmallScene scene;
+    UIView inside({-5, -5, 50, 50});
+    inside.setBackgroundColor(red);
+    scene.view.addSubview(inside);
+    scene.view.layer().setCornerRadius(20);
+    EXPECT_EQ(scene.pixel(7, 30), redPixel);
+    scene.view.setClipsToBounds(true);
+    EXPECT_EQ(scene.pixel(7, 30), whitePixel);
+    EXPECT_EQ(scene.pixel(12, 12), whitePixel);
+    EXPECT_EQ(scene.pixel(30, 12), redPixel);
+    const QColor edge = scene.pixel(16, 16);
+    EXPECT_GT(edge.green(), 20) << "the rounded edge is not smoothed";
+    EXPECT_LT(edge.green(), 235);
+}
+
+TEST(ViewPainter, LaysAGroupOverTheScreenWithOneOpacity) {
+    SmallScene scene;
+    scene.view.setBackgroundColor(red);
+    UIView inside({0, 0, 40, 40});
+    inside.setBackgroundColor(red);
+    scene.view.addSubview(inside);
+    scene.view.setAlpha(0.5);
+    EXPECT_NEAR(scene.pixel(30, 30).green(), 128, 1);
+}
+
+TEST(ViewPainter, DrawsTheBorderInsideTheBounds) {
+    SmallScene scene;
+    scene.view.layer().setBorderWidth(2);
+    scene.view.layer().setBorderColor(red);
+    EXPECT_EQ(scene.pixel(9, 30, 2), whitePixel);
+    EXPECT_EQ(scene.pixel(10, 30, 2), redPixel);
+    EXPECT_EQ(scene.pixel(11.5, 30, 2), redPixel);
+    EXPECT_EQ(scene.pixel(12, 30, 2), whitePixel);
+}
+
+TEST(ViewPainter, ShadesWhatLiesAroundTheOutline) {
+    SmallScene scene;
+    scene.view.setBackgroundColor(red);
+    scene.view.layer().setShadowOpacity(1);
+    scene.view.layer().setShadowOffset({0, 0});
+    scene.view.layer().setShadowRadius(2);
+    EXPECT_EQ(scene.pixel(30, 30), redPixel);
+    const int near = scene.pixel(51, 30).lightness();
+    const int far = scene.pixel(54, 30).lightness();
+    EXPECT_LT(near, far);
+    EXPECT_LT(near, 200);
+    EXPECT_GT(near, 100);
+    EXPECT_EQ(scene.pixel(58, 30), whitePixel);
+    scene.view.setBackgroundColor(std::nullopt);
+    EXPECT_EQ(scene.pixel(51, 30), whitePixel) << "a view that draws nothing casts no shadow";
+}
+
+TEST(ViewPainter, ShowsTheMomentOfAnAnimation) {
+    SmallScene scene;
+    scene.view.setFrame({0, 0, 20, 60});
+    scene.view.setBackgroundColor(red);
+    UIView::animate(1, [&] { scene.view.setFrame({40, 0, 20, 60}); });
+    scene.environment.loop.advance(0.5);
+    EXPECT_EQ(scene.pixel(18, 30), whitePixel);
+    EXPECT_EQ(scene.pixel(30, 30), redPixel);
+    EXPECT_EQ(scene.pixel(42, 30), whitePixel);
+}
+
+TEST(ViewPainter, FillsAStencilWithTheTint) {
+    SmallScene scene;
+    UIImageView image({0, 0, 40, 40});
+    std::vector<std::uint8_t> bytes{0, 0, 0, 255, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 255};
+    image.setImage(
+        UIImage::fromPixels({2, 2, bytes}).withRenderingMode(UIImage::RenderingMode::alwaysTemplate));
+    image.setTintColor(red);
+    scene.view.addSubview(image);
+    EXPECT_EQ(scene.pixel(14, 14), redPixel);
+    EXPECT_EQ(scene.pixel(46, 14), whitePixel);
+    EXPECT_EQ(scene.pixel(46, 46), redPixel);
+}
+
+TEST(ViewPainter, FillsTheBoundsWithTheMiddleOfAPicture) {
+    SmallScene scene;
+    UIImageView image({0, 0, 40, 40});
+    image.setContentMode(UIView::ContentMode::scaleAspectFill);
+    image.setClipsToBounds(true);
+    std::vector<std::uint8_t> bytes;
+    for (const int value : {0, 0, 255, 255, 0, 0})
+        bytes.insert(bytes.end(), {255, static_cast<std::uint8_t>(255 - value), 0, 255});
+    image.setImage(UIImage::fromPixels({6, 1, bytes}));
+    scene.view.addSubview(image);
+    image.setFrame({0, 0, 40, 20});
+    EXPECT_EQ(scene.pixel(30, 20), redPixel);
+    EXPECT_EQ(scene.pixel(30, 40), whitePixel);
+}
 
 } // namespace sela

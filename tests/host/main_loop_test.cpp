@@ -1,0 +1,66 @@
+#include "host/QtMainLoop.h"
+#include "platform/foundation/BackgroundWork.h"
+#include "platform/foundation/ScopedMainQueue.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace sela {
+
+using testing::ElementsAre;
+
+TEST(QtMainLoop, RunsTasksInOrderOfTimeAndThenOfArrival) {
+    QtMainLoop loop;
+    std::vector<int> ran;
+    const double start = loop.now();
+    loop.asyncAfter(0.03, [&] {
+        ran.push_back(4);
+        EXPECT_GE(loop.now(), start + 0.03);
+        loop.finish();
+    });
+    loop.asyncAfter(0.01, [&] { ran.push_back(3); });
+    loop.async([&] {
+        ran.push_back(1);
+        loop.async([&] { ran.push_back(2); });
+        EXPECT_EQ(ran.back(), 1);
+    });
+    loop.run();
+    EXPECT_THAT(ran, ElementsAre(1, 2, 3, 4));
+}
+
+TEST(QtMainLoop, TakesTasksFromOtherThreads) {
+    QtMainLoop loop;
+    const std::thread::id mainThread = std::this_thread::get_id();
+    int ran = 0;
+    std::thread other([&] {
+        for (int task = 0; task < 100; ++task)
+            loop.async([&] {
+                EXPECT_EQ(std::this_thread::get_id(), mainThread);
+                if (++ran == 100)
+                    loop.finish();
+            });
+    });
+    loop.run();
+    other.join();
+    EXPECT_EQ(ran, 100);
+}
+
+TEST(QtMainLoop, FinishesWhatIsUnderWayAndLeavesTheRest) {
+    QtMainLoop loop;
+    const ScopedMainQueue scoped(loop);
+    std::vector<std::string> ran;
+    loop.asyncAfter(60, [&] { ran.emplace_back("in a minute"); });
+    loop.async([&] {
+        DispatchQueue::global().async([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            DispatchQueue::main().async([&] { ran.emplace_back("saved"); });
+        });
+        loop.finish();
+    });
+    loop.run();
+    EXPECT_THAT(ran, ElementsAre("saved"));
+}
+
+} // namespace sela

@@ -1,0 +1,176 @@
+#include "host/OffscreenEnvironment.h"
+#include "host/ProbeController.h"
+#include "host/StepRunner.h"
+#include "platform/foundation/HeadlessMainLoop.h"
+#include "support/TemporaryHome.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+namespace sela {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A probe screen in a window, and steps taken on it by a clock that the test moves.
+class StepRunnerTest : public testing::Test {
+protected:
+    void start(const std::vector<Step>& steps) {
+        runner_ = std::make_unique<StepRunner>(
+            StepRunner::Screen{window_, painter_, 1, queue_, [this] { return contentShown_; }}, steps);
+        runner_->start([this](const std::optional<std::string>& failure) {
+            ended_ = true;
+            failure_ = failure;
+        });
+    }
+
+    /// Runs the steps for `seconds` of the clock.
+    void start(const std::vector<Step>& steps, double seconds) {
+        start(steps);
+        environment_.loop.advance(seconds);
+    }
+
+    OffscreenEnvironment environment_;
+    ObservedMainQueue queue_{environment_.loop};
+    ScopedMainQueue observed_{queue_};
+    ViewPainter painter_{environment_.measurer};
+    std::shared_ptr<ProbeController> probe_ = std::make_shared<ProbeController>();
+    UIWindow window_{{375, 667}};
+    bool contentShown_ = true;
+    std::unique_ptr<StepRunner> runner_;
+    bool ended_ = false;
+    std::optional<std::string> failure_;
+
+    void SetUp() override { window_.setRootViewController(probe_); }
+};
+
+Step tap(const char* name) {
+    return {Step::Kind::tap, name};
+}
+Step tapNow(const char* name) {
+    return {Step::Kind::tapNow, name};
+}
+Step wait(double seconds) {
+    return {Step::Kind::wait, "", seconds};
+}
+
+} // namespace
+
+TEST_F(StepRunnerTest, TapsWhatANameStandsFor) {
+    start({tap("addButton"),
+           tap("row:0:1"),
+           tap("row:2:39"),
+           tap("showChildButton:1"),
+           tap("row:0:0"),
+           {Step::Kind::type, "77"}},
+          10);
+    EXPECT_EQ(failure_, std::nullopt);
+    EXPECT_TRUE(ended_);
+    EXPECT_THAT(probe_->touched, ElementsAre("addButton", "row 0 1", "row 2 39", "showChild 1", "row 0 0",
+                                             "button7", "button7"));
+}
+
+TEST_F(StepRunnerTest, FailsOnWhatCannotBeTouched) {
+    for (const char* const name : {"nothing", "", "hiddenButton", "coveredButton", "row:0:40", "row:3:0",
+                                   "row:0", "row:-1:0", "row:0:x", "showChildButton:3", "row:0:0:0"}) {
+        start({tap(name), tap("addButton")}, 1);
+        EXPECT_TRUE(ended_) << name;
+        EXPECT_EQ(failure_, std::string(name) + " is not on the screen, or is hidden or covered");
+    }
+    EXPECT_THAT(probe_->touched, IsEmpty());
+}
+
+TEST_F(StepRunnerTest, TakesTheTopmostOfTwoViewsOfAName) {
+    UIButton behind({0, 0, 20, 20});
+    behind.setName("addButton");
+    probe_->view().insertSubview(behind, 0);
+    start({tap("addButton")}, 1);
+    EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
+}
+
+/// On a loop in real time, since the clock of the others never lets work be under way.
+TEST_F(StepRunnerTest, WaitsForContentThatIsUnderWay) {
+    HeadlessMainLoop loop;
+    ObservedMainQueue queue(loop);
+    const ScopedMainQueue scoped(queue);
+    StepRunner runner({window_, painter_, 1, queue, [this] { return contentShown_; }}, {tap("addButton")});
+    contentShown_ = false;
+    DispatchQueue::global().async([this] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        DispatchQueue::main().async([this] {
+            EXPECT_THAT(probe_->touched, IsEmpty());
+            contentShown_ = true;
+        });
+    });
+    runner.start([](const std::optional<std::string>& failure) { EXPECT_EQ(failure, std::nullopt); });
+    loop.run();
+    EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
+}
+
+TEST_F(StepRunnerTest, StartsTheStepWhenTheScreenCameToRest) {
+    UIView::animate(0.3, [&] { probe_->addButton.setAlpha(0.5); });
+    queue_.asyncAfter(1, [] {});
+    start({tap("addButton")}, 0.9);
+    EXPECT_THAT(probe_->touched, IsEmpty());
+    environment_.loop.advance(0.2);
+    EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
+}
+
+TEST_F(StepRunnerTest, DoesNotWaitForContentThatNothingBrings) {
+    contentShown_ = false;
+    start({tap("addButton")}, 0.1);
+    EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
+}
+
+TEST_F(StepRunnerTest, TapsAtOnceWhenToldTo) {
+    queue_.asyncAfter(60, [] {});
+    start({tapNow("addButton"), wait(0.5), tap("button7"), tap("addButton")}, 0.4);
+    EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
+    environment_.loop.advance(0.2);
+    EXPECT_THAT(probe_->touched, ElementsAre("addButton", "button7"));
+    environment_.loop.advance(58);
+    EXPECT_THAT(probe_->touched, ElementsAre("addButton", "button7"));
+    environment_.loop.advance(2);
+    EXPECT_THAT(probe_->touched, ElementsAre("addButton", "button7", "addButton"));
+}
+
+TEST_F(StepRunnerTest, AddsUpWaits) {
+    start({wait(0.25), wait(0.25), tap("addButton")}, 0.49);
+    EXPECT_THAT(probe_->touched, IsEmpty());
+    environment_.loop.advance(0.02);
+    EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
+}
+
+TEST_F(StepRunnerTest, WritesPicturesAndTrees) {
+    const TemporaryHome home;
+    const std::string picture = home.path() / "screen.png";
+    const std::string tree = home.path() / "tree.json";
+    start({{Step::Kind::snapshot, picture}, {Step::Kind::tree, tree}}, 1);
+    EXPECT_EQ(failure_, std::nullopt);
+    EXPECT_EQ(QImage(QString::fromStdString(picture)).size(), QSize(375, 667));
+    EXPECT_GT(std::filesystem::file_size(tree), 100u);
+
+    start({{Step::Kind::snapshot, "/nonexistent/screen.png"}}, 1);
+    EXPECT_EQ(failure_, "cannot write the picture /nonexistent/screen.png");
+}
+
+TEST_F(StepRunnerTest, StopsWhenTheRequestEndsAfterItsPictures) {
+    const TemporaryHome home;
+    const std::string tree = home.path() / "tree.json";
+    queue_.asyncAfter(60, [] {});
+    start({tapNow("addButton"), {Step::Kind::tree, tree}, tap("button7")}, 1);
+    EXPECT_FALSE(std::filesystem::exists(tree));
+    runner_->requestEnded();
+    EXPECT_TRUE(ended_);
+    EXPECT_TRUE(std::filesystem::exists(tree));
+    environment_.loop.advance(100);
+    EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
+}
+
+} // namespace sela

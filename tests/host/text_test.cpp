@@ -1,0 +1,81 @@
+#include "host/OffscreenEnvironment.h"
+
+#include <gtest/gtest.h>
+
+#include <QRawFont>
+
+namespace sela {
+
+namespace {
+
+NSAttributedString inFont(std::string_view text, const UIFont& font) {
+    return NSAttributedString(text, {.foregroundColor = std::nullopt, .font = font});
+}
+
+} // namespace
+
+TEST(FontCache, HoldsTheFontsOfTheScreens) {
+    struct Case {
+        UIFont font;
+        const char* styleName;
+    };
+    const Case cases[] = {{UIFont::systemFont(14), "Regular"},
+                          {UIFont::boldSystemFont(20), "Bold"},
+                          {UIFont::systemFont(16, UIFont::Weight::semibold), "Medium"},
+                          {UIFont::named("Roboto-Light", 28), "Light"},
+                          {UIFont::named("NoSuchFamily", 17), "Regular"}};
+    FontCache fonts;
+    for (const Case& item : cases) {
+        const QRawFont raw = QRawFont::fromFont(fonts.font(item.font));
+        EXPECT_TRUE(raw.familyName().startsWith("Roboto")) << raw.familyName().toStdString();
+        EXPECT_EQ(raw.styleName().toStdString(), item.styleName);
+        EXPECT_DOUBLE_EQ(raw.pixelSize(), item.font.size());
+    }
+}
+
+TEST(QtTextMeasurer, GivesSizesThatTheTextFitsInto) {
+    const OffscreenEnvironment environment;
+    const TextMeasurer& measurer = environment.measurer;
+    const NSAttributedString text = inFont("Add 12 files to Holidays/Trips", UIFont::systemFont(15));
+    EXPECT_EQ(measurer.size({}, TextMeasurer::unlimitedWidth, 0), CGSize());
+
+    const CGSize natural = measurer.size(text, TextMeasurer::unlimitedWidth, 1);
+    EXPECT_GT(natural.width, 150);
+    EXPECT_LT(natural.width, 300);
+    EXPECT_EQ(measurer.size(text, natural.width, 1), natural);
+    EXPECT_EQ(environment.measurer.layout(text, natural.width, 0, UIUserInterfaceStyle::light)->lineCount(),
+              1);
+
+    const CGSize broken = measurer.size(text, 100, 0);
+    EXPECT_LE(broken.width, 100);
+    EXPECT_GE(broken.height, 3 * (natural.height - 1));
+    const CGSize cut = measurer.size(text, 100, 2);
+    EXPECT_LE(cut.width, 100);
+    EXPECT_LT(cut.height, broken.height);
+    EXPECT_GE(cut.height, 2 * (natural.height - 1));
+}
+
+TEST(QtTextMeasurer, CutsAnyTextOffWithinTheWidth) {
+    const OffscreenEnvironment environment;
+    const char* const texts[] = {"Unbreakablewordthatisfartoolongforthis", "a b c d e f g h i j k l m n o p",
+                                 "写真とビデオを追加しています", "إضافة ملفات إلى الألبوم الافتراضي",
+                                 "👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧‍"
+                                 "👦"};
+    for (const char* const text : texts)
+        for (const double width : {20.0, 33.3, 60.0}) {
+            const auto layout = environment.measurer.layout(inFont(text, UIFont::systemFont(14)), width, 1,
+                                                            UIUserInterfaceStyle::light);
+            EXPECT_EQ(layout->lineCount(), 1) << text;
+            EXPECT_LE(layout->size().width, width + 0.02) << text;
+            EXPECT_GT(layout->size().width, 5) << text;
+        }
+}
+
+TEST(QtTextMeasurer, SurvivesTooLittleRoomForAnEllipsis) {
+    const OffscreenEnvironment environment;
+    const NSAttributedString text = inFont("Sela", UIFont::systemFont(20));
+    for (const double width : {0.0, 1.0, 5.0})
+        EXPECT_EQ(environment.measurer.layout(text, width, 1, UIUserInterfaceStyle::light)->lineCount(), 1);
+}
+
+} // namespace sela
