@@ -16,7 +16,9 @@ namespace sela::Sandbox {
 
 namespace {
 
-#if defined(__has_feature)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define SELA_SANITIZED_BUILD
+#elif defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
 #define SELA_SANITIZED_BUILD
 #endif

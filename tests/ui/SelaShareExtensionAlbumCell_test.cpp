@@ -5,7 +5,7 @@
 #include "platform/foundation/VirtualMainLoop.h"
 #include "platform/uikit/UIWindow.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <string>
 #include <vector>
@@ -23,6 +23,11 @@ protected:
         window_.prepareFrame();
     }
 
+    void TearDown() override {
+        // Only the arrow's two widths contradict each other, and that is told once in a process.
+        EXPECT_THAT(logged_, testing::Each(testing::HasSubstr("the width of UIImageView imageView")));
+    }
+
     void expectFrames(double thumbnailLeft, double titleRight) {
         window_.prepareFrame();
         EXPECT_EQ(cell_.thumbnailView().frame(), CGRect(thumbnailLeft, 7.5, 40, 40));
@@ -34,8 +39,8 @@ protected:
 
     VirtualMainLoop loop_;
     ScopedMainQueue mainQueue_{loop_};
-    LogRedirection log_{[this](const std::string& line) { logged_.push_back(line); }};
     std::vector<std::string> logged_;
+    LogRedirection log_{[this](const std::string& line) { logged_.push_back(line); }};
     UIWindow window_{CGSize{400, 480}};
     Cell cell_{Cell::Style::normal, "cell"};
 };

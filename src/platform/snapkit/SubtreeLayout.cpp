@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -177,7 +178,8 @@ void SubtreeLayout::addNaturalSizes() {
         double height = member.view->intrinsicContentSize().height;
         const std::optional<double> width = system_.value(member.width);
         if (const auto* label = dynamic_cast<const UILabel*>(member.view); label && width)
-            height = label->sizeThatFits({*width, std::numeric_limits<double>::infinity()}).height;
+            height =
+                label->sizeThatFits({std::max(*width, 0.0), std::numeric_limits<double>::infinity()}).height;
         if (height != UIView::noIntrinsicMetric)
             system_.assign(member.height, height);
     }

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/uikit/UILabel.h"
+#include "platform/uikit/UIView.h"
+
+namespace sela {
+
+/// The card that an unlocking screen consists of: a rectangle in the middle of the screen, 320 by 390 points
+/// before scaling, with the screen's title in a strip of 46 points at its top. Main thread only.
+class PasscodeCard {
+public:
+    PasscodeCard();
+
+    UIView& containerView() { return containerView_; }
+    UILabel& titleLabel() { return titleLabel_; }
+
+    /// Adds the card to a screen's root view, and the title to the card. `scale` is the screen's factor.
+    void assemble(UIView& rootView, double scale);
+
+private:
+    UIView containerView_;
+    UILabel titleLabel_;
+};
+
+} // namespace sela

@@ -1,0 +1,161 @@
+#include "unlock/PasscodeKeypad.h"
+
+#include "platform/foundation/Bundle.h"
+#include "platform/foundation/DispatchQueue.h"
+#include "platform/snapkit/ConstraintViewDSL.h"
+
+#include <cmath>
+#include <string>
+#include <utility>
+
+namespace sela {
+
+PasscodeKeypad::PasscodeKeypad() {
+    indicatorContainer_.setName("indicatorContainer");
+    for (std::size_t i = 0; i < indicators_.size(); ++i)
+        indicators_[i].setName("indicator" + std::to_string(i + 1));
+    keypadView_.setName("keypadView");
+    for (std::size_t digit = 0; digit < buttons_.size(); ++digit)
+        buttons_[digit].setName("button" + std::to_string(digit));
+    backButton_.setName("backButton");
+}
+
+void PasscodeKeypad::assemble(UIView& card, double scale, std::size_t passcodeLength,
+                              const Placement& placement) {
+    card.addSubview(backButton_);
+    card.addSubview(indicatorContainer_);
+    card.addSubview(keypadView_);
+    for (std::size_t i = 0; i < (passcodeLength == 6 ? 6u : 4u); ++i)
+        indicatorContainer_.addSubview(indicators_[i]);
+    for (UIButton& button : buttons_)
+        keypadView_.addSubview(button);
+    layoutBackButton(placement);
+    layoutIndicators(scale, passcodeLength, placement);
+    layoutKeys(scale, placement);
+    applyLooks(scale);
+}
+
+void PasscodeKeypad::layoutBackButton(const Placement& placement) {
+    backButton_.snp().makeConstraints([&](ConstraintMaker& make) {
+        make.left().equalToSuperview();
+        make.width().equalTo(placement.backButtonWidth);
+        make.height().centerY().equalTo(placement.titleLabel);
+    });
+}
+
+void PasscodeKeypad::layoutIndicators(double scale, std::size_t passcodeLength, const Placement& placement) {
+    const double side = std::round(15 * scale);
+    const double gap = std::round((passcodeLength == 6 ? 18 : 24) * scale);
+    const auto count = static_cast<double>(passcodeLength);
+    indicatorContainer_.snp().makeConstraints([&](ConstraintMaker& make) {
+        make.height().equalTo(side);
+        // Without a passcode the row is one gap less than nothing wide; nobody sees it then.
+        make.width().equalTo(side * count + gap * (count - 1));
+        make.centerX().equalToSuperview();
+        make.top().equalTo(placement.viewAbove.snp().bottom()).offset(placement.indicatorOffset);
+    });
+    UIView* previous = nullptr;
+    for (UIView& indicator : indicators_) {
+        indicator.layer().setCornerRadius(side / 2);
+        if (!indicator.superview())
+            continue;
+        indicator.snp().makeConstraints([&](ConstraintMaker& make) {
+            make.size().equalTo(CGSize{side, side});
+            make.centerY().equalToSuperview();
+            if (previous)
+                make.left().equalTo(previous->snp().right()).offset(gap);
+            else
+                make.left().equalToSuperview();
+        });
+        previous = &indicator;
+    }
+}
+
+void PasscodeKeypad::layoutKeys(double scale, const Placement& placement) {
+    const double keypadHeight = std::round(228 * scale);
+    const double keyHeight = std::round(44 * scale);
+    const double rowGap = std::round((keypadHeight - 4 * keyHeight) / 3);
+    keypadView_.snp().makeConstraints([&](ConstraintMaker& make) {
+        make.width().equalTo(std::round(240 * scale));
+        make.height().equalTo(keypadHeight);
+        make.centerX().equalToSuperview();
+        make.top().equalTo(indicatorContainer_.snp().bottom()).offset(placement.keypadOffset);
+    });
+    for (std::size_t digit = 0; digit < buttons_.size(); ++digit) {
+        buttons_[digit].snp().makeConstraints([&](ConstraintMaker& make) {
+            make.width().equalTo(std::round(60 * scale));
+            make.height().equalTo(keyHeight);
+            if (digit == 0) {
+                make.centerX().equalToSuperview();
+                make.top().equalTo(buttons_[8].snp().bottom()).offset(rowGap);
+                return;
+            }
+            const std::size_t column = (digit - 1) % 3;
+            if (column == 0)
+                make.left().equalToSuperview();
+            else if (column == 1)
+                make.centerX().equalToSuperview();
+            else
+                make.right().equalToSuperview();
+            if (digit <= 3)
+                make.top().equalToSuperview();
+            else if (column == 0)
+                make.top().equalTo(buttons_[digit - 3].snp().bottom()).offset(rowGap);
+            else
+                make.centerY().equalTo(buttons_[digit - column]);
+        });
+    }
+}
+
+void PasscodeKeypad::applyLooks(double scale) {
+    backButton_.setImage(UIImage::named("Back"));
+    backButton_.setContentEdgeInsets({0, 24, 0, 0});
+    backButton_.setContentHorizontalAlignment(UIButton::ContentHorizontalAlignment::left);
+    backButton_.setTintColor(UIColor::named("AppTextSecond"));
+    backButton_.setAccessibilityLabel(Bundle::main().localizedString("Back"));
+
+    for (UIView& indicator : indicators_)
+        indicator.setBackgroundColor(UIColor::named("AppText"));
+    indicatorContainer_.setAccessibilityRole(AccessibilityRole::progress);
+    indicatorContainer_.setAccessibilityLabel(Bundle::main().localizedString("Digits entered"));
+
+    for (std::size_t digit = 0; digit < buttons_.size(); ++digit) {
+        UIButton& button = buttons_[digit];
+        button.setTitleFont(UIFont::named("Roboto-Light", std::round(28 * scale)));
+        button.setTitle(std::to_string(digit));
+        button.setTitleColor(UIColor::named("AppText"));
+        button.setTag(static_cast<int>(digit));
+        button.setAccessibilityRole(AccessibilityRole::keyboardKey);
+        button.setAccessibilityLabel(button.title());
+    }
+}
+
+void PasscodeKeypad::setHidden(bool hidden) {
+    keypadView_.setHidden(hidden);
+    indicatorContainer_.setHidden(hidden);
+}
+
+void PasscodeKeypad::showEntry(std::size_t digits) {
+    for (std::size_t i = 0; i < indicators_.size(); ++i)
+        indicators_[i].setHidden(digits < i + 1);
+    indicatorContainer_.setAccessibilityValue(std::to_string(digits));
+}
+
+void PasscodeKeypad::shake(std::weak_ptr<UIViewController> screen, std::function<void()> completion) {
+    isShaking_ = true;
+    CAKeyframeAnimation animation("transform.translation.x");
+    animation.timingFunction = CAMediaTimingFunction::linear();
+    animation.duration = shakeDuration;
+    animation.values = {-20, 20, -15, 15, -10, 10, -5, 5, 0};
+    indicatorContainer_.layer().add(animation, "shake");
+    DispatchQueue::main().asyncAfter(shakeDuration,
+                                     [this, screen = std::move(screen), completion = std::move(completion)] {
+                                         const std::shared_ptr<UIViewController> alive = screen.lock();
+                                         if (!alive)
+                                             return;
+                                         isShaking_ = false;
+                                         completion();
+                                     });
+}
+
+} // namespace sela

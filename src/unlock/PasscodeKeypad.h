@@ -1,0 +1,75 @@
+#pragma once
+
+#include "platform/uikit/UIButton.h"
+#include "platform/uikit/UIView.h"
+#include "platform/uikit/UIViewController.h"
+
+#include <array>
+#include <cstddef>
+#include <functional>
+#include <memory>
+
+namespace sela {
+
+/// The views by which a screen asks for a passcode: ten digit keys, a row of dots that tells how many digits
+/// are entered, and the button that leaves the screen. What a digit leads to is the screen's own rule, and so
+/// is the entry; there is no key that deletes. Owned by its screen; main thread only.
+class PasscodeKeypad {
+public:
+    /// Where the parts stand on the screen's card, in points as they are on the screen.
+    struct Placement {
+        UIView& titleLabel; ///< the back button stands in its strip
+        UIView& viewAbove;  ///< the view above the dots
+        double backButtonWidth = 0;
+        double indicatorOffset = 0; ///< from the bottom of `viewAbove` to the dots
+        double keypadOffset = 0;    ///< from the bottom of the dots to the keys
+    };
+
+    /// Seconds that a failure is shown.
+    static constexpr double shakeDuration = 0.6;
+
+    PasscodeKeypad();
+
+    /// Adds back button, dots and keys, in this order, to the screen's card and lays them out by the screen's
+    /// factor `scale`. `passcodeLength` is the number of characters of the vault passcode, 0 without one: the
+    /// row has six dots when it is 6 and four otherwise, and is as wide as so many dots would be.
+    void assemble(UIView& card, double scale, std::size_t passcodeLength, const Placement& placement);
+
+    /// Calls `onKeyTouched` of `screen`, which owns the keypad, with the tapped key, whose tag is its digit,
+    /// and `onBackButtonTouched` with the back button.
+    template<class Screen>
+    void setActions(Screen* screen, void (Screen::*onKeyTouched)(UIButton&),
+                    void (Screen::*onBackButtonTouched)(UIButton&)) {
+        for (UIButton& button : buttons_)
+            button.addTarget(screen, onKeyTouched, UIControl::Event::touchUpInside);
+        backButton_.addTarget(screen, onBackButtonTouched, UIControl::Event::touchUpInside);
+    }
+
+    /// Shows or hides dots and keys; the back button stays.
+    void setHidden(bool hidden);
+
+    /// Shows so many of the dots.
+    void showEntry(std::size_t digits);
+
+    /// Shows a wrong entry by moving the dots from side to side. When that is over, `completion` is called,
+    /// unless `screen`, which owns the keypad, is gone by then.
+    void shake(std::weak_ptr<UIViewController> screen, std::function<void()> completion);
+
+    /// Whether a wrong entry is being shown; the screen ignores its keys meanwhile.
+    bool isShaking() const { return isShaking_; }
+
+private:
+    void layoutBackButton(const Placement& placement);
+    void layoutIndicators(double scale, std::size_t passcodeLength, const Placement& placement);
+    void layoutKeys(double scale, const Placement& placement);
+    void applyLooks(double scale);
+
+    UIView indicatorContainer_;
+    std::array<UIView, 6> indicators_;
+    UIView keypadView_;
+    std::array<UIButton, 10> buttons_; ///< by their digits
+    UIButton backButton_;
+    bool isShaking_ = false;
+};
+
+} // namespace sela

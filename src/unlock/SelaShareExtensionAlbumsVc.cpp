@@ -1,0 +1,330 @@
+#include "unlock/SelaShareExtensionAlbumsVc.h"
+
+#include "platform/foundation/Bundle.h"
+#include "platform/foundation/DispatchQueue.h"
+#include "platform/foundation/FatalError.h"
+#include "platform/foundation/UTF8.h"
+#include "platform/snapkit/ConstraintViewDSL.h"
+#include "platform/uikit/UINavigationController.h"
+#include "store/SharedAlbumManager.h"
+#include "ui/SelaShareExtensionAlbumCell.h"
+#include "ui/UIScale.h"
+#include "unlock/SelaShareExtensionAlbumsVcDelegate.h"
+#include "unlock/SelaSharedAlbumPassCheck.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace sela {
+
+namespace {
+
+constexpr const char* cellIdentifier = "SelaShareExtensionAlbumCell";
+
+std::string localized(std::string_view key) {
+    return Bundle::main().localizedString(key);
+}
+
+} // namespace
+
+SelaShareExtensionAlbumsVc::SelaShareExtensionAlbumsVc() {
+    tableView_.setName("tableView");
+    launchMainAppLabel_.setName("launchMainAppLabel");
+}
+
+SelaShareExtensionAlbumsVc::SelaShareExtensionAlbumsVc(const NSCoder& coder) : UIViewController(coder) {
+    fatalError("init(coder:) has not been implemented");
+}
+
+void SelaShareExtensionAlbumsVc::viewDidLoad() {
+    UIViewController::viewDidLoad();
+    buildViews();
+    loadAlbums();
+    styleTable();
+    launchMainAppLabel_.setText(localized("Please launch the main Sela app first."));
+    refresh();
+}
+
+void SelaShareExtensionAlbumsVc::buildViews() {
+    const double scale = getUIScale(*this);
+    card_.assemble(view(), scale);
+    keypad_.assemble(card_.containerView(), scale,
+                     characterCount(SharedAlbumManager::sharedPassword().value_or("")),
+                     {.titleLabel = card_.titleLabel(),
+                      .viewAbove = card_.titleLabel(),
+                      .backButtonWidth = std::ceil(46 * scale),
+                      .indicatorOffset = std::round(28 * scale),
+                      .keypadOffset = std::round(34 * scale)});
+    keypad_.setActions(this, &SelaShareExtensionAlbumsVc::onKeyTouched,
+                       &SelaShareExtensionAlbumsVc::onBackButtonTouched);
+    layoutTable();
+    layoutLaunchMessage(scale);
+}
+
+void SelaShareExtensionAlbumsVc::layoutTable() {
+    card_.containerView().addSubview(tableView_);
+    tableView_.snp().makeConstraints([&](ConstraintMaker& make) {
+        make.width().centerX().bottom().equalToSuperview();
+        make.top().equalTo(card_.titleLabel().snp().bottom());
+    });
+}
+
+void SelaShareExtensionAlbumsVc::layoutLaunchMessage(double scale) {
+    launchMainAppLabel_.setFont(UIFont::systemFont(std::round(18 * scale)));
+    launchMainAppLabel_.setTextColor(UIColor::named("AppText"));
+    launchMainAppLabel_.setNumberOfLines(0);
+    launchMainAppLabel_.setTextAlignment(NSTextAlignment::center);
+    card_.containerView().addSubview(launchMainAppLabel_);
+    launchMainAppLabel_.snp().makeConstraints([&](ConstraintMaker& make) {
+        make.width().equalTo(std::round(220 * scale));
+        make.height().center().equalToSuperview();
+    });
+}
+
+void SelaShareExtensionAlbumsVc::styleTable() {
+    tableView_.setBackgroundColor(UIColor::named("AppCard"));
+    tableView_.setSeparatorStyle(UITableView::SeparatorStyle::none);
+    tableView_.registerClass<SelaShareExtensionAlbumCell>(cellIdentifier);
+    tableView_.setDataSource(this);
+    tableView_.setDelegate(this);
+}
+
+void SelaShareExtensionAlbumsVc::loadAlbums() {
+    auto catalogue = SharedAlbumManager::getAlbums();
+    albums_.load(std::move(catalogue), entryOpensDecoyAlbums(SharedAlbumManager::sharedPassword()));
+}
+
+/// The decoy albums exist beside a passcode of one of the two lengths that the vault knows only, although a
+/// decoy code unlocks beside any.
+bool SelaShareExtensionAlbumsVc::entryOpensDecoyAlbums(const std::optional<std::string>& passcode) const {
+    const std::size_t length = characterCount(passcode.value_or(""));
+    return (length == 4 || length == 6) && currentPassword_ == SharedAlbumManager::sharedFakePassword();
+}
+
+void SelaShareExtensionAlbumsVc::refresh() {
+    const std::optional<std::string> passcode = SharedAlbumManager::sharedPassword();
+    const std::optional<std::string> decoyPasscode = SharedAlbumManager::sharedFakePassword();
+    if (!passcode || albums_.sharedAlbumManagerAlbumNil()) {
+        showLaunchMessage();
+    } else if (passcode->empty()) {
+        showAlbumTable();
+    } else {
+        const bool matches = currentPassword_ == *passcode || currentPassword_ == decoyPasscode;
+        if (!currentPassword_.empty() && matches)
+            showAlbumTable();
+        else
+            showKeypad();
+        keypad_.showEntry(currentPassword_.size());
+    }
+}
+
+void SelaShareExtensionAlbumsVc::showLaunchMessage() {
+    card_.titleLabel().setText(localized("Pick Album"));
+    keypad_.setHidden(true);
+    tableView_.setHidden(true);
+    launchMainAppLabel_.setHidden(false);
+}
+
+void SelaShareExtensionAlbumsVc::showAlbumTable() {
+    card_.titleLabel().setText(localized("Pick Album"));
+    keypad_.setHidden(true);
+    tableView_.setHidden(false);
+    launchMainAppLabel_.setHidden(true);
+    loadCoversLater();
+}
+
+void SelaShareExtensionAlbumsVc::showKeypad() {
+    card_.titleLabel().setText(localized("Input Passcode"));
+    keypad_.setHidden(false);
+    tableView_.setHidden(true);
+    launchMainAppLabel_.setHidden(true);
+}
+
+void SelaShareExtensionAlbumsVc::onKeyTouched(UIButton& button) {
+    if (keypad_.isShaking())
+        return;
+    const std::optional<std::string> passcode = SharedAlbumManager::sharedPassword();
+    const std::size_t length = characterCount(passcode.value_or(""));
+    const bool wasDecoy = entryOpensDecoyAlbums(passcode);
+    if (currentPassword_.size() < length)
+        currentPassword_ += std::to_string(button.tag());
+    const std::optional<std::string> decoyPasscode = SharedAlbumManager::sharedFakePassword();
+
+    // The delegate hears of a change only: what it was told before holds otherwise.
+    if (currentPassword_ == passcode) {
+        unlock();
+        if (const auto delegate = delegate_.lock(); delegate && wasDecoy)
+            delegate->setFakePasswordMode(false);
+    } else if (currentPassword_ == decoyPasscode) {
+        unlock();
+        if (const auto delegate = delegate_.lock(); delegate && !wasDecoy)
+            delegate->setFakePasswordMode(true);
+    } else {
+        refresh();
+        if (length >= 1 && currentPassword_.size() >= length)
+            keypad_.shake(weak_from_this(), [this] {
+                currentPassword_.clear();
+                refresh();
+            });
+    }
+}
+
+/// The order matters: which albums are loaded and what is shown both follow from the entry.
+void SelaShareExtensionAlbumsVc::unlock() {
+    loadAlbums();
+    tableView_.reloadData();
+    refresh();
+    currentPassword_.clear();
+}
+
+void SelaShareExtensionAlbumsVc::onBackButtonTouched(UIButton&) {
+    if (UINavigationController* const navigation = navigationController())
+        navigation->popViewController(true);
+}
+
+int SelaShareExtensionAlbumsVc::numberOfSections(UITableView&) {
+    return static_cast<int>(albums_.showAlbums().size());
+}
+
+int SelaShareExtensionAlbumsVc::numberOfRows(UITableView&, int section) {
+    return static_cast<int>(albums_.showAlbums()[static_cast<std::size_t>(section)].size());
+}
+
+double SelaShareExtensionAlbumsVc::heightForRow(UITableView&, const IndexPath&) {
+    return SelaShareExtensionAlbumCell::rowHeight;
+}
+
+UITableViewCell& SelaShareExtensionAlbumsVc::cellForRow(UITableView& tableView, const IndexPath& indexPath) {
+    auto& cell =
+        static_cast<SelaShareExtensionAlbumCell&>(tableView.dequeueReusableCell(cellIdentifier, indexPath));
+    if (const SharedAlbum* const album = albums_.album(indexPath.section, indexPath.row)) {
+        fill(cell, indexPath, *album);
+    } else {
+        cell.thumbnailView().setImage(std::nullopt);
+        cell.titleLabel().setText("");
+    }
+    return cell;
+}
+
+void SelaShareExtensionAlbumsVc::fill(SelaShareExtensionAlbumCell& cell, const IndexPath& indexPath,
+                                      const SharedAlbum& album) {
+    AUIButton& showChildButton = cell.showChildButton();
+    const int section = indexPath.section;
+    const bool unfolds = indexPath.row == 0 && albums_.hasChildren(section);
+    showChildButton.setHidden(!unfolds);
+    if (unfolds)
+        cell.layoutTitleWithShowChildButton();
+    else
+        cell.layoutTitleWithoutShowChildButton();
+    if (indexPath.row == 0) {
+        cell.layoutThumbnailOfParent();
+        showChildButton.setCallback([this, section, album](AUIButton&) { showChildAlbums(section, album); });
+        const bool unfolded = albums_.showChild()[static_cast<std::size_t>(section)];
+        showChildButton.imageView().setTransform(unfolded ? CGAffineTransform::rotation(std::numbers::pi)
+                                                          : CGAffineTransform{});
+    } else {
+        cell.layoutThumbnailOfChild();
+    }
+    showCover(cell, album);
+    cell.lockIcon().setHidden(!album.password);
+    if (!album.namePath.empty())
+        cell.titleLabel().setText(album.namePath.back());
+    describe(cell, indexPath, album);
+}
+
+/// What a screen reader says of a row.
+void SelaShareExtensionAlbumsVc::describe(SelaShareExtensionAlbumCell& cell, const IndexPath& indexPath,
+                                          const SharedAlbum& album) {
+    std::string value = localized(album.password ? "Locked" : "Unlocked");
+    if (!cell.showChildButton().isHidden()) {
+        const bool unfolded = albums_.showChild()[static_cast<std::size_t>(indexPath.section)];
+        const std::string folding = localized(unfolded ? "Unfolded" : "Folded");
+        value += ", " + folding;
+        cell.showChildButton().setAccessibilityLabel(localized("Child Albums"));
+        cell.showChildButton().setAccessibilityValue(folding);
+    }
+    cell.setAccessibilityRole(AccessibilityRole::listItem);
+    cell.setAccessibilityLabel(cell.titleLabel().text());
+    cell.setAccessibilityValue(value);
+}
+
+/// A cover that is not decoded yet leaves its place empty until it arrives, so that no frame waits for it.
+void SelaShareExtensionAlbumsVc::showCover(SelaShareExtensionAlbumCell& cell, const SharedAlbum& album) {
+    if (album.password || !album.thumbNailName) {
+        cell.thumbnailView().setImage(UIImage::named("EmptyFolder"));
+    } else if (const AlbumCovers::Cover* const cover = covers_->cover(*album.thumbNailName)) {
+        cell.thumbnailView().setImage(cover->image ? cover->image : UIImage::named("EmptyFolder"));
+    } else {
+        cell.thumbnailView().setImage(std::nullopt);
+        loadCoversLater();
+    }
+}
+
+/// Not while the table fills its rows: which of them are in view is known afterwards.
+void SelaShareExtensionAlbumsVc::loadCoversLater() {
+    DispatchQueue::main().async([weak = weak_from_this()] {
+        if (const std::shared_ptr<UIViewController> self = weak.lock())
+            static_cast<SelaShareExtensionAlbumsVc&>(*self).loadNextCover();
+    });
+}
+
+/// Goes through the rows in view down to the first whose cover is missing still, and again when that is here.
+void SelaShareExtensionAlbumsVc::loadNextCover() {
+    if (covers_->isLoading() || tableView_.isHidden())
+        return;
+    for (const IndexPath& indexPath : tableView_.indexPathsForVisibleRows()) {
+        const SharedAlbum* const album = albums_.album(indexPath.section, indexPath.row);
+        auto* const cell = static_cast<SelaShareExtensionAlbumCell*>(tableView_.cellForRow(indexPath));
+        if (!album || cell->thumbnailView().image())
+            continue;
+        if (!covers_->cover(*album->thumbNailName)) {
+            covers_->load(*album->thumbNailName, [this] { loadNextCover(); });
+            return;
+        }
+        showCover(*cell, *album);
+    }
+}
+
+void SelaShareExtensionAlbumsVc::didSelectRow(UITableView&, const IndexPath& indexPath) {
+    const SharedAlbum* const album = albums_.album(indexPath.section, indexPath.row);
+    if (!album)
+        return;
+    if (const auto delegate = delegate_.lock())
+        delegate->setSelectedAlbumName(album->namePath);
+    if (const auto delegate = delegate_.lock())
+        delegate->updateTitle();
+    if (UINavigationController* const navigation = navigationController())
+        navigation->popViewController(true);
+}
+
+void SelaShareExtensionAlbumsVc::showChildAlbums(int section, const SharedAlbum& album) {
+    if (!album.password) {
+        toggleChildren(section);
+        return;
+    }
+    UINavigationController* const navigation = navigationController();
+    if (!navigation)
+        return;
+    const auto passCheck =
+        std::make_shared<SelaSharedAlbumPassCheck>(*album.password, album.namePath.front());
+    passCheck->navigationItem().setLeftBarButtonItem(std::make_unique<UIBarButtonItem>(
+        UIImage::named("Back"), UIBarButtonItem::Style::plain, passCheck.get(),
+        static_cast<void (CommonUIViewController::*)(UIBarButtonItem&)>(
+            &CommonUIViewController::onBackButtonTouched)));
+    passCheck->setCallback([weak = weak_from_this(), section](std::optional<bool> unlocked) {
+        const std::shared_ptr<UIViewController> alive = weak.lock();
+        if (!alive || !unlocked.value_or(false))
+            return;
+        auto& self = static_cast<SelaShareExtensionAlbumsVc&>(*alive);
+        self.albums_.clearPassword(section);
+        self.toggleChildren(section);
+    });
+    navigation->pushViewController(passCheck, true);
+}
+
+void SelaShareExtensionAlbumsVc::toggleChildren(int section) {
+    if (albums_.toggleChildren(section))
+        tableView_.reloadSections({section});
+}
+
+} // namespace sela

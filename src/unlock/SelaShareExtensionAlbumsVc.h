@@ -1,0 +1,95 @@
+#pragma once
+
+#include "platform/uikit/UITableView.h"
+#include "platform/uikit/UIViewController.h"
+#include "unlock/AlbumCovers.h"
+#include "unlock/AlbumTree.h"
+#include "unlock/PasscodeCard.h"
+#include "unlock/PasscodeKeypad.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace sela {
+
+class SelaShareExtensionAlbumCell;
+class SelaShareExtensionAlbumsVcDelegate;
+
+/// The screen on which the user picks an album. It asks for the vault passcode or the decoy passcode and then
+/// shows the albums of the vault that was unlocked, without a lock when the vault passcode is empty; where
+/// the main application has published no passcode or no catalogue it asks the user to launch that. A chosen
+/// album goes to the delegate, and the screen pops itself.
+///
+/// Catalogue and passcodes are read afresh at each use. That the screen is unlocked is remembered nowhere:
+/// after a match it is refreshed once more while the entry still holds the code, and not again. Main thread
+/// only.
+class SelaShareExtensionAlbumsVc : public UIViewController,
+                                   public UITableViewDataSource,
+                                   public UITableViewDelegate {
+public:
+    SelaShareExtensionAlbumsVc();
+
+    /// There are no archives: stops the process.
+    explicit SelaShareExtensionAlbumsVc(const NSCoder& coder);
+
+    /// Whoever takes the choice; nobody at first, and nobody once it is gone.
+    const std::weak_ptr<SelaShareExtensionAlbumsVcDelegate>& delegate() const { return delegate_; }
+    void setDelegate(std::weak_ptr<SelaShareExtensionAlbumsVcDelegate> delegate) {
+        delegate_ = std::move(delegate);
+    }
+
+    const AlbumTree& albums() const { return albums_; }
+
+    void viewDidLoad() override;
+
+    /// The action of the digit keys. The entry is compared after every digit, first with the vault passcode,
+    /// then with the decoy passcode of whatever length; it has failed when it is as long as the vault
+    /// passcode.
+    void onKeyTouched(UIButton& button);
+
+    /// The action of the back button: leaves without a choice.
+    void onBackButtonTouched(UIButton& button);
+
+    int numberOfSections(UITableView& tableView) override;
+    int numberOfRows(UITableView& tableView, int section) override;
+    UITableViewCell& cellForRow(UITableView& tableView, const IndexPath& indexPath) override;
+    double heightForRow(UITableView& tableView, const IndexPath& indexPath) override;
+
+    /// Hands the album to the delegate, without asking for the album's own password: that guards the
+    /// unfolding of its children only.
+    void didSelectRow(UITableView& tableView, const IndexPath& indexPath) override;
+
+private:
+    void buildViews();
+    void layoutTable();
+    void layoutLaunchMessage(double scale);
+    void styleTable();
+    void loadAlbums();
+    void refresh();
+    void showLaunchMessage();
+    void showAlbumTable();
+    void showKeypad();
+    bool entryOpensDecoyAlbums(const std::optional<std::string>& passcode) const;
+    void unlock();
+
+    void fill(SelaShareExtensionAlbumCell& cell, const IndexPath& indexPath, const SharedAlbum& album);
+    void describe(SelaShareExtensionAlbumCell& cell, const IndexPath& indexPath, const SharedAlbum& album);
+    void showCover(SelaShareExtensionAlbumCell& cell, const SharedAlbum& album);
+    void loadCoversLater();
+    void loadNextCover();
+    void showChildAlbums(int section, const SharedAlbum& album);
+    void toggleChildren(int section);
+
+    PasscodeCard card_;
+    PasscodeKeypad keypad_;
+    UITableView tableView_;
+    UILabel launchMainAppLabel_;
+    AlbumTree albums_;
+    std::string currentPassword_;
+    std::weak_ptr<SelaShareExtensionAlbumsVcDelegate> delegate_;
+    std::shared_ptr<AlbumCovers> covers_ = std::make_shared<AlbumCovers>();
+};
+
+} // namespace sela
