@@ -84,7 +84,7 @@ TEST(VideoCover, OfAVideoThatIsCutBeforeIsItsFirstFrame) {
     EXPECT_EQ(frameNumber(*cover.pixels()), 0);
     // 60 / 4.0943445622221.
     EXPECT_EQ(log.lines(), std::vector<std::string>{"getVideoCover first trial failed, timescale = 10240, "
-                                                    "seconds = 14.654360092473048, duration = 60.0"});
+                                                    "seconds = 14.654360200558338, duration = 60.0"});
 }
 
 TEST(VideoCover, OfNoVideoIsThePlaceholder) {
