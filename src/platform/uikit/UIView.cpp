@@ -165,7 +165,7 @@ void UIView::change(PropertyAnimation<T> ViewAnimations::*animation, T& value, c
 }
 
 CGRect UIView::frame() const {
-    return toSuperview().apply(bounds_);
+    return transform_.isIdentity() ? layoutFrame() : toSuperview().apply(bounds_);
 }
 
 CGRect UIView::layoutFrame() const {

@@ -1,0 +1,261 @@
+#include "unlock/UnlockTest.h"
+
+#include <gmock/gmock.h>
+
+namespace sela {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// What the picker shows of its four states.
+struct Shown {
+    bool keypad;
+    bool table;
+    bool message;
+    std::string title;
+
+    bool operator==(const Shown&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const Shown& shown) {
+    return out << (shown.keypad ? "keypad " : "") << (shown.table ? "table " : "")
+               << (shown.message ? "message " : "") << shown.title;
+}
+
+const Shown launchMessage{false, false, true, "Pick Album"};
+const Shown locked{true, false, false, "Input Passcode"};
+const Shown albumTable{false, true, false, "Pick Album"};
+
+class AlbumPickerTest : public UnlockTest {
+protected:
+    Shown shown() {
+        EXPECT_EQ(isShown("keypadView"), isShown("indicatorContainer"));
+        return {isShown("keypadView"), isShown("tableView"), isShown("launchMainAppLabel"),
+                label("titleLabel").text()};
+    }
+
+    std::vector<std::string> sections() {
+        std::vector<std::string> names;
+        for (const SharedAlbum& parent : picker_->albums().parentAlbums())
+            names.push_back(parent.namePath.front());
+        return names;
+    }
+};
+
+TEST_F(AlbumPickerTest, StartsInTheStateThatIsPublished) {
+    const struct {
+        const char* catalogue;
+        Passcode passcode;
+        Shown shown;
+    } states[] = {{nullptr, std::nullopt, launchMessage},
+                  {nullptr, "123456", launchMessage},
+                  {nullptr, "", launchMessage},
+                  {"[{}]", "123456", launchMessage},
+                  {"[]", std::nullopt, launchMessage},
+                  {"[]", "", albumTable},
+                  {"[]", "123456", locked},
+                  {"[]", "1", locked}};
+    for (const auto& [catalogue, passcode, expected] : states) {
+        if (catalogue)
+            publishCatalogue(catalogue);
+        publishPasscode(passcode);
+        openPicker();
+        EXPECT_EQ(shown(), expected) << (catalogue ? catalogue : "nothing") << " "
+                                     << passcode.value_or("none");
+    }
+}
+
+TEST_F(AlbumPickerTest, AVaultThatIsNotGuardedShowsItsAlbumsAtOnce) {
+    publishAlbums({album({"A"}), album({"F"}, true)});
+    publishPasscode("");
+    publishDecoyPasscode("1234");
+    openPicker();
+    EXPECT_EQ(shown(), albumTable);
+    EXPECT_THAT(sections(), ElementsAre("A"));
+}
+
+TEST_F(AlbumPickerTest, EachPasscodeOpensItsVaultWithItsLastDigit) {
+    publishAlbums({album({"A"}), album({"F"}, true), album({"B"})});
+    const struct {
+        std::string passcode;
+        Passcode decoyPasscode;
+        std::string typed;
+        bool decoy;                        ///< what the delegate is told
+        std::vector<std::string> sections; ///< and what is shown
+    } ways[] = {
+        {"123456", std::nullopt, "123456", false, {"A", "B"}},
+        {"123456", "654321", "654321", true, {"F"}},
+        {"123456", "6543", "6543", true, {"F"}},
+        {"1234", "4321", "4321", true, {"F"}},
+        {"123456", "123456", "123456", false, {"F"}}, // the entry is the decoy code too
+        {"123456", "", "123456", false, {"A", "B"}},
+        {"12345", "54321", "54321", true, {"A", "B"}},
+        {"1234567", "1", "1", true, {"A", "B"}},
+        {"1", "2", "2", true, {"A", "B"}},
+    };
+    for (const auto& [passcode, decoyPasscode, typed, decoy, expected] : ways) {
+        SCOPED_TRACE(passcode + " " + decoyPasscode.value_or("none"));
+        publishPasscode(passcode);
+        publishDecoyPasscode(decoyPasscode);
+        opener_->modes.clear();
+        openPicker();
+        for (std::size_t i = 0; i < typed.size(); ++i) {
+            EXPECT_EQ(shown(), locked);
+            EXPECT_EQ(litDots(), static_cast<int>(std::min<std::size_t>(i, passcode.size() == 6 ? 6 : 4)));
+            type(typed.substr(i, 1));
+        }
+        EXPECT_EQ(shown(), albumTable);
+        EXPECT_EQ(sections(), expected);
+        EXPECT_EQ(opener_->modes, decoy ? std::vector<bool>{true} : std::vector<bool>());
+        EXPECT_EQ(table().numberOfSections(), static_cast<int>(expected.size()));
+    }
+}
+
+TEST_F(AlbumPickerTest, TheModeIsToldOnlyWhenTheEntryBeforeTheLastDigitSaysOtherwise) {
+    publishAlbums({});
+    publishPasscode("1234");
+    openPicker();
+    type("123");
+    publishDecoyPasscode("123");
+    type("4");
+    EXPECT_THAT(opener_->modes, ElementsAre(false));
+
+    opener_->modes.clear();
+    publishDecoyPasscode("12");
+    openPicker();
+    type("1");
+    publishPasscode("123456");
+    type("2");
+    EXPECT_THAT(opener_->modes, ElementsAre(true));
+}
+
+TEST_F(AlbumPickerTest, AWrongEntryShakesTheDotsAndIsGone) {
+    publishAlbums({});
+    publishPasscode("1234");
+    openPicker();
+    type("1243");
+    EXPECT_EQ(litDots(), 4);
+    UIView& dots = view("indicatorContainer");
+    const CAKeyframeAnimation* const shake = dots.layer().animation("shake");
+    ASSERT_TRUE(shake);
+    EXPECT_EQ(shake->values, (std::vector<double>{-20, 20, -15, 15, -10, 10, -5, 5, 0}));
+    EXPECT_EQ(shake->timingFunction, CAMediaTimingFunction::linear());
+
+    loop_.advance(0.59);
+    type("1234");
+    EXPECT_EQ(litDots(), 4);
+    loop_.advance(0.02);
+    EXPECT_EQ(litDots(), 0);
+    EXPECT_FALSE(dots.layer().hasAnimations());
+    EXPECT_EQ(shown(), locked);
+    type("1234");
+    EXPECT_EQ(shown(), albumTable);
+}
+
+TEST_F(AlbumPickerTest, OnlyTheDotsMoveWhileTheyShake) {
+    publishAlbums({});
+    publishPasscode("1");
+    openPicker();
+    type("2");
+    loop_.advance(PasscodeKeypad::shakeDuration / 8);
+    EXPECT_NEAR(view("indicatorContainer").presentation().transform.tx, 20, 1e-6);
+    EXPECT_TRUE(view("keypadView").presentation().transform.isIdentity());
+}
+
+TEST_F(AlbumPickerTest, APickerThatIsGoneDuringTheShakeIsLeftAlone) {
+    publishAlbums({});
+    publishPasscode("1");
+    openPicker();
+    type("2");
+    const std::weak_ptr<SelaShareExtensionAlbumsVc> gone = picker_;
+    navigation_->popViewController(false);
+    picker_.reset();
+    loop_.runPending();
+    EXPECT_TRUE(gone.expired());
+    loop_.advance(1);
+}
+
+TEST_F(AlbumPickerTest, ReadsThePasscodesAfreshAtEachTap) {
+    publishAlbums({album({"A"}), album({"F"}, true)});
+    publishPasscode("1234");
+    openPicker();
+    type("12");
+    publishPasscode("123");
+    type("3");
+    EXPECT_EQ(shown(), albumTable);
+
+    publishPasscode("1234");
+    openPicker();
+    type("123");
+    publishPasscode("12");
+    type("4");
+    EXPECT_EQ(litDots(), 3) << "a full entry takes no digit";
+    loop_.advance(PasscodeKeypad::shakeDuration);
+    EXPECT_EQ(litDots(), 0);
+    publishPasscode(std::nullopt);
+    type("1");
+    EXPECT_EQ(shown(), launchMessage);
+}
+
+TEST_F(AlbumPickerTest, ReadsTheAlbumsAfreshWhenItUnlocks) {
+    publishAlbums({album({"A"})});
+    publishPasscode("1");
+    openPicker();
+    publishAlbums({album({"B"})});
+    type("1");
+    EXPECT_THAT(sections(), ElementsAre("B"));
+
+    openPicker();
+    publishCatalogue("broken");
+    type("1");
+    EXPECT_EQ(shown(), launchMessage);
+    EXPECT_THAT(sections(), IsEmpty());
+}
+
+TEST_F(AlbumPickerTest, UnlocksWithoutADelegate) {
+    publishAlbums({album({"A"})});
+    publishPasscode("1");
+    publishDecoyPasscode("2");
+    openPicker();
+    picker_->setDelegate({});
+    type("2");
+    EXPECT_EQ(shown(), albumTable);
+}
+
+TEST_F(AlbumPickerTest, GoingBackLeavesWithoutAChoice) {
+    publishAlbums({});
+    publishPasscode("1234");
+    openPicker();
+    type("12");
+    EXPECT_TRUE(tap("backButton"));
+    settle();
+    EXPECT_EQ(&top(), opener_.get());
+    EXPECT_THAT(opener_->titles, IsEmpty());
+}
+
+TEST_F(AlbumPickerTest, PasscodesStandNowhere) {
+    publishAlbums({album({"A"}, false, "97531")});
+    publishPasscode("864297");
+    publishDecoyPasscode("1357");
+    openPicker();
+    type("86429");
+    const std::function<void(UIView&)> inspect = [&](UIView& part) {
+        for (const std::string& text : {part.accessibilityLabel(), part.accessibilityValue(), part.name()})
+            for (const char* const secret : {"864", "97531", "1357"})
+                EXPECT_EQ(text.find(secret), std::string::npos) << part.name();
+        for (UIView* const subview : part.subviews())
+            inspect(*subview);
+    };
+    inspect(window_);
+    type("7");
+    inspect(window_);
+    EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST(AlbumPickerDeathTest, IsBuiltInCodeOnly) {
+    EXPECT_DEATH(SelaShareExtensionAlbumsVc(NSCoder{}), "init\\(coder:\\) has not been implemented");
+}
+
+} // namespace
+} // namespace sela

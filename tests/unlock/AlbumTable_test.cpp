@@ -1,0 +1,206 @@
+#include "ui/SelaShareExtensionAlbumCell.h"
+#include "unlock/SelaSharedAlbumPassCheck.h"
+#include "unlock/UnlockTest.h"
+
+#include <gmock/gmock.h>
+
+#include <numbers>
+
+namespace sela {
+namespace {
+
+using testing::ElementsAre;
+
+/// A picker that shows its albums: A with the children x and y, L locked with the child z, and C.
+class AlbumTableTest : public UnlockTest {
+protected:
+    AlbumTableTest() {
+        publishPasscode("");
+        publishAlbums({album({"A"}), album({"A", "x"}), album({"L"}, false, "2468"),
+                       album({"L", "z"}, false, "1"), album({"A", "y"}), album({"C"})});
+        openPicker();
+    }
+
+    SelaShareExtensionAlbumCell& cell(int section, int row) {
+        update();
+        UITableViewCell* const found = table().cellForRow({.row = row, .section = section});
+        if (!found)
+            throw std::runtime_error("the row is out of view");
+        return dynamic_cast<SelaShareExtensionAlbumCell&>(*found);
+    }
+
+    std::vector<std::string> titles() {
+        std::vector<std::string> texts;
+        for (const IndexPath& row : table().indexPathsForVisibleRows())
+            texts.push_back(cell(row.section, row.row).titleLabel().text());
+        return texts;
+    }
+
+    bool isUnfolded(int section) {
+        const CGAffineTransform& turn = cell(section, 0).showChildButton().imageView().transform();
+        EXPECT_TRUE(turn.isIdentity() || turn == CGAffineTransform::rotation(std::numbers::pi));
+        return !turn.isIdentity();
+    }
+
+    void toggle(int section) {
+        EXPECT_TRUE(tap(cell(section, 0).showChildButton()));
+        settle();
+    }
+
+    std::string thumbnail(int section, int row) {
+        const auto& image = cell(section, row).thumbnailView().image();
+        return image ? image->assetName() : "none";
+    }
+};
+
+TEST_F(AlbumTableTest, RowsShowTheirAlbum) {
+    toggle(0);
+    EXPECT_THAT(titles(), ElementsAre("A", "x", "y", "L", "C"));
+    const double width = table().bounds().size.width;
+    const struct {
+        int section;
+        int row;
+        double thumbnailLeft;
+        bool unfolds;
+        bool locked;
+        const char* value;
+    } rows[] = {{0, 0, 30, true, false, "Unlocked, Unfolded"},
+                {0, 1, 48, false, false, "Unlocked"},
+                {1, 0, 30, true, true, "Locked, Folded"},
+                {2, 0, 30, false, false, "Unlocked"}};
+    for (const auto& [section, row, left, unfolds, isLocked, value] : rows) {
+        SCOPED_TRACE(std::to_string(section) + ":" + std::to_string(row));
+        SelaShareExtensionAlbumCell& shown = cell(section, row);
+        EXPECT_EQ(shown.frame().size, (CGSize{width, 55}));
+        EXPECT_EQ(shown.thumbnailView().frame(), CGRect(left, 7.5, 40, 40));
+        EXPECT_EQ(shown.titleLabel().frame().maxX(), unfolds ? width - 55 : width);
+        EXPECT_EQ(shown.showChildButton().isHidden(), !unfolds);
+        EXPECT_EQ(shown.lockIcon().isHidden(), !isLocked);
+        EXPECT_EQ(thumbnail(section, row), "EmptyFolder");
+        EXPECT_EQ(shown.accessibilityLabel(), shown.titleLabel().text());
+        EXPECT_EQ(shown.accessibilityValue(), value);
+    }
+    EXPECT_EQ(table().separatorStyle(), UITableView::SeparatorStyle::none);
+    EXPECT_EQ(table().rowHeight(), 55);
+}
+
+TEST_F(AlbumTableTest, RowsFoldAndUnfoldWithoutAPassword) {
+    EXPECT_THAT(titles(), ElementsAre("A", "L", "C"));
+    toggle(0);
+    EXPECT_TRUE(isUnfolded(0));
+    EXPECT_FALSE(isUnfolded(1));
+    toggle(0);
+    EXPECT_FALSE(isUnfolded(0));
+    EXPECT_THAT(titles(), ElementsAre("A", "L", "C"));
+}
+
+TEST_F(AlbumTableTest, ALockedAlbumUnfoldsAfterItsPasswordAndStaysUnlocked) {
+    toggle(1);
+    auto* const check = dynamic_cast<SelaSharedAlbumPassCheck*>(&top());
+    ASSERT_TRUE(check);
+    EXPECT_EQ(label("subTitleLabel").text(), "L");
+    const UIBarButtonItem* const back = check->navigationItem().leftBarButtonItem();
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->image()->assetName(), "Back");
+    type("2468");
+    settle();
+    EXPECT_EQ(&top(), picker_.get());
+    EXPECT_THAT(titles(), ElementsAre("A", "L", "z", "C"));
+    EXPECT_TRUE(isUnfolded(1));
+    EXPECT_TRUE(cell(1, 0).lockIcon().isHidden());
+    EXPECT_FALSE(cell(1, 1).lockIcon().isHidden());
+    toggle(1);
+    toggle(1);
+    EXPECT_THAT(titles(), ElementsAre("A", "L", "z", "C"));
+
+    openPicker();
+    EXPECT_FALSE(cell(1, 0).lockIcon().isHidden()) << "the next picker knows nothing of it";
+}
+
+TEST_F(AlbumTableTest, GoingBackFromTheCheckLeavesTheAlbumLocked) {
+    const std::function<void()> waysBack[] = {
+        [&] { tap("backButton"); }, [&] { top().navigationItem().leftBarButtonItem()->performAction(); },
+        [&] { navigation_->popViewController(true); }};
+    for (const auto& goBack : waysBack) {
+        toggle(1);
+        type("246");
+        goBack();
+        settle();
+        EXPECT_EQ(&top(), picker_.get());
+        EXPECT_THAT(titles(), ElementsAre("A", "L", "C"));
+        EXPECT_FALSE(cell(1, 0).lockIcon().isHidden());
+    }
+}
+
+TEST_F(AlbumTableTest, ACheckThatOutlivesItsPickerChangesNothing) {
+    toggle(1);
+    const auto check = std::static_pointer_cast<SelaSharedAlbumPassCheck>(top().shared_from_this());
+    const CommonUIViewController::Callback report = check->callback();
+    const std::weak_ptr<SelaShareExtensionAlbumsVc> gone = picker_;
+    picker_.reset();
+    navigation_->popViewController(false);
+    navigation_->popViewController(false);
+    settle();
+    ASSERT_TRUE(gone.expired());
+    report(true);
+}
+
+TEST_F(AlbumTableTest, AChosenRowGoesToTheDelegateAndNeedsNoPassword) {
+    const struct {
+        int section;
+        int row;
+        std::vector<std::string> namePath;
+    } rows[] = {{0, 2, {"A", "y"}}, {1, 0, {"L"}}, {2, 0, {"C"}}};
+    for (const auto& [section, row, namePath] : rows) {
+        openPicker();
+        toggle(0);
+        opener_->titles.clear();
+        EXPECT_TRUE(tap(cell(section, row)));
+        EXPECT_THAT(opener_->titles, ElementsAre(namePath));
+        settle();
+        EXPECT_NE(&top(), picker_.get());
+    }
+    EXPECT_TRUE(opener_->modes.empty());
+}
+
+TEST_F(AlbumTableTest, RowsThatAreNotThereAreBlankAndCannotBeChosen) {
+    for (const IndexPath& indexPath :
+         {IndexPath{.row = 0, .section = 3}, IndexPath{.row = 1, .section = 2}}) {
+        auto& blank = static_cast<SelaShareExtensionAlbumCell&>(picker_->cellForRow(table(), indexPath));
+        EXPECT_FALSE(blank.thumbnailView().image());
+        EXPECT_EQ(blank.titleLabel().text(), "");
+        picker_->didSelectRow(table(), indexPath);
+    }
+    EXPECT_TRUE(opener_->titles.empty());
+    EXPECT_EQ(&top(), picker_.get());
+}
+
+TEST_F(AlbumTableTest, ACellThatServesAgainShowsNothingOfItsFormerRow) {
+    std::vector<SharedAlbum> albums;
+    for (int i = 0; i < 40; ++i) {
+        albums.push_back(album({std::to_string(i)}, false, i % 3 == 0 ? std::optional("1") : std::nullopt));
+        if (i % 2 == 0)
+            albums.push_back(album({std::to_string(i), "child"}));
+    }
+    publishAlbums(albums);
+    openPicker();
+    toggle(2);
+    for (const double offset : {0.0, 300.0, 1000.0, 700.0, 55.0, 0.0}) {
+        table().setContentOffset({0, offset});
+        for (const IndexPath& row : table().indexPathsForVisibleRows()) {
+            SelaShareExtensionAlbumCell& shown = cell(row.section, row.row);
+            const SharedAlbum& expected = *picker_->albums().album(row.section, row.row);
+            EXPECT_EQ(shown.titleLabel().text(), expected.namePath.back());
+            EXPECT_EQ(shown.lockIcon().isHidden(), !expected.password);
+            EXPECT_EQ(shown.showChildButton().isHidden(), row.row > 0 || row.section % 2 == 1);
+            EXPECT_EQ(shown.thumbnailView().frame().minX(), row.row == 0 ? 30 : 48);
+            if (row.row == 0) {
+                EXPECT_EQ(isUnfolded(row.section), row.section == 2);
+            }
+        }
+    }
+    EXPECT_LE(table().cellCount(), table().indexPathsForVisibleRows().size() + 2);
+}
+
+} // namespace
+} // namespace sela

@@ -1,0 +1,127 @@
+#include "unlock/AlbumTree.h"
+
+#include "unlock/UnlockTest.h"
+
+#include <gmock/gmock.h>
+#include <rapidcheck.h>
+#include <rapidcheck/gtest.h>
+
+#include <map>
+
+namespace sela {
+namespace {
+
+using Albums = std::vector<SharedAlbum>;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(AlbumTree, PutsChildrenBelowTheLastParentOfTheirName) {
+    const Albums catalogue = {album({"A", "early"}),
+                              album({"A"}),
+                              album({"B", "y"}),
+                              album({"B"}),
+                              album({"A", "x"}),
+                              album({"D", "z"}),
+                              album({"A"}),
+                              album({"A", "f"}, true),
+                              album({}),
+                              album({"A", "x", "deep"})};
+    AlbumTree tree;
+    tree.load(catalogue, false);
+    EXPECT_EQ(tree.parentAlbums(), (Albums{album({"A"}), album({"B"}), album({"A"})}));
+    EXPECT_THAT(tree.childAlbums(), ElementsAre(Albums{}, Albums{album({"B", "y"})},
+                                                Albums{album({"A", "early"}), album({"A", "x"})}));
+    EXPECT_THAT(tree.showAlbums(),
+                ElementsAre(Albums{album({"A"})}, Albums{album({"B"})}, Albums{album({"A"})}));
+
+    tree.load(catalogue, true);
+    EXPECT_THAT(tree.parentAlbums(), IsEmpty()) << "children alone make no section";
+    EXPECT_FALSE(tree.sharedAlbumManagerAlbumNil());
+}
+
+TEST(AlbumTree, KnowsAnAbsentCatalogueFromAnEmptyOne) {
+    AlbumTree tree;
+    EXPECT_FALSE(tree.sharedAlbumManagerAlbumNil());
+    tree.load(Albums{album({"A"})}, false);
+    tree.load(std::nullopt, false);
+    EXPECT_TRUE(tree.sharedAlbumManagerAlbumNil());
+    EXPECT_THAT(tree.parentAlbums(), IsEmpty());
+    tree.load(Albums{album({"A"})}, true);
+    EXPECT_FALSE(tree.sharedAlbumManagerAlbumNil());
+}
+
+TEST(AlbumTree, AParentWithoutItsPasswordShowsSoFromTheNextTogglingOn) {
+    AlbumTree tree;
+    tree.load(Albums{album({"A"}, false, "1"), album({"A", "x"}, false, "2")}, false);
+    tree.clearPassword(0);
+    EXPECT_EQ(tree.album(0, 0)->password, "1");
+    EXPECT_TRUE(tree.toggleChildren(0));
+    EXPECT_EQ(tree.album(0, 0)->password, std::nullopt);
+    EXPECT_EQ(tree.album(0, 1)->password, "2");
+}
+
+TEST(AlbumTree, PlacesOutsideHoldNothing) {
+    AlbumTree tree;
+    tree.load(Albums{album({"A"})}, false);
+    for (const auto& [section, row] : {std::pair{-1, 0}, {1, 0}, {0, -1}, {0, 1}})
+        EXPECT_EQ(tree.album(section, row), nullptr);
+    for (const int section : {-1, 0, 1}) {
+        EXPECT_FALSE(tree.toggleChildren(section));
+        tree.clearPassword(section);
+    }
+}
+
+/// The rows that a catalogue leads to, found by looking through all of it for each row.
+std::vector<Albums> rowsByModel(const Albums& catalogue, bool fake, const std::vector<bool>& unfolded) {
+    std::vector<Albums> sections;
+    for (std::size_t i = 0; i < catalogue.size(); ++i) {
+        const SharedAlbum& parent = catalogue[i];
+        const auto isParent = [&](const SharedAlbum& other) {
+            return other.fake == fake && other.namePath == parent.namePath;
+        };
+        if (parent.fake != fake || parent.namePath.size() != 1)
+            continue;
+        const bool isLast =
+            std::none_of(catalogue.begin() + static_cast<std::ptrdiff_t>(i) + 1, catalogue.end(), isParent);
+        const bool open = unfolded[sections.size()];
+        sections.push_back({parent});
+        for (const SharedAlbum& child : catalogue)
+            if (open && isLast && child.fake == fake && child.namePath.size() == 2 &&
+                child.namePath[0] == parent.namePath[0])
+                sections.back().push_back(child);
+    }
+    return sections;
+}
+
+RC_GTEST_PROP(AlbumTreeProperties, ShowsWhatAPlainSearchOfTheCatalogueFinds, ()) {
+    const auto name = rc::gen::element<std::string>("A", "B", "C", "");
+    Albums catalogue = *rc::gen::container<Albums>(rc::gen::build<SharedAlbum>(
+        rc::gen::set(&SharedAlbum::namePath,
+                     rc::gen::mapcat(rc::gen::element(0, 1, 1, 1, 2, 2, 2, 3),
+                                     [=](int depth) {
+                                         return rc::gen::container<std::vector<std::string>>(
+                                             static_cast<std::size_t>(depth), name);
+                                     })),
+        rc::gen::set(&SharedAlbum::fake)));
+    for (std::size_t i = 0; i < catalogue.size(); ++i)
+        catalogue[i].thumbNailName = std::to_string(i);
+    const bool fake = *rc::gen::arbitrary<bool>();
+
+    AlbumTree tree;
+    tree.load(catalogue, fake);
+    std::vector<bool> unfolded(catalogue.size());
+    RC_ASSERT(tree.showAlbums() == rowsByModel(catalogue, fake, unfolded));
+    for (const int section : *rc::gen::container<std::vector<int>>(rc::gen::inRange(-1, 12))) {
+        const bool known = section >= 0 && static_cast<std::size_t>(section) < tree.parentAlbums().size();
+        const auto place = static_cast<std::size_t>(section);
+        const bool toggled = tree.toggleChildren(section);
+        RC_ASSERT(toggled == (known && !tree.childAlbums()[place].empty()));
+        if (toggled)
+            unfolded[place].flip();
+        RC_ASSERT(tree.showAlbums() == rowsByModel(catalogue, fake, unfolded));
+    }
+    RC_ASSERT(tree.showChild().size() == tree.parentAlbums().size());
+}
+
+} // namespace
+} // namespace sela
