@@ -89,7 +89,7 @@ void ShareHost::takeSteps(NSExtensionContext& context) {
     const double pixelsPerPoint =
         shareWindow_ && !line_.hasScale ? shareWindow_->pixelsPerPoint() : line_.scale;
     steps_ = std::make_unique<StepRunner>(
-        StepRunner::Screen{window_, painter_, pixelsPerPoint, queue_, card_.areThumbnailsShown}, line_.steps);
+        StepRunner::Screen{window_, painter_, pixelsPerPoint, queue_, card_.areImagesShown}, line_.steps);
     steps_->start([this, &context](const std::optional<std::string>& failure) {
         if (failure) {
             std::fprintf(stderr, "sela-share: %s\n", failure->c_str());

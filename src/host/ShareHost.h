@@ -32,8 +32,8 @@ public:
     struct Card {
         std::shared_ptr<UIViewController> root;
 
-        /// Whether the first thumbnails are shown (empty: yes).
-        std::function<bool()> areThumbnailsShown;
+        /// Whether thumbnails and covers that are on their way are shown (empty: yes).
+        std::function<bool()> areImagesShown;
 
         /// Whether the user has pressed Add, so that only the end of saving ends the request (empty: no).
         std::function<bool()> hasAddStarted;

@@ -32,7 +32,7 @@ int share(const sela::CommandLine& line) {
     root->setExtensionContext(context);
     root->loadViewIfNeeded();
     const sela::SelaShareExtensionVc* const screen = sela::shareScreenOf(*root);
-    const sela::ExitStatus status = host.run({root, [screen] { return screen->areThumbnailsShown(); },
+    const sela::ExitStatus status = host.run({root, [screen] { return screen->areImagesShown(); },
                                               [screen] { return screen->hasAddStarted(); }},
                                              *context);
     if (status == sela::ExitStatus::cannotEnd)

@@ -86,6 +86,14 @@ void SelaShareExtensionVc::showThumbnails() {
     thumbnailsShown_ = true;
 }
 
+bool SelaShareExtensionVc::areImagesShown() const {
+    const UINavigationController* const navigation = navigationController();
+    const auto* const picker =
+        navigation ? dynamic_cast<const SelaShareExtensionAlbumsVc*>(navigation->topViewController())
+                   : nullptr;
+    return thumbnailsShown_ && (!picker || picker->areCoversShown());
+}
+
 void SelaShareExtensionVc::updateTitle() {
     const UIFont font = UIFont::systemFont(std::ceil(14 * scale_));
     const NSAttributedString::Attributes plain{UIColor::named("AppTextSecond"), font};

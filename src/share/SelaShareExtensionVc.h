@@ -42,8 +42,9 @@ public:
 
     const AttachmentIntake& intake() const { return *intake_; }
 
-    /// Whether the loading of thumbnails has ended and they are shown.
-    bool areThumbnailsShown() const { return thumbnailsShown_; }
+    /// Whether the pictures that load behind the screens are shown: the thumbnails here, the covers of the
+    /// picker.
+    bool areImagesShown() const;
 
     /// Whether Add was tapped, so that only the end of the save run ends the request.
     bool hasAddStarted() const { return addStarted_; }

@@ -127,7 +127,7 @@ TEST(Thumbnail, IsChosenByTypeThenNameThenContent) {
              Case{"minute.mp4", "clip.mp4", "com.example.M4A", "audiosmall"}, // upper case
              Case{"second.mp4", "voice.m4a", "public.mpeg-4", "audiosmall"},  // audio goes before video
              Case{"baseline.jpg", "photo.jpg", "public.mp3.jpeg", ""},        // not the last part
-             Case{"second.mp4", "clip", "com.example.quicktime-MOVie", ""},     // contains "mov"
+             Case{"second.mp4", "clip", "com.example.quicktime-MOVie", ""},   // contains "mov"
              Case{"second.mp4", "clip.jpg", "public.mpeg-4", ""},             // the type, not the name
              Case{"second.mp4", "clip.bin", "com.example.m4v-video", ""},
              Case{"baseline.jpg", "photo.jpg", "public.mpeg-4", "SelaPicture"}, // a video by type only

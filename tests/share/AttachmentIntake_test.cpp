@@ -1,0 +1,233 @@
+#include "share/AttachmentIntake.h"
+
+#include "platform/extension/NSExtensionItem.h"
+#include "platform/foundation/ScopedMainQueue.h"
+#include "platform/foundation/VirtualMainLoop.h"
+#include "store/SharedFolder.h"
+#include "store/SharedItemLedger.h"
+#include "support/LogCapture.h"
+#include "support/TemporaryHome.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <gmock/gmock.h>
+
+namespace sela {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::Not;
+
+using Provider = std::shared_ptr<NSItemProvider>;
+
+class AttachmentIntakeTest : public testing::Test {
+protected:
+    TemporaryHome home;
+    LogCapture log;
+    VirtualMainLoop loop;
+    ScopedMainQueue scope{loop};
+    std::shared_ptr<AttachmentIntake> intake = std::make_shared<AttachmentIntake>();
+    std::vector<std::string> ends; ///< of the save walk: "ok" or the error's description
+
+    void SetUp() override { home.provision(); }
+
+    Provider file(const std::string& name, std::string_view content = "x") const {
+        return NSItemProvider::ofFile(URL::fileURL(home.write("source/" + name, content).string()));
+    }
+
+    static Provider failing() {
+        return std::make_shared<NSItemProvider>(std::vector<std::string>{"public.jpeg"},
+                                                [](const std::string&) -> Result<NSItemProvider::Item> {
+                                                    return NSError::posix(EACCES, "load");
+                                                });
+    }
+
+    static Provider untyped() {
+        return std::make_shared<NSItemProvider>(
+            std::vector<std::string>(),
+            [](const std::string&) -> Result<NSItemProvider::Item> { return NSItemProvider::Item(); });
+    }
+
+    void share(std::vector<Provider> attachments) {
+        auto first = std::make_shared<NSExtensionItem>();
+        first->attachments = std::move(attachments);
+        auto second = std::make_shared<NSExtensionItem>();
+        second->attachments = std::vector<Provider>{file("second item.jpg"), file("also there.jpg")};
+        intake->extensionContext =
+            std::make_shared<NSExtensionContext>(std::vector<std::shared_ptr<NSObject>>{first, second});
+    }
+
+    void save() {
+        intake->currentAttachmentIndex = 0;
+        intake->saveAttachments(
+            [this](const ErrorRef& error) { ends.push_back(error ? error->localizedDescription() : "ok"); });
+        loop.runUntilIdle();
+    }
+
+    static std::vector<SharedItem> recorded() {
+        std::vector<SharedItem> items;
+        if (const std::optional<Data> data = sharedDefaults()->data(sharedItemsKey))
+            for (auto& [key, item] : SharedItemLedger::decode(*data).value())
+                items.push_back(item);
+        return items;
+    }
+
+    static std::vector<std::string> recordedNames() {
+        std::vector<std::string> names;
+        for (const SharedItem& item : recorded())
+            names.push_back(item.preferredName.value_or("none"));
+        return names;
+    }
+};
+
+TEST_F(AttachmentIntakeTest, StartsIdleWithTheDefaultAlbum) {
+    EXPECT_THAT(intake->selectedAlbumName, ElementsAre("Default Album"));
+    EXPECT_EQ(intake->currentAttachmentIndex, -1);
+    EXPECT_FALSE(intake->fakePasswordMode);
+}
+
+TEST_F(AttachmentIntakeTest, OnlyTheFirstInputItemCounts) {
+    share({file("a.jpg"), file("b.jpg")});
+    EXPECT_EQ(intake->getItemsCount(), 2);
+    save();
+    EXPECT_THAT(recordedNames(), ElementsAre("a.jpg", "b.jpg"));
+    EXPECT_THAT(ends, ElementsAre("ok"));
+    EXPECT_THAT(log.lines(), Contains("InputItems count = 2"));
+}
+
+TEST_F(AttachmentIntakeTest, ARequestWithoutAttachmentsHasNoneAndSavingEndsAtOnce) {
+    class OtherItem : public NSObject {};
+    const std::vector<std::shared_ptr<NSObject>> lists[] = {
+        {}, {std::make_shared<OtherItem>()}, {std::make_shared<NSExtensionItem>()}};
+    EXPECT_EQ(intake->getItemsCount(), 0);
+    save();
+    for (const auto& items : lists) {
+        intake->extensionContext = std::make_shared<NSExtensionContext>(items);
+        EXPECT_EQ(intake->getItemsCount(), 0);
+        EXPECT_EQ(log.lines().back(), "getItemsCount count = 0");
+        save();
+    }
+    EXPECT_THAT(ends, ElementsAre("ok", "ok", "ok", "ok"));
+}
+
+TEST_F(AttachmentIntakeTest, AFilesRecordSaysWhenWhereAndItsName) {
+    share({file("IMG_0001.HEIC")});
+    intake->selectedAlbumName = {"Trips", "2020-Rome"};
+    intake->fakePasswordMode = true;
+    save();
+    ASSERT_EQ(recorded().size(), 1u);
+    const SharedItem item = recorded().front();
+    EXPECT_THAT(item.fileName, MatchesRegex("[0-9]+\\.[0-9]+IMG_0001.HEIC"));
+    EXPECT_EQ(item, (SharedItem{item.fileName, {"Trips", "2020-Rome"}, true, "IMG_0001.HEIC"}));
+    EXPECT_EQ(contentOf(home.container() / "Items" / item.fileName), "x");
+}
+
+TEST_F(AttachmentIntakeTest, APictureInMemoryBecomesAJPEGWithoutAName) {
+    share({NSItemProvider::ofImage(UIImage::fromPixels({2, 1, {255, 0, 0, 255, 0, 0, 255, 255}}))});
+    save();
+    ASSERT_EQ(recorded().size(), 1u);
+    const SharedItem item = recorded().front();
+    EXPECT_THAT(item.fileName, MatchesRegex("[0-9]+\\.[0-9]+\\.jpg"));
+    EXPECT_EQ(item.preferredName, std::nullopt);
+    EXPECT_THAT(contentOf(home.container() / "Items" / item.fileName), testing::StartsWith("\xFF\xD8\xFF"));
+}
+
+TEST_F(AttachmentIntakeTest, TheFirstFailureEndsTheWalk) {
+    struct Case {
+        Provider bad;
+        const char* error;
+    };
+    const Case cases[] = {
+        {untyped(), "No type indentifier"},
+        {failing(), "load: Permission denied"},
+        {NSItemProvider::ofText("text"), "Unsupported shared item"},
+        {NSItemProvider::ofData(toData("data"), "public.data"), "Unsupported shared item"},
+        {NSItemProvider::ofImage(*UIImage::named("Success")), "Failed to encode image"},
+        {file("b.txt"), "Unsupported file"},
+    };
+    std::vector<std::string> names;
+    for (const Case& c : cases) {
+        ends.clear();
+        share({file("a.jpg"), c.bad, file("c.jpg")});
+        save();
+        names.emplace_back("a.jpg");
+        EXPECT_THAT(ends, ElementsAre(c.error));
+        EXPECT_EQ(recordedNames(), names) << c.error;
+        EXPECT_EQ(intake->currentAttachmentIndex, 1);
+    }
+    EXPECT_THAT(log.lines(), Contains("error: load: Permission denied"));
+    EXPECT_THAT(log.lines(), Contains("saveItem, error: Unsupported file"));
+}
+
+TEST_F(AttachmentIntakeTest, AnAttachmentIsLoadedWithItsFirstTypeOnly) {
+    std::vector<std::string> asked;
+    share({std::make_shared<NSItemProvider>(std::vector<std::string>{"z.first", "public.jpeg"},
+                                            [&](const std::string& type) -> Result<NSItemProvider::Item> {
+                                                asked.push_back(type);
+                                                return NSItemProvider::Item();
+                                            })});
+    save();
+    EXPECT_THAT(asked, ElementsAre("z.first"));
+}
+
+TEST_F(AttachmentIntakeTest, AnEmptyFileKeepsTheWalkWaiting) {
+    share({file("a.jpg"), file("empty.jpg", ""), file("c.jpg")});
+    save();
+    EXPECT_THAT(ends, IsEmpty());
+    EXPECT_THAT(recordedNames(), ElementsAre("a.jpg"));
+    EXPECT_EQ(intake->currentAttachmentIndex, 1);
+}
+
+TEST_F(AttachmentIntakeTest, AnUnreadableLedgerEndsTheWalkAndLetsItGoOn) {
+    EXPECT_FALSE(sharedDefaults()->setData(sharedItemsKey, asData("not JSON")));
+    share({file("a.jpg"), file("b.jpg")});
+    save();
+    EXPECT_THAT(ends, ElementsAre(HasSubstr("JSON"), "ok"));
+    EXPECT_THAT(recordedNames(), ElementsAre("a.jpg", "b.jpg"));
+}
+
+TEST_F(AttachmentIntakeTest, ThreePlacesAreLookedAtWhateverIsInThem) {
+    share({file("a.mp3"), failing(), NSItemProvider::ofText("text"), file("d.mp3"), file("e.mp3")});
+    int finished = 0;
+    intake->loadThumbnails([&] { ++finished; });
+    EXPECT_EQ(finished, 0);
+    loop.runUntilIdle();
+    EXPECT_EQ(finished, 1);
+    EXPECT_EQ(intake->thumbnailCount, 3);
+    ASSERT_EQ(intake->thumbnails.size(), 1u);
+    EXPECT_EQ(intake->thumbnails.front().assetName(), "audiosmall");
+    EXPECT_THAT(log.lines(),
+                ElementsAre("loadThumbnails inputItems count = 2", "item[0]: fileName = a.mp3",
+                            "item[0]: typeIdentifier = public.mp3", "loadThumbnails inputItems count = 2",
+                            "error: load: Permission denied", "loadThumbnails inputItems count = 2",
+                            "loadThumbnails inputItems count = 2"));
+}
+
+TEST_F(AttachmentIntakeTest, AnAttachmentWithoutATypeEndsTheThumbnails) {
+    share({file("a.mp3"), untyped(), file("c.mp3")});
+    bool finished = false;
+    intake->loadThumbnails([&] { finished = true; });
+    loop.runUntilIdle();
+    EXPECT_TRUE(finished);
+    EXPECT_EQ(intake->thumbnailCount, 1);
+}
+
+TEST_F(AttachmentIntakeTest, AWalkEndsSilentlyWhenItsOwnerIsGone) {
+    share({file("a.jpg"), file("b.jpg")});
+    const std::shared_ptr<NSExtensionContext> context = intake->extensionContext;
+    intake->currentAttachmentIndex = 0;
+    intake->saveAttachments([this](const ErrorRef&) { ends.emplace_back("called"); });
+    intake->loadThumbnails([this] { ends.emplace_back("called"); });
+    intake.reset();
+    loop.runUntilIdle();
+    EXPECT_THAT(ends, IsEmpty());
+    EXPECT_THAT(recordedNames(), Not(Contains("b.jpg")));
+}
+
+} // namespace
+} // namespace sela

@@ -1,0 +1,370 @@
+#include "platform/extension/NSExtensionItem.h"
+#include "platform/foundation/ScopedMainQueue.h"
+#include "platform/foundation/VirtualMainLoop.h"
+#include "platform/uikit/UIButton.h"
+#include "platform/uikit/UINavigationController.h"
+#include "platform/uikit/UIWindow.h"
+#include "share/PrincipalClasses.h"
+#include "share/SelaShareExtensionVc.h"
+#include "share/ShareViewController.h"
+#include "store/SharedFolder.h"
+#include "store/SharedItemLedger.h"
+#include "support/LogCapture.h"
+#include "support/TemporaryHome.h"
+
+#include <algorithm>
+#include <cmath>
+#include <gmock/gmock.h>
+
+namespace sela {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A request on the extension's own screens, in a window without a display, on a clock that the test moves.
+class ShareFlow : public testing::Test {
+protected:
+    TemporaryHome home;
+    LogCapture log;
+    VirtualMainLoop loop;
+    ScopedMainQueue scope{loop};
+    std::unique_ptr<UIWindow> window = std::make_unique<UIWindow>(CGSize{375, 667});
+    std::shared_ptr<NSExtensionContext> context;
+    std::vector<std::string> ends; ///< "completed", or the code of the cancellation
+
+    void SetUp() override { home.provision(); }
+
+    void TearDown() override {
+        window.reset();
+        context.reset();
+        loop.runUntilIdle();
+    }
+
+    std::shared_ptr<NSItemProvider> file(const std::string& name, std::string_view content = "x") const {
+        return NSItemProvider::ofFile(URL::fileURL(home.write("source/" + name, content).string()));
+    }
+
+    void open(std::vector<std::shared_ptr<NSItemProvider>> attachments, CGSize screen = {375, 667}) {
+        auto item = std::make_shared<NSExtensionItem>();
+        item->attachments = std::move(attachments);
+        context = std::make_shared<NSExtensionContext>(std::vector<std::shared_ptr<NSObject>>{item});
+        context->onEnd = [this](const ErrorRef& error) {
+            const auto* const cancellation = dynamic_cast<const NSError*>(error.get());
+            ends.push_back(cancellation ? cancellation->domain() + " " + std::to_string(cancellation->code())
+                                        : "completed");
+        };
+        window->setScreenSize(screen);
+        const auto root = makePrincipalViewController(principalClassName);
+        root->setExtensionContext(context);
+        window->setRootViewController(root);
+        window->prepareFrame();
+    }
+
+    SelaShareExtensionVc& screen() { return *shareScreenOf(*window->rootViewController()); }
+    UIView& view(const std::string& name) { return *window->viewNamed(name); }
+    UILabel& label(const std::string& name) { return dynamic_cast<UILabel&>(view(name)); }
+    std::string title() { return dynamic_cast<UIButton&>(view("albumButton")).attributedTitle()->string(); }
+
+    bool tap(const std::string& name) {
+        window->prepareFrame();
+        UIView* const target = window->viewNamed(name);
+        const std::optional<CGPoint> point = target ? window->tapPoint(*target) : std::nullopt;
+        if (!point)
+            return false;
+        window->touchBegan(*point);
+        window->touchEnded(*point);
+        return true;
+    }
+
+    void publish(std::string_view catalogue) {
+        EXPECT_FALSE(sharedDefaults()->setData(sharedAlbumsKey, asData(catalogue)));
+        EXPECT_FALSE(sharedDefaults()->setString(sharedPasswordKey, "1234"));
+        EXPECT_FALSE(sharedDefaults()->setString(sharedFakePasswordKey, "00"));
+    }
+
+    void type(const std::string& digits) {
+        for (const char digit : digits)
+            EXPECT_TRUE(tap(std::string("button") + digit));
+    }
+
+    static std::vector<SharedItem> recorded() {
+        std::vector<SharedItem> items;
+        if (const std::optional<Data> data = sharedDefaults()->data(sharedItemsKey))
+            for (auto& [key, item] : SharedItemLedger::decode(*data).value())
+                items.push_back(item);
+        return items;
+    }
+
+    CGRect shown(const std::string& name) { return view(name).convert(view(name).bounds(), *window); }
+};
+
+void expectRect(const CGRect& rect, double x, double y, double width, double height) {
+    EXPECT_NEAR(rect.origin.x, x, 1e-9);
+    EXPECT_NEAR(rect.origin.y, y, 1e-9);
+    EXPECT_NEAR(rect.size.width, width, 1e-9);
+    EXPECT_NEAR(rect.size.height, height, 1e-9);
+}
+
+TEST_F(ShareFlow, TheCardIsScaledCentredAndRounded) {
+    struct Case {
+        CGSize screen;
+        double scale;
+    };
+    const Case cases[] = {{{320, 568}, 320.0 / 375}, {{375, 667}, 1},     {{414, 896}, 414.0 / 375},
+                          {{450, 800}, 1.2},         {{765, 1000}, 2.04}, {{768, 1024}, 1},
+                          {{1024, 768}, 1}};
+    for (const Case& c : cases) {
+        window = std::make_unique<UIWindow>(c.screen);
+        open({file("a.jpg")}, c.screen);
+        const double width = 320 * c.scale, height = 390 * c.scale;
+        expectRect(shown("container"), (c.screen.width - width) / 2, (c.screen.height - height) / 2, width,
+                   height);
+        EXPECT_DOUBLE_EQ(view("container").layer().cornerRadius(), 13 * c.scale);
+        EXPECT_TRUE(view("container").clipsToBounds());
+        EXPECT_EQ(window->rootViewController()->view().backgroundColor(), UIColor::black().withAlpha(0.5));
+        EXPECT_DOUBLE_EQ(view("imageViewContainer").bounds().size.width, std::trunc(178 * c.scale));
+        EXPECT_DOUBLE_EQ(view("cancelButton").bounds().size.width, std::trunc(110 * c.scale));
+        EXPECT_DOUBLE_EQ(view("addButton").bounds().size.height, std::trunc(40 * c.scale));
+        EXPECT_DOUBLE_EQ(view("addButton").layer().cornerRadius(), std::trunc(40 * c.scale) / 2);
+        EXPECT_DOUBLE_EQ(label("titleLabel").font().size(), 20 * c.scale);
+        loop.runUntilIdle();
+    }
+}
+
+TEST_F(ShareFlow, NothingOnTheCardIsClippedOrTouchesAtAnyScale) {
+    const char* const column[] = {"titleLabel", "albumButton", "imageViewContainer", "cancelButton"};
+    for (const CGSize screenSize :
+         {CGSize{320, 568}, {375, 667}, {414, 896}, {600, 960}, {767, 1024}, {1024, 768}}) {
+        window = std::make_unique<UIWindow>(screenSize);
+        open({file("a.mp3"), file("b.mp3"), file("c.mp3")}, screenSize);
+        const CGRect card = shown("containerView");
+        double below = card.origin.y;
+        for (const char* const name : column) {
+            const CGRect rect = shown(name);
+            EXPECT_GE(rect.origin.y, below) << name;
+            EXPECT_GT(rect.origin.x, card.origin.x) << name;
+            EXPECT_LT(rect.origin.x + rect.size.width, card.origin.x + card.size.width) << name;
+            below = rect.origin.y + rect.size.height;
+        }
+        EXPECT_LT(below, card.origin.y + card.size.height);
+        EXPECT_GT(shown("addButton").origin.x,
+                  shown("cancelButton").origin.x + shown("cancelButton").size.width);
+        EXPECT_GE(shown("disclosureIcon").origin.x,
+                  shown("albumButton").origin.x + shown("albumButton").size.width);
+        loop.runUntilIdle();
+    }
+}
+
+TEST_F(ShareFlow, ThePileOfThumbnailsDependsOnTheirNumber) {
+    struct Case {
+        int files;
+        double height;
+        double second; ///< tops within the pile
+        double third;
+    };
+    for (const Case& c :
+         {Case{0, 128, -7, -14}, Case{1, 128, -7, -14}, Case{2, 135, 0, -7}, Case{4, 142, 7, 0}}) {
+        window = std::make_unique<UIWindow>(CGSize{375, 667});
+        open(std::vector<std::shared_ptr<NSItemProvider>>(static_cast<std::size_t>(c.files), file("a.mp3")));
+        EXPECT_EQ(view("imageViewContainer").frame().size, (CGSize{178, c.height})) << c.files;
+        expectRect(view("imageView1Container").frame(), 0, c.height - 128, 178, 128);
+        expectRect(view("imageView2Container").frame(), 18, c.second, 142, 100);
+        expectRect(view("imageView3Container").frame(), 32.5, c.third, 113, 100);
+        loop.runUntilIdle();
+        int shownImages = 0;
+        for (const char* const name : {"imageView1", "imageView2", "imageView3"})
+            shownImages += dynamic_cast<UIImageView&>(view(name)).image().has_value();
+        EXPECT_EQ(shownImages, std::min(c.files, 3));
+    }
+}
+
+TEST_F(ShareFlow, TheTitleSaysHowManyAndWhere) {
+    open({file("a.mp3")});
+    EXPECT_EQ(title(), "Add 1 file to Default Album");
+    screen().setSelectedAlbumName({"Holidays", "Trips"});
+    screen().updateTitle();
+    EXPECT_EQ(title(), "Add 1 file to Holidays/Trips");
+    screen().setSelectedAlbumName({"A", "b", "c"});
+    screen().updateTitle();
+    EXPECT_EQ(title(), "Add 1 file to A");
+    loop.runUntilIdle();
+    open({});
+    EXPECT_EQ(title(), "Add 0 files to Default Album");
+    loop.runUntilIdle();
+    open({file("a.mp3"), file("b.mp3"), file("c.mp3"), file("d.mp3")});
+    EXPECT_EQ(title(), "Add 4 files to Default Album");
+    const auto& runs = dynamic_cast<UIButton&>(view("albumButton")).attributedTitle()->runs();
+    ASSERT_EQ(runs.size(), 4u);
+    for (std::size_t i = 0; i < runs.size(); ++i)
+        EXPECT_EQ(runs[i].attributes.foregroundColor->name(), i % 2 == 0 ? "AppTextSecond" : "AppTint");
+}
+
+TEST_F(ShareFlow, AddingGoesThroughItsStagesByTheClock) {
+    open({file("a.jpg"), file("b.jpg")});
+    loop.runPending();
+    EXPECT_TRUE(tap("addButton"));
+    loop.advance(0.29);
+    EXPECT_EQ(label("resultLabel").text(), "Added!");
+    EXPECT_THAT(recorded(), IsEmpty());
+    loop.advance(0.02);
+    EXPECT_EQ(label("resultLabel").text(), "Adding...");
+    EXPECT_FALSE(view("activityIndicator").isHidden());
+    EXPECT_EQ(view("containerView").transform().a, 0);
+    EXPECT_THAT(recorded(), IsEmpty());
+    loop.advance(0.3);
+    EXPECT_EQ(recorded().size(), 2u);
+    EXPECT_EQ(label("resultLabel").text(), "Done");
+    EXPECT_TRUE(view("activityIndicator").isHidden());
+    EXPECT_FALSE(view("resultIcon").isHidden());
+    EXPECT_EQ(view("resultView").transform(), CGAffineTransform());
+    loop.advance(1.45);
+    EXPECT_THAT(ends, IsEmpty());
+    loop.advance(0.1);
+    EXPECT_THAT(ends, ElementsAre("completed"));
+}
+
+TEST_F(ShareFlow, AddActsOnce) {
+    open({file("a.jpg")});
+    EXPECT_TRUE(tap("addButton"));
+    UIButton& button = dynamic_cast<UIButton&>(view("addButton"));
+    for (int i = 0; i < 30; ++i) {
+        screen().onAddButtonTouched(button);
+        loop.advance(0.1);
+    }
+    EXPECT_EQ(recorded().size(), 1u);
+    EXPECT_THAT(ends, ElementsAre("completed"));
+    EXPECT_EQ(std::ranges::count(log.lines(), "copyItem: readBytes = 1, totalReadBytes = 1"), 1);
+}
+
+TEST_F(ShareFlow, EveryOutcomeLooksLikeDoneAndEndsOnce) {
+    struct Case {
+        const char* name;
+        std::vector<std::shared_ptr<NSItemProvider>> attachments;
+        std::size_t recordedItems;
+    };
+    const Case cases[] = {
+        {"nothing", {}, 0},
+        {"a failing second", {file("a.jpg"), file("b.txt"), file("c.jpg")}, 1},
+        {"an unreadable ledger", {file("a.jpg"), file("b.jpg")}, 2},
+    };
+    for (const Case& c : cases) {
+        ends.clear();
+        EXPECT_FALSE(sharedDefaults()->removeObject(sharedItemsKey));
+        if (c.name == std::string_view("an unreadable ledger"))
+            EXPECT_FALSE(sharedDefaults()->setData(sharedItemsKey, asData("not JSON")));
+        window = std::make_unique<UIWindow>(CGSize{375, 667});
+        open(c.attachments);
+        EXPECT_TRUE(tap("addButton")) << c.name;
+        loop.advance(0.7);
+        EXPECT_EQ(label("resultLabel").text(), "Done") << c.name;
+        loop.advance(5);
+        EXPECT_THAT(ends, ElementsAre("completed")) << c.name;
+        EXPECT_EQ(recorded().size(), c.recordedItems) << c.name;
+    }
+}
+
+TEST_F(ShareFlow, AnEmptyFileStaysAtAdding) {
+    open({file("empty.jpg", "")});
+    EXPECT_TRUE(tap("addButton"));
+    loop.advance(60);
+    EXPECT_EQ(label("resultLabel").text(), "Adding...");
+    EXPECT_THAT(ends, IsEmpty());
+}
+
+TEST_F(ShareFlow, CancelSlidesAwayAndCancels) {
+    open({file("a.jpg")});
+    EXPECT_TRUE(tap("cancelButton"));
+    loop.advance(0.19);
+    EXPECT_THAT(ends, IsEmpty());
+    loop.advance(0.02);
+    EXPECT_THAT(ends, ElementsAre("NSCocoaErrorDomain 3072"));
+    EXPECT_EQ(screen().navigationController()->view().transform(), CGAffineTransform::translation(0, 390));
+    EXPECT_THAT(recorded(), IsEmpty());
+}
+
+TEST_F(ShareFlow, CancelHoldsWhenTheSlideIsInterrupted) {
+    open({file("a.jpg")});
+    EXPECT_TRUE(tap("cancelButton"));
+    loop.advance(0.1);
+    screen().navigationController()->view().setTransform(CGAffineTransform());
+    loop.runPending();
+    EXPECT_THAT(ends, ElementsAre("NSCocoaErrorDomain 3072"));
+}
+
+TEST_F(ShareFlow, AnInterruptedAddGoesNoFurther) {
+    open({file("a.jpg")});
+    EXPECT_TRUE(tap("addButton"));
+    loop.advance(0.1);
+    view("containerView").setTransform(CGAffineTransform());
+    loop.advance(5);
+    EXPECT_EQ(label("resultLabel").text(), "Added!");
+    EXPECT_THAT(recorded(), IsEmpty());
+    EXPECT_THAT(ends, IsEmpty());
+}
+
+TEST_F(ShareFlow, ScreensThatAreGoneMakeDelayedStepsDoNothing) {
+    for (const double moment : {0.1, 0.4, 1.0}) {
+        window = std::make_unique<UIWindow>(CGSize{375, 667});
+        open({file("a.jpg")});
+        EXPECT_TRUE(tap("addButton"));
+        loop.advance(moment);
+        window.reset();
+        loop.advance(5);
+        EXPECT_THAT(ends, IsEmpty()) << moment;
+    }
+}
+
+TEST_F(ShareFlow, TheChosenAlbumIsWhereTheFileGoes) {
+    publish(R"([{"namePath":["Trips"],"fake":false},{"namePath":["Recipes"],"fake":true}])");
+    struct Case {
+        const char* passcode;
+        const char* album;
+        bool fake;
+    };
+    for (const Case& c : {Case{"1234", "Trips", false}, Case{"00", "Recipes", true}}) {
+        EXPECT_FALSE(sharedDefaults()->removeObject(sharedItemsKey));
+        window = std::make_unique<UIWindow>(CGSize{375, 667});
+        open({file("a.jpg")});
+        EXPECT_TRUE(tap("albumButton"));
+        loop.advance(0.5);
+        type(c.passcode);
+        loop.advance(0.1);
+        window->prepareFrame();
+        const CGRect table = shown("tableView");
+        window->touchBegan({table.origin.x + 150, table.origin.y + 20});
+        window->touchEnded({table.origin.x + 150, table.origin.y + 20});
+        loop.advance(0.5);
+        EXPECT_EQ(title(), std::string("Add 1 file to ") + c.album);
+        EXPECT_TRUE(tap("addButton"));
+        loop.advance(5);
+        ASSERT_EQ(recorded().size(), 1u);
+        EXPECT_THAT(recorded().front().albumNames, ElementsAre(c.album));
+        EXPECT_EQ(recorded().front().fake, c.fake);
+    }
+}
+
+TEST_F(ShareFlow, TheComposeScreenCompletesAtOnceAndSavesNothing) {
+    context = std::make_shared<NSExtensionContext>(std::vector<std::shared_ptr<NSObject>>());
+    context->onEnd = [this](const ErrorRef& error) { ends.emplace_back(error ? "cancelled" : "completed"); };
+    const auto compose = std::dynamic_pointer_cast<SLComposeServiceViewController>(
+        makePrincipalViewController("SelaShareExtension.ShareViewController"));
+    ASSERT_TRUE(compose);
+    compose->setExtensionContext(context);
+    EXPECT_TRUE(compose->isContentValid());
+    EXPECT_THAT(compose->configurationItems(), IsEmpty());
+    compose->didSelectPost();
+    compose->didSelectPost();
+    EXPECT_THAT(ends, ElementsAre("completed"));
+    EXPECT_EQ(log.lines().back(), "NSExtensionContext: the request has ended already");
+    EXPECT_EQ(makePrincipalViewController("ShareViewController"), nullptr);
+}
+
+using ShareFlowDeathTest = ShareFlow;
+
+TEST_F(ShareFlowDeathTest, EndingWithoutARequestStopsTheProcess) {
+    EXPECT_DEATH(ShareViewController().didSelectPost(), "");
+}
+
+} // namespace
+} // namespace sela
