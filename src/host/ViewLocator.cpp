@@ -4,7 +4,6 @@
 
 #include <charconv>
 #include <functional>
-#include <ranges>
 #include <string>
 #include <vector>
 
@@ -35,8 +34,8 @@ std::optional<CGPoint> searchFromTop(UIView& view,
     if (view.isHidden())
         return std::nullopt;
     const std::vector<UIView*> subviews = view.subviews();
-    for (UIView* const subview : std::views::reverse(subviews))
-        if (const std::optional<CGPoint> point = searchFromTop(*subview, find))
+    for (auto subview = subviews.rbegin(); subview != subviews.rend(); ++subview)
+        if (const std::optional<CGPoint> point = searchFromTop(**subview, find))
             return point;
     return find(view);
 }

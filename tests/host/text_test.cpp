@@ -57,11 +57,9 @@ TEST(QtTextMeasurer, GivesSizesThatTheTextFitsInto) {
 
 TEST(QtTextMeasurer, CutsAnyTextOffWithinTheWidth) {
     const OffscreenEnvironment environment;
-    const char* const texts[] = {
-        "Unbreakablewordthatisfartoolongforthis", "a b c d e f g h i j k l m n o p",
-        "写真とビデオを追加しています", "إضافة ملفات إلى الألبوم الافتراضي",
-        "👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧‍👦👨‍👩‍👧‍"
-        "👦"};
+    const char* const texts[] = {"Unbreakablewordthatisfartoolongforthis", "a b c d e f g h i j k l m n o p",
+                                 "写真とビデオを追加しています", "إضافة ملفات إلى الألبوم الافتراضي",
+                                 "👍👍👍👍👍👍👍👍"};
     for (const char* const text : texts)
         for (const double width : {20.0, 33.3, 60.0}) {
             const auto layout = environment.measurer.layout(inFont(text, UIFont::systemFont(14)), width, 1,

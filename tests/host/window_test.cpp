@@ -67,7 +67,8 @@ TEST_F(ShareWindowTest, TurnsClicksIntoTouches) {
 }
 
 TEST_F(ShareWindowTest, FollowsTheFirstFinger) {
-    QPointingDevice* const screen = QTest::createTouchDevice();
+    const std::unique_ptr<QPointingDevice> device(QTest::createTouchDevice());
+    QPointingDevice* const screen = device.get();
     QTest::touchEvent(&shareWindow_, screen).press(1, QPoint(140, 80));
     EXPECT_TRUE(probe_->addButton.isHighlighted());
     QTest::touchEvent(&shareWindow_, screen).stationary(1).press(2, QPoint(80, 320));
