@@ -44,10 +44,13 @@ bool hasCompositingManager(xcb_connection_t* connection) {
 } // namespace
 
 bool desktopComposites() {
-    if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+    const QString platform = QGuiApplication::platformName();
+    if (platform.startsWith(QLatin1String("wayland")))
         return true;
+    if (platform != QLatin1String("xcb"))
+        return false;
     const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 && hasCompositingManager(x11->connection());
+    return x11 && x11->connection() && hasCompositingManager(x11->connection());
 }
 
 } // namespace sela

@@ -5,13 +5,15 @@
 #include "host/ViewLocator.h"
 #include "platform/foundation/BackgroundWork.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace sela {
 
 namespace {
 
-/// Seconds between two looks at a screen that is not at rest yet.
+/// Seconds between two looks at the time, or at a screen that is not at rest yet: no task stays behind for
+/// longer when the request ends.
 constexpr double lookInterval = 0.005;
 
 bool isBackgroundAtWork() {
@@ -54,7 +56,7 @@ void StepRunner::next() {
     const double now = screen_.queue.now();
     if (step.kind == Step::Kind::wait) {
         if (const double end = previousStepTime_ + step.seconds; now < end) {
-            scheduleNext(end - now);
+            scheduleNext(std::min(end - now, lookInterval));
             return;
         }
         previousStepTime_ += step.seconds;

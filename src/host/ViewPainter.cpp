@@ -37,12 +37,19 @@ bool isUpright(const QTransform& transform) {
     return transform.m12() == 0 && transform.m21() == 0;
 }
 
-QRect clippedDeviceRect(const QPainter& painter, const QRectF& rect) {
-    const QRect device(0, 0, painter.device()->width(), painter.device()->height());
-    QRect clip = device;
-    if (painter.hasClipping())
-        clip = painter.worldTransform().mapRect(painter.clipBoundingRect()).toAlignedRect() & device;
-    return painter.worldTransform().mapRect(rect).toAlignedRect() & clip;
+QRect deviceRect(const QPainter& painter) {
+    return {0, 0, painter.device()->width(), painter.device()->height()};
+}
+
+/// The pixels that are drawn to at all.
+QRect drawnPixels(const QPainter& painter) {
+    if (!painter.hasClipping())
+        return deviceRect(painter);
+    return painter.worldTransform().mapRect(painter.clipBoundingRect()).toAlignedRect() & deviceRect(painter);
+}
+
+QRect pixelsOf(const QPainter& painter, const CGRect& rect) {
+    return painter.worldTransform().mapRect(toQt(rect)).toAlignedRect() & deviceRect(painter);
 }
 
 } // namespace
@@ -70,7 +77,7 @@ void ViewPainter::paintView(QPainter& painter, const UIView& view) {
     painter.save();
     painter.setWorldTransform(toSuperview, true);
     const bool masks = view.layer().masksToBounds();
-    const bool isOutside = masks && clippedDeviceRect(painter, toQt(shown.bounds)).isEmpty();
+    const bool isOutside = masks && !pixelsOf(painter, shown.bounds).intersects(drawnPixels(painter));
     if (!isOutside) {
         const bool needsShape =
             masks && (view.layer().cornerRadius() > 0 || !isUpright(painter.worldTransform()));
@@ -92,27 +99,29 @@ void ViewPainter::paintView(QPainter& painter, const UIView& view) {
 }
 
 /// Draws the view into a picture of its own, which is then cut to the rounded bounds and laid over the target
-/// as one.
+/// as one. The picture's place does not depend on what part of it is drawn, so that what lies between pixels
+/// is rounded alike each time.
 void ViewPainter::paintGroup(QPainter& painter, const UIView& view, double opacity, bool masks) {
     const CGRect bounds = view.presentation().bounds;
-    const QTransform transform = painter.worldTransform();
-    const QRect everything(0, 0, painter.device()->width(), painter.device()->height());
-    const QRect area = masks ? clippedDeviceRect(painter, toQt(bounds))
-                             : clippedDeviceRect(painter, transform.inverted().mapRect(QRectF(everything)));
-    if (area.isEmpty())
+    const QRect place = masks ? pixelsOf(painter, bounds) : deviceRect(painter);
+    const QRect drawn = (drawnPixels(painter) & place).translated(-place.topLeft());
+    if (drawn.isEmpty())
         return;
-    QImage group(area.size(), QImage::Format_ARGB32_Premultiplied);
-    group.fill(Qt::transparent);
+    QImage group(place.size(), QImage::Format_ARGB32_Premultiplied);
     {
         QPainter inside(&group);
         setHints(inside);
-        inside.setWorldTransform(transform * QTransform::fromTranslate(-area.x(), -area.y()));
-        const QTransform groupTransform = inside.worldTransform();
+        inside.setClipRect(drawn);
+        inside.setCompositionMode(QPainter::CompositionMode_Source);
+        inside.fillRect(drawn, Qt::transparent);
+        inside.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        inside.setWorldTransform(painter.worldTransform() *
+                                 QTransform::fromTranslate(-place.x(), -place.y()));
         paintInside(inside, view, !masks);
         if (masks) {
             QPainterPath outside;
             outside.addRect(QRectF(group.rect()).adjusted(-1, -1, 1, 1));
-            outside.addPath(groupTransform.map(roundedPath(bounds, view.layer().cornerRadius())));
+            outside.addPath(inside.worldTransform().map(roundedPath(bounds, view.layer().cornerRadius())));
             inside.resetTransform();
             inside.setCompositionMode(QPainter::CompositionMode_DestinationOut);
             inside.fillPath(outside, Qt::black);
@@ -120,7 +129,7 @@ void ViewPainter::paintGroup(QPainter& painter, const UIView& view, double opaci
     }
     painter.resetTransform();
     painter.setOpacity(painter.opacity() * opacity);
-    painter.drawImage(area.topLeft(), group);
+    painter.drawImage(place.topLeft() + drawn.topLeft(), group, drawn);
 }
 
 void ViewPainter::paintInside(QPainter& painter, const UIView& view, bool roundsBackground) {

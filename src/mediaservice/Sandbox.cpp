@@ -16,7 +16,9 @@ namespace sela::Sandbox {
 
 namespace {
 
-#if defined(__has_feature)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define SELA_SANITIZED_BUILD
+#elif defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
 #define SELA_SANITIZED_BUILD
 #endif
@@ -69,28 +71,30 @@ constexpr std::array allowedCalls = {
 // What makes a new task a thread of this process rather than a process of its own.
 constexpr scmp_datum_t threadFlags = CLONE_VM | CLONE_THREAD | CLONE_SIGHAND;
 
+/// Allows a call when one of its arguments, with the bits of `mask` alone, has a value.
+bool allowWhen(scmp_filter_ctx filter, int call, unsigned argument, scmp_datum_t mask, scmp_datum_t value) {
+    const scmp_arg_cmp condition{argument, SCMP_CMP_MASKED_EQ, mask, value};
+    return seccomp_rule_add_array(filter, SCMP_ACT_ALLOW, call, 1, &condition) == 0;
+}
+
 bool addRules(scmp_filter_ctx filter) {
+    constexpr scmp_datum_t wholeArgument = ~scmp_datum_t{0};
     bool good = true;
     for (const int call : allowedCalls)
         good = good && seccomp_rule_add(filter, SCMP_ACT_ALLOW, call, 0) == 0;
 
     // Memory, but none that can be executed.
     for (const int call : {SCMP_SYS(mmap), SCMP_SYS(mprotect)})
-        good = good && seccomp_rule_add(filter, SCMP_ACT_ALLOW, call, 1,
-                                        SCMP_A2(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0)) == 0;
+        good = good && allowWhen(filter, call, 2, PROT_EXEC, 0);
     for (const int call : {SCMP_SYS(write), SCMP_SYS(writev)})
-        good = good &&
-               seccomp_rule_add(filter, SCMP_ACT_ALLOW, call, 1, SCMP_A0(SCMP_CMP_EQ, STDERR_FILENO)) == 0;
-    good = good && seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(clone), 1,
-                                    SCMP_A0(SCMP_CMP_MASKED_EQ, threadFlags, threadFlags)) == 0;
+        good = good && allowWhen(filter, call, 0, wholeArgument, STDERR_FILENO);
+    good = good && allowWhen(filter, SCMP_SYS(clone), 0, threadFlags, threadFlags);
     // The C library falls back to clone, whose flags can be looked at, when clone3 is not there.
     good = good && seccomp_rule_add(filter, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0) == 0;
-    good = good && seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(prctl), 1,
-                                    SCMP_A0(SCMP_CMP_EQ, PR_SET_NAME)) == 0;
+    good = good && allowWhen(filter, SCMP_SYS(prctl), 0, wholeArgument, PR_SET_NAME);
     // abort() raises a signal in its own process.
-    good = good && seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(tgkill), 1,
-                                    SCMP_A0(SCMP_CMP_EQ, static_cast<scmp_datum_t>(::getpid()))) == 0;
-    return good;
+    const auto self = static_cast<scmp_datum_t>(::getpid());
+    return good && allowWhen(filter, SCMP_SYS(tgkill), 0, wholeArgument, self);
 }
 
 bool setLimit(__rlimit_resource resource, std::uint64_t value) {

@@ -91,7 +91,7 @@ TEST_F(ShareWindowTest, ScrollsByWheelAndByFinger) {
     for (int step = 1; step <= 10; ++step)
         QTest::mouseMove(&shareWindow_, place - QPoint(0, 20 * step));
     QTest::mouseRelease(&shareWindow_, Qt::LeftButton, {}, place - QPoint(0, 200));
-    EXPECT_GT(probe_->tableView.contentOffset().y, 80);
+    EXPECT_GT(probe_->tableView.contentOffset().y, 60);
     EXPECT_THAT(probe_->touched, IsEmpty());
 }
 

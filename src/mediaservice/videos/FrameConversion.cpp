@@ -30,9 +30,10 @@ struct FreeScaler {
 
 /// The frame's size once its pixels are square: stretched, never shrunk, so that no detail is lost.
 PictureSize displaySize(const AVFrame& frame, const AVStream& track) {
-    AVRational shape = frame.sample_aspect_ratio;
+    // Where the container and the codec differ, players go by the container.
+    AVRational shape = track.sample_aspect_ratio;
     if (shape.num <= 0 || shape.den <= 0)
-        shape = track.sample_aspect_ratio;
+        shape = frame.sample_aspect_ratio;
     const double ratio = shape.num > 0 && shape.den > 0 ? av_q2d(shape) : 1;
     if (ratio > mostStretched || ratio < 1 / mostStretched)
         return {frame.width, frame.height};

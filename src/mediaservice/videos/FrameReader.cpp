@@ -135,22 +135,30 @@ Packet readKeyPacket(VideoFile& video, std::int64_t time) {
     return nullptr;
 }
 
-/// The packet of the first key frame after the time asked for, when it lies in the window; null otherwise.
-Packet readLaterKeyPacket(VideoFile& video, const FrameWindow& window) {
-    const auto next = video.keyFrameAfter(window.time);
-    if (!next || !window.contains(*next))
+/// The packet of a key frame after `earlier`, when one lies in the window; null otherwise.
+Packet readLaterKeyPacket(VideoFile& video, const FrameWindow& window, const AVPacket& earlier) {
+    // The index holds times of decoding, none of which is later than the time of showing.
+    const auto next = video.keyFrameAfter(earlier.dts);
+    if (!next || *next > window.to)
         return nullptr;
-    Packet packet = readKeyPacket(video, *next);
+    Packet packet = readKeyPacket(video, window.to);
     return packet && window.contains(timeOf(*packet)) ? std::move(packet) : nullptr;
 }
 
-/// The packet to start from: of the key frame at or before the time asked for, else of the video's first.
+/// The packet to start from: of the last key frame before the window's end, else of the video's first.
 Packet readEarlierKeyPacket(VideoFile& video, const FrameWindow& window) {
-    Packet packet = readKeyPacket(video, window.time);
-    // The first search of some containers lands behind the time asked for; from the start none does.
-    if (!packet || timeOf(*packet) > window.to)
-        packet = readKeyPacket(video, std::min(video.startTime(), window.from));
-    return packet;
+    // Files are searched by the times of decoding, so a search can land on a key frame that is shown later
+    // than asked for; the one before it is shown before.
+    constexpr int searches = 3;
+    std::int64_t target = window.time;
+    for (int i = 0; i < searches; ++i) {
+        Packet packet = readKeyPacket(video, target);
+        if (packet && timeOf(*packet) <= window.to)
+            return packet;
+        if (packet && packet->dts != AV_NOPTS_VALUE)
+            target = std::min(target, packet->dts) - 1;
+    }
+    return readKeyPacket(video, std::min(video.startTime(), window.from));
 }
 
 std::optional<ReadFrame> decode(VideoFile& video, const FrameWindow& window, Packet packet,
@@ -169,7 +177,7 @@ std::optional<ReadFrame> readFrame(VideoFile& video, const FrameWindow& window) 
     if (packet && window.contains(timeOf(*packet))) {
         if (auto found = decode(video, window, std::move(packet), true))
             return found;
-    } else if (Packet later = readLaterKeyPacket(video, window)) {
+    } else if (Packet later = packet ? readLaterKeyPacket(video, window, *packet) : nullptr) {
         if (auto found = decode(video, window, std::move(later), true))
             return found;
     }

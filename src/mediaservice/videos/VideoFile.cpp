@@ -110,7 +110,7 @@ bool VideoFile::openContainer() {
 CMTime VideoFile::duration() const {
     std::int64_t microseconds = container_->duration;
     if (microseconds == AV_NOPTS_VALUE && track_->duration != AV_NOPTS_VALUE)
-        microseconds = av_rescale_q(track_->duration, track_->time_base, AV_TIME_BASE_Q);
+        microseconds = av_rescale_q(track_->duration, track_->time_base, AVRational{1, AV_TIME_BASE});
     const int timescale = track_->time_base.num == 1 ? track_->time_base.den : AV_TIME_BASE;
     if (microseconds <= 0 || microseconds / AV_TIME_BASE > longestDuration)
         return {0, timescale};

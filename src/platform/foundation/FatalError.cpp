@@ -7,9 +7,9 @@
 
 namespace sela {
 
-void fatalError(std::string_view message, std::source_location place) {
+void fatalError(std::string_view message, SourceLocation place) {
     NSLog(std::string(message));
-    NSLog("Fatal error at " + std::string(place.file_name()) + ":" + std::to_string(place.line()));
+    NSLog("Fatal error at " + std::string(place.file) + ":" + std::to_string(place.line));
     std::abort();
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <source_location>
+#include "platform/foundation/SourceLocation.h"
+
 #include <string_view>
 
 namespace sela {
 
 /// Stops the process because a programmer made a mistake: logs `message` and the place that called, then
 /// aborts. May be called on any thread. `message` is logged as it stands.
-[[noreturn]] void fatalError(std::string_view message,
-                             std::source_location place = std::source_location::current());
+[[noreturn]] void fatalError(std::string_view message, SourceLocation place = SourceLocation::current());
 
 } // namespace sela

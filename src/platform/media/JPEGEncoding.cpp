@@ -10,7 +10,7 @@ namespace sela {
 
 namespace {
 
-constexpr int largestSide = 65535;
+constexpr int largestSide = 65500;
 
 struct CloseCompressor {
     void operator()(void* compressor) const { tjDestroy(compressor); }

@@ -25,9 +25,9 @@ public:
         /// program's folder, or where an installed program keeps its helpers.
         std::string programDirectory;
 
-        /// How long one request may take, in seconds. No cover is worth a longer wait, and the slowest file
-        /// measured (48 megapixels of HEIC) takes a quarter of it.
-        double timeLimit = 10;
+        /// How long one request may take, in seconds. The slowest file measured (48 megapixels of HEIC) takes
+        /// 3 on an idle desktop; a slow or busy machine gets several times that.
+        double timeLimit = 20;
     };
 
     /// What a helper answered, with the pixels when pixels were asked for.

@@ -54,7 +54,7 @@ public:
     UIImage withRenderingMode(RenderingMode mode) const;
 
     /// The picture as JPEG at `quality` 0.0 to 1.0, transparent parts flattened on white; absent when it
-    /// cannot be encoded (a named asset, an empty picture, a side above JPEG's 65,535).
+    /// cannot be encoded (a named asset, an empty picture, a side above the 65,500 that libjpeg writes).
     std::optional<Data> jpegData(double quality) const;
 
 private:

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/foundation/SourceLocation.h"
 #include "platform/snapkit/ConstraintAttribute.h"
 
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <source_location>
 
 namespace sela {
 
@@ -22,8 +22,8 @@ struct Constraint {
     double multiplier;
     double constant;
     double priority;
-    std::uint64_t number;       ///< constraints are numbered in the order in which they are made
-    std::source_location place; ///< where it was made
+    std::uint64_t number; ///< constraints are numbered in the order in which they are made
+    SourceLocation place; ///< where it was made
 };
 
 } // namespace sela

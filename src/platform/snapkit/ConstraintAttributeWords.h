@@ -1,17 +1,16 @@
 #pragma once
 
+#include "platform/foundation/SourceLocation.h"
 #include "platform/snapkit/ConstraintAttribute.h"
-
-#include <source_location>
 
 namespace sela {
 
 /// The words for attributes that every stage of the constraint language shares. `Stage` has an operation
-/// `name(ConstraintAttributes, std::source_location)` whose result is what each word returns.
+/// `name(ConstraintAttributes, SourceLocation)` whose result is what each word returns.
 template<class Stage>
 class ConstraintAttributeWords {
 public:
-    using Place = std::source_location;
+    using Place = SourceLocation;
     using Attribute = ConstraintAttribute;
 
     auto left(Place place = Place::current()) { return stage().name({Attribute::left}, place); }

@@ -20,7 +20,7 @@ std::uint64_t nextNumber() {
 } // namespace
 
 ConstraintDescription::ConstraintDescription(const UIView& view, ConstraintAttributes attributes,
-                                             std::source_location place)
+                                             SourceLocation place)
     : view_(view), attributes_(std::move(attributes)), place_(place) {}
 
 void ConstraintDescription::addAttributes(const ConstraintAttributes& attributes) {

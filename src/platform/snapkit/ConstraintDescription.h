@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/foundation/SourceLocation.h"
 #include "platform/snapkit/Constraint.h"
 #include "platform/snapkit/ConstraintItem.h"
 #include "platform/snapkit/ConstraintPriority.h"
 #include "platform/uikit/Geometry.h"
 
 #include <optional>
-#include <source_location>
 #include <vector>
 
 namespace sela {
@@ -15,7 +15,7 @@ namespace sela {
 /// into constraints. A mistake stops the process with the place where the chain starts.
 class ConstraintDescription {
 public:
-    ConstraintDescription(const UIView& view, ConstraintAttributes attributes, std::source_location place);
+    ConstraintDescription(const UIView& view, ConstraintAttributes attributes, SourceLocation place);
 
     void addAttributes(const ConstraintAttributes& attributes);
 
@@ -49,7 +49,7 @@ private:
 
     const UIView& view_;
     ConstraintAttributes attributes_;
-    std::source_location place_;
+    SourceLocation place_;
     bool related_ = false;
     const UIView* target_ = nullptr;
     std::optional<ConstraintAttributes> targetAttributes_; ///< absent: the same attributes

@@ -28,7 +28,7 @@ public:
 private:
     friend class ConstraintAttributeWords<ConstraintMaker>;
 
-    ConstraintMakerExtendable name(ConstraintAttributes attributes, std::source_location place) {
+    ConstraintMakerExtendable name(ConstraintAttributes attributes, SourceLocation place) {
         return ConstraintMakerExtendable(descriptions_.emplace_back(view_, std::move(attributes), place));
     }
 

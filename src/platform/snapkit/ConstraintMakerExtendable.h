@@ -31,7 +31,7 @@ public:
 private:
     friend class ConstraintAttributeWords<ConstraintMakerExtendable>;
 
-    ConstraintMakerExtendable name(const ConstraintAttributes& attributes, std::source_location) {
+    ConstraintMakerExtendable name(const ConstraintAttributes& attributes, SourceLocation) {
         description_.addAttributes(attributes);
         return *this;
     }

@@ -30,8 +30,8 @@ namespace sela {
 /// All views under a layout root act on each other. A view under another root, or one without constraints, is
 /// followed but not moved, so its frame has to follow from what is said there.
 ///
-/// A layout costs time in proportion to what is under the root that changed (`LinearSystem` says when it costs
-/// more), not to the size of the tree: a table costs per visible cell.
+/// A layout costs time in proportion to what is under the root that changed (`LinearSystem` says when it
+/// costs more), not to the size of the tree: a table costs per visible cell.
 ///
 /// What a line says is kept when a view leaves the tree, but sleeps while the views it relates are not in one
 /// tree; of a destroyed view nothing is left. Misuse (a chain without a relation, a size related to a place,
@@ -61,7 +61,7 @@ public:
 private:
     friend class ConstraintAttributeWords<ConstraintViewDSL>;
 
-    ConstraintItem name(ConstraintAttributes attributes, std::source_location) {
+    ConstraintItem name(ConstraintAttributes attributes, SourceLocation) {
         return {view_, std::move(attributes)};
     }
 

@@ -19,10 +19,10 @@ namespace {
 
 void logDropped(const UIView& view, const Constraint& constraint) {
     static std::set<std::pair<std::string, unsigned>> logged;
-    const std::string file = URL::fileURL(constraint.place.file_name()).lastPathComponent();
-    if (!logged.emplace(file, constraint.place.line()).second)
+    const std::string file = URL::fileURL(constraint.place.file).lastPathComponent();
+    if (!logged.emplace(file, constraint.place.line).second)
         return;
-    NSLog("Constraint dropped at " + file + ":" + std::to_string(constraint.place.line()) + ": the " +
+    NSLog("Constraint dropped at " + file + ":" + std::to_string(constraint.place.line) + ": the " +
           describe(constraint.attribute) + " of " + view.className() +
           (view.name().empty() ? "" : " " + view.name()) + " contradicts other constraints");
 }

@@ -20,7 +20,6 @@ struct UINavigationController::Transition {
 };
 
 UINavigationController::UINavigationController(std::shared_ptr<UIViewController> rootViewController) {
-    rootViewController->loadViewIfNeeded();
     addChild(std::move(rootViewController));
 }
 

@@ -1,0 +1,122 @@
+#include "media/MediaSamples.h"
+#include "platform/foundation/FileDescriptor.h"
+#include "platform/media/AVAssetImageGenerator.h"
+#include "platform/media/UIImage.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <random>
+#include <sys/mman.h>
+
+namespace sela {
+namespace {
+
+/// How many mutated files of each kind are decoded. The environment's SELA_MUTATIONS asks for more.
+int mutations() {
+    const char* wanted = std::getenv("SELA_MUTATIONS");
+    return wanted ? std::atoi(wanted) : 25;
+}
+
+std::string contents(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Damages a file as storage and attackers do: bytes changed (more often in its head, where the structure
+/// is), a number made extreme, a part repeated or left out, the end cut off.
+std::string mutated(std::string content, std::mt19937& random) {
+    const auto place = [&] {
+        const std::size_t reach = random() % 2 ? std::min<std::size_t>(content.size(), 512) : content.size();
+        return random() % reach;
+    };
+    for (int changes = 1 + static_cast<int>(random() % 8); changes > 0 && content.size() > 16; --changes) {
+        switch (random() % 5) {
+        case 0:
+        case 1:
+            content[place()] = static_cast<char>(random());
+            break;
+        case 2:
+            content.replace(std::min(place(), content.size() - 4), 4, 4, random() % 2 ? '\xFF' : '\0');
+            break;
+        case 3:
+            content.erase(place(), 1 + random() % 64);
+            break;
+        default:
+            content.insert(place(), content.substr(place(), 1 + random() % 64));
+            break;
+        }
+    }
+    if (random() % 8 == 0)
+        content.resize(1 + random() % content.size());
+    return content;
+}
+
+/// A file that exists in memory only.
+class MemoryFile {
+public:
+    explicit MemoryFile(const std::string& content) : descriptor_(::memfd_create("mutated", MFD_CLOEXEC)) {
+        EXPECT_EQ(::write(descriptor_.get(), content.data(), content.size()),
+                  static_cast<ssize_t>(content.size()));
+    }
+    std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_.get()); }
+
+private:
+    FileDescriptor descriptor_;
+};
+
+std::ptrdiff_t openDescriptors() {
+    namespace fs = std::filesystem;
+    return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+}
+
+/// Bytes of this process's memory that is its own.
+long privateMemory() {
+    long size = 0;
+    long resident = 0;
+    long shared = 0;
+    std::ifstream("/proc/self/statm") >> size >> resident >> shared;
+    return (resident - shared) * ::sysconf(_SC_PAGESIZE);
+}
+
+class MutatedFiles : public testing::TestWithParam<const char*> {};
+
+TEST_P(MutatedFiles, CostNothingButTheirThumbnail) {
+    const std::string name = GetParam();
+    const bool isVideo = !UIImage::contentsOfFile(sample(name), 64);
+    const std::string original = contents(sample(name));
+    ASSERT_FALSE(original.empty());
+    const auto descriptors = openDescriptors();
+    const long memory = privateMemory();
+    std::mt19937 random(4);
+    for (int i = 0; i < mutations(); ++i) {
+        const MemoryFile file(mutated(original, random));
+        if (!isVideo) {
+            const auto image = UIImage::contentsOfFile(file.path(), 64);
+            ASSERT_TRUE(!image || (image->width() <= 64 && image->height() <= 64));
+            continue;
+        }
+        AVAssetImageGenerator generator(AVAsset::assetWithURL(URL::fileURL(file.path())));
+        generator.maximumSize = 64;
+        generator.requestedTimeToleranceBefore = generator.requestedTimeToleranceAfter = {1, 10};
+        const auto image = generator.copyCGImageAtTime({15, 10});
+        ASSERT_TRUE(!image || (image.value().width() <= 64 && image.value().height() <= 64));
+    }
+    EXPECT_EQ(openDescriptors(), descriptors);
+    EXPECT_LT(privateMemory() - memory, 32L << 20);
+    EXPECT_TRUE(UIImage::contentsOfFile(sample("baseline.jpg"), 64));
+}
+
+INSTANTIATE_TEST_SUITE_P(OfEachKind, MutatedFiles,
+                         testing::Values("baseline.jpg", "progressive.jpg", "cmyk.jpg", "profile.jpg",
+                                         "quarters.png", "interlaced.png", "palette.png", "animated.gif",
+                                         "plain.bmp", "palette.bmp", "lossy.webp", "alpha.webp",
+                                         "animated.webp", "plain.heic", "thumbnail.heic", "preview.dng",
+                                         "second.mp4", "fragmented.mp4", "hevc.mov", "vp9.webm", "mpeg1.mpeg",
+                                         "mpeg2.mpeg"));
+
+} // namespace
+} // namespace sela

@@ -1,0 +1,176 @@
+#include "platform/media/MediaServiceClient.h"
+
+#include "media/MediaSamples.h"
+#include "platform/media/AVError.h"
+#include "platform/media/MediaHelperProcess.h"
+#include "platform/media/MediaSocket.h"
+
+#include <atomic>
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+
+namespace sela {
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string programs = SELA_BINARY_DIR "/bin";
+
+MediaRequest pictureRequest(std::uint32_t maximumSide = 64) {
+    MediaRequest request;
+    request.operation = MediaOperation::decodePicture;
+    request.maximumSide = maximumSide;
+    return request;
+}
+
+int codeOf(const ErrorRef& error) {
+    const auto* known = dynamic_cast<const NSError*>(error.get());
+    return known ? known->code() : 0;
+}
+
+std::ptrdiff_t openDescriptors() {
+    return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+}
+
+/// The value of a line of /proc/PROCESS/status, without spaces around it.
+std::string statusOf(const std::string& process, const std::string& name) {
+    std::ifstream status("/proc/" + process + "/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.starts_with(name + ":"))
+            return line.substr(line.find_first_not_of(" \t", name.size() + 1));
+    return {};
+}
+
+class MediaServiceClientTest : public testing::Test {
+protected:
+    void SetUp() override {
+        std::string name = fs::temp_directory_path() / "sela-client-XXXXXX";
+        folder_ = ::mkdtemp(name.data());
+    }
+    void TearDown() override { fs::remove_all(folder_); }
+
+    std::string file(const std::string& content) const {
+        const fs::path path = folder_ / "file";
+        std::ofstream(path, std::ios::binary) << content;
+        return path;
+    }
+
+    fs::path folder_;
+};
+
+TEST_F(MediaServiceClientTest, StartsTheHelperOnFirstNeedAndKeepsIt) {
+    MediaServiceClient client({programs});
+    EXPECT_FALSE(client.helperProcessIdentifier(MediaOperation::decodePicture));
+    ASSERT_TRUE(client.perform(sample("baseline.jpg"), pictureRequest()));
+    const auto helper = client.helperProcessIdentifier(MediaOperation::decodePicture);
+    ASSERT_TRUE(helper);
+    EXPECT_FALSE(client.perform(sample("text.jpg"), pictureRequest()));
+    ASSERT_TRUE(client.perform(sample("quarters.png"), pictureRequest()));
+    EXPECT_EQ(client.helperProcessIdentifier(MediaOperation::decodePicture), helper);
+    EXPECT_FALSE(client.helperProcessIdentifier(MediaOperation::copyFrame));
+}
+
+TEST_F(MediaServiceClientTest, EveryThreadOfTheHelperIsInTheSandbox) {
+    MediaServiceClient client({programs});
+    ASSERT_TRUE(client.perform(sample("plain.heic"), pictureRequest()));
+    const std::string helper =
+        std::to_string(client.helperProcessIdentifier(MediaOperation::decodePicture).value());
+    int threads = 0;
+    for (const auto& thread : fs::directory_iterator("/proc/" + helper + "/task")) {
+        const std::string name = helper + "/task/" + thread.path().filename().string();
+        EXPECT_EQ(statusOf(name, "NoNewPrivs"), "1");
+        EXPECT_EQ(statusOf(name, "Seccomp"), "2");
+        ++threads;
+    }
+    EXPECT_GE(threads, 2);
+}
+
+TEST_F(MediaServiceClientTest, AHelperThatMisbehavesCostsOneFileOnly) {
+    MediaServiceClient client({programs + "/misbehaving", 0.3});
+    ASSERT_TRUE(client.perform(file("behave"), pictureRequest()));
+    const auto descriptors = openDescriptors();
+    for (const char* behaviour : {"crash", "hang", "exit", "answer another request", "claim too many pixels",
+                                  "answer too short", "answer too long"}) {
+        const auto answer = client.perform(file(behaviour), pictureRequest());
+        EXPECT_FALSE(answer) << behaviour;
+        EXPECT_EQ(codeOf(answer.error()), AVErrorMediaServicesWereReset) << behaviour;
+        EXPECT_TRUE(client.perform(file("behave"), pictureRequest())) << "after " << behaviour;
+    }
+    EXPECT_EQ(openDescriptors(), descriptors);
+}
+
+TEST_F(MediaServiceClientTest, AHelperThatEndedBetweenRequestsCostsNothing) {
+    MediaServiceClient client({programs});
+    ASSERT_TRUE(client.perform(sample("baseline.jpg"), pictureRequest()));
+    const pid_t helper = client.helperProcessIdentifier(MediaOperation::decodePicture).value();
+    ::kill(helper, SIGKILL);
+    siginfo_t ended{};
+    ::waitid(P_PID, static_cast<id_t>(helper), &ended, WEXITED | WNOWAIT);
+    EXPECT_TRUE(client.perform(sample("baseline.jpg"), pictureRequest()));
+}
+
+TEST_F(MediaServiceClientTest, WithoutAHelperEveryFileFails) {
+    MediaServiceClient client({folder_});
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(codeOf(client.perform(sample("baseline.jpg"), pictureRequest()).error()),
+                  AVErrorMediaServicesWereReset);
+}
+
+TEST_F(MediaServiceClientTest, OnlyRegularFilesAreOpened) {
+    MediaServiceClient client({programs});
+    const std::string pipe = folder_ / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(codeOf(client.perform(folder_ / "missing", pictureRequest()).error()), ENOENT);
+    for (const std::string& path : {pipe, folder_.string(), std::string("/dev/zero")})
+        EXPECT_EQ(codeOf(client.perform(path, pictureRequest()).error()), EINVAL) << path;
+    EXPECT_FALSE(client.helperProcessIdentifier(MediaOperation::decodePicture));
+}
+
+TEST_F(MediaServiceClientTest, ManyThreadsMayAsk) {
+    MediaServiceClient client({programs});
+    std::vector<std::thread> threads;
+    std::atomic<int> wrong = 0;
+    for (const char* name : {"orientation-1.jpg", "orientation-6.jpg", "quarters.png"})
+        threads.emplace_back([&client, &wrong, name] {
+            const bool turned = std::string_view(name) == "orientation-6.jpg";
+            for (int i = 0; i < 10; ++i) {
+                const auto answer = client.perform(sample(name), pictureRequest());
+                if (!answer || quarters(answer.value().pixels) != (turned ? "brwg" : "rgbw"))
+                    ++wrong;
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(MediaServiceClientTest, TheHelperEndsWithItsClient) {
+    for (const char* program : {"/sela-media", "/sela-media-video"}) {
+        auto ends = MediaSocket::makePair();
+        ASSERT_TRUE(ends);
+        const int childEnd = ::fcntl(ends->second.get(), F_DUPFD_CLOEXEC, mediaHelperSocket + 1);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, childEnd, mediaHelperSocket);
+        std::string path = programs + program;
+        char* const arguments[] = {path.data(), nullptr};
+        pid_t helper = 0;
+        ASSERT_EQ(::posix_spawn(&helper, path.c_str(), &actions, nullptr, arguments, environ), 0);
+        posix_spawn_file_actions_destroy(&actions);
+        ::close(childEnd);
+        ends.reset();
+        int status = -1;
+        EXPECT_EQ(::waitpid(helper, &status, 0), helper);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << program << " " << status;
+    }
+}
+
+} // namespace
+} // namespace sela
