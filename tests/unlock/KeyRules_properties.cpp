@@ -1,3 +1,4 @@
+#include "store/SharedFolder.h"
 #include "unlock/SelaSharedAlbumPassCheck.h"
 #include "unlock/UnlockTest.h"
 
@@ -109,9 +110,12 @@ RC_GTEST_FIXTURE_PROP(KeyRules, ThePickerKeepsItsRuleUnderRandomTaps, ()) {
     PickerModel model;
     model.vault = *somePasscode();
     model.decoy = *rc::gen::oneOf(somePasscode(), rc::gen::just(model.vault));
-    publishAlbums(twoVaults);
-    publishPasscode(model.vault);
-    publishDecoyPasscode(model.decoy);
+    RC_ASSERT(!sharedDefaults()->transaction([&]() -> ErrorRef {
+        publishAlbums(twoVaults);
+        publishPasscode(model.vault);
+        publishDecoyPasscode(model.decoy);
+        return nullptr;
+    }));
     openPicker();
     model.open();
     const int steps = *rc::gen::inRange(1, 60);

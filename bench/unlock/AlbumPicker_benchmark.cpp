@@ -1,0 +1,115 @@
+// The album picker with N albums in sections of ten: from the last digit to the laid out table, and one step
+// of scrolling. Writes settings, so it runs on a home of its own below the temporary folder.
+
+#include "platform/foundation/Data.h"
+#include "platform/foundation/FatalError.h"
+#include "platform/foundation/ScopedMainQueue.h"
+#include "platform/foundation/VirtualMainLoop.h"
+#include "platform/uikit/UIButton.h"
+#include "platform/uikit/UINavigationController.h"
+#include "platform/uikit/UIWindow.h"
+#include "store/SharedAlbum.h"
+#include "store/SharedFolder.h"
+#include "unlock/SelaShareExtensionAlbumsVc.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace sela {
+namespace {
+
+void publish(std::int64_t albums) {
+    JSONWriter writer;
+    writer.beginArray();
+    for (std::int64_t i = 0; i < albums; ++i) {
+        SharedAlbum album{{"Album " + std::to_string(i / 10)}, false, std::nullopt, std::nullopt};
+        if (i % 10 > 0)
+            album.namePath.push_back("Child " + std::to_string(i));
+        if (i % 7 == 0)
+            album.password = "1234";
+        writeJSONRecord(writer, SharedAlbum::jsonFields(), &album);
+    }
+    writer.endArray();
+    auto defaults = sharedDefaults();
+    if (!defaults || defaults->setData(sharedAlbumsKey, asData(writer.text())) ||
+        defaults->setString(sharedPasswordKey, "1234"))
+        fatalError("the albums cannot be published");
+}
+
+/// A picker on the screen with all digits but the last.
+struct LockedPicker {
+    LockedPicker() {
+        window.setRootViewController(navigation);
+        navigation->pushViewController(picker, false);
+        update();
+        for (const char digit : {'1', '2', '3'})
+            tap(digit);
+    }
+
+    void tap(char digit) {
+        picker->onKeyTouched(
+            dynamic_cast<UIButton&>(*picker->view().viewNamed(std::string("button") + digit)));
+    }
+
+    void update() {
+        loop.runPending();
+        window.prepareFrame();
+    }
+
+    VirtualMainLoop loop;
+    ScopedMainQueue mainQueue{loop};
+    UIWindow window{{375, 667}};
+    std::shared_ptr<SelaShareExtensionAlbumsVc> picker = std::make_shared<SelaShareExtensionAlbumsVc>();
+    std::shared_ptr<UINavigationController> navigation =
+        std::make_shared<UINavigationController>(std::make_shared<UIViewController>());
+};
+
+void lastDigitToTable(benchmark::State& state) {
+    publish(state.range(0));
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto locked = std::make_unique<LockedPicker>();
+        state.ResumeTiming();
+        locked->tap('4');
+        locked->update();
+        state.PauseTiming();
+        locked.reset();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(lastDigitToTable)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+/// One row further at each step, back to the top after 50, so that each step fills a cell.
+void scrollByARow(benchmark::State& state) {
+    publish(state.range(0));
+    LockedPicker open;
+    open.tap('4');
+    open.update();
+    auto& table = dynamic_cast<UITableView&>(*open.picker->view().viewNamed("tableView"));
+    int row = 0;
+    for (auto _ : state) {
+        row = (row + 1) % 50;
+        table.setContentOffset({0, row * 55.0});
+        open.window.prepareFrame();
+    }
+}
+BENCHMARK(scrollByARow)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+} // namespace sela
+
+int main(int argc, char** argv) {
+    std::string home = (std::filesystem::temp_directory_path() / "sela-bench-XXXXXX").string();
+    if (!::mkdtemp(home.data()))
+        return 1;
+    ::setenv("XDG_DATA_HOME", (home + "/data").c_str(), 1);
+    ::setenv("XDG_CONFIG_HOME", (home + "/config").c_str(), 1);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    std::filesystem::remove_all(home);
+    return 0;
+}

@@ -1,0 +1,149 @@
+#include "unlock/AlbumCovers.h"
+
+#include "ui/SelaShareExtensionAlbumCell.h"
+#include "unlock/UnlockTest.h"
+
+#include <gmock/gmock.h>
+
+namespace sela {
+namespace {
+
+/// A picture of one colour in the simplest format: 24 bits to a pixel, rows from the bottom, padded to 4
+/// bytes.
+std::string bitmap(int width, int height) {
+    std::string file;
+    const auto number = [&](std::uint32_t value, int bytes) {
+        for (int i = 0; i < bytes; ++i)
+            file.push_back(static_cast<char>(value >> (8 * i)));
+    };
+    const int rowBytes = (width * 3 + 3) / 4 * 4;
+    const auto size = static_cast<std::uint32_t>(rowBytes * height);
+    file += "BM";
+    number(54 + size, 4);
+    number(0, 4);
+    number(54, 4);
+    number(40, 4);
+    number(static_cast<std::uint32_t>(width), 4);
+    number(static_cast<std::uint32_t>(height), 4);
+    number(1, 2);
+    number(24, 2);
+    number(0, 4);
+    number(size, 4);
+    for (int i = 0; i < 4; ++i)
+        number(0, 4);
+    file.append(size, '\x40');
+    return file;
+}
+
+class AlbumCoversTest : public UnlockTest {
+protected:
+    void publishCover(const std::string& fileName, int width) {
+        home_.provision();
+        home_.write("data/sela/groups/group.sela.vault/AlbumThumbnails/" + fileName, bitmap(width, 10));
+    }
+
+    static SharedAlbum covered(const std::string& name, const std::string& fileName,
+                               std::optional<std::string> password = std::nullopt) {
+        return {{name}, false, std::move(password), fileName};
+    }
+
+    /// An asset's name, the width of a decoded cover, or "none".
+    std::string thumbnail(int section) {
+        auto* const cell = table().cellForRow({.row = 0, .section = section});
+        const auto& image = static_cast<SelaShareExtensionAlbumCell&>(*cell).thumbnailView().image();
+        if (!image)
+            return "none";
+        return image->pixels() ? std::to_string(image->pixels()->width) : image->assetName();
+    }
+
+    std::vector<std::string> thumbnails() {
+        std::vector<std::string> shown;
+        for (const IndexPath& row : table().indexPathsForVisibleRows())
+            shown.push_back(thumbnail(row.section));
+        return shown;
+    }
+};
+
+TEST_F(AlbumCoversTest, ARowShowsItsAlbumsCoverUnlessThatIsLockedOrMissing) {
+    publishCover("a.bmp", 20);
+    publishCover("b.bmp", 30);
+    publishAlbums({covered("A", "a.bmp"), covered("Locked", "a.bmp", "1"), covered("B", "b.bmp"),
+                   covered("Missing", "c.bmp"), covered("Outside", "../a.bmp"), album({"Bare"})});
+    publishPasscode("");
+    openPicker();
+    EXPECT_THAT(thumbnails(),
+                testing::ElementsAre("20", "EmptyFolder", "30", "EmptyFolder", "EmptyFolder", "EmptyFolder"));
+}
+
+TEST_F(AlbumCoversTest, NoFrameWaitsForACoverAndAKnownOneIsThereAtOnce) {
+    publishCover("a.bmp", 20);
+    publishAlbums({covered("A", "a.bmp")});
+    publishPasscode("1");
+    openPicker();
+    EXPECT_EQ(thumbnail(0), "none") << "nothing is decoded behind the keypad";
+    picker_->onKeyTouched(button("button1"));
+    window_.prepareFrame();
+    EXPECT_EQ(thumbnail(0), "none");
+    update();
+    EXPECT_EQ(thumbnail(0), "20");
+    table().reloadData();
+    window_.prepareFrame();
+    EXPECT_EQ(thumbnail(0), "20");
+}
+
+TEST_F(AlbumCoversTest, CoversComeForTheRowsInViewWhereverTheTableStands) {
+    std::vector<SharedAlbum> albums;
+    for (int i = 0; i < 30; ++i) {
+        const std::string name = std::to_string(i);
+        publishCover(name, i + 1);
+        albums.push_back(covered(name, name));
+    }
+    publishAlbums(albums);
+    publishPasscode("");
+    openPicker();
+    for (const int first : {0, 20, 10}) {
+        table().setContentOffset({0, first * 55.0});
+        window_.prepareFrame();
+        update();
+        for (const IndexPath& row : table().indexPathsForVisibleRows())
+            EXPECT_EQ(thumbnail(row.section), std::to_string(row.section + 1));
+    }
+}
+
+TEST_F(AlbumCoversTest, KeepsTheCoversAskedForLast) {
+    const auto covers = std::make_shared<AlbumCovers>();
+    const auto load = [&](const std::string& fileName) {
+        bool arrived = false;
+        covers->load(fileName, [&] { arrived = true; });
+        EXPECT_TRUE(covers->isLoading());
+        loop_.runPending();
+        EXPECT_TRUE(arrived);
+        EXPECT_FALSE(covers->isLoading());
+    };
+    for (std::size_t i = 0; i < AlbumCovers::capacity; ++i)
+        load(std::to_string(i));
+    ASSERT_TRUE(covers->cover("0"));
+    EXPECT_FALSE(covers->cover("0")->image);
+    load("one more");
+    EXPECT_TRUE(covers->cover("0"));
+    EXPECT_FALSE(covers->cover("1"));
+    EXPECT_TRUE(covers->cover("one more"));
+}
+
+TEST_F(AlbumCoversTest, WhoHasGoneHearsNothing) {
+    auto covers = std::make_shared<AlbumCovers>();
+    covers->load("a.bmp", [] { ADD_FAILURE() << "called for nobody"; });
+    covers.reset();
+    loop_.runPending();
+
+    publishAlbums({covered("A", "a.bmp")});
+    publishPasscode("");
+    openPicker();
+    picker_->cellForRow(table(), {.row = 0, .section = 0});
+    navigation_->popViewController(false);
+    picker_.reset();
+    loop_.runPending();
+}
+
+} // namespace
+} // namespace sela
