@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <variant>
 #include <vector>
@@ -19,7 +20,14 @@ int fail(sela::ExitStatus status, const std::string& message) {
     return static_cast<int>(status);
 }
 
+bool hasDisplay() {
+    return std::getenv("WAYLAND_DISPLAY") || std::getenv("DISPLAY") || std::getenv("QT_QPA_PLATFORM");
+}
+
 int share(const sela::CommandLine& line) {
+    if (!line.headless && !hasDisplay())
+        return fail(sela::ExitStatus::badArguments, "there is no display; use --headless with steps such as "
+                                                    "--tap addButton");
     const auto request = sela::makeShareRequest(line.attachments);
     if (const auto* const problems = std::get_if<std::vector<std::string>>(&request)) {
         for (const std::string& problem : *problems)
@@ -32,9 +40,9 @@ int share(const sela::CommandLine& line) {
     root->setExtensionContext(context);
     root->loadViewIfNeeded();
     const sela::SelaShareExtensionVc* const screen = sela::shareScreenOf(*root);
-    const sela::ExitStatus status = host.run({root, [screen] { return screen->areImagesShown(); },
-                                              [screen] { return screen->hasAddStarted(); }},
-                                             *context);
+    const sela::ExitStatus status = host.run(
+        {root, [screen] { return screen->areImagesShown(); }, [screen] { return screen->hasAddStarted(); }},
+        *context);
     if (status == sela::ExitStatus::cannotEnd)
         fail(status, "the request cannot end: attachment " +
                          std::to_string(screen->intake().currentAttachmentIndex + 1) + " of " +
