@@ -71,9 +71,11 @@ protected:
 
     static std::vector<SharedItem> recorded() {
         std::vector<SharedItem> items;
-        if (const std::optional<Data> data = sharedDefaults()->data(sharedItemsKey))
-            for (auto& [key, item] : SharedItemLedger::decode(*data).value())
+        if (const std::optional<Data> data = sharedDefaults()->data(sharedItemsKey)) {
+            const auto entries = SharedItemLedger::decode(*data);
+            for (const auto& [key, item] : entries.value())
                 items.push_back(item);
+        }
         return items;
     }
 

@@ -90,9 +90,11 @@ protected:
 
     static std::vector<SharedItem> recorded() {
         std::vector<SharedItem> items;
-        if (const std::optional<Data> data = sharedDefaults()->data(sharedItemsKey))
-            for (auto& [key, item] : SharedItemLedger::decode(*data).value())
+        if (const std::optional<Data> data = sharedDefaults()->data(sharedItemsKey)) {
+            const auto entries = SharedItemLedger::decode(*data);
+            for (const auto& [key, item] : entries.value())
                 items.push_back(item);
+        }
         return items;
     }
 
@@ -251,8 +253,9 @@ TEST_F(ShareFlow, EveryOutcomeLooksLikeDoneAndEndsOnce) {
     for (const Case& c : cases) {
         ends.clear();
         EXPECT_FALSE(sharedDefaults()->removeObject(sharedItemsKey));
-        if (c.name == std::string_view("an unreadable ledger"))
+        if (c.name == std::string_view("an unreadable ledger")) {
             EXPECT_FALSE(sharedDefaults()->setData(sharedItemsKey, asData("not JSON")));
+        }
         window = std::make_unique<UIWindow>(CGSize{375, 667});
         open(c.attachments);
         EXPECT_TRUE(tap("addButton")) << c.name;
