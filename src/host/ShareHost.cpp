@@ -3,6 +3,7 @@
 #include "host/ShareWindow.h"
 #include "host/StepRunner.h"
 #include "platform/foundation/BackgroundWork.h"
+#include "platform/uikit/UIScreen.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -56,6 +57,7 @@ ShareHost::ShareHost(const CommandLine& line)
       painter_(measurer_), window_(ShareWindow::screenSize(line)) {
     QGuiApplication::setQuitOnLastWindowClosed(false);
     TextMeasurer::setCurrent(&measurer_);
+    UIScreen::main().setScale(line.headless || line.hasScale ? line.scale : application_.devicePixelRatio());
     window_.setUserInterfaceStyle(ShareWindow::appearance(line));
 }
 

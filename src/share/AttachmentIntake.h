@@ -64,7 +64,7 @@ public:
     std::vector<UIImage> thumbnails;
 
     /// The longer side in pixels to which thumbnails are decoded, set by the owner before `loadThumbnails`.
-    int thumbnailSide = 534;
+    int thumbnailSide = 320;
 
 private:
     using Attachments = std::vector<std::shared_ptr<NSItemProvider>>;

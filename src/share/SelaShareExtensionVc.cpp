@@ -20,9 +20,10 @@ constexpr double slideAwaySeconds = 0.2;
 constexpr double growSeconds = 0.3;
 constexpr double doneSeconds = 1.5;
 
-/// The width of the front thumbnail in design points, and room for a picture of 4:3 that stands upright.
+/// The width of the front thumbnail in design points. A picture fills its frame, so one that stands upright
+/// is longer than that; 16:9 is the slimmest that cameras make.
 constexpr double frontFrameWidth = 178;
-constexpr double uprightRatio = 4.0 / 3.0;
+constexpr double longestRatio = 16.0 / 9.0;
 
 std::string localized(std::string_view key) {
     return Bundle::main().localizedString(key);
@@ -51,7 +52,7 @@ void SelaShareExtensionVc::viewDidLoad() {
     scale_ = getUIScale(*this);
     intake_->extensionContext = extensionContext();
     intake_->thumbnailSide =
-        static_cast<int>(std::ceil(frontFrameWidth * uprightRatio * scale_ * UIScreen::main().scale()));
+        static_cast<int>(std::ceil(frontFrameWidth * longestRatio * scale_ * UIScreen::main().scale()));
     intake_->itemsCount = intake_->getItemsCount();
     buildTree();
     layoutPanels();
@@ -104,6 +105,7 @@ void SelaShareExtensionVc::updateTitle() {
         count == 1 ? NSAttributedString(localized("Add 1 file to xxx"), plain).format({album})
                    : NSAttributedString(localized("Add xxx files to xxx"), plain)
                          .format({NSAttributedString(std::to_string(count), highlight), album});
+    albumButton_.setTitleFont(font);
     albumButton_.setAttributedTitle(title);
 }
 

@@ -33,6 +33,7 @@ bool hasSameContent(const URL& first, const URL& second) {
     const Result<FileAttributes> firstAttributes = files.attributesOfItem(first.path());
     const Result<FileAttributes> secondAttributes = files.attributesOfItem(second.path());
     if (!firstAttributes || !secondAttributes ||
+        firstAttributes.value().type != FileAttributes::Type::regular ||
         firstAttributes.value().size != secondAttributes.value().size)
         return false;
     if (firstAttributes.value().isSameFile(secondAttributes.value()))
