@@ -3,6 +3,8 @@
 #include "platform/uikit/UILabel.h"
 #include "platform/uikit/UIView.h"
 
+#include <string>
+
 namespace sela {
 
 /// The card that an unlocking screen consists of: a rectangle in the middle of the screen, 320 by 390 points
@@ -17,9 +19,14 @@ public:
     /// Adds the card to a screen's root view, and the title to the card. `scale` is the screen's factor.
     void assemble(UIView& rootView, double scale);
 
+    /// Shows the screen's title; one that would run under the back button, as a long translation might, is
+    /// set in a smaller size. Called after `assemble`.
+    void setTitle(const std::string& title);
+
 private:
     UIView containerView_;
     UILabel titleLabel_;
+    double scale_ = 1;
 };
 
 } // namespace sela

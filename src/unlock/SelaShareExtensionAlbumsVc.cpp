@@ -119,14 +119,14 @@ void SelaShareExtensionAlbumsVc::refresh() {
 }
 
 void SelaShareExtensionAlbumsVc::showLaunchMessage() {
-    card_.titleLabel().setText(localized("Pick Album"));
+    card_.setTitle(localized("Pick Album"));
     keypad_.setHidden(true);
     tableView_.setHidden(true);
     launchMainAppLabel_.setHidden(false);
 }
 
 void SelaShareExtensionAlbumsVc::showAlbumTable() {
-    card_.titleLabel().setText(localized("Pick Album"));
+    card_.setTitle(localized("Pick Album"));
     keypad_.setHidden(true);
     tableView_.setHidden(false);
     launchMainAppLabel_.setHidden(true);
@@ -134,7 +134,7 @@ void SelaShareExtensionAlbumsVc::showAlbumTable() {
 }
 
 void SelaShareExtensionAlbumsVc::showKeypad() {
-    card_.titleLabel().setText(localized("Input Passcode"));
+    card_.setTitle(localized("Input Passcode"));
     keypad_.setHidden(false);
     tableView_.setHidden(true);
     launchMainAppLabel_.setHidden(true);

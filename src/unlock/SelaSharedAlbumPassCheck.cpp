@@ -61,7 +61,7 @@ void SelaSharedAlbumPassCheck::layoutSubTitle(double scale) {
 }
 
 void SelaSharedAlbumPassCheck::refresh() {
-    card_.titleLabel().setText(Bundle::main().localizedString("Input Passcode"));
+    card_.setTitle(Bundle::main().localizedString("Input Passcode"));
     keypad_.showEntry(currentPassword_.size());
 }
 

@@ -1,7 +1,9 @@
 #include "unlock/SelaSharedAlbumPassCheck.h"
 
+#include "unlock/PasscodeCard.h"
 #include "unlock/UnlockTest.h"
 
+#include <cmath>
 #include <gmock/gmock.h>
 
 namespace sela {
@@ -117,6 +119,20 @@ TEST_F(PassCheckTest, AScreenThatIsGoneDuringTheShakeIsLeftAlone) {
 TEST(PassCheckDeathTest, IsBuiltInCodeOnly) {
     EXPECT_DEATH(SelaSharedAlbumPassCheck(NSCoder{}), "init\\(coder:\\) has not been implemented");
     EXPECT_DEATH(SelaSharedAlbumPassCheck{std::nullopt}, "unimplemented initializer");
+}
+
+TEST(PasscodeCard, ALongTitleStaysClearOfTheBackButton) {
+    for (const double scale : {320.0 / 375, 1.0, 2.04}) {
+        UIView root;
+        PasscodeCard card;
+        card.assemble(root, scale);
+        card.setTitle("Pick Album");
+        EXPECT_DOUBLE_EQ(card.titleLabel().font().size(), std::ceil(20 * scale));
+        card.setTitle("Bitte geben Sie den Zahlencode des Tresors ein");
+        const double side = (std::ceil(320 * scale) - card.titleLabel().intrinsicContentSize().width) / 2;
+        EXPECT_GE(side, std::ceil(46 * scale) - 1e-9);
+        EXPECT_GE(side, 60 - 1e-9);
+    }
 }
 
 } // namespace

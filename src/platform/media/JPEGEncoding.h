@@ -8,7 +8,8 @@
 namespace sela {
 
 /// The pixels as a JPEG file at `quality` 0.0 to 1.0 (values outside count as the nearer end), transparent
-/// parts flattened on white. Absent for no pixels or a side above the 65,500 that libjpeg writes. Thread-safe.
+/// parts flattened on white. Absent for no pixels or a side above the 65,500 that libjpeg writes.
+/// Thread-safe.
 std::optional<Data> encodeJPEG(const PixelBuffer& pixels, double quality);
 
 } // namespace sela
