@@ -125,8 +125,8 @@ TEST(ThreadPoolQueue, ADelayedTaskRunsAndKeepsTheLoopWaiting) {
 }
 
 TEST(ThreadPoolQueue, TwoThreadsRunAtOnce) {
-    ThreadPoolQueue queue(2);
     std::latch together(2);
+    ThreadPoolQueue queue(2);
     queue.async([&] { together.arrive_and_wait(); });
     queue.async([&] { together.arrive_and_wait(); });
 }
