@@ -41,9 +41,7 @@ public:
 
 private:
     void readOption(const std::string& option) {
-        if (option == "--paste")
-            line_.paste = true;
-        else if (option == "--headless")
+        if (option == "--headless")
             line_.headless = true;
         else if (option == "--help" || option == "-h")
             line_.help = true;
@@ -150,7 +148,6 @@ the vault's container and records it there for the vault to import.
 
   FILE, file://URL     one attachment each; all belong to one request
   -                    a picture from standard input
-  --paste              what is on the clipboard
 
   --screen WxH         size of the screen in points (375x667 without a display)
   --scale N            pixels per point

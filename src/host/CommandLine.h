@@ -30,8 +30,7 @@ struct CommandLine {
     enum class Appearance { automatic, light, dark };
 
     std::vector<std::string> attachments; ///< paths, file URLs, or "-" for a picture on standard input
-    bool paste = false;
-    std::optional<double> screenWidth; ///< points; absent without --screen
+    std::optional<double> screenWidth;    ///< points; absent without --screen
     std::optional<double> screenHeight;
     double scale = 1; ///< pixels per point of pictures and windows without a display's own
     bool hasScale = false;

@@ -43,7 +43,8 @@ CGSize ShareWindow::screenSize(const CommandLine& line) {
     if (!screen || !coversScreen(line))
         return defaultScreenSize;
     const double unit = line.hasScale ? line.scale / screen->devicePixelRatio() : 1;
-    return {screen->size().width() / unit, screen->size().height() / unit};
+    const QSize size = isWayland() ? screen->availableSize() : screen->size();
+    return {size.width() / unit, size.height() / unit};
 }
 
 UIUserInterfaceStyle ShareWindow::appearance(const CommandLine& line) {
@@ -75,7 +76,11 @@ ShareWindow::~ShareWindow() {
 void ShareWindow::open() {
     if (!coversScreen_) {
         const CGSize size = window_.bounds().size;
-        resize((QSizeF(size.width, size.height) * unitsPerPoint()).toSize());
+        // The screens are laid out once for a screen of this size, as on a phone.
+        const QSize pixels = (QSizeF(size.width, size.height) * unitsPerPoint()).toSize();
+        setMinimumSize(pixels);
+        setMaximumSize(pixels);
+        resize(pixels);
         show();
     } else if (isWayland()) {
         // Behind a full-screen window of Wayland there is nothing to see, behind a maximized one there is.

@@ -117,10 +117,12 @@ void StepRunner::requestEnded() {
     std::optional<std::string> failure;
     while (running_ && !failure && !steps_.empty()) {
         const Step step = steps_.front();
-        if (step.kind != Step::Kind::snapshot && step.kind != Step::Kind::tree)
+        const bool shows = step.kind == Step::Kind::snapshot || step.kind == Step::Kind::tree;
+        if (!shows && step.kind != Step::Kind::wait)
             break;
         steps_.pop_front();
-        failure = take(step);
+        if (shows)
+            failure = take(step);
     }
     finish(failure);
 }

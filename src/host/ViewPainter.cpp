@@ -87,11 +87,11 @@ void ViewPainter::paintView(QPainter& painter, const UIView& view) {
                 paintShadow(painter, view);
             paintGroup(painter, view, shown.alpha, masks);
         } else {
+            if (!masks)
+                paintShadow(painter, view);
             painter.setOpacity(painter.opacity() * shown.alpha);
             if (masks)
                 painter.setClipRect(toQt(shown.bounds), Qt::IntersectClip);
-            else
-                paintShadow(painter, view);
             paintInside(painter, view, true);
         }
     }

@@ -20,6 +20,12 @@ int fail(sela::ExitStatus status, const std::string& message) {
     return static_cast<int>(status);
 }
 
+int misuse(const std::string& message) {
+    const int status = fail(sela::ExitStatus::badArguments, message);
+    std::fputs("Try \"sela-share --help\".\n", stderr);
+    return status;
+}
+
 bool hasDisplay() {
     return std::getenv("WAYLAND_DISPLAY") || std::getenv("DISPLAY") || std::getenv("QT_QPA_PLATFORM");
 }
@@ -60,7 +66,7 @@ int main(int argc, char** argv) {
     sela::Bundle::main();
     const auto parsed = sela::CommandLine::parse(std::vector<std::string>(argv + 1, argv + argc));
     if (const auto* const problem = std::get_if<std::string>(&parsed))
-        return fail(sela::ExitStatus::badArguments, *problem + "\nTry \"sela-share --help\".");
+        return misuse(*problem);
     const auto& line = std::get<sela::CommandLine>(parsed);
     if (line.help)
         return std::fputs(sela::CommandLine::usage().c_str(), stdout) < 0;

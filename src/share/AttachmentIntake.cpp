@@ -85,8 +85,8 @@ void AttachmentIntake::addThumbnail(const NSItemProvider::Item& item, const Erro
 }
 
 void AttachmentIntake::saveAttachments(const Completion& completion) {
-    if (extensionContext)
-        NSLog("InputItems count = " + std::to_string(extensionContext->inputItems.size()));
+    const std::size_t inputItems = extensionContext ? extensionContext->inputItems.size() : 0;
+    NSLog("InputItems count = " + std::to_string(inputItems));
     const Attachments* const list = attachments();
     if (!list || currentAttachmentIndex >= countOf(*list)) {
         completion(nullptr);
@@ -142,6 +142,9 @@ AttachmentIntake::Completion AttachmentIntake::advancing(const Completion& compl
             completion(error);
             return;
         }
+        // What is under way is finished; nothing new begins once the request is over.
+        if (self->extensionContext->hasEnded())
+            return;
         self->currentAttachmentIndex += 1;
         self->saveAttachments(completion);
     };

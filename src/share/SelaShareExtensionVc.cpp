@@ -2,6 +2,7 @@
 
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/DispatchQueue.h"
+#include "platform/foundation/FatalError.h"
 #include "platform/uikit/NSAttributedString.h"
 #include "platform/uikit/UINavigationController.h"
 #include "platform/uikit/UIScreen.h"
@@ -46,6 +47,10 @@ std::weak_ptr<SelaShareExtensionVc> weakReference(SelaShareExtensionVc& screen) 
 SelaShareExtensionVc::SelaShareExtensionVc()
     : resultIcon_(UIImage::named("Success")), disclosureIcon_(UIImage::named("Disclosure")),
       intake_(std::make_shared<AttachmentIntake>()) {}
+
+SelaShareExtensionVc::SelaShareExtensionVc(const NSCoder&) {
+    fatalError("init(coder:) has not been implemented");
+}
 
 void SelaShareExtensionVc::viewDidLoad() {
     UIViewController::viewDidLoad();

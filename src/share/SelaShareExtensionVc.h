@@ -25,6 +25,9 @@ class SelaShareExtensionVc : public UIViewController, public SelaShareExtensionA
 public:
     SelaShareExtensionVc();
 
+    /// Stops the process: there are no archives.
+    explicit SelaShareExtensionVc(const NSCoder& coder);
+
     void viewDidLoad() override;
     void viewDidLayoutSubviews() override;
 

@@ -95,7 +95,7 @@ void SelaShareExtensionVc::layoutPanels() {
 void SelaShareExtensionVc::layoutCard() {
     titleLabel_.snp().makeConstraints([&](ConstraintMaker& make) {
         make.left().right().equalToSuperview().inset(whole(20));
-        make.top().equalToSuperview().offset(whole(6));
+        make.top().equalToSuperview();
         make.height().equalTo(whole(46));
     });
     // The line is 44 points high, so that a finger finds it.
@@ -127,7 +127,7 @@ void SelaShareExtensionVc::layoutThumbnails() {
     imageViewContainer_.snp().makeConstraints([&](ConstraintMaker& make) {
         make.size().equalTo(CGSize{whole(178), whole(stack.height)});
         make.centerX().equalToSuperview();
-        make.top().equalTo(albumButton_.snp().bottom()).offset(whole(stack.topOffset) - whole(14));
+        make.top().equalTo(albumButton_.snp().bottom()).offset(whole(stack.topOffset));
     });
     imageView1Container_.snp().makeConstraints([&](ConstraintMaker& make) {
         make.size().equalTo(CGSize{whole(178), whole(128)});

@@ -42,6 +42,8 @@ public:
         // An empty source is never reported: there is nothing to record.
         if (const std::int64_t size = attributes.value().size; size > 0)
             end(copyBlocks(size));
+        else
+            output_->synchronize();
         input_->close();
         output_->close();
     }

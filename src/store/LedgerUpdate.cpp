@@ -38,18 +38,20 @@ ErrorRef encodingError() {
                                      "The item cannot be encoded: a text is not UTF-8");
 }
 
-ErrorRef storeFresh(UserDefaults& defaults, const std::string& key, const SharedItem& item) {
+/// Stores a ledger with this item alone. An unreadable one that it replaces is set aside first: somebody may
+/// still want to mend it.
+ErrorRef storeFresh(UserDefaults& defaults, const std::string& key, const SharedItem& item,
+                    const std::optional<Data>& unreadable) {
     const std::optional<Data> ledger = SharedItemLedger::fresh(key, item);
     if (!ledger) {
         NSLog("SharedItemManager, saveItem: falied to encode sharedItemsDictionary");
         return nullptr;
     }
+    if (unreadable)
+        if (ErrorRef error =
+                defaults.setData(std::string(unreadableItemsKeyPrefix) + uniqueTimeText(), *unreadable))
+            return error;
     return defaults.setData(sharedItemsKey, *ledger);
-}
-
-/// Sets an unreadable ledger aside before a fresh one replaces it: somebody may still want to mend it.
-ErrorRef setAside(UserDefaults& defaults, const Data& ledger) {
-    return defaults.setData(std::string(unreadableItemsKeyPrefix) + uniqueTimeText(), ledger);
 }
 
 /// One attempt, inside a transaction. Returns an error only when storing failed.
@@ -57,15 +59,14 @@ ErrorRef record(UserDefaults& defaults, const SharedItem& item, bool replaceUnre
     const std::string key = SharedItemLedger::key(item);
     const std::optional<Data> ledger = defaults.data(sharedItemsKey);
     if (!ledger)
-        return storeFresh(defaults, key, item);
+        return storeFresh(defaults, key, item, std::nullopt);
     const Result<bool> present = SharedItemLedger::contains(*ledger, key);
     if (!present) {
         if (!replaceUnreadable) {
             outcome.unreadable = present.error();
             return nullptr;
         }
-        const ErrorRef error = setAside(defaults, *ledger);
-        return error ? error : storeFresh(defaults, key, item);
+        return storeFresh(defaults, key, item, ledger);
     }
     if (present.value()) {
         NSLog("SharedItemManager, saveItem: item already exists, album = " + describe(item.albumNames) +

@@ -87,7 +87,7 @@ void SelaShareExtensionAlbumCell::showArrow() {
     } else {
         arrow.setHidden(true);
     }
-    // The two widths contradict each other: the design states both, and the first one holds.
+    // The two widths contradict each other: both are asked for, and the first one holds.
     arrow.snp().remakeConstraints([&](ConstraintMaker& make) {
         make.center().equalToSuperview();
         make.size().equalTo(CGSize{20, 20});

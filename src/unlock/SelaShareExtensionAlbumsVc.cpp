@@ -275,7 +275,7 @@ void SelaShareExtensionAlbumsVc::loadNextCover() {
     for (const IndexPath& indexPath : tableView_.indexPathsForVisibleRows()) {
         const SharedAlbum* const album = albums_.album(indexPath.section, indexPath.row);
         auto* const cell = static_cast<SelaShareExtensionAlbumCell*>(tableView_.cellForRow(indexPath));
-        if (!album || cell->thumbnailView().image())
+        if (!album || album->password || !album->thumbNailName || cell->thumbnailView().image())
             continue;
         if (!covers_->cover(*album->thumbNailName)) {
             covers_->load(*album->thumbNailName, [this] { loadNextCover(); });

@@ -35,13 +35,13 @@ public:
     explicit SelaShareExtensionAlbumsVc(const NSCoder& coder);
 
     /// Whoever takes the choice; nobody at first, and nobody once it is gone.
-    /// Whether no cover is on its way any more.
-    bool areCoversShown() const { return !covers_->isLoading(); }
-
     const std::weak_ptr<SelaShareExtensionAlbumsVcDelegate>& delegate() const { return delegate_; }
     void setDelegate(std::weak_ptr<SelaShareExtensionAlbumsVcDelegate> delegate) {
         delegate_ = std::move(delegate);
     }
+
+    /// Whether no cover is on its way any more.
+    bool areCoversShown() const { return !covers_->isLoading(); }
 
     const AlbumTree& albums() const { return albums_; }
 

@@ -26,34 +26,45 @@ std::int64_t fill(InputStream& stream, std::span<std::byte> buffer) {
     return static_cast<std::int64_t>(filled);
 }
 
-} // namespace
-
-bool hasSameContent(const URL& first, const URL& second) {
-    FileManager& files = FileManager::defaultManager();
-    const Result<FileAttributes> firstAttributes = files.attributesOfItem(first.path());
-    const Result<FileAttributes> secondAttributes = files.attributesOfItem(second.path());
-    if (!firstAttributes || !secondAttributes ||
-        firstAttributes.value().type != FileAttributes::Type::regular ||
-        firstAttributes.value().size != secondAttributes.value().size)
-        return false;
-    if (firstAttributes.value().isSameFile(secondAttributes.value()))
-        return true;
-    const Result<std::unique_ptr<InputStream>> firstStream = files.inputStream(first);
-    const Result<std::unique_ptr<InputStream>> secondStream = files.inputStream(second);
-    if (!firstStream || !secondStream)
-        return false;
+Result<bool> haveSameBytes(InputStream& first, InputStream& second) {
     std::vector<std::byte> firstBlock(blockSize);
     std::vector<std::byte> secondBlock(blockSize);
     while (true) {
-        const std::int64_t firstCount = fill(*firstStream.value(), firstBlock);
-        const std::int64_t secondCount = fill(*secondStream.value(), secondBlock);
-        if (firstCount < 0 || firstCount != secondCount)
+        const std::int64_t firstCount = fill(first, firstBlock);
+        const std::int64_t secondCount = fill(second, secondBlock);
+        if (firstCount < 0)
+            return first.streamError();
+        if (secondCount < 0)
+            return second.streamError();
+        if (firstCount != secondCount)
             return false;
         if (firstCount == 0)
             return true;
         if (!std::equal(firstBlock.begin(), firstBlock.begin() + firstCount, secondBlock.begin()))
             return false;
     }
+}
+
+} // namespace
+
+Result<bool> hasSameContent(const URL& first, const URL& second) {
+    FileManager& files = FileManager::defaultManager();
+    const Result<FileAttributes> firstAttributes = files.attributesOfEntry(first.path());
+    const Result<FileAttributes> secondAttributes = files.attributesOfEntry(second.path());
+    if (!firstAttributes || !secondAttributes)
+        return false;
+    for (const FileAttributes& attributes : {firstAttributes.value(), secondAttributes.value()})
+        if (attributes.type != FileAttributes::Type::regular ||
+            attributes.size != firstAttributes.value().size)
+            return false;
+    if (firstAttributes.value().isSameFile(secondAttributes.value()))
+        return true;
+    const Result<std::unique_ptr<InputStream>> firstStream = files.inputStream(first);
+    const Result<std::unique_ptr<InputStream>> secondStream = files.inputStream(second);
+    for (const auto* const stream : {&firstStream, &secondStream})
+        if (ErrorRef error = stream->error())
+            return error;
+    return haveSameBytes(*firstStream.value(), *secondStream.value());
 }
 
 } // namespace sela

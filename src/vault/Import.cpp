@@ -69,9 +69,15 @@ Result<Import::Report> Import::run() {
     const Result<std::vector<SharedItemLedger::Entry>> entries = ledger();
     if (!entries)
         return entries.error();
-    for (const SharedItemLedger::Entry& entry : entries.value())
-        if (const ErrorRef error = importEntry(entry))
-            report_.problems.push_back(entry.second.fileName + ": " + error->localizedDescription());
+    for (const SharedItemLedger::Entry& entry : entries.value()) {
+        const ErrorRef error = importEntry(entry);
+        if (!error)
+            continue;
+        report_.problems.push_back(entry.second.fileName + ": " + error->localizedDescription());
+        // Its place is noted and perhaps taken; the next import must find that note to finish it.
+        if (journalNoted_)
+            return std::move(report_);
+    }
     if (ErrorRef error = findUnrecorded())
         return error;
     return std::move(report_);
@@ -81,41 +87,59 @@ Result<std::vector<SharedItemLedger::Entry>> Import::ledger() const {
     const std::optional<UserDefaults> defaults = sharedDefaults();
     if (!defaults)
         return ShareExtensionError::make("UserDefaults is nil");
-    const std::optional<Data> text = defaults->data(sharedItemsKey);
+    const Result<std::optional<Data>> text = defaults->readData(sharedItemsKey);
     if (!text)
+        return text.error();
+    if (!text.value())
         return std::vector<SharedItemLedger::Entry>();
-    return SharedItemLedger::decode(*text);
+    return SharedItemLedger::decode(*text.value());
 }
 
 ErrorRef Import::recover() {
     std::optional<UserDefaults> defaults = sharedDefaults();
     if (!defaults)
         return ShareExtensionError::make("UserDefaults is nil");
-    const std::optional<Data> text = defaults->data(journalKey);
+    const Result<std::optional<Data>> text = defaults->readData(journalKey);
     if (!text)
+        return text.error();
+    if (!text.value())
         return nullptr;
     Journal journal;
     const auto next = [&](std::string_view) -> void* { return &journal; };
-    const ErrorRef unreadable = readJSONArray(*text, Journal::jsonFields(), next);
+    const ErrorRef unreadable = readJSONArray(*text.value(), Journal::jsonFields(), next);
     const std::optional<URL> target = URL::parse(journal.target);
-    if (!unreadable && target && isSinglePathComponent(journal.fileName)) {
-        const URL source =
-            container_->appendingPathComponent(itemsFolderName).appendingPathComponent(journal.fileName);
-        // The target is ours only if it holds the very content: somebody else may have made a file there.
-        if (hasSameContent(source, *target)) {
-            const Result<std::vector<SharedItemLedger::Entry>> entries = ledger();
-            if (!entries)
-                return entries.error();
-            for (const auto& [key, item] : entries.value())
-                if (key == journal.key && item.fileName == journal.fileName)
-                    if (ErrorRef error = takeOutOfLedger(key, item))
-                        return error;
-            if (ErrorRef error = FileManager::defaultManager().removeItem(source.path()))
-                return error;
-            report_.imported.push_back(target->path());
-        }
-    }
+    if (!unreadable && target && isSinglePathComponent(journal.fileName))
+        if (ErrorRef error = finish(journal, *target))
+            return error;
     return defaults->removeObject(journalKey);
+}
+
+ErrorRef Import::finish(const Journal& journal, const URL& target) {
+    const URL source = itemURL(journal.fileName);
+    // The target is ours only if it holds the very content: somebody else may have made a file there.
+    const Result<bool> placed = hasSameContent(source, target);
+    if (!placed)
+        return placed.error();
+    if (!placed.value())
+        return nullptr;
+    FileManager& files = FileManager::defaultManager();
+    if (ErrorRef error = files.synchronizeDirectory(target.deletingLastPathComponent().path()))
+        return error;
+    const Result<std::vector<SharedItemLedger::Entry>> entries = ledger();
+    if (!entries)
+        return entries.error();
+    for (const auto& [key, item] : entries.value())
+        if (key == journal.key && item.fileName == journal.fileName)
+            if (ErrorRef error = takeOutOfLedger(key, item))
+                return error;
+    if (ErrorRef error = files.removeItem(source.path()))
+        return error;
+    report_.imported.push_back(target.path());
+    return nullptr;
+}
+
+URL Import::itemURL(const std::string& fileName) const {
+    return container_->appendingPathComponent(itemsFolderName).appendingPathComponent(fileName);
 }
 
 ErrorRef Import::importEntry(const SharedItemLedger::Entry& entry) {
@@ -123,8 +147,7 @@ ErrorRef Import::importEntry(const SharedItemLedger::Entry& entry) {
     if (!isSinglePathComponent(item.fileName))
         return ShareExtensionError::make("the file name leads elsewhere");
     FileManager& files = FileManager::defaultManager();
-    const URL source =
-        container_->appendingPathComponent(itemsFolderName).appendingPathComponent(item.fileName);
+    const URL source = itemURL(item.fileName);
     const Result<FileAttributes> attributes = files.attributesOfEntry(source.path());
     if (!attributes)
         return attributes.error();
@@ -144,6 +167,7 @@ ErrorRef Import::importEntry(const SharedItemLedger::Entry& entry) {
         if (std::optional<UserDefaults> defaults = sharedDefaults())
             if (ErrorRef error = defaults->removeObject(journalKey))
                 return error;
+        journalNoted_ = false;
     }
     report_.imported.push_back(target.value().path());
     return nullptr;
@@ -173,7 +197,8 @@ ErrorRef Import::putAt(const URL& source, const URL& target) {
 }
 
 URL Import::temporaryCopy() const {
-    return options_.into.appendingPathComponent(".sela-import");
+    // Named after the group, since imports of two groups may go to one folder.
+    return options_.into.appendingPathComponent(".sela-import-" + container_->lastPathComponent());
 }
 
 ErrorRef Import::copyTo(const URL& source, const URL& target) {
@@ -208,6 +233,7 @@ ErrorRef Import::noteJournal(const Journal& journal) {
     std::optional<UserDefaults> defaults = sharedDefaults();
     if (!defaults)
         return ShareExtensionError::make("UserDefaults is nil");
+    journalNoted_ = true;
     return defaults->setData(journalKey, asData(writer.text()));
 }
 
@@ -241,6 +267,9 @@ ErrorRef Import::findUnrecorded() {
     const Result<std::vector<SharedItemLedger::Entry>> entries = ledger();
     if (!entries)
         return entries.error();
+    const std::optional<UserDefaults> defaults = sharedDefaults();
+    // A ledger that is kept aside may still know some of the files.
+    const bool prune = options_.prune && defaults && defaults->keys(unreadableItemsKeyPrefix).empty();
     std::set<std::string_view> recorded;
     for (const SharedItemLedger::Entry& entry : entries.value())
         recorded.insert(entry.second.fileName);
@@ -252,7 +281,7 @@ ErrorRef Import::findUnrecorded() {
         if (!attributes)
             continue;
         const bool old = secondsSince1970() - attributes.value().modificationDate > dayInSeconds;
-        if (options_.prune && old && !files.removeItem(path))
+        if (prune && old && !files.removeItem(path))
             report_.pruned.push_back(name);
         else
             report_.unrecorded.push_back(name);

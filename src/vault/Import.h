@@ -19,9 +19,11 @@ namespace sela {
 class Import {
 public:
     struct Options {
-        URL into;           ///< made if missing
-        bool keep = false;  ///< copy only: the ledger and "Items" stay as they are
-        bool prune = false; ///< remove files of "Items" that nobody recorded and that are older than a day
+        URL into;          ///< made if missing
+        bool keep = false; ///< copy only: the ledger and "Items" stay as they are
+        /// Remove files of "Items" that nobody recorded and that are older than a day. While an unreadable
+        /// ledger is kept in the settings nothing is removed: it may know them.
+        bool prune = false;
     };
 
     /// What became of the entries and files; each line is for a person.
@@ -43,6 +45,9 @@ private:
     struct Journal;
 
     ErrorRef recover();
+
+    /// Finishes what the journal notes, if the file got to its place.
+    ErrorRef finish(const Journal& journal, const URL& target);
     ErrorRef importEntry(const SharedItemLedger::Entry& entry);
     Result<URL> place(const SharedItemLedger::Entry& entry, const URL& source, const URL& folder);
     ErrorRef putAt(const URL& source, const URL& target);
@@ -52,10 +57,12 @@ private:
     ErrorRef takeOutOfLedger(const std::string& key, const SharedItem& item);
     ErrorRef findUnrecorded();
     Result<std::vector<SharedItemLedger::Entry>> ledger() const;
+    URL itemURL(const std::string& fileName) const;
 
     const Options options_;
     std::optional<URL> container_;
     Report report_;
+    bool journalNoted_ = false; ///< a file is on its way, and the settings say so
 };
 
 } // namespace sela

@@ -50,10 +50,12 @@ Result<std::vector<SharedItemLedger::Entry>> entriesOfLedger() {
     const std::optional<UserDefaults> defaults = sharedDefaults();
     if (!defaults)
         return settingsMissing();
-    const std::optional<Data> ledger = defaults->data(sharedItemsKey);
+    const Result<std::optional<Data>> ledger = defaults->readData(sharedItemsKey);
     if (!ledger)
+        return ledger.error();
+    if (!ledger.value())
         return std::vector<SharedItemLedger::Entry>();
-    return SharedItemLedger::decode(*ledger);
+    return SharedItemLedger::decode(*ledger.value());
 }
 
 std::string sizeOf(const SharedItem& item) {
@@ -71,10 +73,12 @@ Result<std::string> albumsTable() {
     const std::optional<UserDefaults> defaults = sharedDefaults();
     if (!defaults)
         return settingsMissing();
-    const std::optional<Data> catalogue = defaults->data(sharedAlbumsKey);
+    const Result<std::optional<Data>> catalogue = defaults->readData(sharedAlbumsKey);
     if (!catalogue)
+        return catalogue.error();
+    if (!catalogue.value())
         return ShareExtensionError::make("no catalogue is published; run \"sela-vault publish\"");
-    const Result<std::vector<SharedAlbum>> albums = decodeJSONArray<SharedAlbum>(*catalogue);
+    const Result<std::vector<SharedAlbum>> albums = decodeJSONArray<SharedAlbum>(*catalogue.value());
     if (!albums)
         return albums.error();
     std::vector<Row> rows = {{"VAULT", "LOCK", "ALBUM", "COVER"}};

@@ -4,6 +4,7 @@
 #include "vault/PasscodeFile.h"
 #include "vault/Publishing.h"
 
+#include <csignal>
 #include <cstdio>
 #include <optional>
 #include <string>
@@ -136,6 +137,9 @@ int import(Arguments arguments) {
 } // namespace
 
 int main(int argc, char** argv) {
+    // A file that would exceed a limit, or a reader that has gone, is an error of its write.
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
     Arguments arguments(argv + 1, argv + argc);
     if (arguments.empty())
         return misuse("a command is missing");

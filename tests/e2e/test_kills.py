@@ -2,6 +2,7 @@
 
 import os
 import random
+import shutil
 import signal
 import subprocess
 import time
@@ -18,43 +19,43 @@ class Kills(HomeTest):
                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def placed(self):
-        return [path for path in (self.home / "into").rglob("*") if path.is_file() and path.name != ".sela-import"]
+        return [path for path in (self.home / "into").rglob("*") if path.is_file() and not path.name.startswith(".sela-import")]
 
     def test_two_shares_and_an_import_killed_at_random_moments(self):
         seed = int(os.environ.get("SELA_SEED", time.time()))
         print("SELA_SEED =", seed)
         chance = random.Random(seed)
         self.provision()
-        contents = {name: {os.urandom(size)} for name, size in
-                    [("a.jpg", 10), ("b.jpg", 300_000), ("c.mov", 2 * 1024 * 1024 + 1)]}
-        files = [self.write(name, next(iter(content))) for name, content in contents.items()]
-        add = ["--headless", "--tap-now", "addButton", *files]
-        for _ in range(ROUNDS):
-            running = [self.start("sela-share", *add), self.start("sela-share", *add),
-                       self.start("sela-vault", "import", "--into", self.home / "into")]
-            recorded = self.ledger()
+        contents = {}  # by the name under which it is shared: each content is shared once
+        recorded = set()
+        for round_number in range(ROUNDS):
+            shares = []
+            for share in ("a", "b"):
+                files = []
+                for size in (10, 300_000, 2 * 1024 * 1024 + 1):
+                    name = f"{round_number}-{share}-{size}.jpg"
+                    contents[name] = {chance.randbytes(16) + os.urandom(size - 10)}
+                    files.append(self.write("source/" + name, next(iter(contents[name]))))
+                shares.append(self.start("sela-share", "--headless", "--tap-now", "addButton", *files))
+            running = [*shares, self.start("sela-vault", "import", "--into", self.home / "into")]
             for process in chance.sample(running, len(running)):
-                time.sleep(chance.uniform(0, 0.9))
+                time.sleep(chance.uniform(0, 0.5))
                 process.send_signal(signal.SIGKILL)
                 process.wait()
             self.assert_recorded_files_are_whole(contents)
-            still = self.ledger()
-            imported = {path.read_bytes() for path in self.placed()}
-            for key, entry in recorded.items():
-                if key not in still:
-                    self.assertLessEqual(contents[entry["preferredName"]], imported, "an entry went without its file")
-        # A share that completed is recorded three times over; all of it is imported, once.
-        before = len(self.placed())
-        waiting = len(self.ledger())
-        self.add(*files)
+            recorded |= {entry["preferredName"] for entry in self.ledger().values()}
+            shutil.rmtree(self.home / "source")
         self.vault("import", "--into", self.home / "into")
         self.assertEqual(self.ledger(), {})
-        # An entry whose place was noted before the last kill may have its file there already.
-        self.assertIn(len(self.placed()) - before, (waiting + len(files), waiting + len(files) - 1))
+        placed = {}
         for path in self.placed():
-            name = path.name.split(" (")[0].split(".")[0]
-            original = next(key for key in contents if key.startswith(name))
-            self.assertIn(path.read_bytes(), contents[original], path)
+            placed.setdefault(path.name, []).append(path)
+        self.assertLessEqual(recorded, set(placed), "an entry went without its file")
+        self.assertGreater(len(recorded), ROUNDS // 4, "the kills left nothing to look at")
+        for name, paths in placed.items():
+            self.assertIn(name, contents, "a file was imported twice")
+            self.assertEqual(len(paths), 1)
+            self.assertIn(paths[0].read_bytes(), contents[name], name)
 
 
 class AtOnce(HomeTest):

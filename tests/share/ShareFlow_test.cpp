@@ -170,6 +170,12 @@ TEST_F(ShareFlow, ThePileOfThumbnailsDependsOnTheirNumber) {
         window = std::make_unique<UIWindow>(CGSize{375, 667});
         open(std::vector<std::shared_ptr<NSItemProvider>>(static_cast<std::size_t>(c.files), file("a.mp3")));
         EXPECT_EQ(view("imageViewContainer").frame().size, (CGSize{178, c.height})) << c.files;
+        EXPECT_NEAR(shown("imageViewContainer").origin.y - shown("albumButton").origin.y - 44,
+                    c.files >= 3   ? 30
+                    : c.files == 2 ? 34
+                                   : 37,
+                    1e-9);
+        EXPECT_EQ(shown("titleLabel").origin.y, shown("containerView").origin.y);
         expectRect(view("imageView1Container").frame(), 0, c.height - 128, 178, 128);
         expectRect(view("imageView2Container").frame(), 18, c.second, 142, 100);
         expectRect(view("imageView3Container").frame(), 32.5, c.third, 113, 100);
@@ -265,6 +271,22 @@ TEST_F(ShareFlow, EveryOutcomeLooksLikeDoneAndEndsOnce) {
         EXPECT_THAT(ends, ElementsAre("completed")) << c.name;
         EXPECT_EQ(recorded().size(), c.recordedItems) << c.name;
     }
+}
+
+TEST_F(ShareFlow, ARequestThatIsOverBeginsNoFurtherFile) {
+    open({file("a.jpg"), file("b.jpg"), file("c.jpg")});
+    EXPECT_TRUE(tap("addButton"));
+    loop.advance(0.59);
+    EXPECT_THAT(recorded(), IsEmpty());
+    // Saving begins at 0.6 seconds; the request ends while the first file is under way.
+    loop.asyncAfter(0.01, [this] {
+        context->cancelRequestWithError(
+            std::make_shared<NSError>(NSCocoaErrorDomain, NSUserCancelledError, "closed"));
+    });
+    loop.advance(5);
+    EXPECT_THAT(ends, ElementsAre("NSCocoaErrorDomain 3072"));
+    EXPECT_LE(recorded().size(), 1u);
+    EXPECT_EQ(label("resultLabel").text(), "Adding...");
 }
 
 TEST_F(ShareFlow, AnEmptyFileStaysAtAdding) {
@@ -366,7 +388,7 @@ TEST_F(ShareFlow, TheComposeScreenCompletesAtOnceAndSavesNothing) {
 using ShareFlowDeathTest = ShareFlow;
 
 TEST_F(ShareFlowDeathTest, EndingWithoutARequestStopsTheProcess) {
-    EXPECT_DEATH(ShareViewController().didSelectPost(), "");
+    EXPECT_DEATH(ShareViewController().didSelectPost(), "the extension has no request to end");
 }
 
 } // namespace

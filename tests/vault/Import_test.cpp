@@ -122,7 +122,7 @@ TEST_F(ImportTest, KeepingCopiesAndLeavesEverything) {
     import(true);
     EXPECT_THAT(placed(), ElementsAre("vault/Trips/Rome/a.jpg: content of 1.5a.jpg"));
     EXPECT_THAT(ledger(), SizeIs(1));
-    EXPECT_FALSE(hasSameContent(into, into)) << "folders are no files";
+    EXPECT_FALSE(hasSameContent(into, into).value()) << "folders are no files";
     home.write("into/vault/Trips/Rome/a.jpg", "changed by the user");
     EXPECT_EQ(contentOf(items() / "1.5a.jpg"), "content of 1.5a.jpg") << "the copy was the same file";
 }
@@ -164,6 +164,14 @@ TEST_F(ImportTest, UnrecordedFilesAreToldAndPrunedWhenOld) {
     const Import::Report report = import(false, true);
     EXPECT_THAT(report.pruned, ElementsAre("old.jpg"));
     EXPECT_THAT(report.unrecorded, ElementsAre("young.jpg"));
+}
+
+TEST_F(ImportTest, NothingIsPrunedWhileAnUnreadableLedgerMayKnowIt) {
+    const fs::path old = home.write("data/sela/groups/group.sela.vault/Items/old.jpg", "x");
+    fs::last_write_time(old, fs::file_time_type::clock::now() - std::chrono::hours(25));
+    EXPECT_FALSE(sharedDefaults()->setData(std::string(unreadableItemsKeyPrefix) + "1.5", asData("damaged")));
+    EXPECT_THAT(import(false, true).unrecorded, ElementsAre("old.jpg"));
+    EXPECT_TRUE(fs::exists(old));
 }
 
 TEST_F(ImportTest, AnUnreadableLedgerStopsTheImportAndStays) {

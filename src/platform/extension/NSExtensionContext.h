@@ -3,6 +3,7 @@
 #include "platform/extension/NSObject.h"
 #include "platform/foundation/Error.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -31,6 +32,7 @@ public:
     /// Cancels the request. A request that has ended already is left as it is, and that is logged.
     void cancelRequestWithError(const ErrorRef& error);
 
+    /// Any thread.
     bool hasEnded() const { return ended_; }
 
     /// Called once, when the request ends, on the main thread. Set by the host.
@@ -39,7 +41,7 @@ public:
 private:
     bool end(const ErrorRef& cancellation);
 
-    bool ended_ = false;
+    std::atomic<bool> ended_ = false;
 };
 
 } // namespace sela

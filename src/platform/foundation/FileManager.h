@@ -94,8 +94,8 @@ public:
                                                                std::int64_t expectedSize) = 0;
 
     /// Writes a whole file in one step: into a temporary file of the same folder, which is brought to the
-    /// disk and then takes the file's name. On an error the destination is as it was and nothing is left
-    /// behind.
+    /// disk and then takes the file's name. On an error nothing temporary is left and the destination is as
+    /// it was, except that it may be the new one, not yet safe, when only the folder could not be flushed.
     virtual ErrorRef writeAtomically(DataView bytes, const URL& destination) = 0;
 
     /// All bytes of a regular file; an error when it is larger than `maximumSize`.

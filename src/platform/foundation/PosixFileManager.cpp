@@ -170,8 +170,15 @@ ErrorRef PosixFileManager::linkItem(const std::string& from, const std::string& 
 }
 
 ErrorRef PosixFileManager::moveItem(const std::string& from, const std::string& to) {
-    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) != 0)
-        return NSError::posix(errno, "rename");
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) != 0) {
+        // Some network file systems cannot rename without replacing; a second name never replaces either.
+        if (errno != EINVAL && errno != ENOSYS)
+            return NSError::posix(errno, "rename");
+        if (::link(from.c_str(), to.c_str()) != 0)
+            return NSError::posix(errno, "link");
+        if (::unlink(from.c_str()) != 0)
+            return NSError::posix(errno, "unlink");
+    }
     return synchronizeFolder(URL::fileURL(to).deletingLastPathComponent().path());
 }
 

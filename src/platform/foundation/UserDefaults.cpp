@@ -12,6 +12,13 @@ namespace {
 constexpr std::string_view textKind = "text";
 constexpr std::string_view dataKind = "data";
 
+std::optional<Data> valueOrLog(Result<std::optional<Data>> value) {
+    if (value)
+        return std::move(value.value());
+    NSLog("UserDefaults: a setting cannot be read, error = " + value.error()->localizedDescription());
+    return std::nullopt;
+}
+
 } // namespace
 
 std::optional<UserDefaults> UserDefaults::withSuiteName(std::string_view suiteName) {
@@ -31,15 +38,18 @@ std::optional<UserDefaults> UserDefaults::withSuiteName(std::string_view suiteNa
 }
 
 std::optional<Data> UserDefaults::data(std::string_view key) const {
-    Result<std::optional<Data>> value = database_->read(key, dataKind);
-    return value ? std::move(value.value()) : std::nullopt;
+    return valueOrLog(readData(key));
+}
+
+Result<std::optional<Data>> UserDefaults::readData(std::string_view key) const {
+    return database_->read(key, dataKind);
 }
 
 std::optional<std::string> UserDefaults::string(std::string_view key) const {
-    const Result<std::optional<Data>> value = database_->read(key, textKind);
-    if (!value || !value.value())
+    const std::optional<Data> value = valueOrLog(database_->read(key, textKind));
+    if (!value)
         return std::nullopt;
-    return std::string(asText(*value.value()));
+    return std::string(asText(*value));
 }
 
 std::vector<std::string> UserDefaults::keys(std::string_view prefix) const {

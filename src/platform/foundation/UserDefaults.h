@@ -28,10 +28,16 @@ public:
     /// failure: it holds nothing, and the first value stored makes it.
     static std::optional<UserDefaults> withSuiteName(std::string_view suiteName);
 
-    /// The data under a key; absent when there is none, when a text stands there, or when reading fails.
+    /// The data under a key; absent when there is none, when a text stands there, or when reading fails
+    /// (which is logged).
     std::optional<Data> data(std::string_view key) const;
 
-    /// The text under a key; absent when there is none, when data stand there, or when reading fails.
+    /// The same for whoever must not take a failure for an absent value: its error, or the data if there are
+    /// any.
+    Result<std::optional<Data>> readData(std::string_view key) const;
+
+    /// The text under a key; absent when there is none, when data stand there, or when reading fails (which
+    /// is logged).
     std::optional<std::string> string(std::string_view key) const;
 
     /// The keys that hold a value and begin with `prefix`, sorted by their bytes; empty when reading fails.

@@ -48,7 +48,8 @@ bool UIView::isAnimating() const {
 
 void UIView::setNeedsDisplay() {
     if (UIWindow* const shownIn = window())
-        shownIn->invalidate(displayRectInWindow());
+        shownIn->invalidate(animations_ ? displayRectInWindow().unionWith(animations_->lastShown)
+                                        : displayRectInWindow());
 }
 
 CGRect UIView::displayExtent() const {
