@@ -76,7 +76,8 @@ class HomeTest(unittest.TestCase):
         """The ledger as another program reads it from the settings."""
         if not self.settings.exists():
             return {}
-        with sqlite3.connect(f"file:{self.settings}?mode=ro", uri=True) as connection:
+        # For writing too: after a kill inside a transaction the first reader rolls it back.
+        with sqlite3.connect(f"file:{self.settings}?mode=rw", uri=True) as connection:
             row = connection.execute("SELECT value FROM settings WHERE key = 'sharedItems'").fetchone()
         return json.loads(row[0]) if row else {}
 

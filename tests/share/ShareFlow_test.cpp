@@ -385,9 +385,7 @@ TEST_F(ShareFlow, TheComposeScreenCompletesAtOnceAndSavesNothing) {
     EXPECT_EQ(makePrincipalViewController("ShareViewController"), nullptr);
 }
 
-using ShareFlowDeathTest = ShareFlow;
-
-TEST_F(ShareFlowDeathTest, EndingWithoutARequestStopsTheProcess) {
+TEST(RequestEndDeathTest, EndingWithoutARequestStopsTheProcess) {
     EXPECT_DEATH(ShareViewController().didSelectPost(), "the extension has no request to end");
 }
 
