@@ -86,6 +86,8 @@ void ShareWindow::open() {
         // Behind a full-screen window of Wayland there is nothing to see, behind a maximized one there is.
         showMaximized();
     } else {
+        // The size is asked for as well, for a display without a window manager to grant the state.
+        setGeometry(screen()->geometry());
         showFullScreen();
     }
 }
