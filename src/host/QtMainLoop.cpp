@@ -78,28 +78,12 @@ void QtMainLoop::runDueTasks() {
 void QtMainLoop::run() {
     if (!finished_)
         QCoreApplication::exec();
-    drain();
+    tasks_.drain([this] { return now(); });
 }
 
 void QtMainLoop::finish() {
     finished_ = true;
     QCoreApplication::exit();
-}
-
-void QtMainLoop::drain() {
-    std::unique_lock lock(BackgroundWork::mutex());
-    while (true) {
-        if (std::optional<Task> task = tasks_.takeDue(now())) {
-            lock.unlock();
-            (*task)();
-            task.reset();
-            lock.lock();
-        } else if (BackgroundWork::outstanding() > 0) {
-            BackgroundWork::changed().wait(lock);
-        } else {
-            return;
-        }
-    }
 }
 
 } // namespace sela

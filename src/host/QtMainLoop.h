@@ -30,7 +30,6 @@ protected:
 private:
     void wake();
     void runDueTasks();
-    void drain();
 
     TaskList tasks_;
     bool wakePosted_ = false;

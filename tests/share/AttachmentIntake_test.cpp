@@ -3,8 +3,8 @@
 #include "platform/extension/NSExtensionItem.h"
 #include "platform/foundation/ScopedMainQueue.h"
 #include "platform/foundation/VirtualMainLoop.h"
+#include "share/RecordedItems.h"
 #include "store/SharedFolder.h"
-#include "store/SharedItemLedger.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryHome.h"
 
@@ -69,19 +69,9 @@ protected:
         loop.runUntilIdle();
     }
 
-    static std::vector<SharedItem> recorded() {
-        std::vector<SharedItem> items;
-        if (const std::optional<Data> data = sharedDefaults()->data(sharedItemsKey)) {
-            const auto entries = SharedItemLedger::decode(*data);
-            for (const auto& [key, item] : entries.value())
-                items.push_back(item);
-        }
-        return items;
-    }
-
     static std::vector<std::string> recordedNames() {
         std::vector<std::string> names;
-        for (const SharedItem& item : recorded())
+        for (const SharedItem& item : recordedItems())
             names.push_back(item.preferredName.value_or("none"));
         return names;
     }
@@ -122,8 +112,8 @@ TEST_F(AttachmentIntakeTest, AFilesRecordSaysWhenWhereAndItsName) {
     intake->selectedAlbumName = {"Trips", "2020-Rome"};
     intake->fakePasswordMode = true;
     save();
-    ASSERT_EQ(recorded().size(), 1u);
-    const SharedItem item = recorded().front();
+    ASSERT_EQ(recordedItems().size(), 1u);
+    const SharedItem item = recordedItems().front();
     EXPECT_THAT(item.fileName, MatchesRegex("[0-9]+\\.[0-9]+IMG_0001.HEIC"));
     EXPECT_EQ(item, (SharedItem{item.fileName, {"Trips", "2020-Rome"}, true, "IMG_0001.HEIC"}));
     EXPECT_EQ(contentOf(home.container() / "Items" / item.fileName), "x");
@@ -132,8 +122,8 @@ TEST_F(AttachmentIntakeTest, AFilesRecordSaysWhenWhereAndItsName) {
 TEST_F(AttachmentIntakeTest, APictureInMemoryBecomesAJPEGWithoutAName) {
     share({NSItemProvider::ofImage(UIImage::fromPixels({2, 1, {255, 0, 0, 255, 0, 0, 255, 255}}))});
     save();
-    ASSERT_EQ(recorded().size(), 1u);
-    const SharedItem item = recorded().front();
+    ASSERT_EQ(recordedItems().size(), 1u);
+    const SharedItem item = recordedItems().front();
     EXPECT_THAT(item.fileName, MatchesRegex("[0-9]+\\.[0-9]+\\.jpg"));
     EXPECT_EQ(item.preferredName, std::nullopt);
     EXPECT_THAT(contentOf(home.container() / "Items" / item.fileName), testing::StartsWith("\xFF\xD8\xFF"));

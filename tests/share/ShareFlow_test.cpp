@@ -5,10 +5,10 @@
 #include "platform/uikit/UINavigationController.h"
 #include "platform/uikit/UIWindow.h"
 #include "share/PrincipalClasses.h"
+#include "share/RecordedItems.h"
 #include "share/SelaShareExtensionVc.h"
 #include "share/ShareViewController.h"
 #include "store/SharedFolder.h"
-#include "store/SharedItemLedger.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryHome.h"
 
@@ -86,16 +86,6 @@ protected:
     void type(const std::string& digits) {
         for (const char digit : digits)
             EXPECT_TRUE(tap(std::string("button") + digit));
-    }
-
-    static std::vector<SharedItem> recorded() {
-        std::vector<SharedItem> items;
-        if (const std::optional<Data> data = sharedDefaults()->data(sharedItemsKey)) {
-            const auto entries = SharedItemLedger::decode(*data);
-            for (const auto& [key, item] : entries.value())
-                items.push_back(item);
-        }
-        return items;
     }
 
     CGRect shown(const std::string& name) { return view(name).convert(view(name).bounds(), *window); }
@@ -214,14 +204,14 @@ TEST_F(ShareFlow, AddingGoesThroughItsStagesByTheClock) {
     EXPECT_TRUE(tap("addButton"));
     loop.advance(0.29);
     EXPECT_EQ(label("resultLabel").text(), "Added!");
-    EXPECT_THAT(recorded(), IsEmpty());
+    EXPECT_THAT(recordedItems(), IsEmpty());
     loop.advance(0.02);
     EXPECT_EQ(label("resultLabel").text(), "Adding...");
     EXPECT_FALSE(view("activityIndicator").isHidden());
     EXPECT_EQ(view("containerView").transform().a, 0);
-    EXPECT_THAT(recorded(), IsEmpty());
+    EXPECT_THAT(recordedItems(), IsEmpty());
     loop.advance(0.3);
-    EXPECT_EQ(recorded().size(), 2u);
+    EXPECT_EQ(recordedItems().size(), 2u);
     EXPECT_EQ(label("resultLabel").text(), "Done");
     EXPECT_TRUE(view("activityIndicator").isHidden());
     EXPECT_FALSE(view("resultIcon").isHidden());
@@ -240,7 +230,7 @@ TEST_F(ShareFlow, AddActsOnce) {
         screen().onAddButtonTouched(button);
         loop.advance(0.1);
     }
-    EXPECT_EQ(recorded().size(), 1u);
+    EXPECT_EQ(recordedItems().size(), 1u);
     EXPECT_THAT(ends, ElementsAre("completed"));
     EXPECT_EQ(std::ranges::count(log.lines(), "copyItem: readBytes = 1, totalReadBytes = 1"), 1);
 }
@@ -269,7 +259,7 @@ TEST_F(ShareFlow, EveryOutcomeLooksLikeDoneAndEndsOnce) {
         EXPECT_EQ(label("resultLabel").text(), "Done") << c.name;
         loop.advance(5);
         EXPECT_THAT(ends, ElementsAre("completed")) << c.name;
-        EXPECT_EQ(recorded().size(), c.recordedItems) << c.name;
+        EXPECT_EQ(recordedItems().size(), c.recordedItems) << c.name;
     }
 }
 
@@ -277,7 +267,7 @@ TEST_F(ShareFlow, ARequestThatIsOverBeginsNoFurtherFile) {
     open({file("a.jpg"), file("b.jpg"), file("c.jpg")});
     EXPECT_TRUE(tap("addButton"));
     loop.advance(0.59);
-    EXPECT_THAT(recorded(), IsEmpty());
+    EXPECT_THAT(recordedItems(), IsEmpty());
     // Saving begins at 0.6 seconds; the request ends while the first file is under way.
     loop.asyncAfter(0.01, [this] {
         context->cancelRequestWithError(
@@ -285,7 +275,7 @@ TEST_F(ShareFlow, ARequestThatIsOverBeginsNoFurtherFile) {
     });
     loop.advance(5);
     EXPECT_THAT(ends, ElementsAre("NSCocoaErrorDomain 3072"));
-    EXPECT_LE(recorded().size(), 1u);
+    EXPECT_LE(recordedItems().size(), 1u);
     EXPECT_EQ(label("resultLabel").text(), "Adding...");
 }
 
@@ -305,7 +295,7 @@ TEST_F(ShareFlow, CancelSlidesAwayAndCancels) {
     loop.advance(0.02);
     EXPECT_THAT(ends, ElementsAre("NSCocoaErrorDomain 3072"));
     EXPECT_EQ(screen().navigationController()->view().transform(), CGAffineTransform::translation(0, 390));
-    EXPECT_THAT(recorded(), IsEmpty());
+    EXPECT_THAT(recordedItems(), IsEmpty());
 }
 
 TEST_F(ShareFlow, CancelHoldsWhenTheSlideIsInterrupted) {
@@ -324,7 +314,7 @@ TEST_F(ShareFlow, AnInterruptedAddGoesNoFurther) {
     view("containerView").setTransform(CGAffineTransform());
     loop.advance(5);
     EXPECT_EQ(label("resultLabel").text(), "Added!");
-    EXPECT_THAT(recorded(), IsEmpty());
+    EXPECT_THAT(recordedItems(), IsEmpty());
     EXPECT_THAT(ends, IsEmpty());
 }
 
@@ -363,9 +353,9 @@ TEST_F(ShareFlow, TheChosenAlbumIsWhereTheFileGoes) {
         EXPECT_EQ(title(), std::string("Add 1 file to ") + c.album);
         EXPECT_TRUE(tap("addButton"));
         loop.advance(5);
-        ASSERT_EQ(recorded().size(), 1u);
-        EXPECT_THAT(recorded().front().albumNames, ElementsAre(c.album));
-        EXPECT_EQ(recorded().front().fake, c.fake);
+        ASSERT_EQ(recordedItems().size(), 1u);
+        EXPECT_THAT(recordedItems().front().albumNames, ElementsAre(c.album));
+        EXPECT_EQ(recordedItems().front().fake, c.fake);
     }
 }
 

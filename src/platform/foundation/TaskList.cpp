@@ -15,6 +15,22 @@ std::optional<DispatchQueue::Task> TaskList::takeDue(double now) {
     return std::move(tasks_.extract(tasks_.begin()).mapped());
 }
 
+void TaskList::drain(const std::function<double()>& now) {
+    std::unique_lock lock(BackgroundWork::mutex());
+    while (true) {
+        if (std::optional<DispatchQueue::Task> task = takeDue(now())) {
+            lock.unlock();
+            (*task)();
+            task.reset();
+            lock.lock();
+        } else if (BackgroundWork::outstanding() > 0) {
+            BackgroundWork::changed().wait(lock);
+        } else {
+            return;
+        }
+    }
+}
+
 std::optional<double> TaskList::nextDueTime() const {
     if (tasks_.empty())
         return std::nullopt;

@@ -3,14 +3,16 @@
 #include "platform/foundation/DispatchQueue.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <utility>
 
 namespace sela {
 
-/// Tasks by due time, first given first among those due together. Every operation wants the caller to hold
-/// `BackgroundWork::mutex`, so that a loop can look at the list and at the outstanding work at one moment.
+/// Tasks by due time, first given first among those due together. Every operation but `drain` wants the
+/// caller to hold `BackgroundWork::mutex`, so that a loop can look at the list and at the outstanding work at
+/// one moment.
 class TaskList {
 public:
     /// Adds a task and wakes whoever waits for one.
@@ -21,6 +23,10 @@ public:
 
     /// When the first task is due; absent when the list is empty.
     std::optional<double> nextDueTime() const;
+
+    /// Runs tasks on the calling thread as they are due by `now`, waiting for background work, until nothing
+    /// is due and no background work is outstanding. Tasks that are due later stay.
+    void drain(const std::function<double()>& now);
 
 private:
     std::map<std::pair<double, std::uint64_t>, DispatchQueue::Task> tasks_;

@@ -37,19 +37,7 @@ void VirtualMainLoop::advance(double seconds) {
 }
 
 void VirtualMainLoop::runPending() {
-    std::unique_lock lock(BackgroundWork::mutex());
-    while (true) {
-        if (std::optional<Task> task = tasks_.takeDue(now_)) {
-            lock.unlock();
-            (*task)();
-            task.reset();
-            lock.lock();
-        } else if (BackgroundWork::outstanding() > 0) {
-            BackgroundWork::changed().wait(lock);
-        } else {
-            return;
-        }
-    }
+    tasks_.drain([this] { return now_; });
 }
 
 void VirtualMainLoop::runUntilIdle() {
