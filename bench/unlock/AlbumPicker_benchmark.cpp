@@ -1,6 +1,7 @@
 // The album picker with N albums in sections of ten: from the last digit to the laid out table, and one step
 // of scrolling. Writes settings, so it runs on a home of its own below the temporary folder.
 
+#include "BenchHome.h"
 #include "platform/foundation/Data.h"
 #include "platform/foundation/FatalError.h"
 #include "platform/foundation/ScopedMainQueue.h"
@@ -9,13 +10,12 @@
 #include "platform/uikit/UINavigationController.h"
 #include "platform/uikit/UIWindow.h"
 #include "store/SharedAlbum.h"
+#include "store/SharedAlbumManager.h"
 #include "store/SharedFolder.h"
 #include "unlock/SelaShareExtensionAlbumsVc.h"
 
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -81,7 +81,15 @@ void lastDigitToTable(benchmark::State& state) {
         state.ResumeTiming();
     }
 }
-BENCHMARK(lastDigitToTable)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+BENCHMARK(lastDigitToTable)->Arg(100)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+/// What of that is reading the catalogue.
+void decodeAlbums(benchmark::State& state) {
+    publish(state.range(0));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(SharedAlbumManager::getAlbums());
+}
+BENCHMARK(decodeAlbums)->Arg(100)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 /// One row further at each step, back to the top after 50, so that each step fills a cell.
 void scrollByARow(benchmark::State& state) {
@@ -103,13 +111,8 @@ BENCHMARK(scrollByARow)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
 } // namespace sela
 
 int main(int argc, char** argv) {
-    std::string home = (std::filesystem::temp_directory_path() / "sela-bench-XXXXXX").string();
-    if (!::mkdtemp(home.data()))
-        return 1;
-    ::setenv("XDG_DATA_HOME", (home + "/data").c_str(), 1);
-    ::setenv("XDG_CONFIG_HOME", (home + "/config").c_str(), 1);
+    const sela::BenchHome home;
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
-    std::filesystem::remove_all(home);
     return 0;
 }

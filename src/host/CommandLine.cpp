@@ -34,6 +34,8 @@ public:
             else
                 readOption(argument);
         }
+        if (problem_.empty() && line_.paste && line_.headless)
+            problem_ = "--paste needs a display, where the clipboard is";
         if (!problem_.empty())
             return problem_;
         return std::move(line_);
@@ -43,6 +45,12 @@ private:
     void readOption(const std::string& option) {
         if (option == "--headless")
             line_.headless = true;
+        else if (option == "--quiet" || option == "-q")
+            line_.output = CommandLine::Output::quiet;
+        else if (option == "--verbose" || option == "-v")
+            line_.output = CommandLine::Output::verbose;
+        else if (option == "--paste")
+            line_.paste = true;
         else if (option == "--help" || option == "-h")
             line_.help = true;
         else if (option == "--version")
@@ -53,6 +61,8 @@ private:
             readScale(value(option));
         else if (option == "--appearance")
             readAppearance(value(option));
+        else if (option == "--contrast")
+            readContrast(value(option));
         else
             readStep(option);
     }
@@ -94,6 +104,15 @@ private:
             problem_ = "--appearance is light or dark, not \"" + text + "\"";
     }
 
+    void readContrast(const std::string& text) {
+        if (text == "normal")
+            line_.contrast = CommandLine::Contrast::normal;
+        else if (text == "high")
+            line_.contrast = CommandLine::Contrast::high;
+        else if (problem_.empty())
+            problem_ = "--contrast is normal or high, not \"" + text + "\"";
+    }
+
     void readStep(const std::string& option) {
         struct Named {
             std::string_view option;
@@ -110,7 +129,8 @@ private:
             line_.steps.push_back(std::move(step));
             return;
         }
-        problem_ = "unknown option " + option;
+        // What follows a "=" may be a passcode.
+        problem_ = "unknown option " + option.substr(0, option.find('='));
     }
 
     void check(Step& step) {
@@ -143,30 +163,51 @@ std::variant<CommandLine, std::string> CommandLine::parse(const std::vector<std:
 std::string CommandLine::usage() {
     return R"(Usage: sela-share [OPTION]... [FILE | file://URL | -]...
 
-Adds files to the vault: shows the card on which an album is chosen, copies every file into
-the vault's container and records it there for the vault to import.
+Adds photos, videos and audio to your vault. A card opens: choose an album, press Add, and
+every file is copied into the vault's container, for the vault to take in when it next
+starts. The files that you name stay where they are.
 
-  FILE, file://URL     one attachment each; all belong to one request
+  sela-share photo.jpg video.mp4                     choose an album on the card
+  sela-share --headless --tap addButton photo.jpg    the default album, without a window
+  convert plot.png jpg:- | sela-share -              a picture from standard input
+
+What to add:
+  FILE, file://URL     a file each; all of them go into one album
   -                    a picture from standard input
+  --paste              the files or the picture on the clipboard
 
+How it is shown:
+  --headless           without a window; no display is needed, and the steps below say what
+                       to press
+  --appearance MODE    light or dark, in place of the desktop's own
   --screen WxH         size of the screen in points (375x667 without a display)
-  --scale N            pixels per point
-  --appearance MODE    light or dark
-  --headless           no window; no display is needed
+  --scale N            pixels per point, from 0.25 to 8
+  --contrast MODE      normal or high, in place of the desktop's own
 
-Steps, taken in this order once the screen is idle:
-  --tap NAME           touch a view: addButton, albumButton, cancelButton, backButton,
-                       button0 to button9, row:SECTION:ROW, showChildButton:SECTION
-  --tap-now NAME       the same without waiting
-  --type DIGITS        touch one digit after another
-  --wait SECONDS       let time pass; the next step does not wait for the screen
-  --snapshot FILE.png  a picture of the screen
-  --tree FILE.json     the view tree
+What is told on standard error:
+  -q, --quiet          only what went wrong
+  -v, --verbose        on a terminal, too, every line that goes to the system's log
+  Without these two a terminal shows how far saving has come (--headless), and a file or a
+  pipe gets the lines of the log.
 
-  --help, --version
+Steps, taken in this order, each once the screen is at rest:
+  --tap NAME           press addButton, albumButton, cancelButton, backButton, button0 to
+                       button9, row:SECTION:ROW or showChildButton:SECTION
+  --tap-now NAME       the same without waiting for rest
+  --type DIGITS        press one digit of the keypad after another
+  --wait SECONDS       let time pass; the next step does not wait for rest
+  --snapshot FILE.png  write a picture of the screen
+  --tree FILE.json     write what is on the screen, as a tree
 
-Status: 0 completed, 3 cancelled, 4 the request cannot end any more, 64 bad arguments,
-65 a step failed.
+  -h, --help           this text
+  --version            the version
+
+Exit status:
+  0    completed: Add was pressed; a file that could not be added is told on standard error
+  3    cancelled: by Cancel, by closing the window, or because no step pressed Add
+  4    stuck: saving stopped half-way at a file and can never end
+  64   nothing was tried: wrong options, unusable files, or no display
+  65   a step failed, and the request was cancelled
 )";
 }
 

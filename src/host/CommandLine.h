@@ -28,6 +28,14 @@ struct Step {
 /// What the command line of `sela-share` asks for. A value.
 struct CommandLine {
     enum class Appearance { automatic, light, dark };
+    enum class Contrast { automatic, normal, high };
+
+    /// What is told on standard error beside what went wrong.
+    enum class Output {
+        normal, ///< the log's lines; on a terminal none of them, and without a window how far saving has come
+        quiet,  ///< nothing
+        verbose, ///< the log's lines on a terminal too
+    };
 
     std::vector<std::string> attachments; ///< paths, file URLs, or "-" for a picture on standard input
     std::optional<double> screenWidth;    ///< points; absent without --screen
@@ -35,7 +43,10 @@ struct CommandLine {
     double scale = 1; ///< pixels per point of pictures and windows without a display's own
     bool hasScale = false;
     Appearance appearance = Appearance::automatic;
+    Contrast contrast = Contrast::automatic;
+    Output output = Output::normal;
     bool headless = false;
+    bool paste = false; ///< the clipboard is attached, too
     bool help = false;
     bool version = false;
     std::vector<Step> steps;

@@ -32,7 +32,8 @@ const QFont& FontCache::font(const UIFont& font) {
     QFont& made = entry->second;
     if (!isNew)
         return made;
-    QStringList families{QStringLiteral("Roboto"), QStringLiteral("Noto Sans")};
+    QStringList families{QStringLiteral("Roboto"), QStringLiteral("Noto Sans"),
+                         QStringLiteral("Noto Sans Arabic")};
     if (const QString family = QString::fromStdString(font.familyName());
         !family.isEmpty() && family != families.front())
         families.prepend(family);

@@ -13,7 +13,7 @@ void appendBytes(std::string& key, const T& value) {
 
 /// Everything that decides what a layout looks like, as bytes.
 std::string layoutKey(const NSAttributedString& text, double width, int maximumLines,
-                      UIUserInterfaceStyle style) {
+                      const UITraitCollection& traits) {
     std::string key;
     appendBytes(key, width);
     appendBytes(key, maximumLines);
@@ -26,7 +26,7 @@ std::string layoutKey(const NSAttributedString& text, double width, int maximumL
             appendBytes(key, font->weight());
         }
         if (const std::optional<UIColor>& color = run.attributes.foregroundColor) {
-            const RGBA& components = color->resolve(style);
+            const RGBA& components = color->resolve(traits);
             appendBytes(key, components);
         }
     }
@@ -36,17 +36,18 @@ std::string layoutKey(const NSAttributedString& text, double width, int maximumL
 } // namespace
 
 CGSize QtTextMeasurer::size(const NSAttributedString& text, double maximumWidth, int maximumLines) const {
-    const CGSize size = layout(text, maximumWidth, maximumLines, UIUserInterfaceStyle::light)->size();
+    const CGSize size = layout(text, maximumWidth, maximumLines, {})->size();
     return {std::ceil(size.width), std::ceil(size.height)};
 }
 
 std::shared_ptr<const TextLayout> QtTextMeasurer::layout(const NSAttributedString& text, double width,
-                                                         int maximumLines, UIUserInterfaceStyle style) const {
+                                                         int maximumLines,
+                                                         const UITraitCollection& traits) const {
     if (layouts_.size() >= capacity)
         layouts_.clear();
-    std::shared_ptr<const TextLayout>& layout = layouts_[layoutKey(text, width, maximumLines, style)];
+    std::shared_ptr<const TextLayout>& layout = layouts_[layoutKey(text, width, maximumLines, traits)];
     if (!layout)
-        layout = std::make_shared<TextLayout>(text, width, maximumLines, style, fonts_);
+        layout = std::make_shared<TextLayout>(text, width, maximumLines, traits, fonts_);
     return layout;
 }
 

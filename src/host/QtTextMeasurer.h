@@ -19,7 +19,7 @@ public:
     /// `text` laid out as `TextLayout` says; the same object for the same arguments as long as it is
     /// remembered.
     std::shared_ptr<const TextLayout> layout(const NSAttributedString& text, double width, int maximumLines,
-                                             UIUserInterfaceStyle style) const;
+                                             const UITraitCollection& traits) const;
 
 private:
     /// Layouts remembered at most; beyond that all are forgotten.

@@ -88,9 +88,10 @@ ShadowCache::Shadow makeShadow(const UIView& view, double pixelsPerPoint, const 
 } // namespace
 
 const ShadowCache::Shadow& ShadowCache::shadow(const UIView& view, double pixelsPerPoint,
-                                               UIUserInterfaceStyle style, const DrawCaster& drawCaster) {
+                                               const UITraitCollection& traits,
+                                               const DrawCaster& drawCaster) {
     const CALayer& layer = view.layer();
-    QColor color = toQt(layer.shadowColor().resolve(style));
+    QColor color = toQt(layer.shadowColor().resolve(traits));
     color.setAlphaF(static_cast<float>(color.alphaF() * layer.shadowOpacity()));
     std::string key;
     append(key, pixelsPerPoint);

@@ -24,7 +24,7 @@ public:
     using DrawCaster = std::function<void(QImage& picture, QPointF origin)>;
 
     /// The shadow of `view`, whose `drawCaster` is asked only when there is none for its present look.
-    const Shadow& shadow(const UIView& view, double pixelsPerPoint, UIUserInterfaceStyle style,
+    const Shadow& shadow(const UIView& view, double pixelsPerPoint, const UITraitCollection& traits,
                          const DrawCaster& drawCaster);
 
 private:

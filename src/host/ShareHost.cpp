@@ -1,9 +1,16 @@
 #include "host/ShareHost.h"
 
+#include "host/MimeAttachments.h"
 #include "host/ShareWindow.h"
 #include "host/StepRunner.h"
 #include "platform/foundation/BackgroundWork.h"
+#include "platform/foundation/Bundle.h"
+#include "platform/foundation/NSLog.h"
+#include "platform/uikit/UIAccessibility.h"
+#include "platform/uikit/UIApplication.h"
 #include "platform/uikit/UIScreen.h"
+
+#include <QLocale>
 
 #include <cstdio>
 #include <cstdlib>
@@ -16,19 +23,37 @@ namespace {
 /// Seconds between two looks at a save that may hang.
 constexpr double watchInterval = 0.1;
 
-/// Qt says nothing on standard error, which holds the system's log lines, but why it cannot start.
+/// Whether the QGuiApplication is being made, which Qt gives up with a fatal message and no return.
+bool isQtStarting = false;
+
+/// Qt says nothing on standard error, which holds the system's log lines, but why it cannot go on.
 void handleQtMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
-    if (type == QtFatalMsg)
-        std::fprintf(stderr, "sela-share: %s\n", qPrintable(message));
+    if (type != QtFatalMsg)
+        return;
+    if (!isQtStarting) {
+        std::fprintf(stderr, "sela-share: %s\n", escapedForLog(message.toStdString()).c_str());
+        return;
+    }
+    std::fputs(
+        "sela-share: the display cannot be opened; look at DISPLAY and WAYLAND_DISPLAY, or use --headless "
+        "with steps such as --tap addButton\n",
+        stderr);
+    std::_Exit(static_cast<int>(ExitStatus::badArguments));
 }
 
 /// The arguments of the QGuiApplication, which keeps the references: the program's name alone, since what
 /// the user wrote is not for Qt. Prepares what must be set before.
 int& argumentCountForQt(const CommandLine& line) {
     static int count = 1;
+    isQtStarting = true;
     qInstallMessageHandler(handleQtMessage);
     if (line.headless)
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Among fonts that share characters, as those of Chinese and Japanese do, the language of the texts
+    // decides.
+    QByteArray language = QByteArray::fromStdString(Bundle::main().preferredLocalization());
+    if (!language.isEmpty() && !qEnvironmentVariableIsSet("FC_LANG"))
+        qputenv("FC_LANG", language.replace('_', '-'));
     // Fonts have the size that the views ask for, whatever the display says about its resolution.
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
     return count;
@@ -38,6 +63,12 @@ char** argumentsForQt() {
     static char name[] = "sela-share";
     static char* arguments[] = {name, nullptr};
     return arguments;
+}
+
+UIUserInterfaceLayoutDirection layoutDirection() {
+    const QLocale locale(QString::fromStdString(Bundle::main().preferredLocalization()));
+    return locale.textDirection() == Qt::RightToLeft ? UIUserInterfaceLayoutDirection::rightToLeft
+                                                     : UIUserInterfaceLayoutDirection::leftToRight;
 }
 
 ErrorRef userCancellation() {
@@ -52,17 +83,27 @@ bool isBackgroundAtWork() {
 } // namespace
 
 ShareHost::ShareHost(const CommandLine& line)
-    : line_(line), application_(argumentCountForQt(line), argumentsForQt()),
+    : line_(line), application_(argumentCountForQt(line), argumentsForQt()), appearance_(line),
       queue_(line.headless ? static_cast<DispatchQueue&>(headlessLoop_) : windowLoop_), scopedQueue_(queue_),
-      painter_(measurer_), window_(ShareWindow::screenSize(line)) {
+      painter_(measurer_), window_(ShareWindow::screenSize(line)), notice_(window_) {
+    isQtStarting = false;
+    // By this the desktop knows whose window it is.
+    QGuiApplication::setDesktopFileName(QStringLiteral("xyz.sela.share"));
     QGuiApplication::setQuitOnLastWindowClosed(false);
     TextMeasurer::setCurrent(&measurer_);
     UIScreen::main().setScale(line.headless || line.hasScale ? line.scale : application_.devicePixelRatio());
-    window_.setUserInterfaceStyle(ShareWindow::appearance(line));
+    UIApplication::shared().setUserInterfaceLayoutDirection(layoutDirection());
+    followDesktop();
+    appearance_.setChangeHandler([this] { followDesktop(); });
 }
 
 ShareHost::~ShareHost() {
     TextMeasurer::setCurrent(nullptr);
+}
+
+void ShareHost::followDesktop() {
+    window_.setTraitCollection(appearance_.traitCollection());
+    UIAccessibility::setReduceMotionEnabled(appearance_.reducesMotion());
 }
 
 ExitStatus ShareHost::run(Card card, NSExtensionContext& context) {
@@ -94,7 +135,7 @@ void ShareHost::takeSteps(NSExtensionContext& context) {
         StepRunner::Screen{window_, painter_, pixelsPerPoint, queue_, card_.areImagesShown}, line_.steps);
     steps_->start([this, &context](const std::optional<std::string>& failure) {
         if (failure) {
-            std::fprintf(stderr, "sela-share: %s\n", failure->c_str());
+            problem_ = failure;
             status_ = ExitStatus::stepFailed;
             endRun();
         } else if (!context.hasEnded() && shareWindow_) {
@@ -109,6 +150,8 @@ void ShareHost::runWindow(NSExtensionContext& context) {
         if (!context.hasEnded())
             context.cancelRequestWithError(userCancellation());
     });
+    shareWindow_->setContentHandler(
+        {[this] { return canGrow(); }, [this](const QMimeData* data) { take(data); }});
     shareWindow_->open();
     takeSteps(context);
     windowLoop_.run();
@@ -123,6 +166,24 @@ void ShareHost::runHeadless(NSExtensionContext& context) {
         status_ = ExitStatus::cannotEnd;
 }
 
+bool ShareHost::canGrow() const {
+    return card_.append && !(card_.hasAddStarted && card_.hasAddStarted());
+}
+
+void ShareHost::take(const QMimeData* data) {
+    if (!canGrow())
+        return;
+    const MimeAttachments found = MimeAttachments::in(data);
+    if (!found.attachments.empty())
+        card_.append(found.attachments);
+    if (!found.problems.empty())
+        notice_.show(Bundle::main().localizedString("Some files cannot be added."));
+    else if (found.onlyText)
+        notice_.show(Bundle::main().localizedString("Text cannot be added, only files and pictures."));
+    else if (found.attachments.empty())
+        notice_.show(Bundle::main().localizedString("There is nothing to add on the clipboard."));
+}
+
 void ShareHost::endRun() {
     if (shareWindow_)
         shareWindow_->hide();
@@ -132,14 +193,16 @@ void ShareHost::endRun() {
 
 /// Ends the run when Add was pressed and nothing is left that could end the request.
 void ShareHost::watchForHangingSave() {
+    // The end may have come in the same turn of the loop.
+    if (status_)
+        return;
     const bool canEnd = isBackgroundAtWork() || queue_.pendingTasks() > 0 || !window_.isIdle();
     if (!canEnd && card_.hasAddStarted && card_.hasAddStarted()) {
         status_ = ExitStatus::cannotEnd;
         endRun();
         return;
     }
-    if (!status_)
-        windowLoop_.asyncAfter(watchInterval, [this] { watchForHangingSave(); });
+    windowLoop_.asyncAfter(watchInterval, [this] { watchForHangingSave(); });
 }
 
 } // namespace sela

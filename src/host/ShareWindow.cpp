@@ -1,12 +1,15 @@
 #include "host/ShareWindow.h"
 
+#include "host/AccessibleWindow.h"
 #include "host/Compositing.h"
+#include "host/MimeAttachments.h"
 #include "host/Snapshot.h"
 #include "platform/foundation/MonotonicClock.h"
+#include "platform/uikit/UIAccessibility.h"
 
+#include <QClipboard>
 #include <QGuiApplication>
 #include <QPainter>
-#include <QPalette>
 #include <QScreen>
 
 #include <algorithm>
@@ -47,17 +50,9 @@ CGSize ShareWindow::screenSize(const CommandLine& line) {
     return {size.width() / unit, size.height() / unit};
 }
 
-UIUserInterfaceStyle ShareWindow::appearance(const CommandLine& line) {
-    if (line.appearance == CommandLine::Appearance::automatic) {
-        const bool isDark = QGuiApplication::palette().color(QPalette::Window).lightnessF() < 0.5F;
-        return isDark ? UIUserInterfaceStyle::dark : UIUserInterfaceStyle::light;
-    }
-    return line.appearance == CommandLine::Appearance::dark ? UIUserInterfaceStyle::dark
-                                                            : UIUserInterfaceStyle::light;
-}
-
 ShareWindow::ShareWindow(UIWindow& window, ViewPainter& painter, const CommandLine& line)
-    : window_(window), painter_(painter), line_(line), coversScreen_(coversScreen(line)), store_(this) {
+    : window_(window), painter_(painter), line_(line), coversScreen_(coversScreen(line)), keyboard_(window),
+      store_(this), pastesOnFocus_(line.paste && !isClipboardOpen()) {
     setSurfaceType(RasterSurface);
     setTitle(QStringLiteral("Sela"));
     if (coversScreen_) {
@@ -67,10 +62,24 @@ ShareWindow::ShareWindow(UIWindow& window, ViewPainter& painter, const CommandLi
         setFlags(Qt::Window | Qt::FramelessWindowHint);
     }
     window_.setNeedsFrameHandler([this] { scheduleFrame(); });
+    QAccessible::installFactory([](const QString&, QObject* object) -> QAccessibleInterface* {
+        auto* const shown = dynamic_cast<ShareWindow*>(object);
+        if (!shown)
+            return nullptr;
+        return new AccessibleWindow(*shown, {shown->window_, shown->keyboard_,
+                                             [shown](const CGRect& rect) { return shown->toDesktop(rect); }});
+    });
+    UIAccessibility::setAnnouncementHandler([this](const std::string& text) {
+        if (QAccessible::isActive())
+            accessible().announce(text);
+    });
 }
 
 ShareWindow::~ShareWindow() {
     window_.setNeedsFrameHandler({});
+    UIAccessibility::setAnnouncementHandler({});
+    if (QAccessible::isActive())
+        QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(&accessible()));
 }
 
 void ShareWindow::open() {
@@ -100,17 +109,45 @@ CGPoint ShareWindow::toPoints(QPointF position) const {
     return {position.x() / unitsPerPoint(), position.y() / unitsPerPoint()};
 }
 
+QRect ShareWindow::toDesktop(const CGRect& rect) const {
+    const double unit = unitsPerPoint();
+    const QRectF own(rect.minX() * unit, rect.minY() * unit, rect.size.width * unit, rect.size.height * unit);
+    return own.toAlignedRect().translated(mapToGlobal(QPoint()));
+}
+
+AccessibleWindow& ShareWindow::accessible() {
+    return static_cast<AccessibleWindow&>(*accessibleRoot());
+}
+
+QAccessibleInterface* ShareWindow::accessibleRoot() const {
+    return QAccessible::queryAccessibleInterface(const_cast<ShareWindow*>(this));
+}
+
+bool ShareWindow::isClipboardOpen() {
+    return !isWayland();
+}
+
+bool ShareWindow::takesDrop(const QMimeData& data) const {
+    return contentHandler_.isOpen && contentHandler_.isOpen() && MimeAttachments::areIn(data);
+}
+
 bool ShareWindow::event(QEvent* event) {
     switch (event->type()) {
     case QEvent::UpdateRequest:
         drawFrame();
         return true;
-    case QEvent::ApplicationPaletteChange:
-    case QEvent::ThemeChange:
-        window_.setUserInterfaceStyle(appearance(line_));
-        exposed_ = QRect(QPoint(), size());
-        scheduleFrame();
-        break;
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop: {
+        auto& drop = static_cast<QDropEvent&>(*event);
+        if (!takesDrop(*drop.mimeData()))
+            break;
+        drop.setDropAction(Qt::CopyAction);
+        drop.accept();
+        if (event->type() == QEvent::Drop)
+            contentHandler_.take(drop.mimeData());
+        return true;
+    }
     case QEvent::Close:
         if (closeHandler_)
             closeHandler_();
@@ -158,7 +195,7 @@ void ShareWindow::drawFrame() {
         return;
     lastFrameTime_ = monotonicSeconds();
     window_.prepareFrame();
-    const CGRect dirty = window_.takeDirtyRect();
+    const CGRect dirty = window_.takeDirtyRect().unionWith(ring_.move(window_, keyboard_.focusedView()));
     QRegion region = std::exchange(exposed_, {});
     if (!dirty.isEmpty()) {
         const double unit = unitsPerPoint();
@@ -174,6 +211,8 @@ void ShareWindow::drawFrame() {
         store_.endPaint();
         store_.flush(region);
     }
+    if (QAccessible::isActive())
+        accessible().update();
     if (window_.needsFrame())
         scheduleFrame();
 }
@@ -191,9 +230,10 @@ void ShareWindow::drawPart(const QRect& part) {
         QPainter painter(&pixels);
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         painter.fillRect(area, coversScreen_ ? QColor(Qt::transparent)
-                                             : Snapshot::backdrop(window_.userInterfaceStyle()));
+                                             : Snapshot::backdrop(window_.traitCollection()));
     }
-    painter_.paint(pixels, area, window_, {pixelsPerPoint(), window_.userInterfaceStyle()});
+    painter_.paint(pixels, area, window_, {pixelsPerPoint(), window_.traitCollection()});
+    ring_.paint(pixels, area, pixelsPerPoint(), window_.traitCollection());
 }
 
 void ShareWindow::press(QPointF position) {
@@ -225,6 +265,11 @@ void ShareWindow::mouseMoveEvent(QMouseEvent* event) {
 void ShareWindow::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton && !finger_)
         release(event->position());
+}
+
+void ShareWindow::focusInEvent(QFocusEvent*) {
+    if (std::exchange(pastesOnFocus_, false))
+        paste();
 }
 
 void ShareWindow::focusOutEvent(QFocusEvent*) {
@@ -259,9 +304,17 @@ void ShareWindow::touchEvent(QTouchEvent* event) {
     }
 }
 
+void ShareWindow::paste() {
+    if (contentHandler_.isOpen && contentHandler_.isOpen())
+        contentHandler_.take(QGuiApplication::clipboard()->mimeData());
+}
+
 void ShareWindow::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape)
-        close();
+    if (!event->matches(QKeySequence::Paste))
+        keyboard_.press({event->key(), event->text(), event->isAutoRepeat()});
+    else if (!event->isAutoRepeat())
+        paste();
+    scheduleFrame();
 }
 
 } // namespace sela

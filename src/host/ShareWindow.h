@@ -1,6 +1,8 @@
 #pragma once
 
 #include "host/CommandLine.h"
+#include "host/FocusRing.h"
+#include "host/KeyboardNavigation.h"
 #include "host/ViewPainter.h"
 #include "platform/uikit/UIWindow.h"
 
@@ -10,20 +12,27 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
+
+class QMimeData;
 
 namespace sela {
+
+class AccessibleWindow;
 
 /// The desktop's window that shows a `UIWindow`: over the whole screen and translucent where the desktop
 /// composites, as the phone's sheet dims the application below it, an ordinary window otherwise or when a
 /// size is asked for. It draws only what changed, and only while something changes; mouse, finger and wheel
-/// become touches. Main thread only.
+/// become touches, keys work the controls, and screen readers find the elements of the screen. Main thread
+/// only.
 class ShareWindow : public QWindow {
 public:
     /// The size in points that a `UIWindow` for this command line should have before the window is shown.
     static CGSize screenSize(const CommandLine& line);
 
-    /// The appearance the command line asks for, else the desktop's.
-    static UIUserInterfaceStyle appearance(const CommandLine& line);
+    /// Whether the clipboard can be read before a window has the keyboard. Where it cannot, as on Wayland, a
+    /// window whose command line asks for the clipboard takes it as soon as it has.
+    static bool isClipboardOpen();
 
     /// Both must outlive this window.
     ShareWindow(UIWindow& window, ViewPainter& painter, const CommandLine& line);
@@ -32,8 +41,18 @@ public:
     /// Called when the user closes the window.
     void setCloseHandler(std::function<void()> handler) { closeHandler_ = std::move(handler); }
 
+    /// Whoever takes what the user pastes or drops: whether anything can be taken now, and the data (null: an
+    /// empty clipboard).
+    struct ContentHandler {
+        std::function<bool()> isOpen;
+        std::function<void(const QMimeData* data)> take;
+    };
+    void setContentHandler(ContentHandler handler) { contentHandler_ = std::move(handler); }
+
     /// Shows the window.
     void open();
+
+    QAccessibleInterface* accessibleRoot() const override;
 
     double pixelsPerPoint() const { return unitsPerPoint() * devicePixelRatio(); }
 
@@ -45,6 +64,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void touchEvent(QTouchEvent* event) override;
@@ -55,23 +75,31 @@ private:
 
     double unitsPerPoint() const;
     CGPoint toPoints(QPointF position) const;
+    QRect toDesktop(const CGRect& rect) const;
     void scheduleFrame();
     void drawFrame();
     void drawPart(const QRect& part);
     void press(QPointF position);
     void release(QPointF position);
     void cancelPress();
+    void paste();
+    bool takesDrop(const QMimeData& data) const;
+    AccessibleWindow& accessible();
 
     UIWindow& window_;
     ViewPainter& painter_;
     const CommandLine line_;
     const bool coversScreen_;
     std::function<void()> closeHandler_;
+    ContentHandler contentHandler_;
+    KeyboardNavigation keyboard_;
+    FocusRing ring_;
     QBackingStore store_;
     QRegion exposed_; ///< must be drawn whether it changed or not
     QBasicTimer frameTimer_;
     double lastFrameTime_ = 0;
     bool pressed_ = false;
+    bool pastesOnFocus_;
     std::optional<int> finger_;
 };
 

@@ -7,8 +7,9 @@
 
 namespace sela::Snapshot {
 
-QColor backdrop(UIUserInterfaceStyle style) {
-    return style == UIUserInterfaceStyle::dark ? QColor(0x4A, 0x4D, 0x58) : QColor(0xDF, 0xE2, 0xEA);
+QColor backdrop(const UITraitCollection& traits) {
+    const bool isDark = traits.userInterfaceStyle == UIUserInterfaceStyle::dark;
+    return isDark ? QColor(0x4A, 0x4D, 0x58) : QColor(0xDF, 0xE2, 0xEA);
 }
 
 QImage picture(UIWindow& window, ViewPainter& painter, double pixelsPerPoint) {
@@ -18,8 +19,8 @@ QImage picture(UIWindow& window, ViewPainter& painter, double pixelsPerPoint) {
         return std::max(1, static_cast<int>(std::lround(points * pixelsPerPoint)));
     };
     QImage image(pixels(size.width), pixels(size.height), QImage::Format_ARGB32_Premultiplied);
-    image.fill(backdrop(window.userInterfaceStyle()));
-    painter.paint(image, image.rect(), window, {pixelsPerPoint, window.userInterfaceStyle()});
+    image.fill(backdrop(window.traitCollection()));
+    painter.paint(image, image.rect(), window, {pixelsPerPoint, window.traitCollection()});
     return image;
 }
 

@@ -13,7 +13,7 @@ namespace sela {
 namespace Snapshot {
 
 /// The colour that stands for the application below the window, so that what is dimmed shows as dimmed.
-QColor backdrop(UIUserInterfaceStyle style);
+QColor backdrop(const UITraitCollection& traits);
 
 /// The window at this moment over the backdrop, `pixelsPerPoint` pixels to a point, laid out first.
 QImage picture(UIWindow& window, ViewPainter& painter, double pixelsPerPoint);

@@ -30,7 +30,7 @@ StepRunner::StepRunner(Screen screen, const std::vector<Step>& steps) : screen_(
             continue;
         }
         for (const char digit : step.argument)
-            steps_.push_back({Step::Kind::tap, std::string("button") + digit});
+            steps_.push_back({Step::Kind::type, std::string(1, digit)});
     }
 }
 
@@ -90,14 +90,15 @@ bool StepRunner::isScreenAtRest() const {
 std::optional<std::string> StepRunner::take(const Step& step) {
     switch (step.kind) {
     case Step::Kind::tap:
-    case Step::Kind::tapNow: {
-        const std::optional<CGPoint> point = ViewLocator::tapPoint(screen_.window, step.argument);
-        if (!point)
+    case Step::Kind::tapNow:
+        if (!touch(step.argument))
             return step.argument + " is not on the screen, or is hidden or covered";
-        screen_.window.touchBegan(*point);
-        screen_.window.touchEnded(*point);
         return std::nullopt;
-    }
+    case Step::Kind::type:
+        // Which digit it was is nobody's business.
+        if (!touch("button" + step.argument))
+            return "a key to type is not on the screen, or is hidden or covered";
+        return std::nullopt;
     case Step::Kind::snapshot:
         if (!Snapshot::write(screen_.window, screen_.painter, screen_.pixelsPerPoint, step.argument))
             return "cannot write the picture " + step.argument;
@@ -107,10 +108,18 @@ std::optional<std::string> StepRunner::take(const Step& step) {
             return "cannot write the tree " + step.argument;
         return std::nullopt;
     case Step::Kind::wait:
-    case Step::Kind::type:
         return std::nullopt;
     }
     return std::nullopt;
+}
+
+bool StepRunner::touch(const std::string& name) {
+    const std::optional<CGPoint> point = ViewLocator::tapPoint(screen_.window, name);
+    if (!point)
+        return false;
+    screen_.window.touchBegan(*point);
+    screen_.window.touchEnded(*point);
+    return true;
 }
 
 void StepRunner::requestEnded() {

@@ -48,6 +48,9 @@ private:
     bool isScreenAtRest() const;
     std::optional<std::string> take(const Step& step);
 
+    /// Touches the view of that name; false when it cannot be touched.
+    bool touch(const std::string& name);
+
     Screen screen_;
     std::deque<Step> steps_;
     Completion completion_;

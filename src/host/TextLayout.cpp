@@ -3,7 +3,6 @@
 #include "host/QtConversions.h"
 
 #include <QPainter>
-#include <QTextOption>
 
 #include <algorithm>
 #include <cmath>
@@ -31,8 +30,8 @@ QTextOption textOption(QTextOption::WrapMode wrapMode) {
 } // namespace
 
 TextLayout::TextLayout(const NSAttributedString& text, double width, int maximumLines,
-                       UIUserInterfaceStyle style, FontCache& fonts) {
-    addText(text, style, fonts);
+                       const UITraitCollection& traits, FontCache& fonts) {
+    addText(text, traits, fonts);
     if (!text_.isEmpty())
         breakLines(std::clamp(width + tolerance, 0.0, widest), maximumLines);
     for (const QTextLine& line : lines_) {
@@ -41,7 +40,7 @@ TextLayout::TextLayout(const NSAttributedString& text, double width, int maximum
     }
 }
 
-void TextLayout::addText(const NSAttributedString& text, UIUserInterfaceStyle style, FontCache& fonts) {
+void TextLayout::addText(const NSAttributedString& text, const UITraitCollection& traits, FontCache& fonts) {
     for (const NSAttributedString::Run& run : text.runs()) {
         QTextLayout::FormatRange range;
         range.start = static_cast<int>(text_.size());
@@ -50,7 +49,7 @@ void TextLayout::addText(const NSAttributedString& text, UIUserInterfaceStyle st
         if (run.attributes.font)
             range.format.setFont(fonts.font(*run.attributes.font));
         const UIColor color = run.attributes.foregroundColor.value_or(UIColor::black());
-        range.format.setForeground(toQt(color.resolve(style)));
+        range.format.setForeground(toQt(color.resolve(traits)));
         formats_.append(range);
     }
     text_.replace(QLatin1Char('\n'), QChar(QChar::LineSeparator));
@@ -82,9 +81,10 @@ void TextLayout::truncateFrom(int start, double width) {
     QString rest = text_.mid(start, longestTruncatedLine);
     if (const qsizetype lineEnd = rest.indexOf(QChar(QChar::LineSeparator)); lineEnd >= 0)
         rest.truncate(lineEnd);
+    // What is kept are the first characters in the order of reading, wherever they stand in the line.
     const std::unique_ptr<QTextLayout> full =
-        layOutLine(rest, formatsFrom(start, static_cast<int>(rest.size())));
-    int length = full->lineAt(0).xToCursor(width, QTextLine::CursorOnCharacter);
+        layOutLine(rest, formatsFrom(start, static_cast<int>(rest.size())), width, QTextOption::WrapAnywhere);
+    int length = full->lineAt(0).textLength();
     while (true) {
         QString shown = rest.left(length);
         while (shown.endsWith(QLatin1Char(' ')))
@@ -93,7 +93,7 @@ void TextLayout::truncateFrom(int start, double width) {
         if (formats.isEmpty())
             formats = formatsFrom(start, 1);
         formats.back().length = static_cast<int>(shown.size()) + 1 - formats.back().start;
-        truncated_ = layOutLine(shown + QChar(0x2026), formats);
+        truncated_ = layOutLine(shown + QChar(0x2026), formats, widest, QTextOption::NoWrap);
         if (length <= 0 || truncated_->lineAt(0).naturalTextWidth() <= width)
             break;
         length = full->previousCursorPosition(length);
@@ -101,15 +101,17 @@ void TextLayout::truncateFrom(int start, double width) {
     lines_.back() = truncated_->lineAt(0);
 }
 
-std::unique_ptr<QTextLayout> TextLayout::layOutLine(const QString& text, const Formats& formats) const {
+/// The first line of `text` when lines are broken at `width`.
+std::unique_ptr<QTextLayout> TextLayout::layOutLine(const QString& text, const Formats& formats, double width,
+                                                    QTextOption::WrapMode wrapMode) const {
     auto layout = std::make_unique<QTextLayout>(text, whole_.font());
     layout->setFormats(formats);
-    layout->setTextOption(textOption(QTextOption::NoWrap));
+    layout->setTextOption(textOption(wrapMode));
     layout->setCacheEnabled(true);
     layout->beginLayout();
     QTextLine line = layout->createLine();
     if (line.isValid())
-        line.setLineWidth(widest);
+        line.setLineWidth(width);
     layout->endLayout();
     return layout;
 }

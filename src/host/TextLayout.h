@@ -6,6 +6,7 @@
 #include "platform/uikit/UILabel.h"
 
 #include <QTextLayout>
+#include <QTextOption>
 
 #include <memory>
 #include <vector>
@@ -19,25 +20,26 @@ namespace sela {
 class TextLayout {
 public:
     /// Breaks `text`, whose runs have fonts, at `width` points (infinite: only at line ends in the text) into
-    /// at most `maximumLines` lines (0: any number). Colours are taken in the appearance `style`; a run
+    /// at most `maximumLines` lines (0: any number). Colours are taken in the appearance `traits`; a run
     /// without one is black.
-    TextLayout(const NSAttributedString& text, double width, int maximumLines, UIUserInterfaceStyle style,
-               FontCache& fonts);
+    TextLayout(const NSAttributedString& text, double width, int maximumLines,
+               const UITraitCollection& traits, FontCache& fonts);
 
     /// The size of the lines together, in points; 0 by 0 without text.
     CGSize size() const { return size_; }
     int lineCount() const { return static_cast<int>(lines_.size()); }
 
-    /// Draws the lines centred vertically in `bounds`.
+    /// Draws the lines centred vertically in `bounds`; `alignment` is not natural.
     void draw(QPainter& painter, const CGRect& bounds, NSTextAlignment alignment) const;
 
 private:
     using Formats = QList<QTextLayout::FormatRange>;
 
-    void addText(const NSAttributedString& text, UIUserInterfaceStyle style, FontCache& fonts);
+    void addText(const NSAttributedString& text, const UITraitCollection& traits, FontCache& fonts);
     void breakLines(double width, int maximumLines);
     void truncateFrom(int start, double width);
-    std::unique_ptr<QTextLayout> layOutLine(const QString& text, const Formats& formats) const;
+    std::unique_ptr<QTextLayout> layOutLine(const QString& text, const Formats& formats, double width,
+                                            QTextOption::WrapMode wrapMode) const;
     Formats formatsFrom(int start, int length) const;
 
     QString text_;

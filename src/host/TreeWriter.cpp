@@ -44,6 +44,8 @@ void writeContent(JSONWriter& json, const UIView& view) {
     if (const auto* label = dynamic_cast<const UILabel*>(&view)) {
         json.key("text").string(label->text());
         writeFont(json, label->font());
+        if (label->isTruncated())
+            json.key("truncated").boolean(true);
     } else if (const auto* button = dynamic_cast<const UIButton*>(&view)) {
         json.key("text").string(button->attributedTitle() ? button->attributedTitle()->string()
                                                           : button->title());

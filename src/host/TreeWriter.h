@@ -10,7 +10,8 @@ namespace sela {
 namespace TreeWriter {
 
 /// One object: the window's root view, with everything in it as it is shown at this moment, laid out first.
-/// Lengths are points of the screen, rounded to thousandths. An empty object when nothing is shown.
+/// Lengths are points of the screen, rounded to thousandths; a label whose text is cut off says so. An empty
+/// object when nothing is shown.
 std::string json(UIWindow& window);
 
 /// Writes that object and a line end to the file `path`, replacing one that exists. False when it cannot be

@@ -37,6 +37,14 @@ bool isUpright(const QTransform& transform) {
     return transform.m12() == 0 && transform.m21() == 0;
 }
 
+/// Fills whole pixels only where the rectangle is upright, so that edges between pixels meet those of the
+/// views above and below alike.
+void fillBounds(QPainter& painter, const CGRect& bounds, const QColor& color) {
+    painter.setRenderHint(QPainter::Antialiasing, !isUpright(painter.worldTransform()));
+    painter.fillRect(toQt(bounds), color);
+    painter.setRenderHint(QPainter::Antialiasing);
+}
+
 QRect deviceRect(const QPainter& painter) {
     return {0, 0, painter.device()->width(), painter.device()->height()};
 }
@@ -64,7 +72,7 @@ void ViewPainter::paint(QImage& target, const QRect& area, const UIView& root, c
 }
 
 QColor ViewPainter::color(const UIColor& color) const {
-    return toQt(color.resolve(screen_.style));
+    return toQt(color.resolve(screen_.traits));
 }
 
 void ViewPainter::paintView(QPainter& painter, const UIView& view) {
@@ -139,7 +147,7 @@ void ViewPainter::paintInside(QPainter& painter, const UIView& view, bool rounds
             painter.fillPath(roundedPath(shown.bounds, view.layer().cornerRadius()),
                              color(*shown.backgroundColor));
         else
-            painter.fillRect(toQt(shown.bounds), color(*shown.backgroundColor));
+            fillBounds(painter, shown.bounds, color(*shown.backgroundColor));
     }
     if (const auto* label = dynamic_cast<const UILabel*>(&view))
         paintLabel(painter, *label);
@@ -157,7 +165,7 @@ void ViewPainter::paintShadow(QPainter& painter, const UIView& view) {
         return;
     const double pixelsPerPoint = screen_.pixelsPerPoint;
     const ShadowCache::Shadow& shadow =
-        shadows_.shadow(view, pixelsPerPoint, screen_.style, [&](QImage& picture, QPointF origin) {
+        shadows_.shadow(view, pixelsPerPoint, screen_.traits, [&](QImage& picture, QPointF origin) {
             QPainter inside(&picture);
             setHints(inside);
             inside.scale(pixelsPerPoint, pixelsPerPoint);
@@ -190,16 +198,15 @@ void ViewPainter::paintLabel(QPainter& painter, const UILabel& label) {
     const NSAttributedString text = label.displayedText();
     if (text.isEmpty() || bounds.isEmpty())
         return;
-    // Sizes of fonts are rounded, so a line that was shrunk to fit may still be a little too wide.
-    const double width = bounds.size.width * (label.adjustsFontSizeToFitWidth() ? 1.01 : 1);
+    const double width = label.displayedTextWidth();
     std::shared_ptr<const TextLayout> layout =
-        measurer_.layout(text, width, label.numberOfLines(), screen_.style);
+        measurer_.layout(text, width, label.numberOfLines(), screen_.traits);
     if (layout->lineCount() > 1 && layout->size().height > bounds.size.height + 1) {
         const double lineHeight = layout->size().height / layout->lineCount();
         const int fitting = std::max(1, static_cast<int>((bounds.size.height + 1) / lineHeight));
-        layout = measurer_.layout(text, width, fitting, screen_.style);
+        layout = measurer_.layout(text, width, fitting, screen_.traits);
     }
-    layout->draw(painter, bounds, label.textAlignment());
+    layout->draw(painter, bounds, label.displayedTextAlignment());
 }
 
 void ViewPainter::paintImage(QPainter& painter, const UIImageView& view) {
@@ -220,7 +227,7 @@ void ViewPainter::paintImage(QPainter& painter, const UIImageView& view) {
             const QPointF corner = transform.map(target.topLeft()).toPoint();
             target.moveTopLeft(transform.inverted().map(corner));
         }
-        painter.drawImage(target, rendered);
+        painter.drawImage(target, view.drawsFlipped() ? rendered.mirrored(true, false) : rendered);
         return;
     }
     const CGRect visible = view.clipsToBounds() ? whole.intersection(view.presentation().bounds) : whole;
@@ -231,7 +238,8 @@ void ViewPainter::paintImage(QPainter& painter, const UIImageView& view) {
                       visible.size.width / whole.size.width, visible.size.height / whole.size.height);
     const QSize size(static_cast<int>(std::ceil(visible.size.width * scale)),
                      static_cast<int>(std::ceil(visible.size.height * scale)));
-    painter.drawImage(toQt(visible), images_.scaled(image, part, size, tint));
+    const QImage scaled = images_.scaled(image, part, size, tint);
+    painter.drawImage(toQt(visible), view.drawsFlipped() ? scaled.mirrored(true, false) : scaled);
 }
 
 void ViewPainter::paintSpinner(QPainter& painter, const UIActivityIndicatorView& spinner) {

@@ -26,7 +26,7 @@ public:
     /// How the points of the tree's root become the pixels of a picture.
     struct Screen {
         double pixelsPerPoint = 1;
-        UIUserInterfaceStyle style = UIUserInterfaceStyle::light;
+        UITraitCollection traits;
     };
 
     /// Draws `root` and what is in it over what `target` (Format_ARGB32_Premultiplied or RGB32) holds, within

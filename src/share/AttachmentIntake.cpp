@@ -1,6 +1,5 @@
 #include "share/AttachmentIntake.h"
 
-#include "platform/extension/NSExtensionItem.h"
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/DispatchQueue.h"
 #include "platform/foundation/NSLog.h"
@@ -29,15 +28,28 @@ std::int64_t countOf(const auto& list) {
 
 AttachmentIntake::AttachmentIntake() : selectedAlbumName{Bundle::main().localizedString("Default Album")} {}
 
-const AttachmentIntake::Attachments* AttachmentIntake::attachments() const {
+NSExtensionItem* AttachmentIntake::firstItem() const {
     if (!extensionContext || extensionContext->inputItems.empty())
         return nullptr;
-    const auto* const item = dynamic_cast<const NSExtensionItem*>(extensionContext->inputItems.front().get());
-    return item && item->attachments ? &*item->attachments : nullptr;
+    return dynamic_cast<NSExtensionItem*>(extensionContext->inputItems.front().get());
+}
+
+std::shared_ptr<const NSExtensionItem::Attachments> AttachmentIntake::attachments() const {
+    const NSExtensionItem* const item = firstItem();
+    return item ? item->attachments() : nullptr;
+}
+
+bool AttachmentIntake::append(const NSExtensionItem::Attachments& more) {
+    NSExtensionItem* const item = firstItem();
+    if (!item)
+        return false;
+    item->append(more);
+    itemsCount = getItemsCount();
+    return true;
 }
 
 std::int64_t AttachmentIntake::getItemsCount() const {
-    const Attachments* const list = attachments();
+    const auto list = attachments();
     const std::int64_t count = list ? countOf(*list) : 0;
     NSLog("getItemsCount count = " + std::to_string(count));
     return count;
@@ -46,7 +58,7 @@ std::int64_t AttachmentIntake::getItemsCount() const {
 void AttachmentIntake::loadThumbnails(std::function<void()> completion) {
     const std::size_t inputItems = extensionContext ? extensionContext->inputItems.size() : 0;
     NSLog("loadThumbnails inputItems count = " + std::to_string(inputItems));
-    const Attachments* const list = attachments();
+    const auto list = attachments();
     const bool finished =
         !list || thumbnailCount >= countOf(*list) || thumbnailCount >= thumbnailPlaces ||
         (*list)[static_cast<std::size_t>(thumbnailCount)]->registeredTypeIdentifiers().empty();
@@ -87,7 +99,7 @@ void AttachmentIntake::addThumbnail(const NSItemProvider::Item& item, const Erro
 void AttachmentIntake::saveAttachments(const Completion& completion) {
     const std::size_t inputItems = extensionContext ? extensionContext->inputItems.size() : 0;
     NSLog("InputItems count = " + std::to_string(inputItems));
-    const Attachments* const list = attachments();
+    const auto list = attachments();
     if (!list || currentAttachmentIndex >= countOf(*list)) {
         completion(nullptr);
         return;

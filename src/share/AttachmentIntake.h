@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/extension/NSExtensionContext.h"
+#include "platform/extension/NSExtensionItem.h"
 #include "platform/extension/NSItemProvider.h"
 #include "platform/foundation/Error.h"
 #include "platform/media/UIImage.h"
@@ -31,8 +32,13 @@ public:
     /// such item, or no attachment list.
     std::int64_t getItemsCount() const;
 
+    /// Puts `more` behind the attachments of the first input item and counts anew. Whether there is such an
+    /// item; without one nothing happens. For the time before saving starts; thumbnails may be on their way.
+    bool append(const NSExtensionItem::Attachments& more);
+
     /// Loads thumbnails, attachment by attachment, until three attachments were looked at or none is left,
-    /// and then calls `completion` on the main queue, once. An attachment that yields no picture uses up one
+    /// and then calls `completion` on the main queue, once. Called again for attachments that came later, it
+    /// goes on where it had ended. An attachment that yields no picture uses up one
     /// of the three places; one without a type ends the walk.
     void loadThumbnails(std::function<void()> completion);
 
@@ -67,10 +73,11 @@ public:
     int thumbnailSide = 320;
 
 private:
-    using Attachments = std::vector<std::shared_ptr<NSItemProvider>>;
+    /// The first input item; null when there is none, or it is of another kind.
+    NSExtensionItem* firstItem() const;
 
     /// The attachments of the first input item; null when there is no such list.
-    const Attachments* attachments() const;
+    std::shared_ptr<const NSExtensionItem::Attachments> attachments() const;
 
     void addThumbnail(const NSItemProvider::Item& item, const ErrorRef& error,
                       const std::string& typeIdentifier);

@@ -4,6 +4,7 @@
 #include "platform/foundation/DispatchQueue.h"
 #include "platform/foundation/FatalError.h"
 #include "platform/uikit/NSAttributedString.h"
+#include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UINavigationController.h"
 #include "platform/uikit/UIScreen.h"
 #include "share/RequestEnd.h"
@@ -68,10 +69,7 @@ void SelaShareExtensionVc::viewDidLoad() {
     styleResult();
     intake_->thumbnailCount = 0;
     intake_->thumbnails.clear();
-    intake_->loadThumbnails([weak = weakReference(*this)] {
-        if (const auto self = weak.lock())
-            self->showThumbnails();
-    });
+    loadThumbnails();
     updateTitle();
 }
 
@@ -82,6 +80,30 @@ void SelaShareExtensionVc::viewDidLayoutSubviews() {
 
 double SelaShareExtensionVc::whole(double designLength) const {
     return std::trunc(designLength * scale_);
+}
+
+void SelaShareExtensionVc::loadThumbnails() {
+    thumbnailsShown_ = false;
+    intake_->loadThumbnails([weak = weakReference(*this), count = intake_->itemsCount] {
+        const auto self = weak.lock();
+        if (!self)
+            return;
+        self->showThumbnails();
+        // The walk may have seen its end before more came.
+        if (self->intake_->itemsCount > count)
+            self->loadThumbnails();
+    });
+}
+
+bool SelaShareExtensionVc::append(const NSExtensionItem::Attachments& attachments) {
+    if (addStarted_ || !intake_->append(attachments))
+        return false;
+    layoutStack();
+    updateTitle();
+    UIAccessibility::postAnnouncement(albumButton_.accessibilityValue());
+    if (thumbnailsShown_)
+        loadThumbnails();
+    return true;
 }
 
 void SelaShareExtensionVc::showThumbnails() {
@@ -112,6 +134,7 @@ void SelaShareExtensionVc::updateTitle() {
                          .format({NSAttributedString(std::to_string(count), highlight), album});
     albumButton_.setTitleFont(font);
     albumButton_.setAttributedTitle(title);
+    albumButton_.setAccessibilityValue(title.string());
 }
 
 void SelaShareExtensionVc::albumButtonTouched(UIButton&) {
@@ -156,6 +179,7 @@ void SelaShareExtensionVc::showAdding() {
             activityIndicator_.setHidden(false);
             activityIndicator_.startAnimating();
             resultLabel_.setText(localized("Adding..."));
+            UIAccessibility::postAnnouncement(resultLabel_.text());
             resultView_.setTransform(CGAffineTransform());
         },
         [weak = weakReference(*this)](bool finished) {
@@ -166,11 +190,14 @@ void SelaShareExtensionVc::showAdding() {
 }
 
 void SelaShareExtensionVc::startSaving() {
-    // The error of a run is not shown; it is in the log.
-    intake_->saveAttachments([weak = weakReference(*this)](const ErrorRef&) {
-        DispatchQueue::main().async([weak] {
-            if (const auto self = weak.lock())
-                self->showDone();
+    // The screen does not show the error of a run; the log has it, and the host tells it.
+    intake_->saveAttachments([weak = weakReference(*this)](const ErrorRef& error) {
+        DispatchQueue::main().async([weak, error] {
+            const auto self = weak.lock();
+            if (!self)
+                return;
+            self->saveError_ = error;
+            self->showDone();
         });
     });
 }
@@ -180,6 +207,7 @@ void SelaShareExtensionVc::showDone() {
     activityIndicator_.setHidden(true);
     resultIcon_.setHidden(false);
     resultLabel_.setText(localized("Done"));
+    UIAccessibility::postAnnouncement(resultLabel_.text());
     DispatchQueue::main().asyncAfter(doneSeconds, [weak = weakReference(*this)] {
         if (const auto self = weak.lock())
             completeRequest(*self);

@@ -45,12 +45,19 @@ public:
 
     const AttachmentIntake& intake() const { return *intake_; }
 
+    /// Puts attachments that come later behind those of the request: count, title, pile and thumbnails
+    /// follow. False, and nothing happens, when there is nothing to add to, or Add was tapped already.
+    bool append(const NSExtensionItem::Attachments& attachments);
+
     /// Whether the pictures that load behind the screens are shown: the thumbnails here, the covers of the
     /// picker.
     bool areImagesShown() const;
 
     /// Whether Add was tapped, so that only the end of the save run ends the request.
     bool hasAddStarted() const { return addStarted_; }
+
+    /// The error that a save run ended with; null when it has not ended or all went well.
+    const ErrorRef& saveError() const { return saveError_; }
 
 private:
     /// A design length in whole points.
@@ -60,10 +67,12 @@ private:
     void layoutPanels();
     void layoutCard();
     void layoutThumbnails();
+    void layoutStack();
     void styleCard();
     void styleButtons();
     void styleResult();
 
+    void loadThumbnails();
     void showThumbnails();
     void showAdding();
     void startSaving();
@@ -95,6 +104,7 @@ private:
 
     bool thumbnailsShown_ = false;
     bool addStarted_ = false;
+    ErrorRef saveError_;
 };
 
 } // namespace sela

@@ -86,7 +86,7 @@ void SelaShareExtensionVc::layoutPanels() {
     activityIndicator_.setTransform(CGAffineTransform::scale(whole(44) / UIActivityIndicatorView::side,
                                                              whole(44) / UIActivityIndicatorView::side));
     resultLabel_.snp().makeConstraints([&](ConstraintMaker& make) {
-        make.left().right().equalToSuperview().inset(whole(12));
+        make.leading().trailing().equalToSuperview().inset(whole(12));
         make.top().equalTo(resultIcon_.snp().bottom()).offset(whole(14));
         make.height().equalTo(whole(24));
     });
@@ -94,21 +94,21 @@ void SelaShareExtensionVc::layoutPanels() {
 
 void SelaShareExtensionVc::layoutCard() {
     titleLabel_.snp().makeConstraints([&](ConstraintMaker& make) {
-        make.left().right().equalToSuperview().inset(whole(20));
+        make.leading().trailing().equalToSuperview().inset(whole(20));
         make.top().equalToSuperview();
         make.height().equalTo(whole(46));
     });
     // The line is 44 points high, so that a finger finds it.
     albumButton_.snp().makeConstraints([&](ConstraintMaker& make) {
-        make.left().equalToSuperview().offset(whole(24));
-        make.right().equalTo(disclosureIcon_.snp().left()).offset(-whole(8));
+        make.leading().equalToSuperview().offset(whole(24));
+        make.trailing().equalTo(disclosureIcon_.snp().leading()).offset(-whole(8));
         make.top().equalTo(titleLabel_.snp().bottom());
         make.height().equalTo(whole(44));
     });
     disclosureIcon_.snp().makeConstraints([&](ConstraintMaker& make) {
         make.size().equalTo(CGSize{whole(8), whole(13)});
         make.centerY().equalTo(albumButton_);
-        make.right().equalToSuperview().offset(-whole(24));
+        make.trailing().equalToSuperview().offset(-whole(24));
     });
     const double buttonEdge = whole(40);
     for (UIButton* const button : {&cancelButton_, &addButton_})
@@ -117,18 +117,22 @@ void SelaShareExtensionVc::layoutCard() {
             make.bottom().equalToSuperview().offset(-whole(28));
         });
     cancelButton_.snp().makeConstraints(
-        [&](ConstraintMaker& make) { make.left().equalToSuperview().offset(buttonEdge); });
+        [&](ConstraintMaker& make) { make.leading().equalToSuperview().offset(buttonEdge); });
     addButton_.snp().makeConstraints(
-        [&](ConstraintMaker& make) { make.right().equalToSuperview().offset(-buttonEdge); });
+        [&](ConstraintMaker& make) { make.trailing().equalToSuperview().offset(-buttonEdge); });
 }
 
-void SelaShareExtensionVc::layoutThumbnails() {
+void SelaShareExtensionVc::layoutStack() {
     const Stack stack = stackFor(intake_->itemsCount);
-    imageViewContainer_.snp().makeConstraints([&](ConstraintMaker& make) {
+    imageViewContainer_.snp().remakeConstraints([&](ConstraintMaker& make) {
         make.size().equalTo(CGSize{whole(178), whole(stack.height)});
         make.centerX().equalToSuperview();
         make.top().equalTo(albumButton_.snp().bottom()).offset(whole(stack.topOffset));
     });
+}
+
+void SelaShareExtensionVc::layoutThumbnails() {
+    layoutStack();
     imageView1Container_.snp().makeConstraints([&](ConstraintMaker& make) {
         make.size().equalTo(CGSize{whole(178), whole(128)});
         make.bottom().centerX().equalToSuperview();

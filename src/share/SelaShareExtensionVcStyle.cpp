@@ -8,6 +8,10 @@ void SelaShareExtensionVc::styleCard() {
     titleLabel_.setFont(UIFont::boldSystemFont(20 * scale_));
     titleLabel_.setTextColor(UIColor::named("AppTint"));
     titleLabel_.setTextAlignment(NSTextAlignment::center);
+    if (const std::optional<UIImage> disclosure = disclosureIcon_.image())
+        disclosureIcon_.setImage(disclosure->withRenderingMode(UIImage::RenderingMode::alwaysTemplate)
+                                     .imageFlippedForRightToLeftLayoutDirection());
+    disclosureIcon_.setTintColor(UIColor::named("AppTextSecond"));
     for (UIImageView* const image : {&imageView1_, &imageView2_, &imageView3_}) {
         image->layer().setCornerRadius(whole(10));
         image->setClipsToBounds(true);
@@ -44,9 +48,10 @@ void SelaShareExtensionVc::styleButtons() {
     addButton_.setClipsToBounds(true);
     addButton_.addTarget(this, &SelaShareExtensionVc::onAddButtonTouched, UIControl::Event::touchUpInside);
 
-    albumButton_.setContentHorizontalAlignment(UIButton::ContentHorizontalAlignment::left);
+    albumButton_.setContentHorizontalAlignment(UIButton::ContentHorizontalAlignment::leading);
     albumButton_.titleLabel().setAdjustsFontSizeToFitWidth(true);
     albumButton_.titleLabel().setMinimumScaleFactor(0.8);
+    albumButton_.setAccessibilityLabel(bundle.localizedString("Pick Album"));
     albumButton_.addTarget(this, &SelaShareExtensionVc::albumButtonTouched, UIControl::Event::touchUpInside);
 }
 
@@ -61,6 +66,7 @@ void SelaShareExtensionVc::styleResult() {
     resultView_.setBackgroundColor(UIColor::named("AppCard"));
     resultIcon_.setHidden(true);
     activityIndicator_.setHidden(true);
+    activityIndicator_.setAccessibilityLabel(Bundle::main().localizedString("Adding..."));
 }
 
 } // namespace sela

@@ -54,10 +54,13 @@ ErrorRef storeFresh(UserDefaults& defaults, const std::string& key, const Shared
     return defaults.setData(sharedItemsKey, *ledger);
 }
 
-/// One attempt, inside a transaction. Returns an error only when storing failed.
+/// One attempt, inside a transaction. Returns an error only when reading or storing failed.
 ErrorRef record(UserDefaults& defaults, const SharedItem& item, bool replaceUnreadable, Outcome& outcome) {
     const std::string key = SharedItemLedger::key(item);
-    const std::optional<Data> ledger = defaults.data(sharedItemsKey);
+    const Result<std::optional<Data>> read = defaults.readData(sharedItemsKey);
+    if (!read)
+        return read.error();
+    const std::optional<Data>& ledger = read.value();
     if (!ledger)
         return storeFresh(defaults, key, item, std::nullopt);
     const Result<bool> present = SharedItemLedger::contains(*ledger, key);

@@ -23,11 +23,11 @@ SelaShareExtensionAlbumCell::SelaShareExtensionAlbumCell(const NSCoder& coder)
     : UITableViewCell(coder), lockIcon_(UIImage::named("AlbumLocked")) {}
 
 void SelaShareExtensionAlbumCell::layoutTitleWithShowChildButton() {
-    layoutTitle(showChildButton_.snp().left());
+    layoutTitle(showChildButton_.snp().leading());
 }
 
 void SelaShareExtensionAlbumCell::layoutTitleWithoutShowChildButton() {
-    layoutTitle(contentView().snp().right());
+    layoutTitle(contentView().snp().trailing());
 }
 
 void SelaShareExtensionAlbumCell::layoutThumbnailOfParent() {
@@ -38,25 +38,25 @@ void SelaShareExtensionAlbumCell::layoutThumbnailOfChild() {
     layoutThumbnail(48);
 }
 
-void SelaShareExtensionAlbumCell::layoutTitle(const ConstraintItem& rightEdge) {
+void SelaShareExtensionAlbumCell::layoutTitle(const ConstraintItem& end) {
     titleLabel_.snp().remakeConstraints([&](ConstraintMaker& make) {
-        make.left().equalTo(thumbnailView_.snp().right()).offset(24);
-        make.right().equalTo(rightEdge);
+        make.leading().equalTo(thumbnailView_.snp().trailing()).offset(24);
+        make.trailing().equalTo(end);
         make.centerY().height().equalToSuperview();
     });
 }
 
-void SelaShareExtensionAlbumCell::layoutThumbnail(double left) {
+void SelaShareExtensionAlbumCell::layoutThumbnail(double indentation) {
     thumbnailView_.snp().remakeConstraints([&](ConstraintMaker& make) {
         make.size().equalTo(CGSize{40, 40});
         make.centerY().equalToSuperview();
-        make.left().equalToSuperview().offset(left);
+        make.leading().equalToSuperview().offset(indentation);
     });
 }
 
 void SelaShareExtensionAlbumCell::layoutBadgeAndButton() {
     showChildButton_.snp().makeConstraints([&](ConstraintMaker& make) {
-        make.top().bottom().right().equalToSuperview();
+        make.top().bottom().trailing().equalToSuperview();
         make.width().equalTo(showChildButton_.snp().height());
     });
     lockIcon_.snp().makeConstraints(

@@ -35,17 +35,17 @@ public:
     /// Covers the thumbnail exactly.
     UIImageView& lockIcon() { return lockIcon_; }
 
-    /// The title ends at the child control, or at the right edge of the row.
+    /// The title ends at the child control, or at the trailing edge of the row.
     void layoutTitleWithShowChildButton();
     void layoutTitleWithoutShowChildButton();
 
-    /// The thumbnail starts 30 points from the left edge, or 48 in the row of a child album.
+    /// The thumbnail starts 30 points from the leading edge, or 48 in the row of a child album.
     void layoutThumbnailOfParent();
     void layoutThumbnailOfChild();
 
 private:
-    void layoutTitle(const ConstraintItem& rightEdge);
-    void layoutThumbnail(double left);
+    void layoutTitle(const ConstraintItem& end);
+    void layoutThumbnail(double indentation);
     void layoutBadgeAndButton();
     void applyLooks();
     void showArrow();

@@ -37,7 +37,7 @@ void PasscodeKeypad::assemble(UIView& card, double scale, std::size_t passcodeLe
 
 void PasscodeKeypad::layoutBackButton(const Placement& placement) {
     backButton_.snp().makeConstraints([&](ConstraintMaker& make) {
-        make.left().equalToSuperview();
+        make.leading().equalToSuperview();
         make.width().equalTo(placement.backButtonWidth);
         make.height().centerY().equalTo(placement.titleLabel);
     });
@@ -108,15 +108,19 @@ void PasscodeKeypad::layoutKeys(double scale, const Placement& placement) {
 }
 
 void PasscodeKeypad::applyLooks(double scale) {
-    backButton_.setImage(UIImage::named("Back"));
-    backButton_.setContentEdgeInsets({0, 24, 0, 0});
-    backButton_.setContentHorizontalAlignment(UIButton::ContentHorizontalAlignment::left);
+    constexpr double inset = 24;
+    const bool fromRight =
+        backButton_.effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;
+    if (const std::optional<UIImage> back = UIImage::named("Back"))
+        backButton_.setImage(back->imageFlippedForRightToLeftLayoutDirection());
+    backButton_.setContentEdgeInsets({0, fromRight ? 0 : inset, 0, fromRight ? inset : 0});
+    backButton_.setContentHorizontalAlignment(UIButton::ContentHorizontalAlignment::leading);
     backButton_.setTintColor(UIColor::named("AppTextSecond"));
     backButton_.setAccessibilityLabel(Bundle::main().localizedString("Back"));
 
     for (UIView& indicator : indicators_)
         indicator.setBackgroundColor(UIColor::named("AppText"));
-    indicatorContainer_.setAccessibilityRole(AccessibilityRole::progress);
+    indicatorContainer_.setAccessibilityRole(AccessibilityRole::passcodeField);
     indicatorContainer_.setAccessibilityLabel(Bundle::main().localizedString("Digits entered"));
 
     for (std::size_t digit = 0; digit < buttons_.size(); ++digit) {

@@ -83,6 +83,7 @@ void SelaShareExtensionAlbumsVc::layoutLaunchMessage(double scale) {
 
 void SelaShareExtensionAlbumsVc::styleTable() {
     tableView_.setBackgroundColor(UIColor::named("AppCard"));
+    tableView_.setAccessibilityLabel(localized("Pick Album"));
     tableView_.setSeparatorStyle(UITableView::SeparatorStyle::none);
     tableView_.registerClass<SelaShareExtensionAlbumCell>(cellIdentifier);
     tableView_.setDataSource(this);
@@ -236,13 +237,17 @@ void SelaShareExtensionAlbumsVc::fill(SelaShareExtensionAlbumCell& cell, const I
 void SelaShareExtensionAlbumsVc::describe(SelaShareExtensionAlbumCell& cell, const IndexPath& indexPath,
                                           const SharedAlbum& album) {
     std::string value = localized(album.password ? "Locked" : "Unlocked");
-    if (!cell.showChildButton().isHidden()) {
+    auto status = AccessibilityExpandedStatus::unsupported;
+    if (AUIButton& button = cell.showChildButton(); !button.isHidden()) {
         const bool unfolded = albums_.showChild()[static_cast<std::size_t>(indexPath.section)];
         const std::string folding = localized(unfolded ? "Unfolded" : "Folded");
         value += ", " + folding;
-        cell.showChildButton().setAccessibilityLabel(localized("Child Albums"));
-        cell.showChildButton().setAccessibilityValue(folding);
+        status = unfolded ? AccessibilityExpandedStatus::expanded : AccessibilityExpandedStatus::collapsed;
+        button.setAccessibilityLabel(localized("Child Albums"));
+        button.setAccessibilityValue(folding);
+        button.setAccessibilityExpandedStatus(status);
     }
+    cell.setAccessibilityExpandedStatus(status);
     cell.setAccessibilityRole(AccessibilityRole::listItem);
     cell.setAccessibilityLabel(cell.titleLabel().text());
     cell.setAccessibilityValue(value);

@@ -154,8 +154,10 @@ ErrorRef Import::importEntry(const SharedItemLedger::Entry& entry) {
     if (attributes.value().type != FileAttributes::Type::regular)
         return ShareExtensionError::make("not a file");
     const URL folder = importFolder(options_.into, item);
-    if (ErrorRef error = files.createDirectory(folder.path()))
-        return error;
+    if (!madeFolders_.contains(folder.path()))
+        if (ErrorRef error = files.createDirectory(folder.path()))
+            return error;
+    madeFolders_.insert(folder.path());
     const Result<URL> target = place(entry, source, folder);
     if (!target)
         return target.error();

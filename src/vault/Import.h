@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -62,7 +63,8 @@ private:
     const Options options_;
     std::optional<URL> container_;
     Report report_;
-    bool journalNoted_ = false; ///< a file is on its way, and the settings say so
+    std::set<std::string> madeFolders_; ///< made and brought to the disk by this run
+    bool journalNoted_ = false;         ///< a file is on its way, and the settings say so
 };
 
 } // namespace sela

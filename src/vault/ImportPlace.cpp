@@ -7,6 +7,14 @@ namespace sela {
 namespace {
 
 constexpr std::size_t longestName = 255;
+constexpr std::size_t longestCharacter = 4;
+
+/// Controls, line separators, and what turns the direction of the text behind it. The marks that names in
+/// Arabic and Hebrew are written with stay.
+bool misleads(char32_t c) {
+    const bool control = c < 0x20 || (c >= 0x7F && c < 0xA0);
+    return control || (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+}
 
 /// The longest start of `text` of at most `size` bytes that ends between two characters.
 std::string_view shortened(std::string_view text, std::size_t size) {
@@ -38,9 +46,7 @@ std::string safeFileName(std::string_view text) {
     std::string name;
     while (!text.empty()) {
         const DecodedCharacter character = decodeUTF8(text);
-        const bool control =
-            character.codePoint < 0x20 || (character.codePoint >= 0x7F && character.codePoint < 0xA0);
-        if (control || character.codePoint == '/')
+        if (character.codePoint == '/' || misleads(character.codePoint))
             name += '_';
         else
             appendUTF8(name, character.codePoint);
@@ -48,7 +54,10 @@ std::string safeFileName(std::string_view text) {
     }
     if (name.empty() || name.front() == '.')
         name.insert(name.begin(), '_');
-    const std::string_view ending = dottedExtension(name);
+    std::string_view ending = dottedExtension(name);
+    // What would leave no character before it is no extension, and its dot would hide the file.
+    if (ending.size() + longestCharacter > longestName)
+        ending = {};
     return fitted(std::string_view(name).substr(0, name.size() - ending.size()), ending);
 }
 

@@ -11,8 +11,8 @@ namespace sela {
 /// Where an imported file goes below the folder of an import. Pure functions; any thread.
 
 /// A text as the name of one file or folder: at most 255 bytes (the file systems' limit), an extension kept
-/// when it must be shortened; separators, control characters and what is not UTF-8 replaced; never empty,
-/// ".", "..", and never hidden by a leading ".".
+/// when it must be shortened; separators, control characters, what overrides the direction of text, and what
+/// is not UTF-8 replaced; never empty, ".", "..", and never hidden by a leading ".".
 std::string safeFileName(std::string_view text);
 
 /// `into/vault` or `into/decoy`, followed by the names of the item's album.

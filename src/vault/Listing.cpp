@@ -99,7 +99,8 @@ Result<std::string> ledgerTable() {
     std::string text = table(rows);
     if (const std::optional<UserDefaults> defaults = sharedDefaults())
         for (const std::string& key : defaults->keys(unreadableItemsKeyPrefix))
-            text += "An earlier ledger could not be read and is kept in the settings under " + key + "\n";
+            text += "An earlier ledger could not be read and is kept in the settings under " +
+                    escapedForLog(key) + "\n";
     return text;
 }
 
@@ -110,7 +111,8 @@ Result<std::string> ledgerJSON() {
     const std::optional<Data> text = SharedItemLedger::encode(entries.value());
     if (!text)
         return ShareExtensionError::make("the ledger cannot be encoded");
-    return std::string(asText(*text)) + "\n";
+    // Characters that drive a terminal stand in texts alone, where the escapes of a log are JSON's too.
+    return escapedForLog(asText(*text)) + "\n";
 }
 
 } // namespace sela

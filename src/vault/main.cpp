@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <optional>
 #include <string>
+#include <sys/stat.h>
 #include <sysexits.h>
 #include <vector>
 
@@ -30,7 +31,10 @@ The companion of the main application: shares its group with sela-share.
       [--keep]                      copy, and leave the ledger as it is
       [--prune]                     remove files that no entry knows, a day after they were left
 
-Status: 0 done, 1 something could not be done, 64 bad arguments.
+Exit status:
+  0    done
+  1    something could not be done; standard error says what
+  64   bad arguments
 )";
 
 int fail(const std::string& message) {
@@ -140,6 +144,7 @@ int main(int argc, char** argv) {
     // A file that would exceed a limit, or a reader that has gone, is an error of its write.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
+    ::umask(077);
     Arguments arguments(argv + 1, argv + argc);
     if (arguments.empty())
         return misuse("a command is missing");

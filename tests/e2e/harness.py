@@ -36,11 +36,15 @@ class HomeTest(unittest.TestCase):
             "XDG_CONFIG_HOME": str(self.home / "config"),
             "XDG_RUNTIME_DIR": str(self.home),
             "LANG": "C.UTF-8",
+            # Else a program that looks for a session bus starts one, which stays.
+            "DBUS_SESSION_BUS_ADDRESS": "disabled:",
         }
 
-    def run_program(self, name, *arguments, expect=0, **options):
-        """Runs a program to its end and checks its status (None: any); standard output and error are text."""
-        result = subprocess.run([BIN / name, *map(os.fsencode, arguments)], env=self.environment,
+    def run_program(self, name, *arguments, expect=0, environment=None, **options):
+        """Runs a program to its end, with more in its environment, and checks its status (None: any); standard
+        output and error are text."""
+        result = subprocess.run([BIN / name, *map(os.fsencode, arguments)],
+                                env=self.environment | (environment or {}),
                                 capture_output=True, timeout=120, **options)
         result.stdout = result.stdout.decode(errors="replace")
         result.stderr = result.stderr.decode(errors="replace")
@@ -86,3 +90,40 @@ class HomeTest(unittest.TestCase):
         for entry in self.ledger().values():
             content = (self.items / entry["fileName"]).read_bytes()
             self.assertIn(content, contents[entry["preferredName"]], entry)
+
+
+@unittest.skipUnless(shutil.which("Xvfb") and shutil.which("xdotool"), "needs Xvfb and xdotool")
+class WindowTest(HomeTest):
+    """A person at a display of 600 by 800 pixels, without a compositor: an ordinary window of 375 by 667."""
+
+    def setUp(self):
+        super().setUp()
+        self.provision()
+        read, write = os.pipe()
+        self.display = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "600x800x24", "-nolisten", "tcp"],
+                                        pass_fds=[write], stderr=subprocess.DEVNULL)
+        os.close(write)
+        self.addCleanup(self.display.wait)
+        self.addCleanup(self.display.terminate)
+        with os.fdopen(read) as number:
+            self.environment["DISPLAY"] = ":" + number.readline().strip()
+
+    def x(self, *arguments):
+        return subprocess.run(["xdotool", *map(str, arguments)], env=self.environment, check=True, timeout=60,
+                              capture_output=True, text=True).stdout.strip()
+
+    def open_card(self, *arguments, command=(), stderr=subprocess.DEVNULL):
+        """Starts the extension, by way of a command that runs it, and waits for its window."""
+        process = subprocess.Popen([*command, BIN / "sela-share", *arguments], env=self.environment,
+                                   stderr=stderr)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        self.window = self.x("search", "--sync", "--onlyvisible", "--name", "^Sela$").splitlines()[0]
+        return process
+
+    def focus(self):
+        """Gives the window the keyboard, as a window manager would."""
+        self.x("windowfocus", "--sync", self.window)
+
+    def keys(self, *names):
+        self.x("key", "--delay", 60, *names)

@@ -1,12 +1,16 @@
 """Disks that are full or read-only, and files that change, as the programs meet them."""
 
+import contextlib
 import os
 import pathlib
 import resource
+import shutil
+import sqlite3
 import subprocess
+import time
 import unittest
 
-from harness import HomeTest
+from harness import BIN, HomeTest
 
 
 def can_mount():
@@ -54,6 +58,117 @@ class Faults(HomeTest):
         self.assertEqual((into / "vault/Default Album/a.jpg").read_bytes(), b"content")
         self.assertEqual(self.ledger(), {})
         self.assertEqual(list(self.items.iterdir()), [])
+
+    def make_small_disk(self, mebibytes):
+        """A file system of ext4 in a file, mounted where groups live."""
+        image = self.home / "image"
+        with open(image, "wb") as file:
+            file.truncate(mebibytes * 2**20)
+        subprocess.run(["mkfs.ext4", "-q", "-F", image], check=True)
+        place = self.home / "data/sela"
+        place.mkdir(parents=True)
+        self.mount("-o", "loop", image, place)
+
+    @unittest.skipUnless(can_mount() and shutil.which("mkfs.ext4"), "mounting needs root")
+    def test_a_disk_that_fills_up_while_files_are_added(self):
+        self.make_small_disk(8)
+        self.provision()
+        contents = {}
+        for i in range(30):
+            contents[f"{i}.jpg"] = {os.urandom(300_000)}
+        files = [self.write(name, next(iter(content))) for name, content in contents.items()]
+        result = self.add(*files)
+        self.assertIn("saveItem, error: failed to create stream", result.stderr)
+        recorded = self.ledger()
+        self.assertGreater(len(recorded), 5)
+        self.assertLess(len(recorded), 30)
+        self.assert_recorded_files_are_whole(contents)
+        # An import within the same disk needs no room, and makes some.
+        self.vault("import", "--into", self.home / "data/sela/into")
+        self.assertEqual(self.ledger(), {})
+        shutil.rmtree(self.home / "data/sela/into")
+        self.add(files[-1])
+        self.assertEqual(len(self.ledger()), 1)
+
+    @unittest.skipUnless(can_mount(), "mounting needs root")
+    def test_settings_on_a_full_disk_keep_what_they_hold(self):
+        config = self.home / "config/sela"
+        config.mkdir(parents=True)
+        self.mount("-t", "tmpfs", "-o", "size=1m,mode=700", "tmpfs", config)
+        self.provision()
+        contents = {"a.jpg": {b"a"}, "b.jpg": {b"b"}}
+        self.add(self.write("a.jpg", b"a"))
+        filling = config / "filling"
+        with open(filling, "wb", buffering=0) as file, contextlib.suppress(OSError):
+            while True:
+                file.write(bytes(4096))
+        result = self.add(self.write("b.jpg", b"b"))
+        self.assertIn("saveItem", result.stderr)
+        filling.unlink()
+        self.assertIn("a.jpg", [entry["preferredName"] for entry in self.ledger().values()])
+        self.assert_recorded_files_are_whole(contents)
+        self.add(self.home / "b.jpg")
+        self.assertIn("b.jpg", [entry["preferredName"] for entry in self.ledger().values()])
+
+    def start_adding(self, *files):
+        """A share that has begun: its first file is in Items."""
+        process = subprocess.Popen([BIN / "sela-share", "--headless", "--tap-now", "addButton", *files],
+                                   env=self.environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        deadline = time.monotonic() + 30
+        while process.poll() is None and time.monotonic() < deadline and not any(self.items.iterdir()):
+            time.sleep(0.001)
+        return process
+
+    def many_files(self):
+        contents = {f"{i}.jpg": {os.urandom(1_000_000)} for i in range(20)}
+        return contents, [self.write(name, next(iter(content))) for name, content in contents.items()]
+
+    @unittest.skipUnless(can_mount(), "mounting needs root")
+    def test_a_disk_that_becomes_read_only_under_way(self):
+        self.provision()
+        self.mount("-t", "tmpfs", "-o", "mode=700", "tmpfs", self.items)
+        contents, files = self.many_files()
+        process = self.start_adding(*files)
+        for attempt in range(1000):  # refused while a file is open for writing
+            if subprocess.run(["mount", "-o", "remount,ro", self.items], capture_output=True).returncode == 0:
+                break
+        self.assertEqual(process.wait(60), 0)
+        self.assertLess(len(self.ledger()), 20)
+        self.assert_recorded_files_are_whole(contents)
+
+    def test_a_container_that_is_removed_under_way(self):
+        self.provision()
+        _, files = self.many_files()
+        process = self.start_adding(*files)
+        shutil.rmtree(self.container)
+        self.assertEqual(process.wait(60), 0)
+        self.assertLess(len(self.ledger()), 20)
+        self.assertNotEqual(self.vault("import", "--into", self.home / "into", expect=None).returncode, 0)
+        self.vault("init")
+        before = len(self.ledger())
+        self.add(files[0])
+        self.assertEqual(len(self.ledger()), before + 1)
+
+    def test_settings_that_are_replaced_or_locked_under_way(self):
+        self.provision()
+        contents, files = self.many_files()
+        process = self.start_adding(*files)
+        other = sqlite3.connect(self.settings, isolation_level=None, timeout=30)
+        other.execute("BEGIN IMMEDIATE")
+        time.sleep(1)
+        other.execute("ROLLBACK")
+        other.close()
+        self.assertEqual(process.wait(60), 0)
+        self.assertEqual(len(self.ledger()), 20)
+        self.assert_recorded_files_are_whole(contents)
+        copy = self.home / "copy"
+        shutil.copy(self.settings, copy)
+        process = self.start_adding(*files)
+        os.replace(copy, self.settings)
+        self.assertEqual(process.wait(60), 0)
+        self.assert_recorded_files_are_whole(contents)
+        self.assertGreaterEqual(len(self.ledger()), 20)
+        self.add(files[0])
 
     def mount(self, *arguments):
         subprocess.run(["mount", *map(str, arguments)], check=True)

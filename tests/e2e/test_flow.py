@@ -7,7 +7,7 @@ import subprocess
 import time
 import unittest
 
-from harness import BIN, HomeTest
+from harness import HomeTest, WindowTest
 
 
 def views(tree):
@@ -106,32 +106,7 @@ class Headless(HomeTest):
         self.assertIn("Please launch the main Sela app first.", self.tree("--tap", "albumButton").shown_texts())
 
 
-@unittest.skipUnless(shutil.which("Xvfb") and shutil.which("xdotool"), "needs Xvfb and xdotool")
-class Window(HomeTest):
-    """A person at a display of 600 by 800 pixels, without a compositor: an ordinary window of 375 by 667."""
-
-    def setUp(self):
-        super().setUp()
-        self.provision()
-        read, write = os.pipe()
-        self.display = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "600x800x24", "-nolisten", "tcp"],
-                                        pass_fds=[write], stderr=subprocess.DEVNULL)
-        os.close(write)
-        self.addCleanup(self.display.wait)
-        self.addCleanup(self.display.terminate)
-        with os.fdopen(read) as number:
-            self.environment["DISPLAY"] = ":" + number.readline().strip()
-
-    def x(self, *arguments):
-        return subprocess.run(["xdotool", *map(str, arguments)], env=self.environment, check=True, timeout=60,
-                              capture_output=True, text=True).stdout.strip()
-
-    def open_card(self, *files):
-        process = subprocess.Popen([BIN / "sela-share", *files], env=self.environment, stderr=subprocess.DEVNULL)
-        self.addCleanup(process.kill)
-        self.window = self.x("search", "--sync", "--onlyvisible", "--name", "^Sela$").splitlines()[0]
-        return process
-
+class Window(WindowTest):
     def place(self, name, *steps):
         """The middle of a view, as a headless run at the same screen size shows it after the same steps."""
         path = self.home / "place.json"

@@ -1,5 +1,6 @@
 """Shares and imports that are killed at random moments lose nothing. SELA_KILLS sets how many (300)."""
 
+import hashlib
 import os
 import random
 import shutil
@@ -10,52 +11,105 @@ import unittest
 
 from harness import BIN, HomeTest
 
-ROUNDS = int(os.environ.get("SELA_KILLS", "300")) // 3
+KILLS = int(os.environ.get("SELA_KILLS", "300"))
+SIZES = (10, 300_000, 2 * 1024 * 1024 + 1)
+# How many rounds until everything is imported, looked at and cleared away.
+SEASON = 50
+
+
+def digest(path):
+    with open(path, "rb") as file:
+        return hashlib.file_digest(file, "sha256").digest()
 
 
 class Kills(HomeTest):
+    def setUp(self):
+        super().setUp()
+        self.provision()
+        self.fast = {**self.environment, "LD_PRELOAD": str(BIN / "sela-fast-clock.so"), "SELA_CLOCK_SPEED": "100"}
+        self.into = self.home / "into"
+        self.digests = {}  # by the name under which a content is shared: each is shared once
+        self.recorded = set()
+        self.lengths = {"share": 1.0, "import": 0.1}  # seconds; kept up with what is seen
+        self.killed = self.entries_seen = 0
+        self.tail = os.urandom(max(SIZES))
+
     def start(self, name, *arguments):
-        return subprocess.Popen([BIN / name, *map(os.fsencode, arguments)], env=self.environment,
+        return subprocess.Popen([BIN / name, *map(os.fsencode, arguments)], env=self.fast,
                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
-    def placed(self):
-        return [path for path in (self.home / "into").rglob("*") if path.is_file() and not path.name.startswith(".sela-import")]
+    def start_share(self, label):
+        files = []
+        for size in SIZES:
+            name = f"{label}-{size}.jpg"
+            content = (name.encode() + self.tail)[:size] if size > 10 else os.urandom(size)
+            files.append(self.write("source/" + name, content))
+            self.digests[name] = hashlib.sha256(content).digest()
+        return self.start("sela-share", "--headless", "--tap-now", "addButton", *files)
+
+    def start_import(self):
+        return self.start("sela-vault", "import", "--into", self.into)
+
+    def kill(self, process, program):
+        alive = process.poll() is None
+        self.killed += alive
+        # Most kills should strike while something happens, however busy the machine is.
+        self.lengths[program] *= 1.01 if alive else 0.96
+        process.send_signal(signal.SIGKILL)
+        process.wait()
+
+    def play_round(self, label, chance):
+        """Two shares and, at some moment, an import, each killed at some moment of its run."""
+        begin = time.monotonic()
+        import_start = chance.uniform(0, self.lengths["share"])
+        plan = [(chance.uniform(0, self.lengths["share"]), self.kill, self.start_share(f"{label}-{name}"), "share")
+                for name in ("a", "b")]
+        plan.append((import_start, lambda: plan.append(
+            (import_start + chance.uniform(0, self.lengths["import"]), self.kill, self.start_import(), "import"))))
+        while plan:
+            moment, action, *arguments = plan.pop(plan.index(min(plan, key=lambda step: step[0])))
+            time.sleep(max(0, begin + moment - time.monotonic()))
+            action(*arguments)
+
+    def look_at_the_ledger(self):
+        entries = self.ledger().values()
+        for entry in entries:
+            self.assertEqual(digest(self.items / entry["fileName"]), self.digests[entry["preferredName"]], entry)
+        self.recorded |= {entry["preferredName"] for entry in entries}
+
+    def end_season(self):
+        """Imports the rest: every entry seen was placed, once and whole."""
+        self.vault("import", "--into", self.into)
+        self.assertEqual(self.ledger(), {})
+        placed = [path for path in self.into.rglob("*") if path.is_file()]
+        names = {path.name for path in placed}
+        self.assertEqual(len(names), len(placed))
+        self.assertLessEqual(self.recorded, names, "an entry went without its file")
+        for path in placed:
+            self.assertIn(path.name, self.digests, "a file was imported twice")
+            self.assertEqual(digest(path), self.digests[path.name], path)
+        self.entries_seen += len(self.recorded)
+        print(f"{self.killed} kills, {self.entries_seen} entries", flush=True)
+        self.recorded.clear()
+        self.digests.clear()
+        shutil.rmtree(self.into)
+        for left in self.items.iterdir():
+            left.unlink()
 
     def test_two_shares_and_an_import_killed_at_random_moments(self):
         seed = int(os.environ.get("SELA_SEED", time.time()))
-        print("SELA_SEED =", seed)
+        print("SELA_SEED =", seed, flush=True)
         chance = random.Random(seed)
-        self.provision()
-        contents = {}  # by the name under which it is shared: each content is shared once
-        recorded = set()
-        for round_number in range(ROUNDS):
-            shares = []
-            for share in ("a", "b"):
-                files = []
-                for size in (10, 300_000, 2 * 1024 * 1024 + 1):
-                    name = f"{round_number}-{share}-{size}.jpg"
-                    contents[name] = {chance.randbytes(16) + os.urandom(size - 10)}
-                    files.append(self.write("source/" + name, next(iter(contents[name]))))
-                shares.append(self.start("sela-share", "--headless", "--tap-now", "addButton", *files))
-            running = [*shares, self.start("sela-vault", "import", "--into", self.home / "into")]
-            for process in chance.sample(running, len(running)):
-                time.sleep(chance.uniform(0, 0.5))
-                process.send_signal(signal.SIGKILL)
-                process.wait()
-            self.assert_recorded_files_are_whole(contents)
-            recorded |= {entry["preferredName"] for entry in self.ledger().values()}
+        round_number = 0
+        while self.killed < KILLS:
+            self.play_round(round_number, chance)
+            self.look_at_the_ledger()
             shutil.rmtree(self.home / "source")
-        self.vault("import", "--into", self.home / "into")
-        self.assertEqual(self.ledger(), {})
-        placed = {}
-        for path in self.placed():
-            placed.setdefault(path.name, []).append(path)
-        self.assertLessEqual(recorded, set(placed), "an entry went without its file")
-        self.assertGreater(len(recorded), ROUNDS // 4, "the kills left nothing to look at")
-        for name, paths in placed.items():
-            self.assertIn(name, contents, "a file was imported twice")
-            self.assertEqual(len(paths), 1)
-            self.assertIn(paths[0].read_bytes(), contents[name], name)
+            round_number += 1
+            if round_number % SEASON == 0:
+                self.end_season()
+        self.end_season()
+        self.assertGreater(self.entries_seen, KILLS // 8, "the kills left nothing to look at")
 
 
 class AtOnce(HomeTest):

@@ -41,6 +41,7 @@ class Saving(HomeTest):
                      "loadThumbnails: failed to decode image fileName = a.jpg", "InputItems count = 1",
                      "copyItem: readBytes = 10, totalReadBytes = 10", "copyItem: readBytes = 0, totalReadBytes = 10"]:
             self.assertIn(line, result.stderr.splitlines())
+        self.assertNotIn("Adding", result.stderr)
 
     def test_everything_made_is_for_the_user_alone(self):
         old = os.umask(0)
@@ -60,7 +61,7 @@ class Saving(HomeTest):
     def test_an_empty_file_can_never_end(self):
         self.provision()
         result = self.add(self.write("a.jpg", b"1"), self.write("empty.jpg", b""), expect=4)
-        self.assertIn("attachment 2 of 2", result.stderr)
+        self.assertIn("file 2 of 2", result.stderr)
         self.assertEqual(len(self.ledger()), 1)
 
     def test_without_add_the_request_is_cancelled_and_nothing_is_made(self):

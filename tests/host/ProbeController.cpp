@@ -29,6 +29,7 @@ void ProbeController::viewDidLoad() {
     place(addButton, "addButton", {20, 20, 100, 40});
     place(hiddenButton, "hiddenButton", {140, 20, 100, 40});
     hiddenButton.setHidden(true);
+    place(cancelButton, "cancelButton", {260, 20, 100, 40});
     place(coveredButton, "coveredButton", {20, 80, 100, 40});
     cover.setFrame({0, 70, 200, 60});
     view().addSubview(cover);
@@ -52,6 +53,8 @@ void ProbeController::place(UIButton& button, const char* name, const CGRect& fr
 
 void ProbeController::buttonTouched(UIButton& button) {
     touched.push_back(button.name());
+    if (&button == &cancelButton && onCancel)
+        onCancel();
 }
 
 UITableViewCell& ProbeController::cellForRow(UITableView& table, const IndexPath& indexPath) {

@@ -4,6 +4,7 @@
 #include "platform/uikit/UITableView.h"
 #include "platform/uikit/UIViewController.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,12 +22,14 @@ public:
 
     UIButton addButton;    ///< at (20, 20), 100 by 40
     UIButton hiddenButton; ///< beside it
+    UIButton cancelButton; ///< beside that
     UIButton coveredButton;
     UIView cover;
     UIButton button7;
     UITableView tableView; ///< at (0, 200), 375 by 400
 
     std::vector<std::string> touched;
+    std::function<void()> onCancel;
 
 private:
     void place(UIButton& button, const char* name, const CGRect& frame);

@@ -30,6 +30,7 @@ wait "$running" || status=$?
 expected='addButton
 button7
 row 0 2
+cancelButton
 offset 96'
 if [ "$status" -ne 3 ] || [ "$(cat "$output")" != "$expected" ]; then
     echo "status $status, and the window saw:"

@@ -1,6 +1,7 @@
 #include "host/GalleryController.h"
 #include "host/OffscreenEnvironment.h"
 #include "host/Snapshot.h"
+#include "support/RightToLeft.h"
 
 #include <gtest/gtest.h>
 
@@ -58,7 +59,7 @@ class GalleryPicture : public testing::TestWithParam<Look> {};
 /// A window with the gallery and what draws it.
 struct Gallery {
     explicit Gallery(UIUserInterfaceStyle style = UIUserInterfaceStyle::light) {
-        window.setUserInterfaceStyle(style);
+        window.setTraitCollection(style);
         window.setRootViewController(controller);
     }
 
@@ -240,6 +241,37 @@ TEST(ViewPainter, FillsTheBoundsWithTheMiddleOfAPicture) {
     image.setFrame({0, 0, 40, 20});
     EXPECT_EQ(scene.pixel(30, 20), redPixel);
     EXPECT_EQ(scene.pixel(30, 40), whitePixel);
+}
+
+TEST(ViewPainter, MirrorsWhatFollowsReading) {
+    const OffscreenEnvironment environment;
+    ViewPainter painter(environment.measurer);
+    UIWindow window({200, 40});
+    UIImageView arrow({0, 0, 40, 40});
+    arrow.setImage(UIImage::named("Disclosure")->imageFlippedForRightToLeftLayoutDirection());
+    arrow.setContentMode(UIView::ContentMode::scaleAspectFit);
+    UILabel label({40, 0, 160, 40});
+    label.setText("Trips");
+    window.addSubview(arrow);
+    window.addSubview(label);
+    const auto inkOf = [](const QImage& picture, const QRect& area) {
+        int ink = 0;
+        for (int y = area.top(); y <= area.bottom(); ++y)
+            for (int x = area.left(); x <= area.right(); ++x)
+                ink += picture.pixel(x, y) != picture.pixel(199, 0);
+        return ink;
+    };
+    const QRect arrowArea(0, 0, 40, 40), leftHalf(40, 0, 80, 40), rightHalf(120, 0, 80, 40);
+
+    const QImage leftToRight = Snapshot::picture(window, painter, 1);
+    EXPECT_GT(inkOf(leftToRight, leftHalf), 50);
+    EXPECT_EQ(inkOf(leftToRight, rightHalf), 0);
+    const RightToLeft fromRight;
+    const QImage rightToLeft = Snapshot::picture(window, painter, 1);
+    EXPECT_EQ(inkOf(rightToLeft, leftHalf), 0);
+    EXPECT_GT(inkOf(rightToLeft, rightHalf), 50);
+    EXPECT_GT(inkOf(leftToRight, arrowArea), 50);
+    EXPECT_EQ(rightToLeft.copy(arrowArea), leftToRight.copy(arrowArea).mirrored(true, false));
 }
 
 } // namespace sela

@@ -66,7 +66,7 @@ struct Case {
 ExitStatus run(const std::vector<std::string>& arguments, NSExtensionContext& context) {
     ShareHost host(std::get<CommandLine>(CommandLine::parse(arguments)));
     const auto card = std::make_shared<EndingController>(context);
-    return host.run({card, {}, [card] { return card->hasAddStarted(); }}, context);
+    return host.run({card, {}, {}, [card] { return card->hasAddStarted(); }}, context);
 }
 
 void expectStatuses(const std::vector<std::string>& mode, const std::vector<Case>& cases) {

@@ -84,6 +84,10 @@ TEST_F(StepRunnerTest, FailsOnWhatCannotBeTouched) {
         EXPECT_EQ(failure_, std::string(name) + " is not on the screen, or is hidden or covered");
     }
     EXPECT_THAT(probe_->touched, IsEmpty());
+    // The digit may be one of a passcode.
+    start({{Step::Kind::type, "5"}}, 1);
+    ASSERT_TRUE(failure_);
+    EXPECT_EQ(failure_->find('5'), std::string::npos);
 }
 
 TEST_F(StepRunnerTest, TakesTheTopmostOfTwoViewsOfAName) {

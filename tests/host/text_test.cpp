@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QImage>
+#include <QPainter>
 #include <QRawFont>
 
 namespace sela {
@@ -68,6 +70,23 @@ TEST(QtTextMeasurer, CutsAnyTextOffWithinTheWidth) {
             EXPECT_LE(layout->size().width, width + 0.02) << text;
             EXPECT_GT(layout->size().width, 5) << text;
         }
+}
+
+/// Whichever way the text runs, its beginning stays: the names differ at their ends alone, and so far out
+/// that the cut-off lines look the same.
+TEST(QtTextMeasurer, CutsTheEndOffInTheOrderOfReading) {
+    const OffscreenEnvironment environment;
+    const auto picture = [&](const char* text) {
+        QImage image(100, 30, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        environment.measurer.layout(inFont(text, UIFont::systemFont(14)), 100, 1, {})
+            ->draw(painter, {0, 0, 100, 30}, NSTextAlignment::left);
+        return image;
+    };
+    EXPECT_EQ(picture("عطلات الصيف في البحر الأبيض المتوسط"), picture("عطلات الصيف في البحر الأبيض الآخر"));
+    EXPECT_NE(picture("عطلات الصيف في البحر الأبيض المتوسط"), picture("رحلات الصيف في البحر الأبيض المتوسط"));
+    EXPECT_EQ(picture("صور Holidays in Rome and Naples"), picture("صور Holidays in Rome and Florence"));
 }
 
 TEST(QtTextMeasurer, SurvivesTooLittleRoomForAnEllipsis) {

@@ -56,7 +56,7 @@ TEST(TreeWriter, DescribesWhatIsShown) {
             "class":"UIView","name":"containerView","frame":[107.5,236,160,195],
             "hidden":false,"alpha":1,"background":"AppCard","cornerRadius":13,"subviews":[{
                 "class":"UILabel","name":"","frame":[112.5,241,50,10],"hidden":true,"alpha":0.25,
-                "text":"Quote \" and 写","font":{"name":"","size":20,"weight":"bold"},"subviews":[]
+                "text":"Quote \" and 写","font":{"name":"","size":20,"weight":"bold"},"truncated":true,"subviews":[]
             },{
                 "class":"UIImageView","name":"","frame":[107.5,236,20,20],"hidden":false,"alpha":1,
                 "image":"2x3","subviews":[]

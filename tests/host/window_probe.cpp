@@ -12,7 +12,11 @@ int main(int argc, char** argv) {
     sela::ShareHost host(std::get<sela::CommandLine>(line));
     sela::NSExtensionContext context({});
     const auto probe = std::make_shared<sela::ProbeController>();
-    const sela::ExitStatus status = host.run({probe, {}, {}}, context);
+    probe->onCancel = [&context] {
+        context.cancelRequestWithError(std::make_shared<sela::NSError>(
+            sela::NSCocoaErrorDomain, sela::NSUserCancelledError, "Cancelled."));
+    };
+    const sela::ExitStatus status = host.run({probe, {}, {}, {}}, context);
     for (const std::string& touched : probe->touched)
         std::printf("%s\n", touched.c_str());
     std::printf("offset %g\n", probe->tableView.contentOffset().y);

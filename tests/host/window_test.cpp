@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QClipboard>
+#include <QMimeData>
 #include <QTest>
 
 namespace sela {
@@ -96,6 +98,78 @@ TEST_F(ShareWindowTest, ScrollsByWheelAndByFinger) {
     EXPECT_THAT(probe_->touched, IsEmpty());
 }
 
+TEST_F(ShareWindowTest, WorksTheControlsByKeys) {
+    const auto press = [&](std::initializer_list<Qt::Key> keys) {
+        probe_->touched.clear();
+        for (const Qt::Key key : keys)
+            QTest::keyClick(&shareWindow_, key);
+        return probe_->touched;
+    };
+    // Nothing has the focus: a key does what its button does, and Space nothing.
+    EXPECT_THAT(press({Qt::Key_Space, Qt::Key_7, Qt::Key_8, Qt::Key_Return, Qt::Key_Escape}),
+                ElementsAre("button7", "addButton", "cancelButton"));
+    // In reading order, without what is hidden or covered, and around.
+    EXPECT_THAT(press({Qt::Key_Tab, Qt::Key_Space, Qt::Key_Tab, Qt::Key_Return, Qt::Key_Tab, Qt::Key_Space}),
+                ElementsAre("addButton", "cancelButton", "button7"));
+    EXPECT_THAT(press({Qt::Key_Tab, Qt::Key_Space, Qt::Key_Tab, Qt::Key_Space, Qt::Key_Tab, Qt::Key_Space}),
+                ElementsAre("row 0 0", "showChild 0", "addButton"));
+    EXPECT_THAT(press({Qt::Key_Backtab, Qt::Key_Backtab, Qt::Key_Space}), ElementsAre("row 0 0"));
+    // A table scrolls with its focus, across sections and to its ends.
+    EXPECT_THAT(press({Qt::Key_Down, Qt::Key_Return, Qt::Key_End, Qt::Key_Return, Qt::Key_Up, Qt::Key_Space,
+                       Qt::Key_PageUp, Qt::Key_Space, Qt::Key_Home, Qt::Key_Up, Qt::Key_Return}),
+                ElementsAre("row 0 1", "row 2 39", "row 2 38", "row 2 29", "row 0 0"));
+    // Arrows go by place elsewhere.
+    EXPECT_THAT(press({Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Right, Qt::Key_Space, Qt::Key_Left, Qt::Key_Down,
+                       Qt::Key_Space}),
+                ElementsAre("cancelButton", "button7"));
+}
+
+TEST_F(ShareWindowTest, DrawsARingAroundTheFocusAndOnlyThere) {
+    const auto picture = [&] {
+        QTest::qWait(50);
+        return shareWindow_.screen()->grabWindow(shareWindow_.winId()).toImage();
+    };
+    const QImage before = picture();
+    QTest::keyClick(&shareWindow_, Qt::Key_Tab);
+    const QImage after = picture();
+    // The button takes (40, 40) to (240, 120); the ring lies around it.
+    EXPECT_NE(after.pixel(34, 80), before.pixel(34, 80));
+    EXPECT_EQ(after.pixel(140, 80), before.pixel(140, 80));
+    EXPECT_EQ(after.pixel(140, 140), before.pixel(140, 140));
+    probe_->addButton.setHidden(true);
+    EXPECT_EQ(picture().pixel(34, 80), before.pixel(34, 80));
+}
+
+TEST_F(ShareWindowTest, TakesWhatIsPastedAndDroppedWhileItIsOpen) {
+    bool isOpen = true;
+    QStringList taken;
+    shareWindow_.setContentHandler(
+        {[&] { return isOpen; }, [&](const QMimeData* data) { taken += data->urls().value(0).fileName(); }});
+    QMimeData files;
+    files.setUrls({QUrl("file:///a.jpg")});
+    QMimeData text;
+    text.setText("file:///a.jpg");
+    const auto drop = [&](const QMimeData& data) {
+        QDragEnterEvent enter({50, 50}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+        enter.ignore();
+        QCoreApplication::sendEvent(&shareWindow_, &enter);
+        QDropEvent event({50, 50}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+        event.ignore();
+        QCoreApplication::sendEvent(&shareWindow_, &event);
+        EXPECT_EQ(event.isAccepted(), enter.isAccepted());
+        return event.isAccepted() && event.dropAction() == Qt::CopyAction;
+    };
+    EXPECT_TRUE(drop(files));
+    EXPECT_FALSE(drop(text));
+    QGuiApplication::clipboard()->setMimeData(new QMimeData);
+    QTest::keyClick(&shareWindow_, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(taken, QStringList({"a.jpg", ""}));
+    isOpen = false;
+    EXPECT_FALSE(drop(files));
+    QTest::keyClick(&shareWindow_, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(taken.size(), 2);
+}
+
 TEST_F(ShareWindowTest, TakesThePressBackWhenTheWindowLosesTheFocus) {
     QTest::mousePress(&shareWindow_, Qt::LeftButton, {}, QPoint(140, 80));
     QFocusEvent focusOut(QEvent::FocusOut);
@@ -115,7 +189,7 @@ TEST_F(ShareWindowTest, ShowsChangesAndThenRests) {
 TEST_F(ShareWindowTest, TellsWhenItIsClosed) {
     int closed = 0;
     shareWindow_.setCloseHandler([&] { ++closed; });
-    QTest::keyClick(&shareWindow_, Qt::Key_Escape);
+    shareWindow_.close();
     EXPECT_EQ(closed, 1);
 }
 

@@ -35,6 +35,9 @@ TEST(Pictures, OfEachKindShowWhatIsInThem) {
              Case{"plain.heic", 640, 480, "rgbw"},
              Case{"ten-bit.heic", 640, 480, "rgbw"},
              Case{"thumbnail.heic", 640, 480, "rgbw"},
+             Case{"rotated.heic", 480, 640, "gwrb"}, // a quarter turn counterclockwise
+             Case{"mirrored.heic", 640, 480, "grwb"},
+             Case{"grid.heic", 640, 480, "rgbw"}, // four tiles
              Case{"heic-named.jpg", 640, 480, "rgbw"},
              Case{"jpeg-named.heic", 160, 120, "rgbw"},
              Case{"preview.dng", 160, 120, "rgbw"},
@@ -47,11 +50,13 @@ TEST(Pictures, OfEachKindShowWhatIsInThem) {
         EXPECT_EQ(quarters(*image->pixels()), each.quarters) << each.name;
         EXPECT_EQ(pixelAt(*image->pixels(), 0.5, 0.5) & 0xFF, 0xFF) << each.name;
 
-        const auto small = UIImage::contentsOfFile(sample(each.name), 48);
-        ASSERT_TRUE(small) << each.name;
-        EXPECT_EQ(std::max(small->width(), small->height()), 48) << each.name;
-        EXPECT_EQ(std::min(small->width(), small->height()), 36) << each.name;
-        EXPECT_EQ(quarters(*small->pixels()), each.quarters) << each.name;
+        for (const int side : {48, 16}) { // a part of what is stored, and the least that a JPEG is decoded to
+            const auto small = UIImage::contentsOfFile(sample(each.name), side);
+            ASSERT_TRUE(small) << each.name;
+            EXPECT_EQ(std::max(small->width(), small->height()), side) << each.name;
+            EXPECT_EQ(std::min(small->width(), small->height()), side * 3 / 4) << each.name;
+            EXPECT_EQ(quarters(*small->pixels()), each.quarters) << each.name;
+        }
     }
 }
 
@@ -102,6 +107,7 @@ TEST(Pictures, ThatAreCutOrNoneYieldNothing) {
           "cut-animated.gif", "cut-plain.bmp", "cut-lossy.webp", "cut-plain.heic", "cut-preview.dng",
           "text.jpg", "empty.jpg", "minute.mp4", "no-such-file.jpg"})
         EXPECT_FALSE(UIImage::contentsOfFile(sample(name), largeEnough)) << name;
+    EXPECT_FALSE(UIImage::contentsOfFile(sample("cut-progressive.jpg"), 16)); // its averages are there
     EXPECT_FALSE(UIImage::contentsOfFile(sample("baseline.jpg"), 0));
     EXPECT_FALSE(UIImage::contentsOfFile(sample("baseline.jpg"), -5));
 }

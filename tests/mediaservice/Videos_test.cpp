@@ -89,20 +89,20 @@ TEST(Videos, InfiniteToleranceTakesAKeyFrame) {
 }
 
 TEST(Videos, AreTurnedUprightOnlyWhenAsked) {
-    AVAssetImageGenerator made = generator("portrait.mp4", 0.1);
-    const auto stored = made.copyCGImageAtTime(kCMTimeZero);
-    made.appliesPreferredTrackTransform = true;
-    const auto turned = made.copyCGImageAtTime(kCMTimeZero);
-    ASSERT_TRUE(stored && turned);
-    EXPECT_EQ(stored.value().width(), 320);
-    EXPECT_EQ(turned.value().width(), 180);
-    EXPECT_EQ(turned.value().height(), 320);
-    // Stored, the lower half is red and blue from the left.
-    EXPECT_EQ(quarters(*stored.value().pixels()).substr(2), "rb");
-    const std::string upright = quarters(*turned.value().pixels());
-    const std::string clockwise{upright[0], upright[2]};
-    const std::string counterclockwise{upright[3], upright[1]};
-    EXPECT_TRUE(clockwise == "rb" || counterclockwise == "rb") << upright;
+    // Stored, the upper half is black (the number of the first frame is 0), the lower half red and blue.
+    for (const auto& [name, upright] :
+         {std::pair("portrait.mp4", "kbkr"), std::pair("portrait-other.mp4", "rkbk")}) {
+        AVAssetImageGenerator made = generator(name, 0);
+        const auto stored = made.copyCGImageAtTime(kCMTimeZero);
+        made.appliesPreferredTrackTransform = true;
+        const auto turned = made.copyCGImageAtTime(kCMTimeZero);
+        ASSERT_TRUE(stored && turned) << name;
+        EXPECT_EQ(stored.value().width(), 320) << name;
+        EXPECT_EQ(quarters(*stored.value().pixels()), "kkrb") << name;
+        EXPECT_EQ(turned.value().width(), 180) << name;
+        EXPECT_EQ(turned.value().height(), 320) << name;
+        EXPECT_EQ(quarters(*turned.value().pixels()), upright) << name;
+    }
 }
 
 TEST(Videos, AreScaledOnceAndStretchedToSquarePixels) {

@@ -54,10 +54,9 @@ protected:
     }
 
     void share(std::vector<Provider> attachments) {
-        auto first = std::make_shared<NSExtensionItem>();
-        first->attachments = std::move(attachments);
-        auto second = std::make_shared<NSExtensionItem>();
-        second->attachments = std::vector<Provider>{file("second item.jpg"), file("also there.jpg")};
+        auto first = std::make_shared<NSExtensionItem>(std::move(attachments));
+        auto second = std::make_shared<NSExtensionItem>(
+            std::vector<Provider>{file("second item.jpg"), file("also there.jpg")});
         intake->extensionContext =
             std::make_shared<NSExtensionContext>(std::vector<std::shared_ptr<NSObject>>{first, second});
     }

@@ -46,8 +46,7 @@ protected:
     }
 
     void open(std::vector<std::shared_ptr<NSItemProvider>> attachments, CGSize screen = {375, 667}) {
-        auto item = std::make_shared<NSExtensionItem>();
-        item->attachments = std::move(attachments);
+        auto item = std::make_shared<NSExtensionItem>(std::move(attachments));
         context = std::make_shared<NSExtensionContext>(std::vector<std::shared_ptr<NSObject>>{item});
         context->onEnd = [this](const ErrorRef& error) {
             const auto* const cancellation = dynamic_cast<const NSError*>(error.get());
@@ -233,6 +232,23 @@ TEST_F(ShareFlow, AddActsOnce) {
     EXPECT_EQ(recordedItems().size(), 1u);
     EXPECT_THAT(ends, ElementsAre("completed"));
     EXPECT_EQ(std::ranges::count(log.lines(), "copyItem: readBytes = 1, totalReadBytes = 1"), 1);
+}
+
+TEST_F(ShareFlow, WhatIsPastedBeforeAddJoinsTheRequest) {
+    open({file("a.jpg")});
+    const double height = view("imageViewContainer").bounds().size.height;
+    EXPECT_TRUE(screen().append({file("b.jpg"), file("c.jpg")}));
+    loop.runUntilIdle();
+    window->prepareFrame();
+    EXPECT_EQ(title(), "Add 3 files to Default Album");
+    EXPECT_GT(view("imageViewContainer").bounds().size.height, height);
+    EXPECT_EQ(screen().intake().thumbnailCount, 3);
+
+    EXPECT_TRUE(tap("addButton"));
+    EXPECT_FALSE(screen().append({file("d.jpg")}));
+    loop.advance(5);
+    EXPECT_THAT(ends, ElementsAre("completed"));
+    EXPECT_EQ(recordedItems().size(), 3u);
 }
 
 TEST_F(ShareFlow, EveryOutcomeLooksLikeDoneAndEndsOnce) {

@@ -33,8 +33,12 @@ TEST(ImportPlace, NamesAreSafeAndKeepTheirExtension) {
         {"../../etc", "_.._.._etc"},
         {"a\nb\x1B", "a_b_"},
         {"本 é", "本 é"},
+        {"a\u202Egpj.mp4", "a_gpj.mp4"},
+        {"שלום\u200F.jpg", "שלום\u200F.jpg"},
         {"\xFF", "\xEF\xBF\xBD"},
         {longName + ".jpg", std::string(251, 'n') + ".jpg"},
+        {"." + longName, "_." + std::string(253, 'n')},
+        {"本." + std::string(253, 'n'), "本." + std::string(251, 'n')},
         {"é" + longName, "é" + std::string(253, 'n')},
     };
     for (const auto& [text, name] : cases) {

@@ -30,7 +30,15 @@ Floats areaBetween(const std::uint32_t* sums, std::uint32_t begin, std::uint32_t
     return whole * 256.0F + pixelAt(sums, first) * firstPart + pixelAt(sums, last) * lastPart;
 }
 
+// Half a gigapixel: the slowest decoder just does it within the time that a request has.
+constexpr std::int64_t mostSourcePixels = std::int64_t{512} * 1000 * 1000;
+
 } // namespace
+
+bool isDecodableSize(PictureSize size) {
+    return size.width >= 1 && size.height >= 1 && size.width <= largestSourceSide &&
+           size.height <= largestSourceSide && std::int64_t{size.width} * size.height <= mostSourcePixels;
+}
 
 PictureSize fitted(PictureSize size, int maximumSide) {
     const int longer = std::max(size.width, size.height);

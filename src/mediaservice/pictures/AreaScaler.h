@@ -19,6 +19,10 @@ struct PictureSize {
 /// The largest side of a picture that is decoded at all, in pixels (also the most that JPEG can have).
 inline constexpr int largestSourceSide = 65535;
 
+/// Whether a picture of that size is decoded: its sides are 1 to `largestSourceSide`, and it has no more
+/// pixels than the largest that cameras and panoramas make. A file of a few kilobytes can claim any size.
+bool isDecodableSize(PictureSize size);
+
 /// `size` made smaller, keeping its shape, so that no side is longer than `maximumSide`; never made larger.
 PictureSize fitted(PictureSize size, int maximumSide);
 

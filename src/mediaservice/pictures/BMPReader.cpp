@@ -77,11 +77,12 @@ std::optional<Header> readHeader(const InputFile& file) {
     Header header;
     header.bitsPerPixel = static_cast<int>(number(28, 2));
     header.pixels = number(10, 4);
-    if (headerSize < infoHeaderSize || width < 1 || width > largestSourceSide || height == 0 ||
-        height < -largestSourceSide || height > largestSourceSide)
+    if (headerSize < infoHeaderSize || height < -largestSourceSide)
         return std::nullopt;
     header.fromTop = height < 0;
     header.size = {width, header.fromTop ? -height : height};
+    if (!isDecodableSize(header.size))
+        return std::nullopt;
     const bool wide = header.bitsPerPixel == 16 || header.bitsPerPixel == 32;
     if (compression != compressionNone && !(compression == compressionMasks && wide))
         return std::nullopt;

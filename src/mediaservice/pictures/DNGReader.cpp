@@ -48,9 +48,7 @@ bool isPlainRGB(const TIFFDirectory& directory) {
 bool isPreview(const TIFFDirectory& directory) {
     const auto photometric = directory.number(photometricTag);
     const PictureSize size = sizeOf(directory);
-    const bool sensible = size.width > 0 && size.height > 0 && size.width <= largestSourceSide &&
-                          size.height <= largestSourceSide;
-    return sensible &&
+    return isDecodableSize(size) &&
            ((isJPEG(directory) && (photometric == photometricYCbCr || photometric == photometricRGB)) ||
             (isPlainRGB(directory) && photometric == photometricRGB));
 }

@@ -90,8 +90,7 @@ std::optional<DecodedPicture> readGIF(const InputFile& file, int maximumSide) {
     // A frame may reach beyond the canvas that the file claims.
     const PictureSize size{std::max(gif->SWidth, frame.Left + frame.Width),
                            std::max(gif->SHeight, frame.Top + frame.Height)};
-    if (!colours || frame.Width < 1 || frame.Height < 1 || size.width > largestSourceSide ||
-        size.height > largestSourceSide)
+    if (!colours || frame.Width < 1 || frame.Height < 1 || !isDecodableSize(size))
         return std::nullopt;
     const std::vector<GifPixelType> indices = readIndices(gif.get());
     if (indices.empty())

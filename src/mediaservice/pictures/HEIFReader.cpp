@@ -223,8 +223,7 @@ std::optional<DecodedPicture> readHEIF(const InputFile& file, int maximumSide) {
     if (heif_context_get_primary_image_handle(context.get(), &opened).code != heif_error_Ok)
         return std::nullopt;
     const Handle main(opened);
-    const PictureSize size = sizeOf(main);
-    if (size.width < 1 || size.height < 1 || longerSide(main) > largestSourceSide)
+    if (!isDecodableSize(sizeOf(main)))
         return std::nullopt;
 
     const Handle thumbnail = sufficientThumbnail(main, maximumSide);

@@ -51,6 +51,9 @@ private:
     }
     [[noreturn]] static void fail(j_common_ptr common);
     static void noteMessage(j_common_ptr common, int level);
+    bool startRows();
+    bool hasAllAverages() const;
+    bool hasEnd() const;
     static boolean fillBuffer(j_decompress_ptr decompressor);
     static void skipBytes(j_decompress_ptr decompressor, long count);
 
@@ -143,7 +146,52 @@ PictureSize Decompressor::chooseScale(PictureSize target) {
     // Interpolating colours between pixels is lost work when the pixels are averaged afterwards.
     const bool scaled = size() != target;
     decompressor_.do_fancy_upsampling = scaled ? FALSE : TRUE;
+    // At an eighth each block of 8 x 8 is one pixel, its average. A progressive file has the averages in its
+    // first scans, so the others (most of the file) need not be decoded.
+    decompressor_.buffered_image = decompressor_.scale_num == 1 && decompressor_.progressive_mode;
+    decompressor_.do_block_smoothing = FALSE;
     return {static_cast<int>(decompressor_.output_width), static_cast<int>(decompressor_.output_height)};
+}
+
+/// Reads as many scans as the rows need. Refuses a file that ends before its end marker.
+bool Decompressor::startRows() {
+    jpeg_start_decompress(&decompressor_);
+    if (!decompressor_.buffered_image)
+        return !jpeg_has_multiple_scans(&decompressor_) || !reachedEnd_;
+    for (int state = JPEG_SUSPENDED; state != JPEG_SCAN_COMPLETED || !hasAllAverages();) {
+        state = jpeg_consume_input(&decompressor_);
+        if (state == JPEG_REACHED_EOI)
+            break;
+    }
+    return !reachedEnd_ && (jpeg_input_complete(&decompressor_) || hasEnd()) &&
+           jpeg_start_output(&decompressor_, decompressor_.input_scan_number);
+}
+
+bool Decompressor::hasAllAverages() const {
+    for (int component = 0; component < decompressor_.num_components; ++component)
+        if (decompressor_.coef_bits[component][0] != 0)
+            return false;
+    return true;
+}
+
+/// Whether an end marker follows. No compressed data and no table of a scan contains the marker's two bytes.
+bool Decompressor::hasEnd() const {
+    std::int64_t offset = offset_ - static_cast<std::int64_t>(source_.bytes_in_buffer);
+    std::vector<std::byte> block(1 << 20);
+    bool marker = false;
+    while (offset < end_) {
+        const auto wanted = static_cast<std::size_t>(std::min<std::int64_t>(end_ - offset, block.size()));
+        const std::size_t count = file_.readAt(offset, std::span(block).first(wanted));
+        for (const std::byte byte : std::span(block).first(count)) {
+            if (marker && byte == std::byte{JPEG_EOI})
+                return true;
+            marker = byte == std::byte{0xFF};
+        }
+        if (count == 0)
+            return false;
+        offset += static_cast<std::int64_t>(count);
+    }
+    return false;
 }
 
 bool Decompressor::readRows(AreaScaler& scaler) {
@@ -151,8 +199,7 @@ bool Decompressor::readRows(AreaScaler& scaler) {
     JSAMPROW row = row_.data();
     if (setjmp(failure_) != 0)
         return false;
-    jpeg_start_decompress(&decompressor_);
-    if (jpeg_has_multiple_scans(&decompressor_) && reachedEnd_)
+    if (!startRows())
         return false;
     while (decompressor_.output_scanline < decompressor_.output_height) {
         if (jpeg_read_scanlines(&decompressor_, &row, 1) != 1)
@@ -200,7 +247,7 @@ Orientation Decompressor::orientation() const {
 std::optional<DecodedPicture> readJPEG(const InputFile& file, std::int64_t offset, std::int64_t end,
                                        int maximumSide) {
     const auto decompressor = std::make_unique<Decompressor>(file, offset, end);
-    if (!decompressor->readHeader())
+    if (!decompressor->readHeader() || !isDecodableSize(decompressor->size()))
         return std::nullopt;
     const PictureSize target = fitted(decompressor->size(), maximumSide);
     const PictureSize decoded = decompressor->chooseScale(target);

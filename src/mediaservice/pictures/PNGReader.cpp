@@ -17,6 +17,9 @@ namespace {
 constexpr png_alloc_size_t largestChunk = 8 << 20;
 constexpr png_uint_32 mostChunks = 1000;
 
+constexpr std::size_t chunkNameSize = 5; // with the null behind it
+constexpr png_byte unreadChunks[] = "tEXt\0zTXt\0iTXt\0sPLT\0hIST\0pCAL\0sCAL";
+
 /// libpng on an input file. Its errors come back by longjmp, so the functions that call it keep nothing on
 /// the stack that needs a destructor.
 class Decompressor {
@@ -66,10 +69,15 @@ bool Decompressor::readHeader() {
     if (!info_ || setjmp(png_jmpbuf(png_)) != 0)
         return false;
     png_set_read_fn(png_, this, &read);
+    // Texts and the like can be packed a thousand times smaller than they are, and nobody reads them.
+    png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, unreadChunks,
+                                sizeof unreadChunks / chunkNameSize);
     png_set_user_limits(png_, largestSourceSide, largestSourceSide);
     png_set_chunk_malloc_max(png_, largestChunk);
     png_set_chunk_cache_max(png_, mostChunks);
     png_read_info(png_, info_);
+    if (!isDecodableSize(size()))
+        return false;
 
     const int type = png_get_color_type(png_, info_);
     gray_ = (type & PNG_COLOR_MASK_COLOR) == 0;

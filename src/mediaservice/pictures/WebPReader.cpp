@@ -89,8 +89,7 @@ std::optional<DecodedPicture> readWebP(const InputFile& file, int maximumSide) {
                                                                                    &WebPDemuxReleaseIterator);
     const PictureSize size{static_cast<int>(WebPDemuxGetI(demuxer.get(), WEBP_FF_CANVAS_WIDTH)),
                            static_cast<int>(WebPDemuxGetI(demuxer.get(), WEBP_FF_CANVAS_HEIGHT))};
-    if (size.width < 1 || size.height < 1 || size.width > largestSourceSide ||
-        size.height > largestSourceSide)
+    if (!isDecodableSize(size))
         return std::nullopt;
     const PictureSize target = fitted(size, maximumSide);
     DecodedPicture picture;

@@ -20,7 +20,7 @@ constexpr std::int64_t probeSize = 5 << 20;
 constexpr std::int64_t probeDuration = 5 * AV_TIME_BASE;
 constexpr int mostTracks = 64;
 
-// A packet larger than this is no frame of a phone's video.
+// A longer video is taken for one with a damaged header.
 constexpr std::int64_t longestDuration = std::int64_t{30} * 24 * 3600; // seconds
 
 constexpr const char* containers =

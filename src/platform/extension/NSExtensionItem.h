@@ -4,16 +4,35 @@
 #include "platform/extension/NSObject.h"
 
 #include <memory>
-#include <optional>
+#include <mutex>
+#include <utility>
 #include <vector>
 
 namespace sela {
 
-/// One input item of a share request: a group of attachments; absent when the item has no such list. Not
-/// changed once the request has started, so any thread may read it.
+/// One input item of a share request: a group of attachments. Any thread may use it.
 class NSExtensionItem : public NSObject {
 public:
-    std::optional<std::vector<std::shared_ptr<NSItemProvider>>> attachments;
+    using Attachments = std::vector<std::shared_ptr<NSItemProvider>>;
+
+    /// An item without a list of attachments.
+    NSExtensionItem() = default;
+
+    explicit NSExtensionItem(Attachments attachments)
+        : attachments_(std::make_shared<const Attachments>(std::move(attachments))) {}
+
+    /// The list as it is now, which never changes by itself; null when the item has none.
+    std::shared_ptr<const Attachments> attachments() const {
+        const std::lock_guard lock(mutex_);
+        return attachments_;
+    }
+
+    /// Puts `more` at the end of the list, which is made where there is none.
+    void append(const Attachments& more);
+
+private:
+    mutable std::mutex mutex_;
+    std::shared_ptr<const Attachments> attachments_;
 };
 
 } // namespace sela

@@ -52,6 +52,12 @@ constexpr auto types = std::to_array<Type>({
     {"public.plain-text", "text/plain", {"txt", "text"}},
 });
 
+/// Its table of patterns alone: what libmagic would take apart itself (archives, documents, programs) is none
+/// of the kinds here.
+constexpr int magicFlags = MAGIC_MIME_TYPE | MAGIC_NO_CHECK_COMPRESS | MAGIC_NO_CHECK_TAR |
+                           MAGIC_NO_CHECK_APPTYPE | MAGIC_NO_CHECK_ELF | MAGIC_NO_CHECK_TOKENS |
+                           MAGIC_NO_CHECK_CDF | MAGIC_NO_CHECK_CSV | MAGIC_NO_CHECK_JSON;
+
 std::string_view identifierOfExtension(std::string_view extension) {
     for (const Type& type : types)
         if (!extension.empty() && std::ranges::find(type.extensions, extension) != type.extensions.end())
@@ -69,7 +75,7 @@ std::string_view identifierOfContent(const URL& file) {
     const std::int64_t count = stream.value()->read(start);
     if (count <= 0)
         return {};
-    const std::unique_ptr<magic_set, void (*)(magic_t)> magic(::magic_open(MAGIC_MIME_TYPE), &::magic_close);
+    const std::unique_ptr<magic_set, void (*)(magic_t)> magic(::magic_open(magicFlags), &::magic_close);
     if (!magic || ::magic_load(magic.get(), nullptr) != 0)
         return {};
     const char* const found = ::magic_buffer(magic.get(), start.data(), static_cast<std::size_t>(count));

@@ -10,11 +10,13 @@ namespace sela {
 /// so any thread may ask.
 namespace AssetCatalogue {
 
-/// A named colour: 0xRRGGBBAA for the light and the dark appearance.
+/// A named colour: 0xRRGGBBAA for the light and the dark appearance, and for both in high contrast.
 struct NamedColor {
     std::string_view name;
     std::uint32_t light;
     std::uint32_t dark;
+    std::uint32_t lightHighContrast;
+    std::uint32_t darkHighContrast;
 };
 
 /// A named image: the text of an SVG file. Its width and height attributes are its size in points.

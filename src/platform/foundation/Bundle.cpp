@@ -13,17 +13,26 @@ namespace {
 
 constexpr const char* tableName = "sela-share";
 
+std::string environmentValue(const char* variable) {
+    const char* const value = std::getenv(variable);
+    return value ? value : "";
+}
+
+std::string messageLocale() {
+    for (const char* const variable : {"LC_ALL", "LC_MESSAGES", "LANG"})
+        if (std::string locale = environmentValue(variable); !locale.empty())
+            return locale;
+    return "C";
+}
+
 /// The languages that the environment asks for, in the form of $LANGUAGE; empty when it asks for none.
 std::string preferredLanguages() {
-    for (const char* const variable : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const char* const value = std::getenv(variable);
-        if (!value || !*value)
-            continue;
-        const std::string_view languages = value;
-        const bool none = languages == "C" || languages == "POSIX" || languages.starts_with("C.");
-        return none ? "" : std::string(languages);
-    }
-    return "";
+    const std::string locale = messageLocale();
+    if (locale == "C" || locale == "POSIX")
+        return "";
+    if (std::string languages = environmentValue("LANGUAGE"); !languages.empty())
+        return languages;
+    return locale.starts_with("C.") ? "" : locale;
 }
 
 /// A locale in which tables are looked up. The plain "C" locale, which a machine without language settings is
@@ -48,6 +57,17 @@ Bundle::Bundle() {
 const Bundle& Bundle::main() {
     static const Bundle bundle;
     return bundle;
+}
+
+std::string Bundle::preferredLocalization() const {
+    constexpr std::string_view field = "\nLanguage: ";
+    // The text of the empty key is the table's header.
+    const std::string header = "\n" + localizedString("");
+    const std::size_t found = header.find(field);
+    if (found == std::string::npos)
+        return "";
+    const std::size_t start = found + field.size();
+    return header.substr(start, header.find('\n', start) - start);
 }
 
 std::string Bundle::localizedString(std::string_view key) const {

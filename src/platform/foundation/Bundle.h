@@ -13,9 +13,14 @@ class Bundle {
 public:
     static const Bundle& main();
 
-    /// The text of a key in the user's language: the first of the languages in $LANGUAGE, $LC_ALL,
-    /// $LC_MESSAGES or $LANG that has a table with that key, then English, then the key itself.
+    /// The text of a key in the user's language, chosen as gettext does: $LC_ALL, $LC_MESSAGES or $LANG, the
+    /// first of them that is set, names it, and where that is not the plain "C" or "POSIX", $LANGUAGE may
+    /// list several instead. The first of them whose table has the key gives the text, then English, then the
+    /// key itself.
     std::string localizedString(std::string_view key) const;
+
+    /// The language of the first of those tables, such as "de" or "zh_CN"; empty where no table is found.
+    std::string preferredLocalization() const;
 
     /// The folder of the shared resources, `../share` seen from the program's own folder: the same in a build
     /// tree and where the program is installed.

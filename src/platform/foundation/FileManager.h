@@ -64,8 +64,8 @@ public:
     /// The attributes of what stands at a path, which may be a symbolic link itself.
     virtual Result<FileAttributes> attributesOfEntry(const std::string& path) const = 0;
 
-    /// Makes the folder and those above it that are missing, and brings them to the disk; no error when it is
-    /// there already.
+    /// Makes the folder and those above it that are missing, and brings them to the disk, which is done for a
+    /// folder that is there already as well.
     virtual ErrorRef createDirectory(const std::string& path) = 0;
 
     /// The names in a folder, "." and ".." left out, sorted by their bytes.

@@ -1,5 +1,6 @@
 #include "platform/foundation/NSLog.h"
 
+#include "platform/foundation/LogOutput.h"
 #include "platform/foundation/UTF8.h"
 
 #include <cstdio>
@@ -21,6 +22,11 @@ std::mutex& sinkMutex() {
 std::function<void(const std::string&)>& redirectedSink() {
     static std::function<void(const std::string&)> sink;
     return sink;
+}
+
+std::function<void(const std::string&)>& logPrinter() {
+    static std::function<void(const std::string&)> printer;
+    return printer;
 }
 
 bool isHarmful(char32_t c) {
@@ -47,17 +53,6 @@ std::string escape(char32_t c) {
     }
 }
 
-void writeToStandardError(const std::string& line) {
-    // One write per line, so that lines of two processes on one terminal do not mix.
-    std::size_t written = 0;
-    while (written < line.size()) {
-        const ssize_t count = ::write(STDERR_FILENO, line.data() + written, line.size() - written);
-        if (count <= 0)
-            return;
-        written += static_cast<std::size_t>(count);
-    }
-}
-
 } // namespace
 
 std::string escapedForLog(std::string_view text) {
@@ -75,15 +70,34 @@ std::string escapedForLog(std::string_view text) {
 }
 
 void NSLog(std::string_view text) {
-    std::string line = escapedForLog(text);
+    const std::string line = escapedForLog(text);
     const std::lock_guard lock(sinkMutex());
     if (redirectedSink()) {
         redirectedSink()(line);
         return;
     }
     ::syslog(LOG_USER | LOG_NOTICE, "%s", line.c_str());
+    if (logPrinter())
+        logPrinter()(line);
+    else
+        printToStandardError(line);
+}
+
+void printToStandardError(std::string line) {
+    // One write per line, so that lines of two processes on one terminal do not mix.
     line += '\n';
-    writeToStandardError(line);
+    std::size_t written = 0;
+    while (written < line.size()) {
+        const ssize_t count = ::write(STDERR_FILENO, line.data() + written, line.size() - written);
+        if (count <= 0)
+            return;
+        written += static_cast<std::size_t>(count);
+    }
+}
+
+void setLogPrinter(std::function<void(const std::string&)> print) {
+    const std::lock_guard lock(sinkMutex());
+    logPrinter() = std::move(print);
 }
 
 LogRedirection::LogRedirection(std::function<void(const std::string&)> sink) {

@@ -12,6 +12,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
 namespace sela {
@@ -67,6 +68,22 @@ ErrorRef reserve(int descriptor, std::int64_t size) {
     if (result == 0 || errno == EOPNOTSUPP || errno == ENOSYS)
         return nullptr;
     return NSError::posix(errno, "fallocate");
+}
+
+/// Makes the folder and those above it that are missing.
+ErrorRef makeFolders(const std::string& path) {
+    if (::mkdir(path.c_str(), 0700) == 0)
+        return nullptr;
+    if (errno == EEXIST) {
+        struct stat status = {};
+        const bool isFolder = ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+        return isFolder ? nullptr : NSError::posix(ENOTDIR, "mkdir");
+    }
+    if (errno != ENOENT || path == "/")
+        return NSError::posix(errno, "mkdir");
+    if (ErrorRef error = makeFolders(URL::fileURL(path).deletingLastPathComponent().path()))
+        return error;
+    return makeFolders(path);
 }
 
 std::optional<URL> groupFolder(std::string_view groupId) {
@@ -127,18 +144,18 @@ Result<FileAttributes> PosixFileManager::attributesOfEntry(const std::string& pa
 }
 
 ErrorRef PosixFileManager::createDirectory(const std::string& path) {
-    if (::mkdir(path.c_str(), 0700) == 0)
-        return synchronizeFolder(URL::fileURL(path).deletingLastPathComponent().path());
-    if (errno == EEXIST) {
-        const Result<FileAttributes> existing = attributesOfItem(path);
-        const bool isFolder = existing && existing.value().type == FileAttributes::Type::directory;
-        return isFolder ? nullptr : NSError::posix(ENOTDIR, "mkdir");
-    }
-    if (errno != ENOENT || path == "/")
-        return NSError::posix(errno, "mkdir");
-    if (ErrorRef error = createDirectory(URL::fileURL(path).deletingLastPathComponent().path()))
+    if (ErrorRef error = makeFolders(path))
         return error;
-    return createDirectory(path);
+    // All of them, those that stood there included: whoever made them may have been stopped before they were
+    // flushed. Nobody who cannot write to a folder has made anything in it.
+    for (URL folder = URL::fileURL(path); folder.path() != "/";) {
+        folder = folder.deletingLastPathComponent();
+        if (::access(folder.path().c_str(), W_OK) != 0)
+            return nullptr;
+        if (ErrorRef error = synchronizeFolder(folder.path()))
+            return error;
+    }
+    return nullptr;
 }
 
 Result<std::vector<std::string>> PosixFileManager::contentsOfDirectory(const std::string& path) const {

@@ -82,7 +82,10 @@ SettingsDatabase::~SettingsDatabase() {
 
 Result<std::optional<Data>> SettingsDatabase::read(std::string_view key, std::string_view kind) {
     const std::lock_guard lock(mutex_);
-    if (!connection_)
+    const Result<bool> any = holdsSettings();
+    if (!any)
+        return any.error();
+    if (!any.value())
         return std::optional<Data>();
     Statement statement(connection_, "SELECT value FROM settings WHERE key = ?1 AND kind = ?2");
     statement.bind(1, key);
@@ -100,7 +103,10 @@ Result<std::optional<Data>> SettingsDatabase::read(std::string_view key, std::st
 Result<std::vector<std::string>> SettingsDatabase::keys(std::string_view prefix) {
     const std::lock_guard lock(mutex_);
     std::vector<std::string> found;
-    if (!connection_)
+    const Result<bool> any = holdsSettings();
+    if (!any)
+        return any.error();
+    if (!any.value())
         return found;
     Statement statement(connection_,
                         "SELECT key FROM settings WHERE substr(key, 1, length(?1)) = ?1 ORDER BY key");
@@ -128,8 +134,9 @@ ErrorRef SettingsDatabase::write(std::string_view key, std::string_view kind, Da
 
 ErrorRef SettingsDatabase::remove(std::string_view key) {
     const std::lock_guard lock(mutex_);
-    if (!connection_)
-        return nullptr;
+    const Result<bool> any = holdsSettings();
+    if (!any || !any.value())
+        return any.error();
     Statement statement(connection_, "DELETE FROM settings WHERE key = ?1");
     statement.bind(1, key);
     return statement.step() == SQLITE_DONE ? nullptr : failure("remove a setting");
@@ -142,11 +149,11 @@ ErrorRef SettingsDatabase::transaction(const std::function<ErrorRef()>& body) {
     if (ErrorRef error = execute("BEGIN IMMEDIATE"))
         return error;
     inTransaction_ = true;
-    transactionFailure_ = nullptr;
     ErrorRef error = body();
     inTransaction_ = false;
+    const ErrorRef failureInside = std::exchange(transactionFailure_, nullptr);
     if (!error)
-        error = std::exchange(transactionFailure_, nullptr);
+        error = failureInside;
     if (!error)
         error = execute("COMMIT");
     if (error && !sqlite3_get_autocommit(connection_))
@@ -176,7 +183,17 @@ ErrorRef SettingsDatabase::connect() {
     return nullptr;
 }
 
+void SettingsDatabase::distrustSchema() {
+    // The file is data of others too: a view in place of the table, or a trigger on it, would run what its
+    // writer wanted, for ever if need be.
+    for (const int feature :
+         {SQLITE_DBCONFIG_ENABLE_VIEW, SQLITE_DBCONFIG_ENABLE_TRIGGER, SQLITE_DBCONFIG_TRUSTED_SCHEMA})
+        sqlite3_db_config(connection_, feature, 0, nullptr);
+    sqlite3_db_config(connection_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+}
+
 ErrorRef SettingsDatabase::checkFormat() {
+    distrustSchema();
     sqlite3_busy_timeout(connection_, busyTimeoutMilliseconds);
     const Result<std::int64_t> version = readInteger("PRAGMA user_version");
     if (!version)
@@ -195,7 +212,7 @@ ErrorRef SettingsDatabase::checkFormat() {
 
 ErrorRef SettingsDatabase::create() {
     if (inTransaction_)
-        return nullptr;
+        return transactionFailure_;
     if (ErrorRef error = connect())
         return error;
     if (!connection_) {
@@ -213,11 +230,9 @@ ErrorRef SettingsDatabase::create() {
         if (ErrorRef error = connect())
             return error;
     }
-    const Result<std::int64_t> tables = readInteger(tableCountQuery);
-    if (!tables)
-        return tables.error();
-    if (tables.value() > 0)
-        return nullptr;
+    const Result<bool> made = holdsSettings();
+    if (!made || made.value())
+        return made.error();
     // Large pages: the ledger is one long value, and fewer pages are fewer writes (docs/libraries.md).
     for (const char* const sql : {"PRAGMA page_size = 65536", "BEGIN IMMEDIATE",
                                   "CREATE TABLE IF NOT EXISTS settings(key TEXT PRIMARY KEY, "
@@ -232,7 +247,20 @@ ErrorRef SettingsDatabase::create() {
     return nullptr;
 }
 
+Result<bool> SettingsDatabase::holdsSettings() {
+    if (transactionFailure_)
+        return transactionFailure_;
+    if (!connection_ || tableSeen_)
+        return connection_ != nullptr;
+    const Result<std::int64_t> tables = readInteger(tableCountQuery);
+    if (!tables)
+        return tables.error();
+    tableSeen_ = tables.value() > 0;
+    return tableSeen_;
+}
+
 void SettingsDatabase::disconnect() {
+    tableSeen_ = false;
     sqlite3_close(std::exchange(connection_, nullptr));
 }
 

@@ -44,9 +44,14 @@ private:
     /// connection and no error.
     ErrorRef connect();
     ErrorRef checkFormat();
+    void distrustSchema();
 
     /// Makes the file and its table where they are missing, then connects.
     ErrorRef create();
+
+    /// Whether there is a file with its table in it; the error when that cannot be told, or when the
+    /// transaction around has failed.
+    Result<bool> holdsSettings();
 
     void disconnect();
     bool isConnectedToFile() const;
@@ -62,7 +67,10 @@ private:
     sqlite3* connection_ = nullptr;
     unsigned long long device_ = 0;
     unsigned long long inode_ = 0;
+    bool tableSeen_ = false;
     bool inTransaction_ = false;
+    /// The first failure inside the transaction. After one nothing more is read or stored in it: SQLite may
+    /// have rolled it back already, and what came then would stand on its own.
     ErrorRef transactionFailure_;
 };
 

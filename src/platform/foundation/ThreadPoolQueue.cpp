@@ -1,35 +1,56 @@
 #include "platform/foundation/ThreadPoolQueue.h"
 
 #include "platform/foundation/BackgroundWork.h"
+#include "platform/foundation/FatalError.h"
 #include "platform/foundation/MonotonicClock.h"
 
+#include <boost/asio/executor_work_guard.hpp>
+#include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
-#include <boost/asio/thread_pool.hpp>
 #include <chrono>
+#include <system_error>
+#include <thread>
 #include <utility>
+#include <vector>
 
 namespace sela {
 
 struct ThreadPoolQueue::Pool {
-    explicit Pool(int threads) : executor(static_cast<std::size_t>(threads)) {}
+    explicit Pool(int count) : context(count), guard(context.get_executor()) {
+        // With fewer threads than wished for everything is done all the same; without any, nothing ever
+        // would.
+        try {
+            for (int i = 0; i < count; ++i)
+                threads.emplace_back([this] { context.run(); });
+        } catch (const std::system_error& error) {
+            if (threads.empty())
+                fatalError(std::string("a queue can have no thread: ") + error.what());
+        }
+    }
 
-    boost::asio::thread_pool executor;
+    ~Pool() {
+        guard.reset();
+        for (std::thread& thread : threads)
+            thread.join();
+    }
+
+    boost::asio::io_context context;
+    boost::asio::executor_work_guard<boost::asio::io_context::executor_type> guard;
+    std::vector<std::thread> threads;
 };
 
 ThreadPoolQueue::ThreadPoolQueue(int threads) : pool_(std::make_unique<Pool>(threads)) {}
 
-ThreadPoolQueue::~ThreadPoolQueue() {
-    pool_->executor.join();
-}
+ThreadPoolQueue::~ThreadPoolQueue() = default;
 
 void ThreadPoolQueue::async(Task task) {
-    boost::asio::post(pool_->executor,
+    boost::asio::post(pool_->context,
                       [task = std::move(task), token = std::make_shared<BackgroundWork>()] { task(); });
 }
 
 void ThreadPoolQueue::asyncAfter(double seconds, Task task) {
-    auto timer = std::make_shared<boost::asio::steady_timer>(pool_->executor);
+    auto timer = std::make_shared<boost::asio::steady_timer>(pool_->context);
     timer->expires_after(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
         std::chrono::duration<double>(seconds)));
     timer->async_wait([task = std::move(task), timer,

@@ -51,6 +51,10 @@ ErrorRef mediaError(int code, std::string description) {
     return std::make_shared<NSError>(AVFoundationErrorDomain, code, std::move(description));
 }
 
+ErrorRef helperWasReset() {
+    return mediaError(AVErrorMediaServicesWereReset, "The media helper did not answer");
+}
+
 ErrorRef errorOfStatus(MediaStatus status) {
     if (status == MediaStatus::noSuchFrame)
         return mediaError(AVErrorNoImageAtTime, "The video has no frame at that time");
@@ -74,6 +78,8 @@ Result<MediaServiceClient::Answer> MediaServiceClient::perform(const std::string
     if (!file)
         return file.error();
     const std::lock_guard lock(mutex_);
+    if (request.asset != 0 && request.asset == costlyAsset_)
+        return helperWasReset();
     request.number = ++requests_;
     return performLocked(file.value().get(), request);
 }
@@ -115,8 +121,10 @@ Result<MediaServiceClient::Answer> MediaServiceClient::performLocked(int file, c
     const auto packet = helper ? helper->receive(deadline) : std::nullopt;
     const auto response = packet ? decodeResponse(packet->bytes, request) : std::nullopt;
     if (!response) {
+        if (helper)
+            costlyAsset_ = request.asset;
         helper.reset();
-        return mediaError(AVErrorMediaServicesWereReset, "The media helper did not answer");
+        return helperWasReset();
     }
     if (response->status != MediaStatus::done)
         return errorOfStatus(response->status);

@@ -16,8 +16,8 @@ class MediaHelperProcess;
 
 /// Has pictures and videos decoded by helper processes, one for each kind of work, which are started on first
 /// need and kept. They sit in a sandbox, so a file can at worst end its helper: that is an error for the
-/// file, and the next request starts a new helper. Thread-safe; one request is in flight at a time, others
-/// wait.
+/// file, and the next request starts a new helper; a video that cost its helper is not tried again under its
+/// asset's number. Thread-safe; one request is in flight at a time, others wait.
 class MediaServiceClient {
 public:
     struct Options {
@@ -67,6 +67,7 @@ private:
     Helper pictureHelper_;
     Helper videoHelper_;
     std::uint32_t requests_ = 0;
+    std::uint32_t costlyAsset_ = 0; ///< the last asset whose request the helper did not answer; 0: none
 };
 
 } // namespace sela

@@ -69,6 +69,12 @@ UIImage UIImage::withRenderingMode(RenderingMode mode) const {
     return image;
 }
 
+UIImage UIImage::imageFlippedForRightToLeftLayoutDirection() const {
+    UIImage image = *this;
+    image.flipsForRightToLeftLayoutDirection_ = true;
+    return image;
+}
+
 std::optional<Data> UIImage::jpegData(double quality) const {
     if (!pixels_)
         return std::nullopt;

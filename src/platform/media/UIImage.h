@@ -53,6 +53,13 @@ public:
     /// The same picture drawn in another way.
     UIImage withRenderingMode(RenderingMode mode) const;
 
+    /// Whether a view that is read from the right shows the picture mirrored, as an arrow that points along
+    /// the text should be.
+    bool flipsForRightToLeftLayoutDirection() const { return flipsForRightToLeftLayoutDirection_; }
+
+    /// The same picture, mirrored in such a view.
+    UIImage imageFlippedForRightToLeftLayoutDirection() const;
+
     /// The picture as JPEG at `quality` 0.0 to 1.0, transparent parts flattened on white; absent when it
     /// cannot be encoded (a named asset, an empty picture, a side above the 65,500 that libjpeg writes).
     std::optional<Data> jpegData(double quality) const;
@@ -65,6 +72,7 @@ private:
     double width_ = 0;
     double height_ = 0;
     RenderingMode renderingMode_ = RenderingMode::automatic;
+    bool flipsForRightToLeftLayoutDirection_ = false;
 };
 
 } // namespace sela

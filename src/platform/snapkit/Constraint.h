@@ -12,9 +12,10 @@ namespace sela {
 class UIView;
 
 /// One equation of a view's layout: its `attribute` = `multiplier` * the target's `targetAttribute` +
-/// `constant`, in points. Without a target, `attribute` = `constant`. A multiplied place counts from the left
-/// or top edge of the nearest view that holds both views. A constraint sleeps while its target is not in the
-/// tree of its view, or is gone.
+/// `constant`, in points. Without a target, `attribute` = `constant`. Of leading and trailing edges all of
+/// this goes by the reading direction: a positive constant leads on in it. A multiplied place counts from the
+/// left (leading) or top edge of the nearest view that holds both views. A constraint sleeps while its target
+/// is not in the tree of its view, or is gone.
 struct Constraint {
     ConstraintAttribute attribute;
     std::optional<std::weak_ptr<UIView>> target; ///< absent: none

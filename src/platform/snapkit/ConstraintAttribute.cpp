@@ -8,6 +8,10 @@ const char* describe(ConstraintAttribute attribute) {
         return "left";
     case ConstraintAttribute::right:
         return "right";
+    case ConstraintAttribute::leading:
+        return "leading";
+    case ConstraintAttribute::trailing:
+        return "trailing";
     case ConstraintAttribute::top:
         return "top";
     case ConstraintAttribute::bottom:

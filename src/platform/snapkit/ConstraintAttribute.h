@@ -4,9 +4,20 @@
 
 namespace sela {
 
-/// What of a view's rectangle a constraint speaks about. Text runs from left to right everywhere in this
-/// system, so leading is left and trailing is right.
-enum class ConstraintAttribute { left, right, top, bottom, width, height, centerX, centerY };
+/// What of a view's rectangle a constraint speaks about. Leading is where reading begins: left, or right in a
+/// view that is read from the right; trailing is the other edge.
+enum class ConstraintAttribute {
+    left,
+    right,
+    leading,
+    trailing,
+    top,
+    bottom,
+    width,
+    height,
+    centerX,
+    centerY
+};
 
 /// Attributes in the order in which they were named.
 using ConstraintAttributes = std::vector<ConstraintAttribute>;
@@ -16,9 +27,19 @@ constexpr bool isSize(ConstraintAttribute attribute) {
     return attribute == ConstraintAttribute::width || attribute == ConstraintAttribute::height;
 }
 
+/// Whether the attribute is an edge that the reading direction decides.
+constexpr bool followsReading(ConstraintAttribute attribute) {
+    return attribute == ConstraintAttribute::leading || attribute == ConstraintAttribute::trailing;
+}
+
+/// Whether the attribute is left or right, whatever the reading direction.
+constexpr bool ignoresReading(ConstraintAttribute attribute) {
+    return attribute == ConstraintAttribute::left || attribute == ConstraintAttribute::right;
+}
+
 /// Whether the attribute lies on the horizontal axis.
 constexpr bool isHorizontal(ConstraintAttribute attribute) {
-    return attribute == ConstraintAttribute::left || attribute == ConstraintAttribute::right ||
+    return followsReading(attribute) || ignoresReading(attribute) ||
            attribute == ConstraintAttribute::width || attribute == ConstraintAttribute::centerX;
 }
 

@@ -17,8 +17,8 @@ public:
     auto right(Place place = Place::current()) { return stage().name({Attribute::right}, place); }
     auto top(Place place = Place::current()) { return stage().name({Attribute::top}, place); }
     auto bottom(Place place = Place::current()) { return stage().name({Attribute::bottom}, place); }
-    auto leading(Place place = Place::current()) { return stage().name({Attribute::left}, place); }
-    auto trailing(Place place = Place::current()) { return stage().name({Attribute::right}, place); }
+    auto leading(Place place = Place::current()) { return stage().name({Attribute::leading}, place); }
+    auto trailing(Place place = Place::current()) { return stage().name({Attribute::trailing}, place); }
     auto width(Place place = Place::current()) { return stage().name({Attribute::width}, place); }
     auto height(Place place = Place::current()) { return stage().name({Attribute::height}, place); }
     auto centerX(Place place = Place::current()) { return stage().name({Attribute::centerX}, place); }

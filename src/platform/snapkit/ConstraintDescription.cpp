@@ -83,7 +83,9 @@ void ConstraintDescription::resolve(std::vector<Constraint>& constraints) const 
         const ConstraintAttribute attribute = attributes_[i];
         const ConstraintAttribute other = targetAttribute(i);
         if (isSize(attribute) != isSize(other) ||
-            (!isSize(attribute) && isHorizontal(attribute) != isHorizontal(other)))
+            (!isSize(attribute) && isHorizontal(attribute) != isHorizontal(other)) ||
+            (followsReading(attribute) && ignoresReading(other)) ||
+            (ignoresReading(attribute) && followsReading(other)))
             fatalError("A constraint cannot relate " + std::string(describe(attribute)) + " to " +
                            describe(other),
                        place_);
@@ -108,7 +110,13 @@ ConstraintAttribute ConstraintDescription::targetAttribute(std::size_t index) co
 }
 
 double ConstraintDescription::constant(ConstraintAttribute attribute) const {
+    const bool fromRight =
+        view_.effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;
     switch (attribute) {
+    case ConstraintAttribute::leading:
+        return offset_ + (fromRight ? insets_.right : insets_.left);
+    case ConstraintAttribute::trailing:
+        return offset_ - (fromRight ? insets_.left : insets_.right);
     case ConstraintAttribute::left:
         return offset_ + insets_.left;
     case ConstraintAttribute::right:

@@ -16,14 +16,15 @@ public:
         return *this;
     }
 
-    /// Moves places right or down, and enlarges sizes, by `amount` points.
+    /// Moves places right or down (leading and trailing edges on in the reading direction), and enlarges
+    /// sizes, by `amount` points.
     ConstraintMakerEditable offset(double amount) {
         description_.addOffset(amount);
         return *this;
     }
 
-    /// Moves edges inwards by `amount` points: left and top edges by +amount, right and bottom edges by
-    /// -amount; sizes shrink by both sides.
+    /// Moves edges inwards by `amount` points: left, leading and top edges by +amount, the others by -amount;
+    /// sizes shrink by both sides.
     ConstraintMakerEditable inset(double amount) { return inset({amount, amount, amount, amount}); }
 
     /// Moves edges inwards by the side's inset; sizes shrink by both sides, centres move by half the

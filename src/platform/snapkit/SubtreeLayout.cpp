@@ -133,27 +133,40 @@ void SubtreeLayout::collectEquations() {
 
 LinearExpression SubtreeLayout::expression(const Equation& equation) {
     const Constraint& constraint = *equation.constraint;
-    LinearExpression sum = attribute(*equation.view, constraint.attribute).add(-constraint.constant);
+    const bool fromRight =
+        (followsReading(constraint.attribute) || followsReading(constraint.targetAttribute)) &&
+        equation.view->effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;
+    LinearExpression sum =
+        attribute(*equation.view, constraint.attribute, fromRight).add(-constraint.constant);
     if (!equation.target)
         return sum;
-    sum.add(attribute(*equation.target, constraint.targetAttribute), -constraint.multiplier);
+    sum.add(attribute(*equation.target, constraint.targetAttribute, fromRight), -constraint.multiplier);
     if (constraint.multiplier != 1 && !isSize(constraint.attribute)) {
-        const Box& common = boxes_.at(&nearestCommonView(*equation.view, *equation.target));
-        const Span& span = isHorizontal(constraint.attribute) ? common.horizontal : common.vertical;
-        sum.add(span.start, constraint.multiplier - 1);
+        const UIView& common = nearestCommonView(*equation.view, *equation.target);
+        const ConstraintAttribute edge =
+            isHorizontal(constraint.attribute) ? ConstraintAttribute::leading : ConstraintAttribute::top;
+        sum.add(attribute(common, edge, fromRight), constraint.multiplier - 1);
     }
     return sum;
 }
 
-LinearExpression SubtreeLayout::attribute(const UIView& view, ConstraintAttribute attribute) {
+/// A size, or a place as its distance from the root's left or top edge; `fromRight` gives places as distances
+/// to the left of the root's left edge, so that they grow in the reading direction.
+LinearExpression SubtreeLayout::attribute(const UIView& view, ConstraintAttribute attribute, bool fromRight) {
     const Box& box = boxes_.at(&view);
     const Span& span = isHorizontal(attribute) ? box.horizontal : box.vertical;
-    LinearExpression result = isSize(attribute) ? span.length : span.start;
-    if (attribute == ConstraintAttribute::right || attribute == ConstraintAttribute::bottom)
-        result.add(span.length);
+    if (isSize(attribute))
+        return span.length;
+    double part = 0;
+    if (attribute == ConstraintAttribute::right || attribute == ConstraintAttribute::bottom ||
+        attribute == (fromRight ? ConstraintAttribute::leading : ConstraintAttribute::trailing))
+        part = 1;
     else if (attribute == ConstraintAttribute::centerX || attribute == ConstraintAttribute::centerY)
-        result.add(span.length, 0.5);
-    return result;
+        part = 0.5;
+    LinearExpression result = span.start;
+    if (part != 0)
+        result.add(span.length, part);
+    return fromRight ? result.multiply(-1) : result;
 }
 
 void SubtreeLayout::addEquations() {

@@ -56,7 +56,7 @@ private:
     bool isLaidOutBefore(const UIView& view) const;
     void collectEquations();
     LinearExpression expression(const Equation& equation);
-    LinearExpression attribute(const UIView& view, ConstraintAttribute attribute);
+    LinearExpression attribute(const UIView& view, ConstraintAttribute attribute, bool fromRight);
     void addEquations();
     void addNaturalSizes();
     void addZeros();

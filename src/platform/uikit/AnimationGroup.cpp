@@ -2,6 +2,7 @@
 
 #include "platform/foundation/DispatchQueue.h"
 #include "platform/uikit/CAMediaTimingFunction.h"
+#include "platform/uikit/UIAccessibility.h"
 
 #include <utility>
 
@@ -21,7 +22,8 @@ void runWithin(AnimationGroup* group, const std::function<void()>& changes) {
 
 void AnimationGroup::run(double duration, const std::function<void()>& changes, Completion completion) {
     const std::shared_ptr<AnimationGroup> group(new AnimationGroup(duration, std::move(completion)));
-    runWithin(duration > 0 ? group.get() : nullptr, changes);
+    const bool moves = duration > 0 && !UIAccessibility::isReduceMotionEnabled();
+    runWithin(moves ? group.get() : nullptr, changes);
     group->start();
 }
 

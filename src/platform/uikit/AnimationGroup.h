@@ -12,7 +12,7 @@ public:
     using Completion = std::function<void(bool finished)>;
 
     /// Runs `changes` with a new group as the current one, then starts it. `duration` in seconds; with 0 or
-    /// less the changes take effect at once. `completion` may be empty.
+    /// less, or where motion is to be reduced, the changes take effect at once. `completion` may be empty.
     static void run(double duration, const std::function<void()>& changes, Completion completion);
 
     /// Runs `changes` with no current group, so that they are not animated.

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/DispatchQueue.h"
 #include "platform/foundation/FatalError.h"
+#include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UIView.h"
 
 namespace sela {
@@ -82,6 +83,8 @@ void CALayer::removeAllAnimations() {
 }
 
 double CALayer::animatedTranslationX() const {
+    if (UIAccessibility::isReduceMotionEnabled())
+        return 0;
     double translation = 0;
     for (const auto& [key, running] : animations_)
         translation += running.animation.value(DispatchQueue::main().now() - running.startTime);

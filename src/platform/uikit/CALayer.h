@@ -56,7 +56,8 @@ public:
     void removeAllAnimations();
     bool hasAnimations() const { return !animations_.empty(); }
 
-    /// How far the running animations move the view to the right now, in points.
+    /// How far the running animations move the view to the right now, in points; nowhere where motion is to
+    /// be reduced.
     double animatedTranslationX() const;
 
 private:

@@ -1,6 +1,7 @@
 #include "platform/uikit/UIActivityIndicatorView.h"
 
 #include "platform/foundation/DispatchQueue.h"
+#include "platform/uikit/UIAccessibility.h"
 
 #include <cmath>
 
@@ -42,7 +43,8 @@ void UIActivityIndicatorView::setHidesWhenStopped(bool hides) {
 int UIActivityIndicatorView::leadingSpoke() const {
     if (!spinning_)
         return 0;
-    const double turns = (DispatchQueue::main().now() - startTime_) / turnDuration;
+    const double turn = UIAccessibility::isReduceMotionEnabled() ? calmTurnDuration : turnDuration;
+    const double turns = (DispatchQueue::main().now() - startTime_) / turn;
     return static_cast<int>((turns - std::floor(turns)) * spokes) % spokes;
 }
 

@@ -12,9 +12,10 @@ public:
     /// Length of a side in points.
     static constexpr double side = 20;
 
-    /// Spokes of the spinner, and seconds of a turn.
+    /// Spokes of the spinner, and seconds of a turn, also where motion is to be reduced.
     static constexpr int spokes = 8;
     static constexpr double turnDuration = 1;
+    static constexpr double calmTurnDuration = 4;
 
     explicit UIActivityIndicatorView(Style style = Style::gray);
 

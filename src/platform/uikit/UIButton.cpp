@@ -93,14 +93,21 @@ void UIButton::layoutSubviews() {
                        std::min(naturalImage.height, room.size.height)};
     const CGSize title{std::min(naturalTitle.width, room.size.width - image.width),
                        std::min(naturalTitle.height, room.size.height)};
+    const bool fromRight =
+        effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;
+    const ContentHorizontalAlignment last =
+        fromRight ? ContentHorizontalAlignment::leading : ContentHorizontalAlignment::trailing;
     double x = room.minX();
     const double spare = room.size.width - image.width - title.width;
     if (contentHorizontalAlignment_ == ContentHorizontalAlignment::center)
         x += spare / 2;
-    else if (contentHorizontalAlignment_ == ContentHorizontalAlignment::right)
+    else if (contentHorizontalAlignment_ == ContentHorizontalAlignment::right ||
+             contentHorizontalAlignment_ == last)
         x += spare;
-    imageView_.setLayoutFrame({{x, room.midY() - image.height / 2}, image});
-    titleLabel_.setLayoutFrame({{x + image.width, room.midY() - title.height / 2}, title});
+    const double imageX = fromRight ? x + title.width : x;
+    const double titleX = fromRight ? x : x + image.width;
+    imageView_.setLayoutFrame({{imageX, room.midY() - image.height / 2}, image});
+    titleLabel_.setLayoutFrame({{titleX, room.midY() - title.height / 2}, title});
 }
 
 void UIButton::stateChanged() {

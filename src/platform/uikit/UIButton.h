@@ -9,12 +9,12 @@
 
 namespace sela {
 
-/// A button of the system type: an image, then a title, in the tint colour; while pressed both fade. What it
-/// shows is in its two subviews. Main thread only.
+/// A button of the system type: an image, then (in the reading direction) a title, in the tint colour; while
+/// pressed both fade. What it shows is in its two subviews. Main thread only.
 class UIButton : public UIControl {
 public:
     enum class State { normal };
-    enum class ContentHorizontalAlignment { center, left, right };
+    enum class ContentHorizontalAlignment { center, left, right, leading, trailing };
 
     explicit UIButton(const CGRect& frame = {});
 

@@ -4,6 +4,7 @@
 #include "platform/foundation/FatalError.h"
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 
@@ -29,21 +30,23 @@ RGBA mixed(const RGBA& from, const RGBA& to, double fraction) {
 
 } // namespace
 
-UIColor::UIColor(std::string name, const RGBA& light, const RGBA& dark)
-    : name_(std::move(name)), light_(light), dark_(dark) {}
+UIColor::UIColor(std::string name, const Values& values) : name_(std::move(name)), values_(values) {}
 
-UIColor::UIColor(double red, double green, double blue, double alpha)
-    : UIColor({}, {red, green, blue, alpha}, {red, green, blue, alpha}) {}
+UIColor::UIColor(double red, double green, double blue, double alpha) {
+    values_.fill({red, green, blue, alpha});
+}
 
 UIColor UIColor::named(std::string_view name) {
     const std::optional<AssetCatalogue::NamedColor> color = AssetCatalogue::color(name);
     if (!color)
         fatalError("UIColor: the asset catalogue has no colour named " + std::string(name));
-    return UIColor(std::string(name), unpacked(color->light), unpacked(color->dark));
+    return UIColor(std::string(name),
+                   {unpacked(color->light), unpacked(color->dark), unpacked(color->lightHighContrast),
+                    unpacked(color->darkHighContrast)});
 }
 
 UIColor UIColor::dynamic(const RGBA& light, const RGBA& dark) {
-    return UIColor({}, light, dark);
+    return UIColor({}, {light, dark, light, dark});
 }
 
 UIColor UIColor::black() {
@@ -62,21 +65,26 @@ UIColor UIColor::systemBlue() {
     return dynamic({0, 122.0 / 255, 1, 1}, {10.0 / 255, 132.0 / 255, 1, 1});
 }
 
-const RGBA& UIColor::resolve(UIUserInterfaceStyle style) const {
-    return style == UIUserInterfaceStyle::dark ? dark_ : light_;
+const RGBA& UIColor::resolve(const UITraitCollection& traits) const {
+    const std::size_t style = traits.userInterfaceStyle == UIUserInterfaceStyle::dark ? 1 : 0;
+    const std::size_t contrast = traits.accessibilityContrast == UIAccessibilityContrast::high ? 2 : 0;
+    return values_[style + contrast];
 }
 
 UIColor UIColor::withAlpha(double alpha) const {
-    UIColor color({}, light_, dark_);
-    color.light_.alpha = alpha;
-    color.dark_.alpha = alpha;
+    UIColor color({}, values_);
+    for (RGBA& value : color.values_)
+        value.alpha = alpha;
     return color;
 }
 
 UIColor UIColor::interpolated(const UIColor& from, const UIColor& to, double fraction) {
     if (fraction >= 1)
         return to;
-    return UIColor({}, mixed(from.light_, to.light_, fraction), mixed(from.dark_, to.dark_, fraction));
+    Values values;
+    for (std::size_t i = 0; i < values.size(); ++i)
+        values[i] = mixed(from.values_[i], to.values_[i], fraction);
+    return UIColor({}, values);
 }
 
 } // namespace sela

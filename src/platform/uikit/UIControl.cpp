@@ -1,5 +1,7 @@
 #include "platform/uikit/UIControl.h"
 
+#include <algorithm>
+
 namespace sela {
 
 namespace {
@@ -33,6 +35,14 @@ void UIControl::setHighlighted(bool highlighted) {
         return;
     highlighted_ = highlighted;
     stateChanged();
+}
+
+bool UIControl::pointInside(CGPoint point) const {
+    const CGSize size = bounds().size;
+    return !bounds().isEmpty() && bounds()
+                                      .insetBy(std::min(0.0, (size.width - minimumTouchSide) / 2),
+                                               std::min(0.0, (size.height - minimumTouchSide) / 2))
+                                      .contains(point);
 }
 
 bool UIControl::isTouchInside(const UITouch& touch) const {

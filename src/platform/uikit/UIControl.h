@@ -14,6 +14,9 @@ class UIControl : public UIView {
 public:
     enum class Event { touchDown, touchUpInside, touchUpOutside, touchCancel };
 
+    /// Points that a finger finds without looking, in each direction.
+    static constexpr double minimumTouchSide = 44;
+
     using UIView::UIView;
 
     /// Calls `action` of `target` with this control at `event`, after the actions added before. The target
@@ -39,6 +42,9 @@ public:
     /// A number for its owner; 0 at first.
     int tag() const { return tag_; }
     void setTag(int tag) { tag_ = tag; }
+
+    /// A control that looks smaller than `minimumTouchSide` takes the touches around it, too.
+    bool pointInside(CGPoint point) const override;
 
     void touchesBegan(const UITouch& touch) override;
     void touchesMoved(const UITouch& touch) override;

@@ -33,6 +33,11 @@ void UIImageView::setAlwaysDrawsTemplate(bool always) {
     setNeedsDisplay();
 }
 
+bool UIImageView::drawsFlipped() const {
+    return image_ && image_->flipsForRightToLeftLayoutDirection() &&
+           effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;
+}
+
 CGRect UIImageView::imageRect() const {
     const CGRect bounds = this->bounds();
     if (!image_ || image_->width() <= 0 || image_->height() <= 0)

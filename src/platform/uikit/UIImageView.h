@@ -24,6 +24,9 @@ public:
     bool drawsTemplate() const;
     void setAlwaysDrawsTemplate(bool always);
 
+    /// Whether the picture is drawn mirrored: one that flips, in a view that is read from the right.
+    bool drawsFlipped() const;
+
     /// Where a picture of `image`'s size is drawn, in own coordinates; it may exceed the bounds.
     CGRect imageRect() const;
 

@@ -80,6 +80,26 @@ NSAttributedString UILabel::displayedText() const {
     return resolvedText(std::max(minimumScaleFactor_, bounds().size.width / width));
 }
 
+double UILabel::displayedTextWidth() const {
+    return bounds().size.width * (adjustsFontSizeToFitWidth_ ? 1.01 : 1);
+}
+
+bool UILabel::isTruncated() const {
+    const TextMeasurer& measurer = TextMeasurer::current();
+    const NSAttributedString text = displayedText();
+    const double height = measurer.size(text, displayedTextWidth(), 0).height;
+    const double shownHeight = measurer.size(text, displayedTextWidth(), numberOfLines_).height;
+    return height > shownHeight || (numberOfLines_ != 1 && height > bounds().size.height + 1);
+}
+
+NSTextAlignment UILabel::displayedTextAlignment() const {
+    if (textAlignment_ != NSTextAlignment::natural)
+        return textAlignment_;
+    const bool fromRight =
+        effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;
+    return fromRight ? NSTextAlignment::right : NSTextAlignment::left;
+}
+
 CGSize UILabel::intrinsicContentSize() const {
     return sizeThatFits({TextMeasurer::unlimitedWidth, 0});
 }

@@ -8,7 +8,8 @@
 
 namespace sela {
 
-enum class NSTextAlignment { left, center, right };
+/// Where a line begins or lies; `natural`: where reading begins.
+enum class NSTextAlignment { natural, left, center, right };
 
 /// A view that shows text, vertically centred, cut off with an ellipsis where it does not fit. Takes no
 /// touches unless told to. Main thread only.
@@ -32,6 +33,7 @@ public:
     const UIColor& textColor() const { return textColor_; }
     void setTextColor(const UIColor& color);
 
+    /// Natural at first.
     NSTextAlignment textAlignment() const { return textAlignment_; }
     void setTextAlignment(NSTextAlignment alignment);
 
@@ -48,6 +50,16 @@ public:
     /// The text as it is drawn into the bounds: every run has a font and a colour, shrunk when it must be.
     NSAttributedString displayedText() const;
 
+    /// The width that lines of the displayed text may have: the bounds', and a little more for a text that
+    /// was shrunk into them, since sizes of fonts are rounded.
+    double displayedTextWidth() const;
+
+    /// Whether less than the whole text is shown.
+    bool isTruncated() const;
+
+    /// The alignment as it is drawn: left, centre or right.
+    NSTextAlignment displayedTextAlignment() const;
+
     /// The size of the text on lines as long as they come.
     CGSize intrinsicContentSize() const override;
 
@@ -62,7 +74,7 @@ private:
     NSAttributedString text_;
     UIFont font_;
     UIColor textColor_;
-    NSTextAlignment textAlignment_ = NSTextAlignment::left;
+    NSTextAlignment textAlignment_ = NSTextAlignment::natural;
     int numberOfLines_ = 1;
     bool adjustsFontSizeToFitWidth_ = false;
     double minimumScaleFactor_ = 0;

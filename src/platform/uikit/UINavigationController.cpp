@@ -1,6 +1,7 @@
 #include "platform/uikit/UINavigationController.h"
 
 #include "platform/foundation/DispatchQueue.h"
+#include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UIWindow.h"
 
 #include <utility>
@@ -70,7 +71,10 @@ void UINavigationController::show(const std::shared_ptr<UIViewController>& incom
                                   const std::shared_ptr<UIViewController>& outgoing, bool forward,
                                   bool animated) {
     UIWindow* const window = view().window();
-    const double width = view().bounds().size.width;
+    // Screens come from where reading ends.
+    const bool fromRight =
+        view().effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;
+    const double width = (fromRight ? -1 : 1) * view().bounds().size.width;
     UIView& entering = incoming->view();
     UIView& leaving = outgoing->view();
     transition_ = std::make_shared<Transition>(Transition{incoming, outgoing});
@@ -81,7 +85,7 @@ void UINavigationController::show(const std::shared_ptr<UIViewController>& incom
     }
     entering.setLayoutFrame(view().bounds());
     view().insertSubview(entering, forward ? view().subviews().size() : 0);
-    if (!window || !animated) {
+    if (!window || !animated || UIAccessibility::isReduceMotionEnabled()) {
         finishTransition();
         return;
     }

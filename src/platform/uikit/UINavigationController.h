@@ -8,7 +8,8 @@
 namespace sela {
 
 /// A stack of screens of which the top one is shown; it owns them all. A new screen slides in from the right
-/// over the former one, and out again when it is popped. While screens slide, nothing inside takes touches.
+/// over the former one, and out again when it is popped, or is there at once where motion is to be reduced.
+/// While screens slide, nothing inside takes touches.
 /// The bar is never drawn. Main thread only.
 class UINavigationController : public UIViewController {
 public:

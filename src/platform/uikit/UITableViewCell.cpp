@@ -64,7 +64,9 @@ void UITableViewCell::layoutSubviews() {
     const CGRect bounds = this->bounds();
     contentView_.setLayoutFrame(bounds);
     selectionShade_.setLayoutFrame(bounds);
-    separator_.setLayoutFrame({separatorInset, bounds.maxY() - separatorHeight,
+    const bool fromRight =
+        effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;
+    separator_.setLayoutFrame({fromRight ? 0 : separatorInset, bounds.maxY() - separatorHeight,
                                bounds.size.width - separatorInset, separatorHeight});
 }
 

@@ -27,8 +27,24 @@ struct ViewAnimations;
 template<class T>
 class PropertyAnimation;
 
-/// What a view is to a screen reader.
-enum class AccessibilityRole { none, button, image, staticText, keyboardKey, progress, list, listItem };
+/// Where reading begins, and so which edge leads.
+enum class UIUserInterfaceLayoutDirection { leftToRight, rightToLeft };
+
+/// What a view is to a screen reader; `passcodeField` is an entry that tells how long it is and never what.
+enum class AccessibilityRole {
+    none,
+    button,
+    image,
+    staticText,
+    keyboardKey,
+    passcodeField,
+    progress,
+    list,
+    listItem
+};
+
+/// Whether an element shows or hides what belongs to it.
+enum class AccessibilityExpandedStatus { unsupported, expanded, collapsed };
 
 /// A rectangle of the screen that holds other views, in a tree whose root is a `UIWindow`.
 ///
@@ -169,8 +185,15 @@ public:
     void setAccessibilityValue(std::string value) { accessibilityValue_ = std::move(value); }
     AccessibilityRole accessibilityRole() const { return accessibilityRole_; }
     void setAccessibilityRole(AccessibilityRole role) { accessibilityRole_ = role; }
+    AccessibilityExpandedStatus accessibilityExpandedStatus() const { return accessibilityExpandedStatus_; }
+    void setAccessibilityExpandedStatus(AccessibilityExpandedStatus status) {
+        accessibilityExpandedStatus_ = status;
+    }
 
     // Layout
+
+    /// The direction in which the view lays out what follows the reading direction: the application's.
+    UIUserInterfaceLayoutDirection effectiveUserInterfaceLayoutDirection() const;
 
     /// Entry to the constraint language, which defines it.
     ConstraintViewDSL snp();
@@ -332,6 +355,7 @@ private:
     std::string accessibilityLabel_;
     std::string accessibilityValue_;
     AccessibilityRole accessibilityRole_ = AccessibilityRole::none;
+    AccessibilityExpandedStatus accessibilityExpandedStatus_ = AccessibilityExpandedStatus::unsupported;
 };
 
 } // namespace sela

@@ -1,5 +1,6 @@
 #include "platform/foundation/FatalError.h"
 #include "platform/uikit/LayoutConstraints.h"
+#include "platform/uikit/UIApplication.h"
 #include "platform/uikit/UIView.h"
 #include "platform/uikit/UIViewController.h"
 #include "platform/uikit/UIWindow.h"
@@ -16,6 +17,10 @@ namespace {
 constexpr int maximumPasses = 16;
 
 } // namespace
+
+UIUserInterfaceLayoutDirection UIView::effectiveUserInterfaceLayoutDirection() const {
+    return UIApplication::shared().userInterfaceLayoutDirection();
+}
 
 void UIView::setLayoutConstraints(std::unique_ptr<LayoutConstraints> constraints) {
     // The former constraints go last: until then the view counts as constrained and finds its layout root.

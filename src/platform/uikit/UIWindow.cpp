@@ -48,8 +48,10 @@ void UIWindow::setRootViewController(std::shared_ptr<UIViewController> controlle
     }
 }
 
-void UIWindow::setUserInterfaceStyle(UIUserInterfaceStyle style) {
-    userInterfaceStyle_ = style;
+void UIWindow::setTraitCollection(const UITraitCollection& traits) {
+    if (traits == traitCollection_)
+        return;
+    traitCollection_ = traits;
     invalidate(bounds());
 }
 

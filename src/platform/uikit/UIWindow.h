@@ -32,8 +32,8 @@ public:
     /// Shows `controller`'s view over the whole window, in place of a former one, and owns it.
     void setRootViewController(std::shared_ptr<UIViewController> controller);
 
-    UIUserInterfaceStyle userInterfaceStyle() const { return userInterfaceStyle_; }
-    void setUserInterfaceStyle(UIUserInterfaceStyle style);
+    const UITraitCollection& traitCollection() const { return traitCollection_; }
+    void setTraitCollection(const UITraitCollection& traits);
 
     // Frames
 
@@ -68,6 +68,10 @@ public:
     /// A wheel over `point` asks the list there to move by `points`, downwards when positive.
     void wheelScrolled(CGPoint point, double points);
 
+    /// The part of `view` that lies inside all views around it, in window points; empty when it is in another
+    /// window or shrunk to nothing. What is hidden or covered counts, too.
+    CGRect shownRect(const UIView& view) const;
+
     /// Whether a tap in the middle of `view`'s shown part would reach `view` or something inside it: it is in
     /// this window, not hidden and not covered. Its middle, in window points, or absent.
     std::optional<CGPoint> tapPoint(UIView& view);
@@ -92,7 +96,7 @@ private:
     void viewLeft(UIView& view);
 
     std::shared_ptr<UIViewController> rootViewController_;
-    UIUserInterfaceStyle userInterfaceStyle_ = UIUserInterfaceStyle::light;
+    UITraitCollection traitCollection_;
     CGRect dirtyRect_;
     bool frameRequested_ = false;
     std::function<void()> needsFrameHandler_;

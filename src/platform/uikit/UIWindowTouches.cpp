@@ -131,12 +131,17 @@ void UIWindow::wheelScrolled(CGPoint point, double points) {
         scrollView->scrollByWheel(points);
 }
 
-std::optional<CGPoint> UIWindow::tapPoint(UIView& view) {
+CGRect UIWindow::shownRect(const UIView& view) const {
     if (view.window() != this)
-        return std::nullopt;
+        return {};
     CGRect shown = view.bounds();
     for (const UIView* up = &view; up->superview(); up = up->superview())
         shown = up->toSuperview().apply(shown).intersection(up->superview()->bounds());
+    return shown;
+}
+
+std::optional<CGPoint> UIWindow::tapPoint(UIView& view) {
+    const CGRect shown = shownRect(view);
     const UIView* const hit = shown.isEmpty() ? nullptr : hitTest(shown.center());
     if (!hit || !hit->isDescendant(view))
         return std::nullopt;

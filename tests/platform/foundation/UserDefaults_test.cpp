@@ -93,17 +93,27 @@ TEST_F(UserDefaultsTest, ATransactionIsKeptWholeOrNotAtAll) {
 
 TEST_F(UserDefaultsTest, AFailureInsideATransactionUndoesItEvenIfNobodyLooks) {
     EXPECT_FALSE(open().setString("a", "1"));
-    executeSQL(home.settingsFile(), "CREATE TRIGGER refuse BEFORE INSERT ON settings WHEN NEW.key = 'bad' "
-                                    "BEGIN SELECT RAISE(ABORT, 'refused'); END");
+    // As an error of the disk does, the second ends the whole transaction inside SQLite.
+    executeSQL(home.settingsFile(),
+               "DROP TABLE settings;"
+               "CREATE TABLE settings(key TEXT PRIMARY KEY, kind TEXT, value BLOB,"
+               " one TEXT AS (iif(key = 'bad', 'a', key)) UNIQUE ON CONFLICT ABORT,"
+               " two TEXT AS (iif(key = 'worse', 'a', key)) UNIQUE ON CONFLICT ROLLBACK)");
     UserDefaults defaults = open();
-    const ErrorRef error = defaults.transaction([&]() -> ErrorRef {
-        defaults.setString("a", "2");
-        defaults.setString("bad", "x");
-        return nullptr;
-    });
-    ASSERT_TRUE(error);
-    EXPECT_THAT(error->localizedDescription(), testing::HasSubstr("refused"));
-    EXPECT_EQ(open().string("a"), "1");
+    EXPECT_FALSE(defaults.setString("a", "1"));
+    for (const char* const key : {"bad", "worse"}) {
+        const ErrorRef error = defaults.transaction([&]() -> ErrorRef {
+            defaults.setString("a", "2");
+            defaults.setString(key, "x");
+            EXPECT_FALSE(defaults.readData("a"));
+            defaults.setString("a", "3");
+            defaults.removeObject("a");
+            return nullptr;
+        });
+        ASSERT_TRUE(error);
+        EXPECT_THAT(error->localizedDescription(), testing::HasSubstr("UNIQUE"));
+        EXPECT_EQ(open().string("a"), "1");
+    }
 }
 
 TEST_F(UserDefaultsTest, UnusableSettingsDoNotOpenAndSayWhy) {
@@ -148,6 +158,8 @@ TEST_F(UserDefaultsTest, SettingsThatAnotherProgramMadeAreReadAndWritten) {
 TEST_F(UserDefaultsTest, AnEmptyFileHoldsNothingAndCanBeUsed) {
     home.write("config/sela/group.sela.vault.sqlite3", "");
     EXPECT_FALSE(open().data("a"));
+    EXPECT_TRUE(open().readData("a")) << "nothing is no failure";
+    EXPECT_FALSE(open().removeObject("a"));
     EXPECT_FALSE(open().setString("a", "1"));
     EXPECT_EQ(open().string("a"), "1");
 }

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <map>
 #include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -104,6 +105,43 @@ TEST_F(MediaServiceClientTest, AHelperThatMisbehavesCostsOneFileOnly) {
         EXPECT_TRUE(client.perform(file("behave"), pictureRequest())) << "after " << behaviour;
     }
     EXPECT_EQ(openDescriptors(), descriptors);
+}
+
+TEST_F(MediaServiceClientTest, AVideoThatCostItsHelperIsNotTriedAgain) {
+    MediaServiceClient client({programs + "/misbehaving", 0.3});
+    MediaRequest request = pictureRequest();
+    request.asset = 7;
+    EXPECT_FALSE(client.perform(file("hang"), request));
+    EXPECT_EQ(codeOf(client.perform(file("behave"), request).error()), AVErrorMediaServicesWereReset);
+    EXPECT_FALSE(client.helperProcessIdentifier(MediaOperation::decodePicture));
+    request.asset = 8;
+    EXPECT_TRUE(client.perform(file("behave"), request));
+}
+
+TEST_F(MediaServiceClientTest, TheHelpersAreLimited) {
+    MediaServiceClient client({programs});
+    ASSERT_TRUE(client.perform(sample("baseline.jpg"), pictureRequest()));
+    MediaRequest duration;
+    duration.operation = MediaOperation::readDuration;
+    ASSERT_TRUE(client.perform(sample("second.mp4"), duration));
+    for (const auto operation : {MediaOperation::decodePicture, MediaOperation::readDuration}) {
+        const pid_t helper = client.helperProcessIdentifier(operation).value();
+        std::ifstream limits("/proc/" + std::to_string(helper) + "/limits");
+        std::map<std::string, std::string> found;
+        for (std::string line; std::getline(limits, line);)
+            found[line.substr(0, line.find("  "))] = line.substr(26, 42);
+        const auto both = [](std::string_view value) {
+            std::string columns(value);
+            columns.resize(21, ' ');
+            return columns + std::string(value) + std::string(21 - value.size(), ' ');
+        };
+        EXPECT_EQ(found["Max cpu time"], both("120"));
+        EXPECT_EQ(found["Max file size"], both("0"));
+        EXPECT_EQ(found["Max core file size"], both("0"));
+#ifndef SELA_SANITIZED
+        EXPECT_EQ(found["Max address space"], both("1610612736"));
+#endif
+    }
 }
 
 TEST_F(MediaServiceClientTest, AHelperThatEndedBetweenRequestsCostsNothing) {

@@ -43,6 +43,11 @@ INSTANTIATE_TEST_SUITE_P(
                                 make.left().equalTo(ConstraintItem{other, {ConstraintAttribute::top}});
                             },
                             "cannot relate left to top"},
+                    Mistake{"ReadingToSide",
+                            [](auto& make, auto& other) {
+                                make.leading().equalTo(ConstraintItem{other, {ConstraintAttribute::left}});
+                            },
+                            "cannot relate leading to left"},
                     Mistake{"PlaceToConstantSize",
                             [](auto& make, auto&) {
                                 make.center().equalTo(CGSize{1, 2});

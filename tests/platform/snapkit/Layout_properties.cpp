@@ -19,8 +19,10 @@ using Attribute = ConstraintAttribute;
 double valueOf(const CGRect& frame, Attribute attribute) {
     switch (attribute) {
     case Attribute::left:
+    case Attribute::leading:
         return frame.minX();
     case Attribute::right:
+    case Attribute::trailing:
         return frame.maxX();
     case Attribute::top:
         return frame.minY();
@@ -44,6 +46,10 @@ ConstraintMakerExtendable say(ConstraintMaker& make, Attribute attribute) {
         return make.left();
     case Attribute::right:
         return make.right();
+    case Attribute::leading:
+        return make.leading();
+    case Attribute::trailing:
+        return make.trailing();
     case Attribute::top:
         return make.top();
     case Attribute::bottom:

@@ -4,6 +4,7 @@
 #include "platform/uikit/UIActivityIndicatorView.h"
 #include "platform/uikit/UIImageView.h"
 #include "platform/uikit/UILabel.h"
+#include "support/RightToLeft.h"
 
 #include <gmock/gmock.h>
 
@@ -68,6 +69,39 @@ TEST_F(LayoutTest, OneAttributeMayServeSeveral) {
     root_.layoutIfNeeded();
     expectFrame(a_, {8, 8, 304, 44});
     expectFrame(b_, {116, 52, 44, 44});
+}
+
+TEST_F(LayoutTest, LeadingAndTrailingMirrorWhereReadingBeginsAtTheRight) {
+    const UIEdgeInsets insets{0, 3, 0, 7};
+    UIView c;
+    root_.addSubview(c);
+    const auto layOut = [&] {
+        a_.snp().remakeConstraints([&](ConstraintMaker& make) {
+            make.leading().equalToSuperview().offset(20);
+            make.trailing().equalToSuperview().multipliedBy(0.5).offset(-5);
+            make.height().top().equalToSuperview();
+        });
+        b_.snp().remakeConstraints([&](ConstraintMaker& make) {
+            make.leading().equalTo(a_.snp().trailing()).offset(8);
+            make.trailing().equalTo(a_.snp().centerX()).offset(100);
+            make.height().top().equalToSuperview();
+        });
+        c.snp().remakeConstraints([&](ConstraintMaker& make) {
+            make.leading().trailing().equalToSuperview().inset(insets);
+            make.height().top().equalToSuperview();
+        });
+        root_.layoutIfNeeded();
+    };
+    layOut();
+    const CGRect a = a_.frame(), b = b_.frame();
+    expectFrame(a_, {20, 0, 135, 480});
+    expectFrame(b_, {163, 0, 24.5, 480});
+    expectFrame(c, {3, 0, 310, 480});
+    const RightToLeft fromRight;
+    layOut();
+    expectFrame(a_, {320 - a.maxX(), 0, a.size.width, 480});
+    expectFrame(b_, {320 - b.maxX(), 0, b.size.width, 480});
+    expectFrame(c, {3, 0, 310, 480}); // insets name their sides
 }
 
 TEST_F(LayoutTest, InsetsMoveEdgesInwards) {

@@ -1,4 +1,5 @@
 #include "platform/uikit/CAMediaTimingFunction.h"
+#include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UIActivityIndicatorView.h"
 #include "platform/uikit/ViewTest.h"
 
@@ -196,6 +197,28 @@ TEST_F(AnimationTest, AKeyHoldsOneAnimation) {
     view.layer().add(shake, "shake");
     view.removeFromSuperview();
     EXPECT_FALSE(view.layer().hasAnimations());
+}
+
+TEST_F(AnimationTest, WhereMotionIsReducedChangesShowAtOnceAndReportInTheNextTurn) {
+    UIAccessibility::setReduceMotionEnabled(true);
+    CAKeyframeAnimation shake("transform.translation.x");
+    shake.duration = 1;
+    shake.values = {-20, 20};
+    view.layer().add(shake, "shake");
+    UIActivityIndicatorView spinner;
+    spinner.startAnimating();
+    UIView::animate(
+        1, [&] { view.setAlpha(0); }, report());
+    EXPECT_EQ(view.presentation().alpha, 0);
+    EXPECT_THAT(reports, IsEmpty());
+    loop.runPending();
+    EXPECT_THAT(reports, ElementsAre(true));
+    loop.advance(0.25);
+    EXPECT_EQ(view.presentation().transform, CGAffineTransform());
+    EXPECT_EQ(spinner.leadingSpoke(), 0);
+    loop.advance(0.5);
+    EXPECT_EQ(spinner.leadingSpoke(), 1);
+    UIAccessibility::setReduceMotionEnabled(false);
 }
 
 TEST_F(AnimationTest, ASpinnerTurnsOnceASecondAndKeepsTheWindowIdle) {

@@ -1,6 +1,7 @@
 #include "platform/uikit/UINavigationController.h"
 #include "platform/uikit/UIScreen.h"
 #include "platform/uikit/ViewTest.h"
+#include "support/RightToLeft.h"
 
 #include <gmock/gmock.h>
 
@@ -149,6 +150,18 @@ TEST_F(NavigationTest, APushSlidesInFromTheRight) {
     EXPECT_EQ(root->view().superview(), nullptr);
     EXPECT_EQ(window.hitTest({10, 10}), &a->view());
     EXPECT_TRUE(window.isIdle());
+}
+
+TEST_F(NavigationTest, APushSlidesInFromTheLeftWhereReadingBeginsAtTheRight) {
+    const RightToLeft fromRight;
+    const std::shared_ptr<Screen> a = screen("a");
+    navigation->pushViewController(a, true);
+    EXPECT_EQ(a->view().presentation().transform.tx, -300);
+    loop.advance(UINavigationController::transitionDuration / 2);
+    EXPECT_NEAR(root->view().presentation().transform.tx, 45, 1e-6);
+    loop.runUntilIdle();
+    EXPECT_EQ(navigation->popViewController(true), a);
+    EXPECT_NEAR(root->view().presentation().transform.tx, 90, 1e-6);
 }
 
 TEST_F(NavigationTest, APopGivesTheScreenUpWhenItHasSlidAway) {

@@ -62,9 +62,7 @@ TEST_F(DisplayTest, AChangeDrawsWhatItCoversAndNothingElse) {
          },
          {94, 94, 92, 52}},
         {"removal", [&] { label.removeFromSuperview(); }, {110, 110, 20, 10}},
-        {"the appearance",
-         [&] { window.setUserInterfaceStyle(UIUserInterfaceStyle::dark); },
-         {0, 0, 300, 400}},
+        {"the appearance", [&] { window.setTraitCollection(UIUserInterfaceStyle::dark); }, {0, 0, 300, 400}},
     };
     for (const Case& each : cases) {
         each.change();

@@ -3,6 +3,7 @@
 #include "platform/uikit/UIImageView.h"
 #include "platform/uikit/UILabel.h"
 #include "platform/uikit/ViewTest.h"
+#include "support/RightToLeft.h"
 
 #include <gmock/gmock.h>
 
@@ -272,6 +273,22 @@ TEST(Button, PlacesItsTitleByAlignmentAndInsets) {
         EXPECT_EQ(button.intrinsicContentSize(), (CGSize{20 + each.insets.left + each.insets.right,
                                                          12 + each.insets.top + each.insets.bottom}));
     }
+}
+
+TEST(Button, PutsItsImageWhereReadingBegins) {
+    UIButton button({0, 0, 100, 40});
+    button.setTitle("Back");
+    button.setTitleFont(UIFont::systemFont(10));
+    button.setImage(UIImage::fromPixels({8, 8, std::vector<std::uint8_t>(256)}));
+    button.setContentHorizontalAlignment(UIButton::ContentHorizontalAlignment::leading);
+    button.layoutIfNeeded();
+    EXPECT_EQ(button.imageView().frame(), CGRect(0, 16, 8, 8));
+    EXPECT_EQ(button.titleLabel().frame(), CGRect(8, 14, 20, 12));
+    const RightToLeft fromRight;
+    button.setNeedsLayout();
+    button.layoutIfNeeded();
+    EXPECT_EQ(button.imageView().frame(), CGRect(92, 16, 8, 8));
+    EXPECT_EQ(button.titleLabel().frame(), CGRect(72, 14, 20, 12));
 }
 
 TEST(Geometry, TransformsComposeFromLeftToRightAndCanBeUndone) {

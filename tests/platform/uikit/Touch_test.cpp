@@ -202,6 +202,15 @@ TEST_F(TouchTest, APressedButtonFades) {
     EXPECT_EQ(button.titleLabel().alpha(), 1);
 }
 
+TEST_F(TouchTest, ASmallControlTakesTheTouchesAroundIt) {
+    UIButton small({20, 100, 110, 20});
+    window.addSubview(small);
+    EXPECT_EQ(window.hitTest({50, 89}), &small);
+    EXPECT_EQ(window.hitTest({50, 131}), &small);
+    EXPECT_NE(window.hitTest({50, 87}), &small);
+    EXPECT_NE(window.hitTest({18, 110}), &small);
+}
+
 TEST_F(TouchTest, ADisabledButtonSwallowsTaps) {
     container.addGestureRecognizer(std::make_unique<UITapGestureRecognizer>(this, &TouchTest::onTap));
     button.setEnabled(false);

@@ -1,0 +1,210 @@
+// Layout and drawing of the screens at two pixels to a point: what one frame costs.
+
+#include "BenchHome.h"
+#include "host/QtTextMeasurer.h"
+#include "host/ViewPainter.h"
+#include "platform/extension/NSExtensionContext.h"
+#include "platform/extension/NSExtensionItem.h"
+#include "platform/extension/NSItemProvider.h"
+#include "platform/foundation/FatalError.h"
+#include "platform/foundation/ScopedMainQueue.h"
+#include "platform/foundation/VirtualMainLoop.h"
+#include "platform/uikit/UIScreen.h"
+#include "platform/uikit/UITableView.h"
+#include "platform/uikit/UIWindow.h"
+#include "share/PrincipalClasses.h"
+#include "store/SharedFolder.h"
+
+#include <QGuiApplication>
+#include <QImage>
+#include <benchmark/benchmark.h>
+
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace sela {
+namespace {
+
+constexpr double pixelsPerPoint = 2;
+constexpr CGSize screenSize{375, 667};
+constexpr double frame = 1.0 / 60;
+
+std::string home;
+
+void publish() {
+    std::string catalogue = "[";
+    for (int i = 0; i < 200; ++i)
+        catalogue +=
+            std::string(i ? "," : "") + R"({"namePath":["Album )" + std::to_string(i) + R"("],"fake":false})";
+    catalogue += "]";
+    auto defaults = sharedDefaults();
+    if (!defaults || defaults->setData(sharedAlbumsKey, asData(catalogue)) ||
+        defaults->setString(sharedPasswordKey, "1234"))
+        fatalError("the albums cannot be published");
+}
+
+/// The share screen with three attachments, as the window shows it, on a clock of its own.
+struct Screen {
+    Screen() {
+        TextMeasurer::setCurrent(&measurer);
+        UIScreen::main().setScale(pixelsPerPoint);
+        publish();
+        auto item = std::make_shared<NSExtensionItem>();
+        for (const char* const name : {"/one.png", "/two.png", "/three.png"}) {
+            QImage picture(1000, 800, QImage::Format_RGB32);
+            picture.fill(Qt::darkCyan);
+            picture.save(QString::fromStdString(home + name));
+            item->attachments.push_back(NSItemProvider::ofFile(URL::fileURL(home + name)));
+        }
+        context = std::make_shared<NSExtensionContext>(std::vector<std::shared_ptr<NSObject>>{item});
+        const auto root = makePrincipalViewController(principalClassName);
+        root->setExtensionContext(context);
+        window.setRootViewController(root);
+        settle();
+    }
+    ~Screen() {
+        TextMeasurer::setCurrent(nullptr);
+        loop.runUntilIdle();
+    }
+
+    /// Lets time pass until nothing moves.
+    void settle() {
+        do {
+            window.prepareFrame();
+            loop.runUntilIdle();
+            loop.advance(frame);
+        } while (!window.isIdle());
+        window.prepareFrame();
+        paint(pixels.rect());
+        window.takeDirtyRect();
+    }
+
+    void tap(const std::string& name) {
+        UIView* const view = window.viewNamed(name);
+        const std::optional<CGPoint> point = view ? window.tapPoint(*view) : std::nullopt;
+        if (!point)
+            fatalError("a view is missing");
+        window.touchBegan(*point);
+        window.touchEnded(*point);
+    }
+
+    void openPicker() {
+        tap("albumButton");
+        settle();
+        for (const char digit : {'1', '2', '3', '4'})
+            tap(std::string("button") + digit);
+        settle();
+    }
+
+    void paint(const QRect& area) {
+        painter.paint(pixels, area, window, {pixelsPerPoint, UIUserInterfaceStyle::light});
+    }
+
+    void drawFrame() {
+        window.prepareFrame();
+        const CGRect dirty = window.takeDirtyRect();
+        paint(QRectF(dirty.minX() * pixelsPerPoint, dirty.minY() * pixelsPerPoint,
+                     dirty.size.width * pixelsPerPoint, dirty.size.height * pixelsPerPoint)
+                  .toAlignedRect() &
+              pixels.rect());
+    }
+
+    VirtualMainLoop loop;
+    ScopedMainQueue queue{loop};
+    QtTextMeasurer measurer;
+    ViewPainter painter{measurer};
+    QImage pixels{QSize(750, 1334), QImage::Format_ARGB32_Premultiplied};
+    std::shared_ptr<NSExtensionContext> context;
+    UIWindow window{screenSize};
+};
+
+void cardFrame(benchmark::State& state) {
+    Screen screen;
+    for (auto _ : state)
+        screen.paint(screen.pixels.rect());
+}
+BENCHMARK(cardFrame)->Unit(benchmark::kMicrosecond);
+
+void keypadFrame(benchmark::State& state) {
+    Screen screen;
+    screen.tap("albumButton");
+    screen.settle();
+    for (auto _ : state)
+        screen.paint(screen.pixels.rect());
+}
+BENCHMARK(keypadFrame)->Unit(benchmark::kMicrosecond);
+
+void pickerScrollFrame(benchmark::State& state) {
+    Screen screen;
+    screen.openPicker();
+    auto& table = dynamic_cast<UITableView&>(*screen.window.viewNamed("tableView"));
+    double offset = 0;
+    for (auto _ : state) {
+        offset = offset > 5000 ? 0 : offset + 17;
+        table.setContentOffset({0, offset});
+        screen.drawFrame();
+    }
+}
+BENCHMARK(pickerScrollFrame)->Unit(benchmark::kMicrosecond);
+
+void pushFrame(benchmark::State& state) {
+    auto screen = std::make_unique<Screen>();
+    screen->tap("albumButton");
+    for (auto _ : state) {
+        if (screen->window.isIdle()) {
+            state.PauseTiming();
+            screen = std::make_unique<Screen>();
+            screen->tap("albumButton");
+            state.ResumeTiming();
+        }
+        screen->loop.advance(frame);
+        screen->drawFrame();
+    }
+}
+BENCHMARK(pushFrame)->Unit(benchmark::kMicrosecond);
+
+/// Each time for another width, so that every constraint is solved anew.
+void layOut(benchmark::State& state, Screen& screen) {
+    bool wide = false;
+    for (auto _ : state) {
+        screen.window.setScreenSize({wide ? 375.0 : 374.0, 667});
+        screen.window.layoutIfNeeded();
+        wide = !wide;
+    }
+}
+
+void cardLayout(benchmark::State& state) {
+    Screen screen;
+    layOut(state, screen);
+}
+BENCHMARK(cardLayout)->Unit(benchmark::kMicrosecond);
+
+void keypadLayout(benchmark::State& state) {
+    Screen screen;
+    screen.tap("albumButton");
+    screen.settle();
+    layOut(state, screen);
+}
+BENCHMARK(keypadLayout)->Unit(benchmark::kMicrosecond);
+
+void pickerLayout(benchmark::State& state) {
+    Screen screen;
+    screen.openPicker();
+    layOut(state, screen);
+}
+BENCHMARK(pickerLayout)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+} // namespace sela
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication application(argc, argv);
+    const sela::BenchHome home;
+    sela::home = home.path();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

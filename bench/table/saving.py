@@ -1,0 +1,123 @@
+"""Saving beside the copying tools: the whole run of sela-share, its start included."""
+
+import os
+import pathlib
+import shutil
+
+from measuring import SAMPLES, Row
+
+EATMYDATA = "/usr/lib/x86_64-linux-gnu/libeatmydata.so"  # makes every flush return at once
+
+
+def make_file(path, size, head):
+    """A file that begins like `head` and goes on with bytes that do not compress."""
+    with open(path, "wb") as file:
+        file.write(head)
+        block = os.urandom(1 << 20)
+        while file.tell() < size:
+            file.write(block[:size - file.tell()])
+
+
+def box(kind, size):
+    """The header of an MP4 box that readers skip."""
+    return (1).to_bytes(4, "big") + kind + (size + 16).to_bytes(8, "big")
+
+
+class Copies:
+    """The same files saved by sela-share and copied by the peers, each time from nothing."""
+
+    def __init__(self, bench, files):
+        self.bench = bench
+        self.files = files
+        self.target = bench.folder / "copies"
+
+    def clear(self):
+        self.bench.provision()
+        shutil.rmtree(self.target, ignore_errors=True)
+        self.target.mkdir()
+        os.sync()
+
+    def ours(self, environment=None):
+        self.clear()
+        measured = self.bench.run(self.bench.share(self.files), environment)
+        if len(self.bench.saved_files()) != len(self.files):
+            raise RuntimeError("not every file was saved")
+        return measured
+
+    def peer(self, command):
+        self.clear()
+        return self.bench.run(["sh", "-c", command, "peer", *self.files, self.target])
+
+
+def big_video(bench):
+    path = bench.folder / "big.mp4"
+    video = (SAMPLES / "1080p.mp4").read_bytes()
+    make_file(path, 2 << 30, video + box(b"free", (2 << 30) - len(video) - 16))
+    copies = Copies(bench, [path])
+    unflushed = bench.environment | {"LD_PRELOAD": EATMYDATA}
+    ours, ours_unflushed, cp, cp_sync = bench.alternate(
+        copies.ours, lambda: copies.ours(unflushed), lambda: copies.peer('cp "$1" "$2"'),
+        lambda: copies.peer('cp "$1" "$2" && sync "$2"/*'))
+    path.unlink()
+    yield Row("save one 2 GiB video, before the flush", ours_unflushed.milliseconds, "ms", "cp", cp.milliseconds,
+              "at most 0.75", 0.75)
+    yield Row("save one 2 GiB video, flushed", ours.milliseconds, "ms", "cp, sync", cp_sync.milliseconds,
+              "at most 1.0", 1.0)
+
+
+def photos(bench):
+    count = 1000
+    head = (SAMPLES / "medium.jpg").read_bytes()
+    folder = bench.folder / "photos"
+    folder.mkdir()
+    files = [folder / f"IMG_{number:04}.JPG" for number in range(count)]
+    for file in files:
+        make_file(file, 3_000_000, head[:2_900_000])
+    copies = Copies(bench, files)
+    ours, cp_sync, rsync = bench.alternate(
+        copies.ours, lambda: copies.peer('cp "$@" && sync -f "$1"'),
+        lambda: copies.peer('rsync -W --fsync "$@"'))
+    shutil.rmtree(folder)
+    yield Row("save 1,000 photos of 3 MB, each recorded", ours.milliseconds, "ms", "cp, one sync",
+              cp_sync.milliseconds, "at most 1.5", 1.5)
+    yield Row("save 1,000 photos of 3 MB, each recorded", ours.milliseconds, "ms", "rsync -W --fsync",
+              rsync.milliseconds, "ahead", 1.0)
+    yield Row("peak memory of sela-share, 1,000 photos", ours.mebibytes, "MiB", "limit", 48, "under", 1.0)
+
+
+def small_images(bench):
+    count = 2000
+    folder = bench.folder / "small"
+    folder.mkdir()
+    head = pathlib.Path(SAMPLES / "baseline.jpg").read_bytes()
+    files = [folder / f"small-{number:04}.jpg" for number in range(count)]
+    for file in files:
+        make_file(file, len(head) + 2000, head)
+    copies = Copies(bench, files)
+    loop = ('for target; do :; done; db="$target.sqlite3"; rm -f "$db"; '
+            'sqlite3 "$db" "CREATE TABLE items(name TEXT PRIMARY KEY, album TEXT)"; '
+            'for file; do [ "$file" = "$target" ] && break; cp "$file" "$target"; '
+            'sqlite3 "$db" "INSERT INTO items VALUES(\'${file##*/}\', \'Trips\')"; done')
+    ours, peer = bench.alternate(copies.ours, lambda: copies.peer(loop))
+    shutil.rmtree(folder)
+    yield Row("2,000 small images in one request, whole run", ours.milliseconds, "ms", "cp, sqlite3 insert each",
+              peer.milliseconds, "ahead", 1.0)
+
+
+def huge_video(bench):
+    """A sparse source: it is not read from the disk, but written whole."""
+    if not bench.long:
+        return
+    path = bench.folder / "huge.mp4"
+    with open(path, "wb") as file:
+        file.truncate(20 << 30)
+    bench.provision()
+    measured = bench.run(bench.share([path]))
+    bench.provision()
+    path.unlink()
+    yield Row("peak memory of sela-share, a video of 20 GiB", measured.mebibytes, "MiB", "limit", 48, "under", 1.0)
+
+
+def rows(bench):
+    for part in (big_video, photos, small_images, huge_video):
+        yield from part(bench)

@@ -1,0 +1,80 @@
+# What is installed where. All of it finds its place from the prefix that `cmake --install` is given.
+
+# Only what is named below is installed, so nothing else need be built for it.
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
+
+# The programs look for their helpers here, seen from their own folder's parent.
+set(SELA_HELPER_DIR libexec/sela-share)
+set(SELA_APPLICATION_ID xyz.sela.share)
+
+install(TARGETS sela-share sela-vault RUNTIME DESTINATION bin)
+install(TARGETS sela-media sela-media-video sela-share-service RUNTIME DESTINATION ${SELA_HELPER_DIR})
+install(DIRECTORY ${CMAKE_BINARY_DIR}/share/locale DESTINATION share)
+
+# The types of file that desktops offer "Add to Sela" for, as each of their files lists them.
+set(resources ${CMAKE_SOURCE_DIR}/resources)
+set(configured ${CMAKE_BINARY_DIR}/desktop)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${resources}/desktop/mime-types.txt)
+file(STRINGS ${resources}/desktop/mime-types.txt types REGEX "^[a-z]")
+list(JOIN types ";" SELA_MIME_TYPES)
+string(APPEND SELA_MIME_TYPES ";")
+list(TRANSFORM types REPLACE "(.+)" "    <mediatype>\\1</mediatype>\n" OUTPUT_VARIABLE elements)
+string(CONCAT SELA_MEDIA_TYPES ${elements})
+
+# sela_install_desktop_file(TEMPLATE FOLDER NAME): resources/desktop/TEMPLATE.in with what it asks for.
+function(sela_install_desktop_file template folder name)
+  configure_file(${resources}/desktop/${template}.in ${configured}/${template} @ONLY)
+  install(FILES ${configured}/${template} DESTINATION ${folder} RENAME ${name})
+endfunction()
+
+sela_install_desktop_file(application.desktop share/applications ${SELA_APPLICATION_ID}.desktop)
+sela_install_desktop_file(application.metainfo.xml share/metainfo ${SELA_APPLICATION_ID}.metainfo.xml)
+sela_install_desktop_file(servicemenu.desktop share/kio/servicemenus ${SELA_APPLICATION_ID}.desktop)
+sela_install_desktop_file(sendto.desktop share/Thunar/sendto ${SELA_APPLICATION_ID}.desktop)
+install(FILES ${resources}/desktop/nautilus.py
+        DESTINATION share/nautilus-python/extensions RENAME sela-share.py)
+install(FILES ${resources}/desktop/purpose/metadata.json
+        DESTINATION share/kpackage/Purpose/${SELA_APPLICATION_ID})
+install(PROGRAMS ${resources}/desktop/purpose/main.py
+        DESTINATION share/kpackage/Purpose/${SELA_APPLICATION_ID}/contents/code)
+install(FILES ${resources}/desktop/icon.svg
+        DESTINATION share/icons/hicolor/scalable/apps RENAME ${SELA_APPLICATION_ID}.svg)
+
+# The bus needs an absolute path, which only the installation knows.
+install(CODE "
+  set(SELA_HELPER_DIR ${SELA_HELPER_DIR})
+  set(service \${CMAKE_INSTALL_PREFIX}/share/dbus-1/services/${SELA_APPLICATION_ID}.service)
+  configure_file(${resources}/desktop/bus.service.in \$ENV{DESTDIR}\${service} @ONLY)
+  list(APPEND CMAKE_INSTALL_MANIFEST_FILES \${service})")
+
+# sela_install_compressed(FILE FOLDER): without a time in it, so that each build gives the same.
+find_program(GZIP gzip REQUIRED)
+set(compressed_files "")
+function(sela_install_compressed file folder)
+  cmake_path(GET file FILENAME name)
+  set(compressed ${CMAKE_BINARY_DIR}/compressed/${name}.gz)
+  add_custom_command(
+    OUTPUT ${compressed}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/compressed
+    COMMAND ${GZIP} -9nc ${file} > ${compressed}
+    DEPENDS ${file}
+    VERBATIM)
+  install(FILES ${compressed} DESTINATION ${folder})
+  set(compressed_files ${compressed_files} ${compressed} PARENT_SCOPE)
+endfunction()
+
+sela_install_compressed(${resources}/man/sela-share.1 share/man/man1)
+sela_install_compressed(${resources}/man/sela-vault.1 share/man/man1)
+sela_install_compressed(${resources}/man/sela-media.8 share/man/man8)
+sela_install_compressed(${resources}/package/changelog share/doc/sela-share)
+add_custom_target(sela_compressed ALL DEPENDS ${compressed_files})
+
+foreach(program sela-share sela-vault)
+  install(FILES ${resources}/completions/${program}.bash
+          DESTINATION share/bash-completion/completions RENAME ${program})
+  install(FILES ${resources}/completions/${program}.fish DESTINATION share/fish/vendor_completions.d)
+  install(FILES ${resources}/completions/_${program} DESTINATION share/zsh/vendor-completions)
+endforeach()
+
+install(FILES README.md ${resources}/package/copyright DESTINATION share/doc/sela-share)
+install(DIRECTORY docs DESTINATION share/doc/sela-share)

@@ -1,0 +1,18 @@
+# Completion of sela-share for fish.
+complete -c sela-share -l headless -d 'Without a window'
+complete -c sela-share -l contrast -x -a 'normal high' -d 'Contrast in place of the desktop\'s own'
+complete -c sela-share -l appearance -x -a 'light dark' -d 'Colours in place of the desktop\'s own'
+complete -c sela-share -l screen -x -d 'Size of the screen in points'
+complete -c sela-share -l scale -x -d 'Pixels per point'
+complete -c sela-share -l paste -d 'Add what was copied to the clipboard'
+complete -c sela-share -s q -l quiet -d 'Tell only what went wrong'
+complete -c sela-share -s v -l verbose -d 'Tell every line of the log'
+set -l names addButton albumButton cancelButton backButton button(seq 0 9) row: showChildButton:
+complete -c sela-share -l tap -x -a "$names" -d 'Press a part of the screen'
+complete -c sela-share -l tap-now -x -a "$names" -d 'Press without waiting'
+complete -c sela-share -l type -x -d 'Press digits of the keypad'
+complete -c sela-share -l wait -x -d 'Let seconds pass'
+complete -c sela-share -l snapshot -r -d 'Write a picture of the screen'
+complete -c sela-share -l tree -r -d 'Write what is on the screen'
+complete -c sela-share -s h -l help -d 'Say what there is'
+complete -c sela-share -l version -d 'Say the version'

@@ -1,0 +1,13 @@
+# Completion of sela-vault for fish.
+complete -c sela-vault -n __fish_use_subcommand -x -a init -d 'Make the group\'s container'
+complete -c sela-vault -n __fish_use_subcommand -x -a publish -d 'Publish albums for sela-share to offer'
+complete -c sela-vault -n __fish_use_subcommand -x -a albums -d 'List the published albums'
+complete -c sela-vault -n __fish_use_subcommand -x -a ledger -d 'List what was shared and waits'
+complete -c sela-vault -n __fish_use_subcommand -x -a import -d 'Move what was shared into a folder'
+complete -c sela-vault -n '__fish_seen_subcommand_from publish' -l passcode-file -r -d 'The vault passcode'
+complete -c sela-vault -n '__fish_seen_subcommand_from publish' -l decoy-passcode-file -r -d 'The decoy passcode'
+complete -c sela-vault -n '__fish_seen_subcommand_from publish' -l covers -r -d 'The covers of the albums'
+complete -c sela-vault -n '__fish_seen_subcommand_from ledger' -l json -d 'As it is stored'
+complete -c sela-vault -n '__fish_seen_subcommand_from import' -l into -r -d 'Where the albums go'
+complete -c sela-vault -n '__fish_seen_subcommand_from import' -l keep -d 'Leave the ledger as it is'
+complete -c sela-vault -n '__fish_seen_subcommand_from import' -l prune -d 'Remove files that no entry knows'

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "host/CommandLine.h"
+#include "platform/uikit/UIColor.h"
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <optional>
+#include <utility>
+
+class QDBusPendingCallWatcher;
+class QDBusVariant;
+
+namespace sela {
+
+/// The appearance that the command line asks for, and for what it leaves open the desktop's: the settings
+/// portal's where there is one, else what the palette looks like. Whether motion is to be reduced is the
+/// portal's word, too, unless $SELA_REDUCED_MOTION says 0 or 1. The portal is asked in the background and
+/// heard from then on, so that nothing waits for it; without a window it is not asked at all. Main thread
+/// only, while a QGuiApplication exists.
+class DesktopAppearance : public QObject {
+    Q_OBJECT
+
+public:
+    explicit DesktopAppearance(const CommandLine& line);
+
+    UITraitCollection traitCollection() const;
+
+    bool reducesMotion() const;
+
+    /// Called when one of these has changed.
+    void setChangeHandler(std::function<void()> handler) { changeHandler_ = std::move(handler); }
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+private slots:
+    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+
+private:
+    void askPortal();
+    void take(const QDBusPendingCallWatcher& answer);
+    void set(const QString& group, const QString& key, const QVariant& value);
+    void report();
+
+    const CommandLine::Appearance appearance_;
+    const CommandLine::Contrast contrast_;
+    std::optional<UIUserInterfaceStyle> portalStyle_;
+    std::optional<UIAccessibilityContrast> portalContrast_;
+    const std::optional<bool> environmentReducesMotion_;
+    bool portalReducesMotion_ = false;
+    bool desktopAnimates_ = true;
+    UITraitCollection reported_;
+    bool reportedReducesMotion_ = false;
+    std::function<void()> changeHandler_;
+};
+
+} // namespace sela

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "platform/uikit/IndexPath.h"
+#include "platform/uikit/UIWindow.h"
+
+#include <QString>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sela {
+
+class UITableView;
+
+/// Works the screens of a window by the keys of a keyboard, and knows which control has the focus.
+///
+/// Tab and the arrows move the focus among the controls that a finger could reach; a table is one stop, whose
+/// rows the vertical arrows walk through. Space and Return tap the focused control. Whatever has the focus, a
+/// digit taps its key on the keypad, Escape the button that leaves the screen, and Return, with no focus,
+/// Add. Main thread only.
+class KeyboardNavigation {
+public:
+    /// `window` must outlive this.
+    explicit KeyboardNavigation(UIWindow& window) : window_(window) {}
+
+    /// A key went down.
+    struct Key {
+        int code = 0;      ///< of Qt::Key
+        QString text;      ///< what it types
+        bool held = false; ///< the keyboard repeats it: only moves are made again
+    };
+
+    /// Does what the key means on the screen that is shown, and nothing when it means nothing there.
+    void press(const Key& key);
+
+    /// The control that has the focus; null when none has, or it cannot be reached now.
+    UIView* focusedView() const;
+
+    /// Gives the focus to a control; one that cannot be reached takes it from all.
+    void setFocusedView(UIView& view);
+
+private:
+    /// A row is remembered by its place, since its cell may serve another row later.
+    struct Focus {
+        std::weak_ptr<UIView> view; ///< the control, or the row's table
+        std::optional<IndexPath> row;
+        std::string part; ///< the name of a control inside the row; empty for the row itself
+    };
+
+    struct TableRow {
+        UITableView& table;
+        IndexPath row;
+    };
+
+    bool isReadFromRight() const;
+    void typeDigit(int digit);
+    bool tapFirst(std::initializer_list<std::string_view> names);
+    bool tapFocused();
+    void moveAlong(int step);
+    void moveTowards(double x, double y);
+    bool moveRow(int code);
+    bool foldRow(bool unfold);
+    void focusRow(UITableView& table, const IndexPath& row);
+    std::vector<UIView*> stops() const;
+    std::optional<TableRow> focusedRow() const;
+    std::optional<TableRow> currentRow() const;
+
+    UIWindow& window_;
+    Focus focus_;
+};
+
+} // namespace sela

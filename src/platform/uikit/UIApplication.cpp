@@ -1,0 +1,10 @@
+#include "platform/uikit/UIApplication.h"
+
+namespace sela {
+
+UIApplication& UIApplication::shared() {
+    static UIApplication application;
+    return application;
+}
+
+} // namespace sela

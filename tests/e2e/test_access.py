@@ -1,0 +1,254 @@
+"""Working the card without a mouse: by keys, by the clipboard, and through a screen reader's eyes on a bus of its own."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import time
+import unittest
+
+from harness import WindowTest
+
+PNG = bytes.fromhex("89504e470d0a1a0a0000000d4948445200000001000000010802000000907753de0000000c49444154789c63f8cfc0000003010100"
+                    "c9fe92ef0000000049454e44ae426082")
+
+
+class Keys(WindowTest):
+    """Screens that change at once, so that a key meets the screen that the one before it led to."""
+
+    def setUp(self):
+        super().setUp()
+        self.environment["SELA_REDUCED_MOTION"] = "1"
+        self.photo = self.write("photo.jpg", b"content")
+
+    def test_the_whole_flow_by_keys(self):
+        process = self.open_card(self.photo)
+        self.focus()
+        # The album line; the passcode, some of it from the number pad; Escape leads back and not out.
+        self.keys("Tab", "Return", "1", "2", "Escape", "Return")
+        self.keys("1", "2", "3", "KP_4", "KP_5", "KP_6")
+        # To the locked album, whose own password unfolds it; on to its child, and that one is picked.
+        self.keys("Down", "Down", "Down", "Right", "2", "5", "8", "0", "Down", "Return")
+        self.keys("Return")
+        self.assertEqual(process.wait(30), 0)
+        self.assertEqual([entry["albumNames"] for entry in self.ledger().values()], [["Private", "Letters"]])
+
+    def test_escape_leaves_the_picker_first_and_then_cancels(self):
+        process = self.open_card(self.photo)
+        self.focus()
+        self.keys("Tab", "space", "Escape")
+        self.assertIsNone(process.poll())
+        self.keys("Escape")
+        self.assertEqual(process.wait(30), 3)
+        self.assertEqual(self.ledger(), {})
+
+
+@unittest.skipUnless(shutil.which("xclip"), "needs xclip")
+class Clipboard(WindowTest):
+    def setUp(self):
+        super().setUp()
+        self.files = [self.write(f"file {i}.jpg", b"content") for i in range(3)]
+
+    def copy(self, kind, content):
+        clip = subprocess.Popen(["xclip", "-selection", "clipboard", "-quiet", "-t", kind], env=self.environment,
+                                stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        clip.stdin.write(content)
+        clip.stdin.close()
+        self.addCleanup(clip.wait)
+        self.addCleanup(clip.terminate)
+        deadline = time.monotonic() + 10
+        while time.monotonic() < deadline:
+            offered = subprocess.run(["xclip", "-selection", "clipboard", "-o", "-t", "TARGETS"], env=self.environment,
+                                     capture_output=True, text=True)
+            if kind in offered.stdout.splitlines():
+                return
+            time.sleep(0.02)
+        self.fail("the clipboard has no owner")
+
+    def uris(self, *files):
+        return "".join(pathlib.Path(file).as_uri() + "\r\n" for file in files).encode()
+
+    def names(self):
+        return sorted(entry.get("preferredName", "a picture") for entry in self.ledger().values())
+
+    def test_the_clipboard_from_the_command_line(self):
+        add = ("--paste", "--tap", "addButton")
+        self.copy("text/uri-list", self.uris(*self.files[:2]))
+        self.run_program("sela-share", *add)
+        self.assertEqual(self.names(), ["file 0.jpg", "file 1.jpg"])
+        self.copy("image/png", PNG)
+        self.run_program("sela-share", *add)
+        self.assertEqual(self.names(), ["a picture", "file 0.jpg", "file 1.jpg"])
+        self.copy("UTF8_STRING", b"only words")
+        refused = self.run_program("sela-share", *add, expect=64)
+        self.assertIn("the clipboard holds text; only files and pictures can be added", refused.stderr)
+
+    def test_the_clipboard_in_the_window(self):
+        process = self.open_card(self.files[0])
+        self.focus()
+        self.copy("x-special/gnome-copied-files", b"copy\n" + self.uris(self.files[1]).strip())
+        self.keys("ctrl+v")
+        self.copy("UTF8_STRING", b"only words")
+        self.keys("ctrl+v")
+        self.copy("image/png", PNG)
+        self.keys("ctrl+v", "Return")
+        self.assertEqual(process.wait(30), 0)
+        self.assertEqual(self.names(), ["a picture", "file 0.jpg", "file 1.jpg"])
+
+
+@unittest.skipUnless(shutil.which("strace") and shutil.which("import"), "needs strace and ImageMagick")
+class Spinner(WindowTest):
+    def test_it_turns_while_a_file_is_copied(self):
+        video = self.write("video.mov", os.urandom(20 << 20))
+        # Each block of the source takes its time.
+        slowly = ["strace", "-f", "-qq", "-o", "/dev/null", "-P", video, "-e", "trace=read",
+                  "-e", "inject=read:delay_enter=300000"]
+        log = self.home / "log"
+        with open(log, "wb") as lines:
+            process = self.open_card(video, "--tap", "addButton", command=slowly, stderr=lines)
+        pictures = []
+        while b"readBytes = 0," not in log.read_bytes():
+            self.assertIsNone(process.poll(), log.read_text())
+            copying = b"copyItem: " in log.read_bytes()
+            # The spinner, 44 points in the middle of the panel's upper part.
+            shot = subprocess.run(["import", "-window", self.window, "-crop", "44x44+165+264", "rgb:-"],
+                                  env=self.environment, capture_output=True)
+            if copying:
+                pictures.append(shot.stdout)
+        self.assertEqual(process.wait(30), 0, log.read_text())
+        # Two of them show the same of the eight spokes now and then, but one that stands still always.
+        changes = sum(before != after for before, after in zip(pictures, pictures[1:]))
+        self.assertGreater(len(pictures), 3)
+        self.assertGreater(changes, len(pictures) / 2 - 1)
+        self.assertTrue(all(len(set(picture)) > 3 for picture in pictures), "there is no spinner here")
+
+
+class ScreenReader(WindowTest):
+    """The elements and events that a screen reader gets, on a session bus of this test's own."""
+
+    def setUp(self):
+        super().setUp()
+        try:
+            import gi
+            gi.require_version("Atspi", "2.0")
+        except (ImportError, ValueError):
+            self.skipTest("needs python3-gi and gir1.2-atspi-2.0")
+        if not shutil.which("dbus-daemon"):
+            self.skipTest("needs dbus-daemon")
+        bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address"], env=self.environment,
+                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        self.addCleanup(bus.stdout.close)
+        self.addCleanup(bus.wait)
+        self.addCleanup(bus.terminate)
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().strip()
+        self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+        os.environ.update({key: self.environment[key]
+                           for key in ("DBUS_SESSION_BUS_ADDRESS", "DISPLAY", "HOME", "XDG_RUNTIME_DIR")})
+        from gi.repository import Atspi, GLib
+        self.atspi, self.glib = Atspi, GLib
+        self.events = []
+        self.listener = Atspi.EventListener.new(self.hear)
+        for kind in ("object:state-changed", "object:property-change", "object:property-change:accessible-value",
+                     "object:children-changed"):
+            self.listener.register(kind)
+
+    def hear(self, event):
+        try:
+            source = event.source
+            self.events.append((event.type, source.get_role_name(), source.get_name(), event.detail1))
+        except self.glib.Error:
+            pass  # it has left the screen
+
+    def until(self, condition, what):
+        deadline = time.monotonic() + 20
+        while time.monotonic() < deadline:
+            while self.glib.MainContext.default().iteration(False):
+                pass
+            found = condition()
+            if found:
+                return found
+            time.sleep(0.02)
+        self.fail(f"{what}; the screen has {self.elements()}, and said {self.events[-30:]}")
+
+    def walk(self, element):
+        yield element
+        for index in range(element.get_child_count()):
+            child = element.get_child_at_index(index)
+            if child:
+                yield from self.walk(child)
+
+    def elements(self):
+        """Role, name and description of all that is on the screen, with the accessible behind them."""
+        desktop = self.atspi.get_desktop(0)
+        found = {}
+        for index in range(desktop.get_child_count()):
+            application = desktop.get_child_at_index(index)
+            if application and application.get_name() == "sela-share":
+                try:
+                    for element in self.walk(application):
+                        element.clear_cache()
+                        found[element.get_role_name(), element.get_name(), element.get_description()] = element
+                except self.glib.Error:
+                    return {}  # the screen changed on the way
+        return found
+
+    def appears(self, role, name, description=""):
+        return self.until(lambda: self.elements().get((role, name, description)), f"there is no {role} {name}")
+
+    def has_heard(self, kind, role, name, detail=None):
+        heard = lambda: any(event[:3] == (kind, role, name) and detail in (None, event[3]) for event in self.events)
+        self.until(heard, f"no {kind} of {role} {name}")
+
+    def states(self, element):
+        return {state.value_nick for state in element.get_state_set().get_states()}
+
+    def press(self, element):
+        """Does what a tap on it would do."""
+        actions = [self.atspi.Action.get_action_name(element, i) for i in range(element.get_n_actions())]
+        self.atspi.Action.do_action(element, actions.index("Press"))
+
+    def test_reading_and_working_the_screens(self):
+        process = self.open_card(self.write("photo.jpg", b"content"))
+        self.focus()
+        album = self.appears("push button", "Pick Album", "Add 1 file to Default Album")
+        self.assertIn(("label", "Sela", ""), self.elements())
+        self.assertIn(("push button", "Cancel", ""), self.elements())
+        self.assertTrue({"focusable", "enabled"} <= self.states(album))
+        self.keys("Tab")
+        self.has_heard("object:state-changed:focused", "push button", "Pick Album", 1)
+        self.assertIn("focused", self.states(album))
+        self.press(album)
+
+        # The entry tells how many digits there are; what is typed shows nowhere.
+        entry = self.appears("password text", "Digits entered")
+        for digit in "0123456789":
+            self.appears("push button", digit)
+        self.has_heard("object:state-changed:focused", "password text", "Digits entered", 1)
+        before = set(self.elements())
+        self.events.clear()
+        self.keys("1", "2", "3")
+        self.until(lambda: self.atspi.Value.get_current_value(entry) == 3, "three digits")
+        self.has_heard("object:property-change:accessible-value", "password text", "Digits entered")
+        self.assertEqual(set(self.elements()), before)
+        self.assertEqual({event[1:3] for event in self.events}, {("password text", "Digits entered")})
+        self.keys("4", "5", "6")
+
+        trips = self.appears("list item", "Trips", "Unlocked, Folded")
+        self.assertIn(("list item", "Family", "Unlocked"), self.elements())
+        self.assertIn(("list item", "Private", "Locked, Folded"), self.elements())
+        self.assertIn("expandable", self.states(trips))
+        self.assertNotIn("expanded", self.states(trips))
+        self.press(next(e for e in self.walk(trips) if e.get_name() == "Child Albums"))
+        self.assertIn("expanded", self.states(self.appears("list item", "Trips", "Unlocked, Unfolded")))
+        self.press(self.appears("list item", "Rome", "Unlocked"))
+
+        self.appears("push button", "Pick Album", "Add 1 file to Trips/Rome")
+        self.press(self.appears("push button", "Add"))
+        self.has_heard("object:state-changed:showing", "notification", "Adding...", 1)
+        self.has_heard("object:state-changed:showing", "notification", "Done", 1)
+        self.assertEqual(process.wait(30), 0)
+        self.assertEqual([entry["albumNames"] for entry in self.ledger().values()], [["Trips", "Rome"]])
+
+
+if __name__ == "__main__":
+    unittest.main()

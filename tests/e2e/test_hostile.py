@@ -1,0 +1,322 @@
+"""Files, names, ledgers and settings made to do harm."""
+
+import json
+import os
+import pathlib
+import re
+import sqlite3
+import subprocess
+import unittest
+
+from harness import BIN, GROUP, HomeTest
+
+# What a terminal obeys, what ends a line, and what turns the direction of text.
+HARMFUL = re.compile("[\x00-\x09\x0b-\x1f\x7f-\x9f\u200e\u200f\u061c\u2028-\u202e\u2066-\u2069]")
+
+NAMES = [
+    b"\x1b]0;title\x07\x1b[2J\x1b[31m.jpg", b"\xc2\x9b31m.jpg", b"two\nlines\r.jpg", "left\u202egpj.mp4".encode(),
+    "\u2066isolated\u2069.png".encode(), "line\u2028separator.gif".encode(), b"tab\tbell\x07.jpg", b"\xff\xfe\x1b.jpg",
+    b"...jpg", b"..\\..\\a.jpg", b"-rf.jpg", b" .jpg", b"%n%s%@.jpg", b"$(touch pwned).jpg", b"'\";.jpg",
+    "\u00e9.jpg".encode(), "e\u0301.jpg".encode(), b"A.JPG", b"a.jpg", b"CON.jpg", b"n" * 230 + b".jpg",
+]
+
+
+class HostileTest(HomeTest):
+    def run_program(self, name, *arguments, **options):
+        """As the base does, and nothing harmful may reach a terminal."""
+        result = super().run_program(name, *arguments, **options)
+        for text in (result.stdout, result.stderr):
+            found = HARMFUL.search(text)
+            self.assertIsNone(found, found and text[max(0, found.start() - 80):found.end() + 80].encode())
+        return result
+
+    def tree(self, folder):
+        return {os.path.join(os.fsencode(path), name) for path, folders, files in os.walk(os.fsencode(folder))
+                for name in folders + files}
+
+    def put_setting(self, key, text):
+        with sqlite3.connect(self.settings) as connection:
+            connection.execute("INSERT OR REPLACE INTO settings VALUES (?, 'data', ?)", (key, text.encode()))
+
+    def import_all(self, **options):
+        """Imports, and looks that nothing was made outside of the import's folder."""
+        def outside():
+            return {path for path in self.tree(self.home)
+                    if not path.startswith((bytes(self.home / "into"), bytes(self.settings)))}
+
+        before = outside()
+        result = self.vault("import", "--into", self.home / "into", **options)
+        self.assertLessEqual(outside(), before)
+        for path in self.tree(self.home / "into"):
+            self.assertIsNone(re.search("[\x00-\x1f\x7f-\x9f\u202a-\u202e\u2066-\u2069]", os.fsdecode(path)), path)
+        return result
+
+
+class Names(HostileTest):
+    def test_reach_the_album_and_no_terminal(self):
+        self.provision()
+        files = [self.write(b"source/" + name, b"%d" % number) for number, name in enumerate(NAMES)]
+        self.share("--tap", "addButton", "--", *files)
+        self.assertEqual(len(self.ledger()), len(NAMES))
+        self.assertEqual(json.loads(self.vault("ledger", "--json").stdout), self.ledger())
+        self.assertEqual(len(self.vault("ledger").stdout.splitlines()), 1 + len(NAMES))
+        self.import_all()
+        album = self.home / "into/vault/Default Album"
+        contents = sorted((album / name).read_bytes() for name in os.listdir(album))
+        self.assertEqual(contents, sorted(b"%d" % number for number in range(len(NAMES))))
+
+    def test_that_are_wrong_are_told_without_harm(self):
+        self.provision()
+        for arguments in [["missing\x1b[31m\u202e.jpg"], ["--\x1b[31m"], ["--scale", "\x1b[31m"],
+                          ["ftp://\x1b[31m/\u202e.jpg"]]:
+            self.share(*arguments, expect=64)
+        for arguments in [["--tap", "\x1b[31m"], ["--snapshot", "/missing/\x1b[31m.png"], ["--tree", "/missing/\u202e"]]:
+            self.share(*arguments, expect=65)
+        for arguments in [["\x1b[31m"], ["publish", "\x1b[31m", "x"], ["import", "\u202e"]]:
+            self.vault(*arguments, expect=64)
+        self.vault("publish", "missing\x1b[31m", expect=1)
+
+
+class SomebodyElsesGroup(HostileTest):
+    EVIL = "\x1b[31m\u202e\u009b\n../../evil"
+
+    def test_a_ledger_leads_nowhere_else(self):
+        self.provision()
+        outside = pathlib.Path(self.write("outside.jpg", b"outside"))
+        self.items.mkdir(exist_ok=True)
+        for name in ("1.jpg", "2.jpg", "3.jpg"):
+            (self.items / name).write_bytes(name.encode())
+        os.symlink(outside, self.items / "link.jpg")
+        os.mkfifo(self.items / "fifo.jpg")
+        records = {
+            "a": {"fileName": "1.jpg", "albumNames": ["..", "/", "", ".", self.EVIL], "preferredName": self.EVIL},
+            "b": {"fileName": "2.jpg", "albumNames": ["../../.."] * 3, "preferredName": str(self.home / "evil.jpg")},
+            "c": {"fileName": "3.jpg", "albumNames": ["x" * 300] * 3, "preferredName": "\0" + "y" * 400},
+            "d": {"fileName": "../../../../../../outside.jpg", "albumNames": []},
+            "e": {"fileName": str(outside), "albumNames": []},
+            "f": {"fileName": "link.jpg", "albumNames": []},
+            "g": {"fileName": "fifo.jpg", "albumNames": []},
+            "h": {"fileName": "1.jpg", "albumNames": ["deep"] * 3000},
+            self.EVIL: {"fileName": self.EVIL, "albumNames": [self.EVIL]},
+        }
+        self.put_setting("sharedItems", json.dumps({key: {"fake": False, **record} for key, record in records.items()}))
+        self.put_setting("sharedItems.unreadable." + self.EVIL, "{")
+        self.assertEqual(json.loads(self.vault("ledger", "--json").stdout), self.ledger())
+        self.vault("ledger")
+        result = self.import_all(expect=1)
+        self.assertEqual(len(result.stdout.splitlines()), 3)
+        self.assertEqual(outside.read_bytes(), b"outside")
+        placed = [path for path in (self.home / "into").rglob("*") if path.is_file()]
+        self.assertEqual(sorted(path.read_bytes() for path in placed), [b"1.jpg", b"2.jpg", b"3.jpg"])
+        self.assertEqual(set(self.ledger()), set(records) - {"a", "b", "c"})
+
+    def test_a_catalogue_shows_nothing_harmful(self):
+        self.provision()
+        self.put_setting("sharedAlbums", json.dumps(
+            [{"namePath": [self.EVIL], "fake": False, "thumbNailName": self.EVIL},
+             {"namePath": [self.EVIL, "child"], "fake": False}, {"namePath": ["d" * 100_000], "fake": False}]))
+        self.vault("albums")
+        self.share("--tap", "albumButton", "--type", "123456", "--tap", "showChildButton:0", "--tap", "row:0:1",
+                   "--tap", "addButton", self.write("a.jpg", b"x"))
+        self.assertEqual([entry["albumNames"] for entry in self.ledger().values()], [[self.EVIL, "child"]])
+        self.import_all()
+
+    def test_settings_that_are_a_program_are_not_run(self):
+        self.provision()
+        for schema in [
+            "DROP TABLE settings; CREATE VIEW settings AS WITH RECURSIVE n(key) AS "
+            "(SELECT 'a' UNION ALL SELECT key FROM n) SELECT key, 'text' AS kind, key AS value FROM n",
+            "CREATE TRIGGER t BEFORE INSERT ON settings BEGIN DELETE FROM settings; END",
+        ]:
+            original = self.settings.read_bytes()
+            with sqlite3.connect(self.settings) as connection:
+                connection.executescript(schema)
+            self.add(self.write("a.jpg", b"x"), expect=None)
+            self.vault("ledger", expect=None)
+            with sqlite3.connect(self.settings) as connection:
+                if "TRIGGER" in schema:
+                    self.assertGreater(connection.execute("SELECT count(*) FROM settings").fetchone()[0], 2)
+            self.settings.write_bytes(original)
+
+
+class Attachments(HostileTest):
+    """Files that are no plain file, or do not stay the file they were."""
+
+    def test_links_are_followed_and_the_rest_is_told(self):
+        self.provision()
+        source = self.write("source/real.jpg", b"content")
+        os.symlink(source, self.home / "link.jpg")
+        os.link(source, self.home / "hard.jpg")
+        self.add(self.home / "link.jpg", self.home / "hard.jpg")
+        self.assertEqual([(self.items / entry["fileName"]).read_bytes() for entry in self.ledger().values()],
+                         [b"content"] * 2)
+        self.assertTrue((self.home / "link.jpg").is_symlink())
+        os.symlink("loop.jpg", self.home / "loop.jpg")
+        os.symlink("/dev/zero", self.home / "zero.jpg")
+        os.symlink("/proc/self", self.home / "folder.jpg")
+        os.symlink("/proc/self/fd/0", self.home / "pipe.jpg")
+        for name in ("loop", "zero", "folder", "pipe"):
+            self.add(self.home / (name + ".jpg"), expect=64, stdin=subprocess.PIPE)
+
+    def test_files_without_a_size_or_without_an_end_stop_nothing(self):
+        self.provision()
+        running = []
+        for number, target in enumerate(["/proc/cpuinfo", "/proc/self/mem", "/proc/kmsg", "/proc/kcore",
+                                         "/sys/kernel/debug/tracing/trace_pipe"]):
+            for ending in ("", ".jpg", ".mp4"):
+                link = self.home / f"{number}{ending}"
+                os.symlink(target, link)
+                running.append((link, self.start("--tap", "addButton", link)))
+        for link, process in running:
+            self.assertIn(self.end(process), (0, 4, 64), link)
+        self.assertEqual(self.ledger(), {})
+        self.assertEqual([path.stat().st_size for path in self.items.iterdir() if path.stat().st_size > 0], [])
+
+    def test_a_file_that_changes_before_it_is_added(self):
+        self.provision()
+
+        def becomes(make):
+            def change(source):
+                source.unlink()
+                make(source)
+            return change
+
+        changes = {
+            "vanished": (pathlib.Path.unlink, None),
+            "pipe": (becomes(os.mkfifo), None),
+            "folder": (becomes(pathlib.Path.mkdir), None),
+            "loop": (becomes(lambda source: os.symlink(source.name, source)), None),
+            "device": (becomes(lambda source: os.symlink("/dev/zero", source)), None),
+            "empty": (lambda source: source.write_bytes(b""), None),
+            "grown": (lambda source: source.write_bytes(b"before and after"), b"before and after"),
+            "replaced": (becomes(lambda source: source.write_bytes(b"other")), b"other"),
+        }
+        running = []
+        for name, (change, _) in changes.items():
+            source = pathlib.Path(self.write(f"source/{name}.jpg", b"before"))
+            running.append((name, self.start("--wait", "1", "--tap", "addButton", source)))
+            self.wait_for(running[-1][1], "loadThumbnails: failed")
+            change(source)
+        for name, process in running:
+            self.assertIn(self.end(process), (0, 4), name)
+        added = {entry["preferredName"]: (self.items / entry["fileName"]).read_bytes() for entry in self.ledger().values()}
+        self.assertEqual(added, {name + ".jpg": content for name, (_, content) in changes.items() if content})
+
+    def test_a_file_that_changes_while_it_is_copied(self):
+        self.provision()
+        block = os.urandom(1 << 20)
+        changes = {
+            "grows": lambda source: os.truncate(source, 64 << 20),
+            "shrinks": lambda source: os.truncate(source, 3 << 20),
+            "vanishes": lambda source: source.unlink(),
+        }
+        for name, change in changes.items():
+            source = pathlib.Path(self.write(f"source/{name}.mov", block * 48))
+            known = set(self.ledger())
+            process = self.start("--tap", "addButton", source)
+            self.wait_for(process, "copyItem: readBytes")
+            change(source)
+            self.assertEqual(self.end(process), 0, name)
+            for key in set(self.ledger()) - known:
+                saved = (self.items / self.ledger()[key]["fileName"]).read_bytes()
+                self.assertGreaterEqual(len(saved), 2 << 20, name)
+                self.assertEqual(saved, (block * 48).ljust(64 << 20, b"\0")[:len(saved)], name)
+        self.assertGreaterEqual(len(self.ledger()), 2)
+
+    def start(self, *arguments):
+        return subprocess.Popen([BIN / "sela-share", "--headless", *map(os.fsencode, arguments)], env=self.environment,
+                                stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+
+    def wait_for(self, process, text):
+        for line in process.stderr:
+            if text in line.decode():
+                return
+        self.fail("ended before " + text)
+
+    def end(self, process):
+        _, _ = process.communicate(timeout=60)
+        return process.returncode
+
+
+class Privacy(HostileTest):
+    def test_whatever_is_made_is_made_for_the_user_alone(self):
+        trace = self.home / "trace"
+        calls = "trace=open,openat,creat,mkdir,mkdirat,mknod,mknodat,umask,chmod,fchmod,fchmodat"
+
+        def traced(program, *arguments):
+            subprocess.run(["strace", "-f", "-qq", "-A", "-o", trace, "-e", calls, BIN / program, *map(str, arguments)],
+                           env=self.environment, capture_output=True, check=True, timeout=120,
+                           preexec_fn=lambda: os.umask(0))
+
+        self.provision()
+        subprocess.run(["rm", "-rf", self.home / "data", self.home / "config"], check=True)
+        cover = self.write("covers/c.jpg", b"cover")
+        catalogue = self.write("c.json", b'[{"namePath":["A"],"fake":false,"thumbNailName":"c.jpg"}]')
+        traced("sela-vault", "init")
+        traced("sela-vault", "publish", catalogue, "--passcode-file", self.home / "passcode", "--covers",
+               pathlib.Path(cover).parent)
+        photo = self.write("photo.jpg", b"x" * 10)
+        traced("sela-share", "--headless", "--snapshot", self.home / "screen.png", "--tree", self.home / "tree.json",
+               "--tap", "addButton", photo)
+        traced("sela-vault", "import", "--keep", "--into", self.home / "into")
+        traced("sela-vault", "import", "--into", self.home / "into")
+
+        masks = {}
+        made = 0
+        for line in trace.read_text().splitlines():
+            process = line.split()[0]
+            if mask := re.search(r"umask\((\d+)", line):
+                masks[process] = int(mask[1], 8)
+            if re.search(r"= -1|chmod", line) and "chmod" not in line:
+                continue
+            mode = None
+            if "O_CREAT" in line or "mkdir" in line or "creat(" in line or "chmod" in line:
+                mode = re.search(r", (0\d*)\)", line)
+            if not mode or '"/dev/' in line or '"/proc/' in line:
+                continue
+            made += 1
+            mask = 0 if "chmod" in line else masks.get(process, 0o077)
+            self.assertEqual(int(mode[1], 8) & ~mask & 0o077, 0, line)
+        self.assertGreater(made, 10)
+        for path in [self.home / name for name in ("screen.png", "tree.json", "data/sela", "config/sela", "into")]:
+            for each in [path, *path.rglob("*")]:
+                self.assertEqual(each.stat().st_mode & 0o077, 0, each)
+
+    def test_a_passcode_is_never_shown(self):
+        self.provision(passcode="918273", decoy="645342")
+        photo, tree = self.write("a.jpg", b"x"), self.home / "tree.json"
+        shown = ""
+        for steps, status in [
+            (["--type", "918273", "--tap", "row:0:0", "--tap", "addButton"], 0),
+            (["--type", "645342", "--tap", "row:0:0", "--tap", "addButton"], 0),
+            (["--type", "918272", "--wait", "1", "--tree", tree], 3),
+            (["--type", "91827", "--tree", tree], 3),
+            (["--type", "918273918273"], 65),
+            (["--type=918273"], 64),
+            (["--type", "918273x"], 64),
+        ]:
+            result = self.share("--tap", "albumButton", *steps, photo, expect=status)
+            shown += result.stdout + result.stderr
+            if tree.exists():
+                shown += re.sub(r'"name":"[^"]*"', "", tree.read_text())
+                tree.unlink()
+        for secret in ("91827", "64534", "is not on the screen: button", "button9", "2580"):
+            self.assertNotIn(secret, shown)
+
+    def test_each_side_shows_nothing_of_the_other(self):
+        self.provision(passcode="918273", decoy="645342")
+        photo = self.write("a.jpg", b"x")
+        vault, decoy = {"Family", "Trips", "Private"}, {"Recipes"}
+        for passcode, own, other in [("918273", vault, decoy), ("645342", decoy, vault)]:
+            tree = self.home / "tree.json"
+            result = self.share("--tap", "albumButton", "--type", passcode, "--tree", tree, "--tap", "row:0:0", photo,
+                                expect=3)
+            text = tree.read_text()
+            for name in own:
+                self.assertIn(f'"{name}"', text)
+            for name in other:
+                self.assertNotIn(name, text + result.stdout + result.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,105 @@
+"""Far more than anybody shares at once. SELA_LOAD=long takes the full numbers and the 20 GiB file (minutes, and 40 GiB
+of disk)."""
+
+import json
+import os
+import pathlib
+import re
+import sqlite3
+import subprocess
+import time
+import unittest
+
+from harness import BIN, HomeTest
+
+LONG = os.environ.get("SELA_LOAD") == "long"
+ATTACHMENTS = 5000 if LONG else 200
+EXTENSIONS = 32 if LONG else 8
+ALBUMS = 100_000
+ENTRIES = 50_000
+HUGE = 20 * 2**30
+
+
+class Load(HomeTest):
+    def setUp(self):
+        super().setUp()
+        self.provision()
+        self.environment |= {"LD_PRELOAD": str(BIN / "sela-fast-clock.so"), "SELA_CLOCK_SPEED": "20"}
+
+    def run_measured(self, program, *arguments):
+        """Runs a program to its end, checks its status, and returns its peak memory in MiB. Its output goes nowhere."""
+        process = subprocess.Popen([BIN / program, *map(os.fsencode, arguments)], env=self.environment,
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        begin = time.monotonic()
+        peak = 0
+        while process.poll() is None:
+            # Not from the usage that the system tells at the end, which counts this process before the start too.
+            found = re.search(r"VmHWM:\s*(\d+) kB", pathlib.Path(f"/proc/{process.pid}/status").read_text())
+            peak = int(found[1]) / 1024 if found else peak
+            time.sleep(0.02)
+        self.assertEqual(process.returncode, 0)
+        print(f"{self.id().split('.')[-1]}: {program} {time.monotonic() - begin:.1f} s, peak {peak:.0f} MiB", flush=True)
+        return peak
+
+    def test_thousands_of_attachments_in_one_request(self):
+        files = [self.write(f"source/{i}.jpg", b"%d" % i) for i in range(ATTACHMENTS)]
+        peak = self.run_measured("sela-share", "--headless", "--tap-now", "addButton", *files)
+        self.assertLess(peak, 120)
+        ledger = self.ledger()
+        self.assertEqual([entry["preferredName"] for entry in ledger.values()], [f"{i}.jpg" for i in range(ATTACHMENTS)])
+        for entry in ledger.values():
+            self.assertEqual((self.items / entry["fileName"]).read_bytes() + b".jpg", entry["preferredName"].encode())
+        self.run_measured("sela-vault", "import", "--into", self.home / "into")
+        self.assertEqual(len(list((self.home / "into/vault/Default Album").iterdir())), ATTACHMENTS)
+        self.assertEqual(self.ledger(), {})
+
+    def test_many_extensions_at_once(self):
+        shares = [subprocess.Popen([BIN / "sela-share", "--headless", "--tap-now", "addButton",
+                                    *[self.write(f"{i}-{j}.jpg", os.urandom(100_000)) for j in range(3)]],
+                                   env=self.environment, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+                  for i in range(EXTENSIONS)]
+        logs = [share.communicate(timeout=600)[1].decode() for share in shares]
+        failures = [line for log in logs for line in log.splitlines() if "error" in line]
+        self.assertEqual(failures, [])
+        self.assertEqual(len(self.ledger()), 3 * EXTENSIONS)
+
+    def test_a_huge_catalogue(self):
+        albums = [{"namePath": [f"Album {i // 10}"] + ([f"Child {i}"] if i % 10 else []), "fake": False}
+                  for i in range(ALBUMS)]
+        self.run_measured("sela-vault", "publish", self.write("huge.json", json.dumps(albums).encode()))
+        peak = self.run_measured("sela-share", "--headless", "--tap", "albumButton", "--type", "123456", "--tap",
+                                 "showChildButton:1", "--tap", "row:1:1", "--tap", "addButton",
+                                 self.write("a.jpg", b"x"))
+        self.assertLess(peak, 250)
+        self.assertEqual([entry["albumNames"] for entry in self.ledger().values()], [["Album 1", "Child 11"]])
+
+    def test_a_long_ledger(self):
+        ledger = {f"Trips-normal{i}.5a.jpg": {"fileName": f"{i}.5a.jpg", "albumNames": ["Trips"], "fake": False,
+                                              "preferredName": "a.jpg"} for i in range(ENTRIES)}
+        with sqlite3.connect(self.settings) as connection:
+            connection.execute("INSERT INTO settings VALUES('sharedItems', 'data', ?)", [json.dumps(ledger).encode()])
+        peak = self.run_measured("sela-share", "--headless", "--tap-now", "addButton", self.write("new.jpg", b"x"))
+        self.assertLess(peak, 120)
+        after = self.ledger()
+        self.assertEqual(len(after), ENTRIES + 1)
+        self.assertEqual({key: after[key] for key in ledger}, ledger)
+
+    @unittest.skipUnless(LONG, "takes minutes and 20 GiB of disk")
+    def test_a_huge_file(self):
+        source = self.home / "huge.mov"
+        with open(source, "wb") as file:
+            for place in (0, HUGE // 2, HUGE - 5):
+                file.seek(place)
+                file.write(b"%5d" % (place % 100_000))
+        peak = self.run_measured("sela-share", "--headless", "--tap-now", "addButton", source)
+        self.assertLess(peak, 120)
+        [entry] = self.ledger().values()
+        copied = self.items / entry["fileName"]
+        subprocess.run(["cmp", source, copied], check=True)
+        self.assertEqual(copied.stat().st_size, HUGE)
+        self.run_measured("sela-vault", "import", "--into", self.home / "into")
+        self.assertEqual((self.home / "into/vault/Default Album/huge.mov").stat().st_size, HUGE)
+
+
+if __name__ == "__main__":
+    unittest.main()

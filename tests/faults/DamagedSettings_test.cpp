@@ -1,0 +1,83 @@
+#include "faults/FaultyGroup.h"
+#include "faults/TracedProcess.h"
+#include "platform/foundation/Data.h"
+#include "store/SharedFolder.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <random>
+#include <sstream>
+
+namespace sela {
+namespace {
+
+/// How many pages are damaged at random.
+int randomDamages() {
+    const char* const text = std::getenv("SELA_DAMAGES");
+    return text ? std::atoi(text) : 20;
+}
+
+class DamagedSettings : public testing::Test {
+protected:
+    static constexpr int headerSize = 100;
+
+    FaultyGroup group;
+    std::string whole;
+    URL source = group.source("3.5new.jpg", 10);
+
+    void SetUp() override {
+        group.reset(2);
+        whole = bytes();
+        ASSERT_GT(whole.size(), 65'536u);
+    }
+
+    std::string bytes() const {
+        std::ostringstream text;
+        text << std::ifstream(group.settingsFile(), std::ios::binary).rdbuf();
+        return text.str();
+    }
+
+    /// A share, a listing and an import on damaged settings end by themselves; a share that was reported done
+    /// is recorded; one that failed leaves the file as it was.
+    void tryWith(const std::string& damaged, const std::string& what) {
+        std::filesystem::remove(group.home() / "data/sela/groups/group.sela.vault/Items/3.5new.jpg");
+        std::ofstream(group.settingsFile(), std::ios::binary) << damaged;
+        const std::string end = runApart([&]() -> std::string {
+            if (!FaultyGroup::save("3.5new.jpg", source))
+                return bytes() == damaged ? "" : "a failed save changed the file";
+            const std::optional<UserDefaults> defaults = sharedDefaults();
+            const std::optional<Data> ledger = defaults ? defaults->data(sharedItemsKey) : std::nullopt;
+            if (!ledger || asText(*ledger).find("3.5new.jpg") == std::string_view::npos)
+                return "a save was reported done and is not recorded";
+            group.import();
+            return "";
+        });
+        EXPECT_EQ(end, "") << what;
+    }
+};
+
+TEST_F(DamagedSettings, EveryByteOfTheHeader) {
+    for (int place = 0; place < headerSize; ++place)
+        for (const int value : {0, 0xFF, whole[static_cast<std::size_t>(place)] ^ 1}) {
+            std::string damaged = whole;
+            damaged[static_cast<std::size_t>(place)] = static_cast<char>(value);
+            tryWith(damaged, "header byte " + std::to_string(place) + " = " + std::to_string(value));
+        }
+}
+
+TEST_F(DamagedSettings, RandomPlacesAndLengths) {
+    std::mt19937 chance(7);
+    for (int i = 0; i < randomDamages(); ++i) {
+        std::string damaged = whole;
+        const std::size_t place = chance() % damaged.size();
+        const std::size_t length = std::min<std::size_t>(chance() % 4096 + 1, damaged.size() - place);
+        std::generate_n(damaged.begin() + static_cast<std::ptrdiff_t>(place), length,
+                        [&] { return static_cast<char>(chance()); });
+        tryWith(damaged, "damage " + std::to_string(i) + " at " + std::to_string(place));
+        tryWith(whole.substr(0, place), "cut to " + std::to_string(place));
+    }
+}
+
+} // namespace
+} // namespace sela

@@ -1,0 +1,27 @@
+#include "fuzz/FuzzTarget.h"
+#include "mediaservice/pictures/EXIF.h"
+#include "mediaservice/pictures/PictureDecoder.h"
+#include "mediaservice/pictures/PictureKind.h"
+
+#include <algorithm>
+#include <sys/mman.h>
+#include <unistd.h>
+
+// Takes arbitrary bytes for a picture of the kinds that are read without a library, and for a block of EXIF.
+// (Files of the other kinds are mutated in the tests of the helper: their decoders may ask for more memory
+// than a sanitized process can refuse.)
+void fuzz(sela::DataView input) {
+    sela::orientationOfEXIF(input);
+    sela::FileDescriptor memory(::memfd_create("picture", MFD_CLOEXEC));
+    require(::write(memory.get(), input.data(), input.size()) == static_cast<ssize_t>(input.size()));
+    const sela::InputFile file(std::move(memory));
+    const sela::PictureKind kind = sela::pictureKind(file);
+    if (kind != sela::PictureKind::bmp && kind != sela::PictureKind::tiff)
+        return;
+    const auto pixels = sela::decodePicture(file, 32);
+    if (!pixels)
+        return;
+    require(pixels->width >= 1 && pixels->height >= 1 && std::max(pixels->width, pixels->height) <= 32);
+    require(pixels->bytes.size() ==
+            std::size_t{4} * static_cast<std::size_t>(pixels->width * pixels->height));
+}

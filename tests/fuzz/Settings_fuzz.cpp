@@ -1,0 +1,39 @@
+#include "fuzz/FuzzTarget.h"
+#include "platform/foundation/SettingsDatabase.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <unistd.h>
+
+namespace {
+
+/// The settings file of this process, in memory.
+const std::string& settingsFile() {
+    static const std::string path = [] {
+        const std::string folder = "/dev/shm/sela-fuzz-" + std::to_string(::getpid());
+        std::filesystem::create_directories(folder);
+        std::atexit([] { std::filesystem::remove_all("/dev/shm/sela-fuzz-" + std::to_string(::getpid())); });
+        return folder + "/settings.sqlite3";
+    }();
+    return path;
+}
+
+} // namespace
+
+// Takes arbitrary bytes for the settings file, reads from it and stores in it.
+void fuzz(sela::DataView input) {
+    std::remove((settingsFile() + "-journal").c_str());
+    std::remove(settingsFile().c_str());
+    std::ofstream(settingsFile(), std::ios::binary) << sela::asText(input);
+    const auto database = sela::SettingsDatabase::open(settingsFile());
+    if (!database)
+        return;
+    for (const char* kind : {"text", "data"})
+        for (const char* key : {"sharedAlbums", "sharedPassword", "sharedItems"})
+            (void)database.value()->read(key, kind);
+    (void)database.value()->keys("sharedItems.unreadable.");
+    database.value()->transaction(
+        [&] { return database.value()->write("sharedItems", "data", sela::asData("{}")); });
+    database.value()->remove("sharedAlbums");
+}

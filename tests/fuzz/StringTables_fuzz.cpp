@@ -1,0 +1,38 @@
+#include "fuzz/FuzzTarget.h"
+#include "platform/uikit/NSAttributedString.h"
+
+#include <string>
+#include <vector>
+
+namespace {
+
+/// The input's parts between null bytes.
+std::vector<std::string> parts(std::string_view text) {
+    std::vector<std::string> found;
+    for (std::size_t end = 0; end != std::string_view::npos;) {
+        end = text.find('\0');
+        found.emplace_back(text.substr(0, end));
+        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    }
+    return found;
+}
+
+} // namespace
+
+// Takes the first part of the input for a text of a string table and the others for what it is filled with.
+void fuzz(sela::DataView input) {
+    std::vector<std::string> arguments = parts(sela::asText(input));
+    std::string expected = arguments.front();
+    const sela::NSAttributedString text(expected);
+    arguments.erase(arguments.begin());
+    std::vector<sela::NSAttributedString> attributed;
+    for (const std::string& argument : arguments) {
+        attributed.emplace_back(argument);
+        if (const std::size_t place = expected.find("%@"); place != std::string::npos)
+            expected.replace(place, 2, argument);
+    }
+    // Too few arguments are a mistake of the programmer's.
+    if (expected.find("%@") != std::string::npos)
+        return;
+    require(text.format(attributed).string() == expected);
+}

@@ -1,0 +1,161 @@
+#include "host/OffscreenEnvironment.h"
+#include "host/ProbeController.h"
+#include "host/ShareWindow.h"
+#include "platform/uikit/UIAccessibility.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QTest>
+
+namespace sela {
+
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+/// What the window told since the last look, as "event name".
+std::vector<std::string>& told() {
+    static std::vector<std::string> events;
+    return events;
+}
+
+void hear(QAccessibleEvent* event) {
+    const std::map<QAccessible::Event, const char*> kinds{
+        {QAccessible::Focus, "focus"},           {QAccessible::NameChanged, "name"},
+        {QAccessible::ObjectCreated, "created"}, {QAccessible::ObjectDestroyed, "destroyed"},
+        {QAccessible::ObjectShow, "show"},       {QAccessible::StateChanged, "state"},
+        {QAccessible::ValueChanged, "value"}};
+    QAccessibleInterface* const element = event->accessibleInterface();
+    if (!element || !kinds.contains(event->type()))
+        return;
+    told().push_back(kinds.at(event->type()) + (" " + element->text(QAccessible::Name).toStdString()));
+}
+
+/// A probe screen in a window while a screen reader listens.
+class AccessibilityTest : public testing::Test {
+protected:
+    void SetUp() override {
+        QAccessible::installUpdateHandler(hear);
+        QAccessible::setActive(true);
+        window_.setRootViewController(probe_);
+        shareWindow_.open();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&shareWindow_));
+        look();
+    }
+
+    void TearDown() override {
+        QAccessible::setActive(false);
+        QAccessible::installUpdateHandler(nullptr);
+    }
+
+    /// Lets the window draw, and returns what it tells by that.
+    std::vector<std::string> look() {
+        told().clear();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !window_.needsFrame(); }));
+        QTest::qWait(30);
+        return told();
+    }
+
+    QAccessibleInterface& root() { return *QAccessible::queryAccessibleInterface(&shareWindow_); }
+
+    static std::vector<std::string> names(QAccessibleInterface& element) {
+        std::vector<std::string> names;
+        for (int index = 0; index < element.childCount(); ++index)
+            names.push_back(element.child(index)->text(QAccessible::Name).toStdString());
+        return names;
+    }
+
+    static CommandLine commandLine() {
+        CommandLine line;
+        line.screenWidth = 375;
+        line.screenHeight = 667;
+        return line;
+    }
+
+    OffscreenEnvironment environment_;
+    ViewPainter painter_{environment_.measurer};
+    std::shared_ptr<ProbeController> probe_ = std::make_shared<ProbeController>();
+    UIWindow window_{ShareWindow::screenSize(commandLine())};
+    ShareWindow shareWindow_{window_, painter_, commandLine()};
+};
+
+} // namespace
+
+TEST_F(AccessibilityTest, ShowsTheElementsInReadingOrderAndWorksThem) {
+    EXPECT_THAT(names(root()), ElementsAre("addButton", "cancelButton", "coveredButton", "button7", ""));
+    QAccessibleInterface& button = *root().child(3);
+    EXPECT_EQ(button.parent(), &root());
+    EXPECT_EQ(root().indexOfChild(&button), 3);
+    EXPECT_EQ(button.rect().translated(-shareWindow_.mapToGlobal(QPoint())), QRect(20, 140, 60, 40));
+    EXPECT_EQ(root().childAt(button.rect().center().x(), button.rect().center().y()), &button);
+
+    button.actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_THAT(probe_->touched, ElementsAre("button7"));
+    button.actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+    EXPECT_TRUE(button.state().focused);
+    EXPECT_EQ(root().focusChild(), &button);
+    EXPECT_THAT(look(), Contains("focus button7"));
+
+    QAccessibleInterface& list = *root().child(4);
+    EXPECT_EQ(list.role(), QAccessible::List);
+    EXPECT_EQ(list.child(0)->role(), QAccessible::ListItem);
+    EXPECT_EQ(list.child(0)->parent(), &list);
+    EXPECT_THAT(names(*list.child(0)), ElementsAre("showChildButton"));
+    EXPECT_THAT(names(*list.child(1)), IsEmpty());
+}
+
+TEST_F(AccessibilityTest, TellsWhatChangesAndForgetsWhatIsGone) {
+    QAccessibleInterface* const button = root().child(3);
+    const QAccessible::Id id = QAccessible::uniqueId(button);
+    probe_->button7.setTitle("seven");
+    probe_->button7.setAccessibilityLabel("");
+    EXPECT_THAT(look(), ElementsAre("name seven"));
+    probe_->button7.setHidden(true);
+    EXPECT_THAT(look(), ElementsAre("destroyed seven"));
+    EXPECT_EQ(QAccessible::accessibleInterface(id), nullptr);
+    probe_->button7.setHidden(false);
+    EXPECT_THAT(look(), ElementsAre("created seven"));
+
+    // A row that scrolls away may come back for another one.
+    probe_->tableView.scrollToRow({.row = 20, .section = 1});
+    look();
+    EXPECT_THAT(names(*root().child(4)), Not(IsEmpty()));
+    probe_->tableView.removeFromSuperview();
+    look();
+    EXPECT_EQ(root().childCount(), 4);
+}
+
+TEST_F(AccessibilityTest, AnEntryTellsItsLengthAndHasTheFocusWhereNothingElseHas) {
+    UIView entry({200, 140, 100, 20});
+    entry.setAccessibilityRole(AccessibilityRole::passcodeField);
+    entry.setAccessibilityLabel("Digits entered");
+    entry.setAccessibilityValue("0");
+    probe_->view().addSubview(entry);
+    EXPECT_THAT(look(), Contains("focus Digits entered"));
+    entry.setAccessibilityValue("3");
+    probe_->view().setNeedsDisplay();
+    EXPECT_THAT(look(), ElementsAre("value Digits entered"));
+    QAccessibleInterface& element = *root().focusChild();
+    EXPECT_TRUE(element.state().passwordEdit);
+    EXPECT_EQ(element.valueInterface()->currentValue().toInt(), 3);
+    QTest::keyClick(&shareWindow_, Qt::Key_Tab);
+    EXPECT_THAT(look(), Contains("focus addButton"));
+}
+
+TEST_F(AccessibilityTest, Announces) {
+    told().clear();
+    UIAccessibility::postAnnouncement("Adding...");
+    UIAccessibility::postAnnouncement("Done");
+    EXPECT_THAT(told(), Contains("show Adding..."));
+    EXPECT_THAT(told(), Contains("show Done"));
+    QAccessibleInterface& last = *root().child(root().childCount() - 1);
+    EXPECT_EQ(last.role(), QAccessible::Notification);
+    EXPECT_EQ(last.text(QAccessible::Name), "Done");
+}
+
+} // namespace sela
