@@ -51,14 +51,15 @@ struct Screen {
         TextMeasurer::setCurrent(&measurer);
         UIScreen::main().setScale(pixelsPerPoint);
         publish();
-        auto item = std::make_shared<NSExtensionItem>();
+        NSExtensionItem::Attachments attachments;
         for (const char* const name : {"/one.png", "/two.png", "/three.png"}) {
             QImage picture(1000, 800, QImage::Format_RGB32);
             picture.fill(Qt::darkCyan);
             picture.save(QString::fromStdString(home + name));
-            item->attachments.push_back(NSItemProvider::ofFile(URL::fileURL(home + name)));
+            attachments.push_back(NSItemProvider::ofFile(URL::fileURL(home + name)));
         }
-        context = std::make_shared<NSExtensionContext>(std::vector<std::shared_ptr<NSObject>>{item});
+        context = std::make_shared<NSExtensionContext>(std::vector<std::shared_ptr<NSObject>>{
+            std::make_shared<NSExtensionItem>(std::move(attachments))});
         const auto root = makePrincipalViewController(principalClassName);
         root->setExtensionContext(context);
         window.setRootViewController(root);

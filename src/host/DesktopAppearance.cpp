@@ -89,6 +89,8 @@ void DesktopAppearance::askPortal() {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return;
+    // Qt looks the slot's types up by their names, and learns this one only by its use.
+    qRegisterMetaType<QDBusVariant>();
     bus.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));
     QDBusMessage question =

@@ -38,15 +38,33 @@ bool isUpright(const QTransform& transform) {
 }
 
 /// Fills whole pixels only where the rectangle is upright, so that edges between pixels meet those of the
-/// views above and below alike.
+/// views above and below alike. A line thinner than a pixel is one pixel thick.
 void fillBounds(QPainter& painter, const CGRect& bounds, const QColor& color) {
-    painter.setRenderHint(QPainter::Antialiasing, !isUpright(painter.worldTransform()));
-    painter.fillRect(toQt(bounds), color);
-    painter.setRenderHint(QPainter::Antialiasing);
+    if (bounds.isEmpty())
+        return;
+    const QTransform transform = painter.worldTransform();
+    if (!isUpright(transform)) {
+        painter.fillRect(toQt(bounds), color);
+        return;
+    }
+    const QRectF exact = transform.mapRect(toQt(bounds));
+    const QPoint begin = exact.topLeft().toPoint();
+    const QPoint end = exact.bottomRight().toPoint();
+    const QSize size(std::max(1, end.x() - begin.x()), std::max(1, end.y() - begin.y()));
+    painter.resetTransform();
+    painter.fillRect(QRect(begin, size), color);
+    painter.setWorldTransform(transform);
 }
 
 QRect deviceRect(const QPainter& painter) {
     return {0, 0, painter.device()->width(), painter.device()->height()};
+}
+
+void fillEverything(QPainter& painter, const QColor& color) {
+    const QTransform transform = painter.worldTransform();
+    painter.resetTransform();
+    painter.fillRect(deviceRect(painter), color);
+    painter.setWorldTransform(transform);
 }
 
 /// The pixels that are drawn to at all.
@@ -143,7 +161,9 @@ void ViewPainter::paintGroup(QPainter& painter, const UIView& view, double opaci
 void ViewPainter::paintInside(QPainter& painter, const UIView& view, bool roundsBackground) {
     const UIView::Presentation shown = view.presentation();
     if (shown.backgroundColor) {
-        if (roundsBackground && view.layer().cornerRadius() > 0)
+        if (!roundsBackground)
+            fillEverything(painter, color(*shown.backgroundColor));
+        else if (view.layer().cornerRadius() > 0)
             painter.fillPath(roundedPath(shown.bounds, view.layer().cornerRadius()),
                              color(*shown.backgroundColor));
         else
@@ -198,7 +218,7 @@ void ViewPainter::paintLabel(QPainter& painter, const UILabel& label) {
     const NSAttributedString text = label.displayedText();
     if (text.isEmpty() || bounds.isEmpty())
         return;
-    const double width = label.displayedTextWidth();
+    const double width = bounds.size.width;
     std::shared_ptr<const TextLayout> layout =
         measurer_.layout(text, width, label.numberOfLines(), screen_.traits);
     if (layout->lineCount() > 1 && layout->size().height > bounds.size.height + 1) {

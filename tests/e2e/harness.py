@@ -10,6 +10,7 @@ import tempfile
 import unittest
 
 BIN = pathlib.Path(os.environ["SELA_BIN_DIR"])
+FAST_CLOCK = BIN.parent / "tests/e2e/sela-fast-clock.so"
 GROUP = "group.sela.vault"
 
 CATALOGUE = [

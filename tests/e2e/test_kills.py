@@ -9,7 +9,7 @@ import subprocess
 import time
 import unittest
 
-from harness import BIN, HomeTest
+from harness import BIN, FAST_CLOCK, HomeTest
 
 KILLS = int(os.environ.get("SELA_KILLS", "300"))
 SIZES = (10, 300_000, 2 * 1024 * 1024 + 1)
@@ -26,7 +26,7 @@ class Kills(HomeTest):
     def setUp(self):
         super().setUp()
         self.provision()
-        self.fast = {**self.environment, "LD_PRELOAD": str(BIN / "sela-fast-clock.so"), "SELA_CLOCK_SPEED": "100"}
+        self.fast = {**self.environment, "LD_PRELOAD": str(FAST_CLOCK), "SELA_CLOCK_SPEED": "100"}
         self.into = self.home / "into"
         self.digests = {}  # by the name under which a content is shared: each is shared once
         self.recorded = set()

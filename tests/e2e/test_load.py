@@ -10,7 +10,7 @@ import subprocess
 import time
 import unittest
 
-from harness import BIN, HomeTest
+from harness import BIN, FAST_CLOCK, HomeTest
 
 LONG = os.environ.get("SELA_LOAD") == "long"
 ATTACHMENTS = 5000 if LONG else 200
@@ -24,7 +24,7 @@ class Load(HomeTest):
     def setUp(self):
         super().setUp()
         self.provision()
-        self.environment |= {"LD_PRELOAD": str(BIN / "sela-fast-clock.so"), "SELA_CLOCK_SPEED": "20"}
+        self.environment |= {"LD_PRELOAD": str(FAST_CLOCK), "SELA_CLOCK_SPEED": "20"}
 
     def run_measured(self, program, *arguments):
         """Runs a program to its end, checks its status, and returns its peak memory in MiB. Its output goes nowhere."""

@@ -153,7 +153,7 @@ void GalleryController::buildTexts() {
     shrunken.setText("Shrunk until it fits");
     shrunken.setAdjustsFontSizeToFitWidth(true);
     shrunken.setMinimumScaleFactor(0.5);
-    languages.setFrame({206, 114, 100, 40});
+    languages.setFrame({206, 112, 100, 50});
     languages.setNumberOfLines(2);
     languages.setTextAlignment(NSTextAlignment::center);
     languages.setText("写真を追加\nإضافة ملفات");

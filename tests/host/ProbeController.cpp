@@ -9,6 +9,7 @@ public:
     ProbeCell(Style style, const std::optional<std::string>& reuseIdentifier)
         : UITableViewCell(style, reuseIdentifier) {
         showChildButton.setName("showChildButton");
+        showChildButton.setAccessibilityLabel("showChildButton");
         showChildButton.setFrame({320, 4, 40, 36});
         showChildButton.addTarget(this, &ProbeCell::buttonTouched, UIControl::Event::touchUpInside);
         contentView().addSubview(showChildButton);

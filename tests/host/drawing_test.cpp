@@ -249,7 +249,6 @@ TEST(ViewPainter, MirrorsWhatFollowsReading) {
     UIWindow window({200, 40});
     UIImageView arrow({0, 0, 40, 40});
     arrow.setImage(UIImage::named("Disclosure")->imageFlippedForRightToLeftLayoutDirection());
-    arrow.setContentMode(UIView::ContentMode::scaleAspectFit);
     UILabel label({40, 0, 160, 40});
     label.setText("Trips");
     window.addSubview(arrow);

@@ -74,21 +74,24 @@ NSAttributedString UILabel::displayedText() const {
     const NSAttributedString text = resolvedText(1);
     if (!adjustsFontSizeToFitWidth_ || numberOfLines_ != 1)
         return text;
-    const double width = TextMeasurer::current().size(text, TextMeasurer::unlimitedWidth, 1).width;
+    const auto widthOf = [](const NSAttributedString& shown) {
+        return TextMeasurer::current().size(shown, TextMeasurer::unlimitedWidth, 1).width;
+    };
+    const double width = widthOf(text);
     if (width <= bounds().size.width)
         return text;
-    return resolvedText(std::max(minimumScaleFactor_, bounds().size.width / width));
-}
-
-double UILabel::displayedTextWidth() const {
-    return bounds().size.width * (adjustsFontSizeToFitWidth_ ? 1.01 : 1);
+    // Sizes of fonts are rounded, so that the width does not follow them exactly.
+    double scale = bounds().size.width / width;
+    while (scale > minimumScaleFactor_ && widthOf(resolvedText(scale)) > bounds().size.width)
+        scale *= 0.98;
+    return resolvedText(std::max(minimumScaleFactor_, scale));
 }
 
 bool UILabel::isTruncated() const {
     const TextMeasurer& measurer = TextMeasurer::current();
     const NSAttributedString text = displayedText();
-    const double height = measurer.size(text, displayedTextWidth(), 0).height;
-    const double shownHeight = measurer.size(text, displayedTextWidth(), numberOfLines_).height;
+    const double height = measurer.size(text, bounds().size.width, 0).height;
+    const double shownHeight = measurer.size(text, bounds().size.width, numberOfLines_).height;
     return height > shownHeight || (numberOfLines_ != 1 && height > bounds().size.height + 1);
 }
 

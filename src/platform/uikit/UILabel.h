@@ -50,10 +50,6 @@ public:
     /// The text as it is drawn into the bounds: every run has a font and a colour, shrunk when it must be.
     NSAttributedString displayedText() const;
 
-    /// The width that lines of the displayed text may have: the bounds', and a little more for a text that
-    /// was shrunk into them, since sizes of fonts are rounded.
-    double displayedTextWidth() const;
-
     /// Whether less than the whole text is shown.
     bool isTruncated() const;
 
