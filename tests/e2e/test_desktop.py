@@ -1,11 +1,11 @@
 """The share targets as desktops use them: from an installed prefix, through the desktop entry and the message bus."""
 
 import configparser
-import importlib.util
 import json
 import os
 import pathlib
 import re
+import runpy
 import shutil
 import socket
 import subprocess
@@ -108,11 +108,8 @@ class Files(Installed):
         gi.Nautilus = types.SimpleNamespace(MenuProvider=type("MenuProvider", (), {}), MenuItem=lambda **values: item)
         sys.modules.update({"gi": types.ModuleType("gi"), "gi.repository": gi})
         self.addCleanup(lambda: [sys.modules.pop(name) for name in ("gi", "gi.repository")])
-        found = importlib.util.spec_from_file_location(
-            "extension", self.prefix / "share/nautilus-python/extensions/sela-share.py")
-        extension = importlib.util.module_from_spec(found)
-        found.loader.exec_module(extension)
-        provider = extension.AddToSela()
+        extension = runpy.run_path(str(self.prefix / "share/nautilus-python/extensions/sela-share.py"))
+        provider = extension["AddToSela"]()
 
         def file(kind, uri):
             return types.SimpleNamespace(get_mime_type=lambda: kind, get_uri=lambda: uri)

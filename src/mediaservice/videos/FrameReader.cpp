@@ -46,8 +46,18 @@ std::int64_t timeOf(const AVPacket& packet) {
     return packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
 }
 
-std::int64_t timeOf(const AVFrame& frame) {
-    return frame.best_effort_timestamp != AV_NOPTS_VALUE ? frame.best_effort_timestamp : frame.pts;
+/// `expected` where the stream does not say it, as streams without a container may not.
+std::int64_t timeOf(const AVFrame& frame, std::int64_t expected) {
+    std::int64_t time = expected;
+    if (frame.best_effort_timestamp != AV_NOPTS_VALUE)
+        time = frame.best_effort_timestamp;
+    else if (frame.pts != AV_NOPTS_VALUE)
+        time = frame.pts;
+    return std::clamp(time, -VideoFile::farthestTime, VideoFile::farthestTime);
+}
+
+std::int64_t durationOf(const AVFrame& frame) {
+    return std::clamp<std::int64_t>(frame.pkt_duration, 0, VideoFile::farthestTime);
 }
 
 /// Decodes from the packet at hand until a frame of the window comes out.
@@ -57,6 +67,8 @@ public:
         : video_(video), window_(window), decoder_(std::move(decoder)), keyFrameSuffices_(keyFrameSuffices) {}
 
     std::optional<ReadFrame> run(Packet packet) {
+        const std::int64_t start = timeOf(*packet);
+        expectedTime_ = start != AV_NOPTS_VALUE ? start : video_.startTime();
         for (bool more = true; more;) {
             skipUnneeded(*packet);
             if (avcodec_send_packet(decoder_.get(), packet.get()) == AVERROR(ENOMEM))
@@ -76,8 +88,9 @@ public:
 private:
     /// Frames that end before the window, and that no other frame is made from, need not be decoded.
     void skipUnneeded(const AVPacket& packet) {
-        const std::int64_t end = timeOf(packet) + std::max<std::int64_t>(packet.duration, 0);
-        const bool unneeded = timeOf(packet) != AV_NOPTS_VALUE && packet.duration > 0 && end < window_.from;
+        const std::int64_t time = timeOf(packet);
+        const bool unneeded = time != AV_NOPTS_VALUE && packet.duration > 0 && time < window_.from &&
+                              packet.duration < window_.from - std::max(time, -VideoFile::farthestTime);
         decoder_->skip_frame = unneeded ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
     }
 
@@ -90,7 +103,8 @@ private:
             ++framesDecoded_;
             if (frame->decode_error_flags != 0 || frame->flags & AV_FRAME_FLAG_CORRUPT)
                 continue;
-            const std::int64_t time = timeOf(*frame);
+            const std::int64_t time = timeOf(*frame, expectedTime_);
+            expectedTime_ = time + durationOf(*frame);
             if (keyFrameSuffices_ || window_.contains(time))
                 return ReadFrame{std::move(frame), time, framesDecoded_};
             if (time > window_.to) {
@@ -109,7 +123,7 @@ private:
 
     /// The last frame of the file, when it is shown until the window.
     std::optional<ReadFrame> lastShown() {
-        if (!previous_ || pastWindow_ || previousTime_ + previous_->pkt_duration <= window_.from)
+        if (!previous_ || pastWindow_ || previousTime_ + durationOf(*previous_) <= window_.from)
             return std::nullopt;
         return ReadFrame{std::move(previous_), previousTime_, framesDecoded_};
     }
@@ -120,6 +134,7 @@ private:
     const bool keyFrameSuffices_;
     bool pastWindow_ = false;
     std::uint32_t framesDecoded_ = 0;
+    std::int64_t expectedTime_ = 0;
     VideoFrame previous_;
     std::int64_t previousTime_ = 0;
 };

@@ -4,7 +4,6 @@
 #include "mediaservice/videos/FrameReader.h"
 
 #include <algorithm>
-#include <limits>
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -14,20 +13,17 @@ namespace sela {
 
 namespace {
 
-// Times of the track's clock are kept this far from the ends of their range, so that they can be added.
-constexpr std::int64_t farthest = std::numeric_limits<std::int64_t>::max() / 8;
-
 /// A time in the track's time base.
 std::int64_t inTimeBase(const CMTime& time, const AVStream& track) {
     if (time.positiveInfinity)
-        return farthest;
+        return VideoFile::farthestTime;
     const std::int64_t units = av_rescale_q(time.value, {1, time.timescale}, track.time_base);
-    return std::clamp(units, -farthest, farthest);
+    return std::clamp(units, -VideoFile::farthestTime, VideoFile::farthestTime);
 }
 
 FrameWindow windowOf(const MediaRequest& request, const VideoFile& video) {
     const AVStream& track = video.track();
-    const std::int64_t start = std::clamp(video.startTime(), -farthest, farthest);
+    const std::int64_t start = video.startTime();
     const std::int64_t time = start + inTimeBase(request.time, track);
     return {time - std::max<std::int64_t>(0, inTimeBase(request.toleranceBefore, track)), time,
             time + std::max<std::int64_t>(0, inTimeBase(request.toleranceAfter, track))};

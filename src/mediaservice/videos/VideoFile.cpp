@@ -118,7 +118,9 @@ CMTime VideoFile::duration() const {
 }
 
 std::int64_t VideoFile::startTime() const {
-    return track_->start_time == AV_NOPTS_VALUE ? 0 : track_->start_time;
+    return track_->start_time == AV_NOPTS_VALUE
+               ? 0
+               : std::clamp<std::int64_t>(track_->start_time, -farthestTime, farthestTime);
 }
 
 bool VideoFile::seek(std::int64_t time) {

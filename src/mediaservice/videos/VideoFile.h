@@ -4,6 +4,7 @@
 #include "platform/media/CMTime.h"
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -30,6 +31,10 @@ public:
 
     /// The track, for its codec and its times.
     const AVStream& track() const { return *track_; }
+
+    /// Times of a track lie between this and its negative, so that sums and differences of them do not
+    /// overflow, whatever the file says.
+    static constexpr std::int64_t farthestTime = std::numeric_limits<std::int64_t>::max() / 8;
 
     /// Where the track's clock stands at the start of the video, in the track's time base.
     std::int64_t startTime() const;
