@@ -5,10 +5,12 @@
 #include "platform/foundation/SystemCall.h"
 
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <map>
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <thread>
 #include <utility>
 
 namespace sela {
@@ -18,8 +20,17 @@ namespace {
 /// The format that this version writes, in the file's user_version; 0 stands for a file nobody stamped.
 constexpr std::int64_t formatVersion = 1;
 
-/// How long one program waits for another to let go of the file.
-constexpr int busyTimeoutMilliseconds = 5000;
+/// How long one program waits for another to let go of the file, in even steps: SQLite's own waits grow, so
+/// that of many programs those that came first get the file last.
+constexpr std::chrono::milliseconds lockStep{5};
+constexpr int mostLockSteps = 2000;
+
+int waitForLock(void*, int stepsBefore) {
+    if (stepsBefore >= mostLockSteps)
+        return 0;
+    std::this_thread::sleep_for(lockStep);
+    return 1;
+}
 
 constexpr std::string_view sqliteErrorDomain = "SQLite";
 
@@ -194,7 +205,7 @@ void SettingsDatabase::distrustSchema() {
 
 ErrorRef SettingsDatabase::checkFormat() {
     distrustSchema();
-    sqlite3_busy_timeout(connection_, busyTimeoutMilliseconds);
+    sqlite3_busy_handler(connection_, waitForLock, nullptr);
     const Result<std::int64_t> version = readInteger("PRAGMA user_version");
     if (!version)
         return version.error();

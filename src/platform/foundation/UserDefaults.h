@@ -20,7 +20,7 @@ class SettingsDatabase;
 ///
 /// A handle is opened at each use and thrown away; the connection behind it is kept for the life of the
 /// process. Thread-safe: operations of one process take turns, those of several are kept apart by the file's
-/// locks, waiting up to five seconds for each other.
+/// locks, waiting up to ten seconds for each other.
 class UserDefaults {
 public:
     /// Opens the settings of a suite. Absent (and the reason logged) when they cannot be used: the file is
