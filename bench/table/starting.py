@@ -46,12 +46,13 @@ def thumbnails(bench):
         script = " && ".join(" ".join([*peer[:-1], str(SAMPLES / peer[-1])]) for peer in peers)
         # The tree is written once the thumbnails are shown; nobody adds them, so the request is cancelled.
         ours, theirs = bench.alternate(
-            lambda: bench.run([bench.bin / "sela-share", "--headless", *paths, "--tree", bench.folder / "tree.json"],
-                              status=3),
+            lambda: bench.run_ours([bench.bin / "sela-share", "--headless", *paths, "--tree",
+                                    bench.folder / "tree.json"], status=3),
             lambda: bench.run(["sh", "-c", script]))
         yield Row(f"start to thumbnails, {name}", ours.milliseconds, "ms",
                   " / ".join(sorted({peer[0] for peer in peers})), theirs.milliseconds, "ahead", 1.0)
         yield Row(f"peak memory of sela-share, {name}", ours.mebibytes, "MiB", "limit", 48, "under", 1.0)
+        yield Row(f"peak memory of the largest helper, {name}", ours.helper_mebibytes, "MiB")
 
 
 def rows(bench):

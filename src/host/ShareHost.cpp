@@ -11,6 +11,7 @@
 #include "platform/uikit/UIScreen.h"
 
 #include <QLocale>
+#include <QThreadPool>
 
 #include <cstdio>
 #include <cstdlib>
@@ -90,6 +91,8 @@ ShareHost::ShareHost(const CommandLine& line)
     // By this the desktop knows whose window it is.
     QGuiApplication::setDesktopFileName(QStringLiteral("xyz.sela.share"));
     QGuiApplication::setQuitOnLastWindowClosed(false);
+    // Qt shares every fill out among these threads; a third of a frame's time went into waking them.
+    QThreadPool::globalInstance()->setMaxThreadCount(1);
     TextMeasurer::setCurrent(&measurer_);
     UIScreen::main().setScale(line.headless || line.hasScale ? line.scale : application_.devicePixelRatio());
     UIApplication::shared().setUserInterfaceLayoutDirection(layoutDirection());
