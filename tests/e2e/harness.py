@@ -11,6 +11,7 @@ import unittest
 
 BIN = pathlib.Path(os.environ["SELA_BIN_DIR"])
 FAST_CLOCK = BIN.parent / "tests/e2e/sela-fast-clock.so"
+DRAG_SOURCE = BIN.parent / "tests/e2e/sela-drag-source"
 GROUP = "group.sela.vault"
 
 CATALOGUE = [

@@ -7,7 +7,7 @@ import subprocess
 import time
 import unittest
 
-from harness import WindowTest
+from harness import DRAG_SOURCE, WindowTest
 
 PNG = bytes.fromhex("89504e470d0a1a0a0000000d4948445200000001000000010802000000907753de0000000c49444154789c63f8cfc0000003010100"
                     "c9fe92ef0000000049454e44ae426082")
@@ -41,6 +41,28 @@ class Keys(WindowTest):
         self.keys("Escape")
         self.assertEqual(process.wait(30), 3)
         self.assertEqual(self.ledger(), {})
+
+
+class Dropping(WindowTest):
+    def test_files_join_the_request(self):
+        files = [self.write(f"file {i}.jpg", b"content") for i in range(3)]
+        process = self.open_card(files[0])
+        source = subprocess.Popen([DRAG_SOURCE, *files[1:]], env=self.environment, stdout=subprocess.PIPE, text=True)
+        self.addCleanup(source.stdout.close)
+        self.addCleanup(source.wait)
+        self.addCleanup(source.kill)
+        start = self.x("search", "--sync", "--onlyvisible", "--name", "^drag-source$")
+        self.x("mousemove", "--window", start, 30, 30, "mousedown", 1)
+        for step in range(10):
+            time.sleep(0.05)
+            self.x("mousemove", "--window", self.window, 100 + step, 100)
+        self.x("mouseup", 1)
+        self.assertEqual(source.stdout.readline(), "copied\n")
+        self.focus()
+        self.keys("Return")
+        self.assertEqual(process.wait(30), 0)
+        self.assertEqual(sorted(entry["preferredName"] for entry in self.ledger().values()),
+                         ["file 0.jpg", "file 1.jpg", "file 2.jpg"])
 
 
 @unittest.skipUnless(shutil.which("xclip"), "needs xclip")
