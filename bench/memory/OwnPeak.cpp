@@ -1,22 +1,24 @@
 // Preloaded into a program, writes the most memory that the program itself had resident, in KiB, to the file
 // $SELA_PEAK_FILE as it ends. What a parent is told includes the children that were waited for.
 
-#include <cstdio>
 #include <cstdlib>
-#include <sys/resource.h>
+#include <fstream>
+#include <string>
 
 namespace {
 
 struct OwnPeak {
     OwnPeak() { ::unsetenv("LD_PRELOAD"); } // not for the children
     ~OwnPeak() {
-        rusage usage{};
         const char* const path = std::getenv("SELA_PEAK_FILE");
-        std::FILE* const file = path ? std::fopen(path, "w") : nullptr;
-        if (!file || ::getrusage(RUSAGE_SELF, &usage) != 0)
+        std::ofstream file(path ? path : "");
+        // Not getrusage's, which begins with what the parent had when it started the program.
+        std::ifstream status("/proc/self/status");
+        for (std::string line; std::getline(status, line);)
+            if (line.starts_with("VmHWM:"))
+                file << std::strtol(line.c_str() + 6, nullptr, 10) << std::endl;
+        if (!file)
             std::abort();
-        std::fprintf(file, "%ld\n", usage.ru_maxrss);
-        std::fclose(file);
     }
 };
 
