@@ -47,13 +47,15 @@ class Dropping(WindowTest):
     def test_files_join_the_request(self):
         files = [self.write(f"file {i}.jpg", b"content") for i in range(3)]
         process = self.open_card(files[0])
-        source = subprocess.Popen([DRAG_SOURCE, *files[1:]], env=self.environment, stdout=subprocess.PIPE, text=True)
+        source = subprocess.Popen(["timeout", "60", DRAG_SOURCE, *files[1:]], env=self.environment,
+                                  stdout=subprocess.PIPE, text=True)
         self.addCleanup(source.stdout.close)
         self.addCleanup(source.wait)
         self.addCleanup(source.kill)
         start = self.x("search", "--sync", "--onlyvisible", "--name", "^drag-source$")
         self.x("mousemove", "--window", start, 30, 30, "mousedown", 1)
-        for step in range(10):
+        # Long enough for the two windows to agree, on a busy machine too.
+        for step in range(40):
             time.sleep(0.05)
             self.x("mousemove", "--window", self.window, 100 + step, 100)
         self.x("mouseup", 1)
