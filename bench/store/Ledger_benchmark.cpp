@@ -36,21 +36,26 @@ Data ledgerOf(std::int64_t count) {
 }
 
 void recordItem(benchmark::State& state) {
-    const Data ledger = ledgerOf(state.range(0));
-    for (auto _ : state) {
-        state.PauseTiming();
-        if (sharedDefaults()->setData(sharedItemsKey, ledger))
-            fatalError("the ledger cannot be stored");
-        state.ResumeTiming();
-        updateLedger(numbered(state.range(0)), [](const ErrorRef& error) {
+    if (sharedDefaults()->setData(sharedItemsKey, ledgerOf(state.range(0))))
+        fatalError("the ledger cannot be stored");
+    std::int64_t number = state.range(0);
+    for (auto _ : state)
+        updateLedger(numbered(number++), [](const ErrorRef& error) {
             if (error)
                 fatalError("the item cannot be recorded");
         });
-    }
 }
 BENCHMARK(recordItem)->Arg(10)->Arg(100)->Arg(1000)->Arg(10000)->UseRealTime()->Unit(benchmark::kMicrosecond);
 
-/// The part of recording that is not storing.
+/// The parts of recording that are not storing.
+void findItem(benchmark::State& state) {
+    const Data ledger = ledgerOf(state.range(0));
+    const std::string key = SharedItemLedger::key(numbered(state.range(0)));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(SharedItemLedger::contains(ledger, key).value());
+}
+BENCHMARK(findItem)->Arg(10)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+
 void spliceItem(benchmark::State& state) {
     const Data ledger = ledgerOf(state.range(0));
     const SharedItem item = numbered(state.range(0));

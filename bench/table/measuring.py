@@ -82,7 +82,7 @@ class Bench:
     def hurried(self):
         """The clock that the end-to-end tests use: animations and delays take a twentieth of their time."""
         return self.environment | {"LD_PRELOAD": str(self.bin.parent / "tests/e2e/sela-fast-clock.so"),
-                                   "SELA_CLOCK_SPEED": "20"}
+                                   "SELA_CLOCK_SPEED": "60"}
 
     def share(self, files):
         return [self.bin / "sela-share", "--headless", *files, "--tap", "addButton"]

@@ -19,7 +19,7 @@ def first_frame(bench, name, environment):
 
 
 def with_display(bench):
-    display = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp"],
+    display = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp", "-noreset"],
                                stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
     try:
         number = display.stdout.readline().strip()

@@ -25,7 +25,7 @@ void appendText(std::string& key, const std::string& text) {
 }
 
 /// Everything of a view and its subviews that shows in the outline they draw.
-void appendLook(std::string& key, const UIView& view, const UIView& caster) {
+void appendLook(std::string& key, const UIView& view, const UIView& caster, const UITraitCollection& traits) {
     const UIView::Presentation shown = view.presentation();
     if (&view != &caster) {
         if (view.isHidden() || shown.alpha <= 0)
@@ -36,9 +36,11 @@ void appendLook(std::string& key, const UIView& view, const UIView& caster) {
     append(key, shown.bounds);
     append(key, view.layer().cornerRadius());
     append(key, view.layer().masksToBounds());
+    append(key, ShadowCache::coversItsBounds(view, traits));
+    if (ShadowCache::coversItsBounds(view, traits))
+        return;
     append(key, view.layer().borderWidth());
-    append(key,
-           shown.backgroundColor ? shown.backgroundColor->resolve(UIUserInterfaceStyle::light).alpha : 0);
+    append(key, shown.backgroundColor ? shown.backgroundColor->resolve(traits).alpha : 0);
     if (const auto* label = dynamic_cast<const UILabel*>(&view)) {
         appendText(key, label->attributedText().description());
         append(key, label->font().size());
@@ -52,7 +54,7 @@ void appendLook(std::string& key, const UIView& view, const UIView& caster) {
     }
     append(key, view.subviews().size());
     for (const UIView* const subview : view.subviews())
-        appendLook(key, *subview, caster);
+        appendLook(key, *subview, caster, traits);
 }
 
 /// What `view` and its subviews may cover, in `view`'s coordinates.
@@ -87,6 +89,11 @@ ShadowCache::Shadow makeShadow(const UIView& view, double pixelsPerPoint, const 
 
 } // namespace
 
+bool ShadowCache::coversItsBounds(const UIView& view, const UITraitCollection& traits) {
+    const std::optional<UIColor>& background = view.presentation().backgroundColor;
+    return view.layer().masksToBounds() && background && background->resolve(traits).alpha >= 1;
+}
+
 const ShadowCache::Shadow& ShadowCache::shadow(const UIView& view, double pixelsPerPoint,
                                                const UITraitCollection& traits,
                                                const DrawCaster& drawCaster) {
@@ -97,7 +104,7 @@ const ShadowCache::Shadow& ShadowCache::shadow(const UIView& view, double pixels
     append(key, pixelsPerPoint);
     append(key, color.rgba());
     append(key, layer.shadowRadius());
-    appendLook(key, view, view);
+    appendLook(key, view, view, traits);
     if (const auto found = shadows_.find(key); found != shadows_.end())
         return found->second;
     if (shadows_.size() >= capacity)

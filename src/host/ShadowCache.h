@@ -27,6 +27,10 @@ public:
     const Shadow& shadow(const UIView& view, double pixelsPerPoint, const UITraitCollection& traits,
                          const DrawCaster& drawCaster);
 
+    /// Whether a view and its subviews cover its rounded bounds wholly and nothing else, so that what is
+    /// inside has no part in a shadow.
+    static bool coversItsBounds(const UIView& view, const UITraitCollection& traits);
+
 private:
     /// Shadows kept at most; beyond that all are forgotten.
     static constexpr std::size_t capacity = 32;

@@ -167,6 +167,7 @@ void ShareWindow::exposeEvent(QExposeEvent*) {
 
 void ShareWindow::resizeEvent(QResizeEvent*) {
     store_.resize(size());
+    storeRatio_ = 0;
     window_.setScreenSize({width() / unitsPerPoint(), height() / unitsPerPoint()});
     exposed_ = QRect(QPoint(), size());
     scheduleFrame();
@@ -196,7 +197,10 @@ void ShareWindow::drawFrame() {
     lastFrameTime_ = monotonicSeconds();
     window_.prepareFrame();
     const CGRect dirty = window_.takeDirtyRect().unionWith(ring_.move(window_, keyboard_.focusedView()));
-    QRegion region = std::exchange(exposed_, {});
+    // What only came into sight again is in the store already.
+    QRegion region;
+    if (std::exchange(storeRatio_, devicePixelRatio()) != devicePixelRatio())
+        region = QRect(QPoint(), size());
     if (!dirty.isEmpty()) {
         const double unit = unitsPerPoint();
         const QRectF changed(dirty.minX() * unit, dirty.minY() * unit, dirty.size.width * unit,
@@ -209,8 +213,9 @@ void ShareWindow::drawFrame() {
         for (const QRect& part : region)
             drawPart(part);
         store_.endPaint();
-        store_.flush(region);
     }
+    if (const QRegion shown = region + std::exchange(exposed_, {}); !shown.isEmpty())
+        store_.flush(shown);
     if (QAccessible::isActive())
         accessible().update();
     if (window_.needsFrame())

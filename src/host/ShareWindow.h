@@ -95,7 +95,8 @@ private:
     KeyboardNavigation keyboard_;
     FocusRing ring_;
     QBackingStore store_;
-    QRegion exposed_; ///< must be drawn whether it changed or not
+    QRegion exposed_;       ///< must be brought to the display whether it changed or not
+    double storeRatio_ = 0; ///< the pixel ratio that the store's content was drawn for; 0 when it has none
     QBasicTimer frameTimer_;
     double lastFrameTime_ = 0;
     bool pressed_ = false;

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace sela {
 
@@ -104,7 +105,10 @@ void ViewPainter::paintView(QPainter& painter, const UIView& view) {
     painter.setWorldTransform(toSuperview, true);
     const bool masks = view.layer().masksToBounds();
     const bool isOutside = masks && !pixelsOf(painter, shown.bounds).intersects(drawnPixels(painter));
-    if (!isOutside) {
+    if (paintsCaster_ && ShadowCache::coversItsBounds(view, screen_.traits)) {
+        painter.setOpacity(painter.opacity() * shown.alpha);
+        paintBackground(painter, view, true);
+    } else if (!isOutside) {
         const bool needsShape =
             masks && (view.layer().cornerRadius() > 0 || !isUpright(painter.worldTransform()));
         const bool needsOneOpacity = shown.alpha < 1 && !view.subviews().empty();
@@ -159,16 +163,7 @@ void ViewPainter::paintGroup(QPainter& painter, const UIView& view, double opaci
 }
 
 void ViewPainter::paintInside(QPainter& painter, const UIView& view, bool roundsBackground) {
-    const UIView::Presentation shown = view.presentation();
-    if (shown.backgroundColor) {
-        if (!roundsBackground)
-            fillEverything(painter, color(*shown.backgroundColor));
-        else if (view.layer().cornerRadius() > 0)
-            painter.fillPath(roundedPath(shown.bounds, view.layer().cornerRadius()),
-                             color(*shown.backgroundColor));
-        else
-            fillBounds(painter, shown.bounds, color(*shown.backgroundColor));
-    }
+    paintBackground(painter, view, roundsBackground);
     if (const auto* label = dynamic_cast<const UILabel*>(&view))
         paintLabel(painter, *label);
     else if (const auto* image = dynamic_cast<const UIImageView*>(&view))
@@ -178,6 +173,19 @@ void ViewPainter::paintInside(QPainter& painter, const UIView& view, bool rounds
     for (const UIView* const subview : view.subviews())
         paintView(painter, *subview);
     paintBorder(painter, view);
+}
+
+void ViewPainter::paintBackground(QPainter& painter, const UIView& view, bool rounds) {
+    const UIView::Presentation shown = view.presentation();
+    if (!shown.backgroundColor)
+        return;
+    if (!rounds)
+        fillEverything(painter, color(*shown.backgroundColor));
+    else if (view.layer().cornerRadius() > 0)
+        painter.fillPath(roundedPath(shown.bounds, view.layer().cornerRadius()),
+                         color(*shown.backgroundColor));
+    else
+        fillBounds(painter, shown.bounds, color(*shown.backgroundColor));
 }
 
 void ViewPainter::paintShadow(QPainter& painter, const UIView& view) {
@@ -190,7 +198,9 @@ void ViewPainter::paintShadow(QPainter& painter, const UIView& view) {
             setHints(inside);
             inside.scale(pixelsPerPoint, pixelsPerPoint);
             inside.translate(-origin);
+            const bool before = std::exchange(paintsCaster_, true);
             paintInside(inside, view, true);
+            paintsCaster_ = before;
         });
     const CGSize offset = view.layer().shadowOffset();
     const QRectF target(shadow.origin + QPointF(offset.width, offset.height),

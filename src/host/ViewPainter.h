@@ -37,6 +37,7 @@ private:
     void paintView(QPainter& painter, const UIView& view);
     void paintGroup(QPainter& painter, const UIView& view, double opacity, bool masks);
     void paintInside(QPainter& painter, const UIView& view, bool roundsBackground);
+    void paintBackground(QPainter& painter, const UIView& view, bool rounds);
     void paintShadow(QPainter& painter, const UIView& view);
     void paintBorder(QPainter& painter, const UIView& view);
     void paintLabel(QPainter& painter, const UILabel& label);
@@ -48,6 +49,7 @@ private:
     ImageCache images_;
     ShadowCache shadows_;
     Screen screen_;
+    bool paintsCaster_ = false; ///< only what is covered matters, for a shadow
 };
 
 } // namespace sela

@@ -2,6 +2,9 @@
 
 #include "platform/foundation/JSONWriter.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace sela::SharedItemLedger {
 
 namespace {
@@ -10,6 +13,82 @@ std::optional<Data> textOf(const JSONWriter& writer) {
     if (!writer.isValid())
         return std::nullopt;
     return toData(writer.text());
+}
+
+/// The length up to which a ledger ends with its closing brace, and the step in which a longer one gets room
+/// behind it: a page of the settings (docs/formats.md). SQLite rewrites only those pages of a value that
+/// differ, but all of them when its length does.
+constexpr std::size_t roomStep = 65536;
+
+std::size_t lengthWithRoom(std::size_t used, std::size_t before) {
+    if (used <= before || used <= roomStep)
+        return std::max(used, before);
+    return (used + roomStep - 1) / roomStep * roomStep;
+}
+
+/// One entry's place in a ledger's text.
+struct Member {
+    std::size_t begin; ///< the first quotation mark of its key
+    std::size_t end;   ///< behind its record
+    std::size_t comma; ///< the comma that follows; unset for the last
+};
+
+/// The places of all entries of a valid ledger, in their order.
+std::vector<Member> membersOf(std::string_view ledger) {
+    std::vector<Member> members;
+    int depth = 0;
+    std::size_t key = std::string_view::npos;
+    for (std::size_t i = 0; i < ledger.size(); ++i) {
+        switch (ledger[i]) {
+        case '"':
+            if (depth == 1 && key == std::string_view::npos)
+                key = i;
+            for (++i; ledger[i] != '"'; ++i)
+                if (ledger[i] == '\\')
+                    ++i;
+            break;
+        case '{':
+        case '[':
+            ++depth;
+            break;
+        case '}':
+        case ']':
+            if (--depth == 1)
+                members.push_back({std::exchange(key, std::string_view::npos), i + 1, 0});
+            break;
+        case ',':
+            if (depth == 1)
+                members.back().comma = i;
+            break;
+        default:
+            break;
+        }
+    }
+    return members;
+}
+
+/// The ledger's text with nothing but these of its entries.
+std::string packed(std::string_view ledger, const std::vector<Member>& kept) {
+    std::string text = "{";
+    for (const Member& member : kept) {
+        if (text.size() > 1)
+            text += ',';
+        text += ledger.substr(member.begin, member.end - member.begin);
+    }
+    return text + '}';
+}
+
+/// The ledger's text with blanks in place of all entries but these, of which there is one at least.
+std::string blanked(std::string_view ledger, const std::vector<Member>& kept) {
+    std::string text(ledger.size(), ' ');
+    text[ledger.find('{')] = '{';
+    text[ledger.rfind('}')] = '}';
+    for (const Member& member : kept) {
+        ledger.copy(text.data() + member.begin, member.end - member.begin, member.begin);
+        if (&member != &kept.back())
+            text[member.comma] = ',';
+    }
+    return text;
 }
 
 } // namespace
@@ -60,12 +139,33 @@ std::optional<Data> adding(DataView ledger, std::string_view key, const SharedIt
     body = body.substr(0, body.rfind('}'));
     const bool empty = body[body.find_last_not_of(whiteSpace)] == '{';
     std::string grown;
-    grown.reserve(body.size() + entry->size());
+    grown.reserve(body.size() + entry->size() + roomStep);
     grown.append(body);
     if (!empty)
         grown += ',';
     grown.append(asText(*entry).substr(1));
+    grown.resize(lengthWithRoom(grown.size(), ledger.size()), ' ');
     return toData(grown);
+}
+
+Result<std::optional<Data>> removing(DataView ledger, const Entry& entry) {
+    const Result<std::vector<Entry>> entries = decode(ledger);
+    if (!entries)
+        return entries.error();
+    const std::string_view text = asText(ledger);
+    const std::vector<Member> members = membersOf(text);
+    std::vector<Member> kept;
+    std::size_t used = 0;
+    for (std::size_t i = 0; i < members.size(); ++i) {
+        if (entries.value()[i] == entry)
+            continue;
+        kept.push_back(members[i]);
+        used += members[i].end - members[i].begin;
+    }
+    if (kept.empty())
+        return std::optional<Data>();
+    const bool keepsLength = ledger.size() > roomStep && used > ledger.size() / 2;
+    return std::optional(toData(keepsLength ? blanked(text, kept) : packed(text, kept)));
 }
 
 std::optional<Data> encode(const std::vector<Entry>& entries) {

@@ -31,9 +31,14 @@ Result<bool> contains(DataView ledger, std::string_view key);
 /// A ledger with this one entry; absent when a text of the item is not UTF-8.
 std::optional<Data> fresh(std::string_view key, const SharedItem& item);
 
-/// A valid ledger with one entry more; what was in it stays byte for byte. Absent when a text of the item is
-/// not UTF-8.
+/// A valid ledger with one entry more; what was in it stays byte for byte. White space behind the closing
+/// brace is used up, and a long ledger gets some more of it once none is left, so that most additions keep
+/// the length. Absent when a text of the item is not UTF-8.
 std::optional<Data> adding(DataView ledger, std::string_view key, const SharedItem& item);
+
+/// A ledger without this entry; what else is in it stays byte for byte, and a long ledger mostly keeps its
+/// length. Absent when no entry is left; the error when the text is no ledger.
+Result<std::optional<Data>> removing(DataView ledger, const Entry& entry);
 
 /// A ledger of these entries; absent when a text is not UTF-8.
 std::optional<Data> encode(const std::vector<Entry>& entries);

@@ -128,9 +128,9 @@ ErrorRef Import::finish(const Journal& journal, const URL& target) {
     const Result<std::vector<SharedItemLedger::Entry>> entries = ledger();
     if (!entries)
         return entries.error();
-    for (const auto& [key, item] : entries.value())
-        if (key == journal.key && item.fileName == journal.fileName)
-            if (ErrorRef error = takeOutOfLedger(key, item))
+    for (const SharedItemLedger::Entry& entry : entries.value())
+        if (entry.first == journal.key && entry.second.fileName == journal.fileName)
+            if (ErrorRef error = takeOutOfLedger(entry))
                 return error;
     if (ErrorRef error = files.removeItem(source.path()))
         return error;
@@ -143,7 +143,7 @@ URL Import::itemURL(const std::string& fileName) const {
 }
 
 ErrorRef Import::importEntry(const SharedItemLedger::Entry& entry) {
-    const auto& [key, item] = entry;
+    const SharedItem& item = entry.second;
     if (!isSinglePathComponent(item.fileName))
         return ShareExtensionError::make("the file name leads elsewhere");
     FileManager& files = FileManager::defaultManager();
@@ -162,7 +162,7 @@ ErrorRef Import::importEntry(const SharedItemLedger::Entry& entry) {
     if (!target)
         return target.error();
     if (!options_.keep) {
-        if (ErrorRef error = takeOutOfLedger(key, item))
+        if (ErrorRef error = takeOutOfLedger(entry))
             return error;
         if (ErrorRef error = files.removeItem(source.path()))
             return error;
@@ -239,21 +239,19 @@ ErrorRef Import::noteJournal(const Journal& journal) {
     return defaults->setData(journalKey, asData(writer.text()));
 }
 
-ErrorRef Import::takeOutOfLedger(const std::string& key, const SharedItem& item) {
+ErrorRef Import::takeOutOfLedger(const SharedItemLedger::Entry& entry) {
     std::optional<UserDefaults> defaults = sharedDefaults();
     if (!defaults)
         return ShareExtensionError::make("UserDefaults is nil");
     return defaults->transaction([&]() -> ErrorRef {
-        Result<std::vector<SharedItemLedger::Entry>> entries = ledger();
-        if (!entries)
-            return entries.error();
-        std::erase(entries.value(), SharedItemLedger::Entry(key, item));
-        if (entries.value().empty())
-            return defaults->removeObject(sharedItemsKey);
-        const std::optional<Data> text = SharedItemLedger::encode(entries.value());
-        if (!text)
-            return ShareExtensionError::make("the ledger cannot be encoded");
-        return defaults->setData(sharedItemsKey, *text);
+        const Result<std::optional<Data>> ledger = defaults->readData(sharedItemsKey);
+        if (!ledger || !ledger.value())
+            return ledger.error();
+        const Result<std::optional<Data>> rest = SharedItemLedger::removing(*ledger.value(), entry);
+        if (!rest)
+            return rest.error();
+        return rest.value() ? defaults->setData(sharedItemsKey, *rest.value())
+                            : defaults->removeObject(sharedItemsKey);
     });
 }
 

@@ -55,7 +55,7 @@ private:
     URL temporaryCopy() const;
     ErrorRef copyTo(const URL& source, const URL& target);
     ErrorRef noteJournal(const Journal& journal);
-    ErrorRef takeOutOfLedger(const std::string& key, const SharedItem& item);
+    ErrorRef takeOutOfLedger(const SharedItemLedger::Entry& entry);
     ErrorRef findUnrecorded();
     Result<std::vector<SharedItemLedger::Entry>> ledger() const;
     URL itemURL(const std::string& fileName) const;

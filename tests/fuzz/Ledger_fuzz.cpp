@@ -3,8 +3,8 @@
 #include "store/SharedItemLedger.h"
 #include "vault/ImportPlace.h"
 
-// Reads arbitrary bytes as a ledger. One that is accepted can be added to, keeps what it held, and leads to
-// places below the folder of an import only.
+// Reads arbitrary bytes as a ledger. One that is accepted can be added to, keeps what it held, can do without an
+// entry, and leads to places below the folder of an import only.
 void fuzz(sela::DataView input) {
     namespace Ledger = sela::SharedItemLedger;
     const sela::SharedItem added{"1.5a.jpg", {"A-b", "C"}, true, "a.jpg"};
@@ -35,4 +35,10 @@ void fuzz(sela::DataView input) {
     entries.value().emplace_back(key, added);
     const auto again = Ledger::decode(*grown);
     require(again && again.value() == entries.value());
+
+    const Ledger::Entry gone = entries.value().front();
+    std::erase(entries.value(), gone);
+    const auto left = Ledger::removing(*grown, gone);
+    require(left && left.value().has_value() == !entries.value().empty());
+    require(!left.value() || Ledger::decode(*left.value()).value() == entries.value());
 }

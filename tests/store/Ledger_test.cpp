@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <rapidcheck/gtest.h>
 
+#include <algorithm>
+
 namespace sela {
 namespace {
 
@@ -65,6 +67,75 @@ TEST(SharedItemLedger, WhatWasThereStaysByteForByte) {
         ASSERT_TRUE(grown);
         EXPECT_EQ(asText(*grown), after);
         EXPECT_TRUE(SharedItemLedger::contains(*grown, "k").value());
+    }
+}
+
+TEST(SharedItemLedger, WhatIsLeftStaysByteForByte) {
+    const SharedItem item{"n", {"A\"}"}, false, std::nullopt};
+    const std::string entry = R"("k":{"fileName":"n","albumNames":["A\"}"],"fake":false})";
+    const std::string old = R"("\"{": {"fileName":"o,","albumNames":[ ],"fake":false,"later":[1,{}]})";
+    const std::pair<std::string, std::string> cases[] = {
+        {"{}", ""},
+        {"{" + entry + "}", ""},
+        {"{" + entry + "," + entry + "}", ""},
+        {"{" + old + "}", "{" + old + "}"},
+        {" {\n" + old + " , " + entry + "}", "{" + old + "}"},
+        {"{" + entry + "," + old + "} ", "{" + old + "}"},
+        {"{" + old + "," + entry + "," + old + "}", "{" + old + "," + old + "}"},
+    };
+    for (const auto& [before, after] : cases) {
+        const Result<std::optional<Data>> left = SharedItemLedger::removing(asData(before), {"k", item});
+        ASSERT_TRUE(left) << before;
+        EXPECT_EQ(left.value() ? asText(*left.value()) : std::string_view(), after);
+    }
+    EXPECT_TRUE(SharedItemLedger::removing(asData("{]"), {"k", item}).error());
+}
+
+SharedItemLedger::Entry numbered(int number) {
+    const SharedItem item{std::to_string(number) + ".jpg", {"Trips"}, false, "IMG.JPG"};
+    return {SharedItemLedger::key(item), item};
+}
+
+/// How many bytes lie between the first and the last in which two texts of one length differ.
+std::size_t changedStretch(DataView before, DataView after) {
+    const auto first = std::ranges::mismatch(before, after).in1 - before.begin();
+    const auto last =
+        std::mismatch(before.rbegin(), before.rend(), after.rbegin()).first.base() - before.begin();
+    return last > first ? static_cast<std::size_t>(last - first) : 0;
+}
+
+TEST(SharedItemLedger, ALongOneChangesInOnePlace) {
+    std::vector<SharedItemLedger::Entry> model;
+    for (int i = 0; i < 1000; ++i)
+        model.push_back(numbered(i));
+    Data ledger = *SharedItemLedger::encode(model);
+    int lengths = 0;
+    for (int i = 1000; i < 2000; ++i) {
+        model.push_back(numbered(i));
+        const Data grown = *SharedItemLedger::adding(ledger, model.back().first, model.back().second);
+        if (grown.size() != ledger.size())
+            ++lengths;
+        else
+            EXPECT_LT(changedStretch(ledger, grown), 200U);
+        ledger = grown;
+    }
+    EXPECT_LE(lengths, 3) << "of 100 kB that were added";
+    ASSERT_TRUE(SharedItemLedger::decode(ledger).value() == model);
+    while (!model.empty()) {
+        const auto gone = model.begin() + static_cast<std::ptrdiff_t>(model.size() * 7 / 10);
+        const std::optional<Data> left = SharedItemLedger::removing(ledger, *gone).value();
+        model.erase(gone);
+        ASSERT_EQ(left.has_value(), !model.empty());
+        if (!left)
+            break;
+        if (left->size() == ledger.size())
+            EXPECT_LT(changedStretch(ledger, *left), 200U);
+        else
+            EXPECT_TRUE(ledger.size() <= 65536 || left->size() <= ledger.size() / 2 + model.size() + 2);
+        ledger = *left;
+        if (model.size() % 100 == 0) {
+            ASSERT_TRUE(SharedItemLedger::decode(ledger).value() == model);
+        }
     }
 }
 
