@@ -1,5 +1,5 @@
-// The least that a window of Qt takes: one of the card's size, filled once. The peer of the start of
-// sela-share.
+// The least that a window of Qt takes: one of the card's size, filled once, with a text in it if one is
+// given. The peer of the start of sela-share.
 
 #include <QBackingStore>
 #include <QGuiApplication>
@@ -10,7 +10,7 @@ namespace {
 
 class EmptyWindow : public QWindow {
 public:
-    EmptyWindow() : store_(this) { setSurfaceType(RasterSurface); }
+    explicit EmptyWindow(const QString& text) : store_(this), text_(text) { setSurfaceType(RasterSurface); }
 
 protected:
     void resizeEvent(QResizeEvent*) override { store_.resize(size()); }
@@ -20,20 +20,27 @@ protected:
             return;
         const QRect all(QPoint(), size());
         store_.beginPaint(all);
-        QPainter(store_.paintDevice()).fillRect(all, Qt::white);
+        QPainter painter(store_.paintDevice());
+        painter.fillRect(all, Qt::white);
+        if (!text_.isEmpty()) {
+            painter.setFont(QFont(QStringLiteral("Roboto"), 12));
+            painter.drawText(all, Qt::AlignCenter, text_);
+        }
+        painter.end();
         store_.endPaint();
         store_.flush(all);
     }
 
 private:
     QBackingStore store_;
+    const QString text_;
 };
 
 } // namespace
 
 int main(int argc, char** argv) {
     QGuiApplication application(argc, argv);
-    EmptyWindow window;
+    EmptyWindow window(argc > 1 ? QString::fromUtf8(argv[1]) : QString());
     window.resize(375, 667);
     window.show();
     return QGuiApplication::exec();

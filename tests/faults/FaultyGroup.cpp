@@ -26,6 +26,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// How the names of files end that have a long record.
+constexpr const char* longEnding = ".5long.jpg";
+
 /// A file system that cannot give a file a second name, as between two disks.
 class NoLinks : public FileManagerWrapper {
 public:
@@ -87,15 +90,15 @@ fs::path FaultyGroup::settingsFile() const {
     return home_ / "config/sela/group.sela.vault.sqlite3";
 }
 
-void FaultyGroup::reset(int entries) {
+void FaultyGroup::reset(int entries, Records records) {
     fs::remove_all(home_);
     before_.clear();
     for (int i = 0; i < entries; ++i) {
-        before_.push_back(std::to_string(i) + ".5before.jpg");
+        before_.push_back(std::to_string(i) + (records == Records::longOnes ? longEnding : ".5before.jpg"));
         content(before_.back(), 1000);
     }
     // Made once and copied from then on.
-    const fs::path made = top_ / ("made" + std::to_string(entries));
+    const fs::path made = top_ / ((records == Records::longOnes ? "long" : "made") + std::to_string(entries));
     if (!fs::exists(made)) {
         for (int number : {1, 2}) {
             write(top_ / "publish" / (std::to_string(number) + ".json"), catalogue(number));
@@ -135,7 +138,8 @@ URL FaultyGroup::source(const std::string& fileName, std::size_t size) {
 }
 
 SharedItem FaultyGroup::item(const std::string& fileName) {
-    return {fileName, {"Trips", "Rome"}, false, "photo.jpg"};
+    const std::size_t length = fileName.ends_with(longEnding) ? 40'000 : 5;
+    return {fileName, {"Trips", "Rome"}, false, std::string(length, 'n') + ".jpg"};
 }
 
 bool FaultyGroup::save(const std::string& fileName, const URL& source) {

@@ -25,8 +25,11 @@ public:
     std::filesystem::path settingsFile() const;
     std::filesystem::path into() const { return home_ / "into"; }
 
+    /// Two long records are more than a page of the settings.
+    enum class Records { usual, longOnes };
+
     /// Makes the group anew: provisioned; with `entries`, that many files recorded before.
-    void reset(int entries);
+    void reset(int entries, Records records = Records::usual);
 
     /// The content of an item: of this size, and of no other item.
     const std::string& content(const std::string& fileName, std::size_t size);
@@ -34,6 +37,7 @@ public:
     /// Writes a source of that content, outside of the home.
     URL source(const std::string& fileName, std::size_t size);
 
+    /// The record of a file; a long one where the name tells.
     static SharedItem item(const std::string& fileName);
 
     // In a process apart:

@@ -65,9 +65,10 @@ protected:
             << ", contents " << static_cast<int>(contents) << ", entries " << static_cast<int>(entries);
     }
 
-    void cutEverywhere(const Operation& operation, int entries) {
+    void cutEverywhere(const Operation& operation, int entries,
+                       FaultyGroup::Records records = FaultyGroup::Records::usual) {
         using enum RecordedDisk::Survival;
-        group.reset(entries);
+        group.reset(entries, records);
         RecordedDisk disk(group.home());
         ASSERT_TRUE(runTraced([&] { return operation.run() ? 0 : 1; }, disk).succeeded());
         std::set<std::size_t> seen;
@@ -116,6 +117,7 @@ TEST_F(PowerCuts, Save) {
         cutEverywhere(file, entries);
         cutEverywhere(data, entries);
     }
+    cutEverywhere(file, 2, FaultyGroup::Records::longOnes);
     cutAfterAKill(data, again, 0);
 }
 
@@ -124,6 +126,8 @@ TEST_F(PowerCuts, Import) {
     const Operation copying{"import to another disk", [&] { return group.import(false); }, ""};
     cutEverywhere(linking, 2);
     cutEverywhere(copying, 2);
+    // Of four the first leaves blanks behind.
+    cutEverywhere(linking, 4, FaultyGroup::Records::longOnes);
     cutAfterAKill(linking, linking, 2);
 }
 

@@ -81,6 +81,7 @@ struct Operation {
     std::function<bool()> run;
     std::string saves; ///< the item that is recorded when it succeeds
     int publishes = 0;
+    FaultyGroup::Records records = FaultyGroup::Records::usual;
 };
 
 class SystemCalls : public testing::Test {
@@ -98,7 +99,7 @@ protected:
 
     /// Whether the operation made so many calls that the fault met one.
     bool meets(const Operation& operation, std::size_t index, const Fault& fault) {
-        group.reset(operation.entries);
+        group.reset(operation.entries, operation.records);
         FaultAt faultAt(index, fault);
         const ProcessEnd end = runTraced([&] { return operation.run() ? 0 : 1; }, faultAt);
         const bool untouched = !faultAt.struck;
@@ -158,8 +159,11 @@ TEST_F(SystemCalls, SaveOfData) {
 
 TEST_F(SystemCalls, Import) {
     sweep({"import", 2, [&] { return group.import(); }, ""});
-    if (everything())
+    if (everything()) {
         sweep({"import to another disk", 2, [&] { return group.import(false); }, ""});
+        sweep({"import from a long ledger", 4, [&] { return group.import(); }, "", 0,
+               FaultyGroup::Records::longOnes});
+    }
 }
 
 TEST_F(SystemCalls, Publish) {

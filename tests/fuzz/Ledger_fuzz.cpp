@@ -3,8 +3,8 @@
 #include "store/SharedItemLedger.h"
 #include "vault/ImportPlace.h"
 
-// Reads arbitrary bytes as a ledger. One that is accepted can be added to, keeps what it held, can do without an
-// entry, and leads to places below the folder of an import only.
+// Reads arbitrary bytes as a ledger. One that is accepted can be added to, keeps what it held, can do without
+// an entry, and leads to places below the folder of an import only.
 void fuzz(sela::DataView input) {
     namespace Ledger = sela::SharedItemLedger;
     const sela::SharedItem added{"1.5a.jpg", {"A-b", "C"}, true, "a.jpg"};

@@ -1,13 +1,9 @@
-#include "host/OffscreenEnvironment.h"
-#include "host/ProbeController.h"
-#include "host/ShareWindow.h"
+#include "host/ProbeWindow.h"
 #include "platform/uikit/UIAccessibility.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QAccessible>
-#include <QTest>
 #include <private/qguiapplication_p.h>
 #include <qpa/qplatformaccessibility.h>
 #include <qpa/qplatformintegration.h>
@@ -40,14 +36,12 @@ void hear(QAccessibleEvent* event) {
 }
 
 /// A probe screen in a window while a screen reader listens.
-class AccessibilityTest : public testing::Test {
+class AccessibilityTest : public ProbeWindowTest {
 protected:
     void SetUp() override {
         QAccessible::installUpdateHandler(hear);
         setActive(true);
-        window_.setRootViewController(probe_);
-        shareWindow_.open();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&shareWindow_));
+        ProbeWindowTest::SetUp();
         look();
     }
 
@@ -76,19 +70,6 @@ protected:
             names.push_back(element.child(index)->text(QAccessible::Name).toStdString());
         return names;
     }
-
-    static CommandLine commandLine() {
-        CommandLine line;
-        line.screenWidth = 375;
-        line.screenHeight = 667;
-        return line;
-    }
-
-    OffscreenEnvironment environment_;
-    ViewPainter painter_{environment_.measurer};
-    std::shared_ptr<ProbeController> probe_ = std::make_shared<ProbeController>();
-    UIWindow window_{ShareWindow::screenSize(commandLine())};
-    ShareWindow shareWindow_{window_, painter_, commandLine()};
 };
 
 } // namespace
@@ -98,7 +79,7 @@ TEST_F(AccessibilityTest, ShowsTheElementsInReadingOrderAndWorksThem) {
     QAccessibleInterface& button = *root().child(3);
     EXPECT_EQ(button.parent(), &root());
     EXPECT_EQ(root().indexOfChild(&button), 3);
-    EXPECT_EQ(button.rect().translated(-shareWindow_.mapToGlobal(QPoint())), QRect(20, 140, 60, 40));
+    EXPECT_EQ(button.rect().translated(-shareWindow_.mapToGlobal(QPoint())), QRect(40, 280, 120, 80));
     EXPECT_EQ(root().childAt(button.rect().center().x(), button.rect().center().y()), &button);
 
     button.actionInterface()->doAction(QAccessibleActionInterface::pressAction());

@@ -9,7 +9,7 @@ namespace sela {
 
 namespace {
 
-/// A card whose buttons end the request in all the ways there are.
+/// A card with a button that completes the request and one after which it never ends.
 class EndingController : public UIViewController {
 public:
     explicit EndingController(NSExtensionContext& context) : context_(context) {}
@@ -17,8 +17,7 @@ public:
     void viewDidLoad() override {
         UIViewController::viewDidLoad();
         place(addButton_, "addButton", 0, &EndingController::add);
-        place(cancelButton_, "cancelButton", 50, &EndingController::cancel);
-        place(hangButton_, "hangButton", 100, &EndingController::hang);
+        place(hangButton_, "hangButton", 50, &EndingController::hang);
     }
 
     bool hasAddStarted() const { return addStarted_; }
@@ -40,20 +39,10 @@ private:
         });
     }
 
-    void cancel(UIButton&) {
-        UIView::animate(
-            0.05, [this] { view().setTransform(CGAffineTransform::translation(0, 100)); },
-            [this](bool) {
-                context_.cancelRequestWithError(
-                    std::make_shared<NSError>(NSCocoaErrorDomain, NSUserCancelledError, "Cancelled."));
-            });
-    }
-
     void hang(UIButton&) { addStarted_ = true; }
 
     NSExtensionContext& context_;
     UIButton addButton_;
-    UIButton cancelButton_;
     UIButton hangButton_;
     bool addStarted_ = false;
 };
@@ -63,18 +52,15 @@ struct Case {
     ExitStatus status;
 };
 
-ExitStatus run(const std::vector<std::string>& arguments, NSExtensionContext& context) {
-    ShareHost host(std::get<CommandLine>(CommandLine::parse(arguments)));
-    const auto card = std::make_shared<EndingController>(context);
-    return host.run({card, {}, {}, [card] { return card->hasAddStarted(); }}, context);
-}
-
 void expectStatuses(const std::vector<std::string>& mode, const std::vector<Case>& cases) {
     for (const Case& item : cases) {
         std::vector<std::string> arguments = mode;
         arguments.insert(arguments.end(), item.arguments.begin(), item.arguments.end());
         NSExtensionContext context({});
-        EXPECT_EQ(run(arguments, context), item.status) << testing::PrintToString(arguments);
+        ShareHost host(std::get<CommandLine>(CommandLine::parse(arguments)));
+        const auto card = std::make_shared<EndingController>(context);
+        EXPECT_EQ(host.run({card, {}, {}, [card] { return card->hasAddStarted(); }}, context), item.status)
+            << testing::PrintToString(arguments);
         EXPECT_EQ(context.hasEnded(), item.status != ExitStatus::cannotEnd);
     }
 }
@@ -85,7 +71,6 @@ TEST(ShareHost, SaysHowTheRequestEndedWithoutAWindow) {
     expectStatuses({"--headless"}, {{{}, ExitStatus::cancelled},
                                     {{"--tap", "addButton"}, ExitStatus::completed},
                                     {{"--tap", "addButton", "--wait", "60"}, ExitStatus::completed},
-                                    {{"--tap", "cancelButton"}, ExitStatus::cancelled},
                                     {{"--wait", "0.05"}, ExitStatus::cancelled},
                                     {{"--tap", "hangButton"}, ExitStatus::cannotEnd},
                                     {{"--tap", "noButton"}, ExitStatus::stepFailed},
@@ -95,7 +80,6 @@ TEST(ShareHost, SaysHowTheRequestEndedWithoutAWindow) {
 TEST(ShareHost, SaysHowTheRequestEndedInAWindow) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     expectStatuses({"--screen", "200x200"}, {{{"--tap", "addButton"}, ExitStatus::completed},
-                                             {{"--tap", "cancelButton"}, ExitStatus::cancelled},
                                              {{"--tap", "hangButton"}, ExitStatus::cannotEnd},
                                              {{"--tap", "noButton"}, ExitStatus::stepFailed}});
 }

@@ -1,11 +1,9 @@
-#include "host/OffscreenEnvironment.h"
-#include "host/ProbeController.h"
+#include "host/ProbeWindow.h"
 #include "host/StepRunner.h"
 #include "platform/foundation/HeadlessMainLoop.h"
 #include "support/TemporaryHome.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <filesystem>
@@ -18,36 +16,25 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// A probe screen in a window, and steps taken on it by a clock that the test moves.
-class StepRunnerTest : public testing::Test {
+class StepRunnerTest : public ProbeTest {
 protected:
-    void start(const std::vector<Step>& steps) {
+    /// Runs the steps for `seconds` of the clock.
+    void start(const std::vector<Step>& steps, double seconds) {
         runner_ = std::make_unique<StepRunner>(
             StepRunner::Screen{window_, painter_, 1, queue_, [this] { return contentShown_; }}, steps);
         runner_->start([this](const std::optional<std::string>& failure) {
             ended_ = true;
             failure_ = failure;
         });
-    }
-
-    /// Runs the steps for `seconds` of the clock.
-    void start(const std::vector<Step>& steps, double seconds) {
-        start(steps);
         environment_.loop.advance(seconds);
     }
 
-    OffscreenEnvironment environment_;
     ObservedMainQueue queue_{environment_.loop};
     ScopedMainQueue observed_{queue_};
-    ViewPainter painter_{environment_.measurer};
-    std::shared_ptr<ProbeController> probe_ = std::make_shared<ProbeController>();
-    UIWindow window_{{375, 667}};
     bool contentShown_ = true;
     std::unique_ptr<StepRunner> runner_;
     bool ended_ = false;
     std::optional<std::string> failure_;
-
-    void SetUp() override { window_.setRootViewController(probe_); }
 };
 
 Step tap(const char* name) {
@@ -56,13 +43,13 @@ Step tap(const char* name) {
 Step tapNow(const char* name) {
     return {Step::Kind::tapNow, name};
 }
-Step wait(double seconds) {
-    return {Step::Kind::wait, "", seconds};
-}
 
 } // namespace
 
-TEST_F(StepRunnerTest, TapsWhatANameStandsFor) {
+TEST_F(StepRunnerTest, TapsTheTopmostViewThatANameStandsFor) {
+    UIButton behind({0, 0, 20, 20});
+    behind.setName("addButton");
+    probe_->view().insertSubview(behind, 0);
     start({tap("addButton"),
            tap("row:0:1"),
            tap("row:2:39"),
@@ -88,14 +75,6 @@ TEST_F(StepRunnerTest, FailsOnWhatCannotBeTouched) {
     start({{Step::Kind::type, "5"}}, 1);
     ASSERT_TRUE(failure_);
     EXPECT_EQ(failure_->find('5'), std::string::npos);
-}
-
-TEST_F(StepRunnerTest, TakesTheTopmostOfTwoViewsOfAName) {
-    UIButton behind({0, 0, 20, 20});
-    behind.setName("addButton");
-    probe_->view().insertSubview(behind, 0);
-    start({tap("addButton")}, 1);
-    EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
 }
 
 /// On a loop in real time, since the clock of the others never lets work be under way.
@@ -134,21 +113,15 @@ TEST_F(StepRunnerTest, DoesNotWaitForContentThatNothingBrings) {
 
 TEST_F(StepRunnerTest, TapsAtOnceWhenToldTo) {
     queue_.asyncAfter(60, [] {});
-    start({tapNow("addButton"), wait(0.5), tap("button7"), tap("addButton")}, 0.4);
+    const Step wait{Step::Kind::wait, "", 0.25};
+    start({tapNow("addButton"), wait, wait, tap("button7"), tap("addButton")}, 0.49);
     EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
-    environment_.loop.advance(0.2);
+    environment_.loop.advance(0.02);
     EXPECT_THAT(probe_->touched, ElementsAre("addButton", "button7"));
     environment_.loop.advance(58);
     EXPECT_THAT(probe_->touched, ElementsAre("addButton", "button7"));
     environment_.loop.advance(2);
     EXPECT_THAT(probe_->touched, ElementsAre("addButton", "button7", "addButton"));
-}
-
-TEST_F(StepRunnerTest, AddsUpWaits) {
-    start({wait(0.25), wait(0.25), tap("addButton")}, 0.49);
-    EXPECT_THAT(probe_->touched, IsEmpty());
-    environment_.loop.advance(0.02);
-    EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
 }
 
 TEST_F(StepRunnerTest, WritesPicturesAndTrees) {

@@ -1,13 +1,9 @@
-#include "host/OffscreenEnvironment.h"
-#include "host/ProbeController.h"
-#include "host/ShareWindow.h"
+#include "host/ProbeWindow.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QClipboard>
 #include <QMimeData>
-#include <QTest>
 
 namespace sela {
 
@@ -16,43 +12,20 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// A probe screen shown on Qt's platform without a display, where real events of the window system arrive.
-class ShareWindowTest : public testing::Test {
+class ShareWindowTest : public ProbeWindowTest {
 protected:
-    void SetUp() override {
-        window_.setRootViewController(probe_);
-        shareWindow_.open();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&shareWindow_));
-        window_.prepareFrame();
-    }
-
-    static CommandLine commandLine() {
-        CommandLine line;
-        line.screenWidth = 375;
-        line.screenHeight = 667;
-        line.scale = 2;
-        line.hasScale = true;
-        return line;
-    }
-
     void turnWheel(QPoint place, int angle) {
         QWheelEvent event(place, shareWindow_.mapToGlobal(place), QPoint(), QPoint(0, angle), Qt::NoButton,
                           Qt::NoModifier, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(&shareWindow_, &event);
     }
-
-    OffscreenEnvironment environment_;
-    ViewPainter painter_{environment_.measurer};
-    std::shared_ptr<ProbeController> probe_ = std::make_shared<ProbeController>();
-    UIWindow window_{ShareWindow::screenSize(commandLine())};
-    ShareWindow shareWindow_{window_, painter_, commandLine()};
 };
 
 } // namespace
 
 TEST_F(ShareWindowTest, IsAsLargeAsTheScreenAskedFor) {
     EXPECT_EQ(shareWindow_.size(), QSize(750, 1334));
-    EXPECT_EQ(window_.bounds(), CGRect(0, 0, 375, 667));
+    EXPECT_EQ(ShareWindow::screenSize(commandLine()), (CGSize{375, 667}));
     shareWindow_.resize(800, 1400);
     QTest::qWait(1);
     EXPECT_EQ(window_.bounds(), CGRect(0, 0, 400, 700));

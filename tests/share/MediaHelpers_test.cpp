@@ -2,9 +2,9 @@
 
 #include "media/MediaSamples.h"
 #include "support/LogCapture.h"
+#include "support/TemporaryHome.h"
 
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 
 namespace sela {
@@ -18,48 +18,24 @@ URL sampleURL(const std::string& name) {
     return URL::fileURL(sample(name));
 }
 
-/// A copy of a sample under another name, gone with this object.
-class RenamedSample {
-public:
-    RenamedSample(const std::string& name, const std::string& newName) {
-        std::string folder = fs::temp_directory_path() / "sela-helpers-XXXXXX";
-        folder_ = ::mkdtemp(folder.data());
-        fs::copy_file(sample(name), folder_ / newName);
-        url_ = URL::fileURL((folder_ / newName).string());
+TEST(VideoCover, LiesAQuarterOfTheWayInOrInTheMiddleOfAShortVideo) {
+    const struct {
+        const char* name;
+        int first; ///< of the frames that lie within the tolerance
+        int last;
+    } covers[] = {
+        {"minute.mp4", 145, 147},                       // at 14.654 s, 10 frames a second, 0.1 s tolerance
+        {"hevc.mov", 13, 15},                           // at 1.465 s
+        {"second.mp4", 13, 17},                         // at 0.75 s of 1.5 s, 20 frames a second
+        {"short.mp4", 0, 0},      {"absurd.mp4", 0, 2}, // without a duration it is taken at the start
+    };
+    const LogCapture log;
+    for (const auto& [name, first, last] : covers) {
+        const UIImage cover = getVideoCover(sampleURL(name), side);
+        ASSERT_TRUE(cover.pixels()) << name;
+        EXPECT_GE(frameNumber(*cover.pixels()), first) << name;
+        EXPECT_LE(frameNumber(*cover.pixels()), last) << name;
     }
-    ~RenamedSample() { fs::remove_all(folder_); }
-    RenamedSample(const RenamedSample&) = delete;
-    RenamedSample& operator=(const RenamedSample&) = delete;
-
-    const URL& url() const { return url_; }
-
-private:
-    fs::path folder_;
-    URL url_ = URL::fileURL("/");
-};
-
-int coverFrame(const std::string& name) {
-    const UIImage cover = getVideoCover(sampleURL(name), side);
-    return cover.pixels() ? frameNumber(*cover.pixels()) : -1;
-}
-
-TEST(VideoCover, LiesAQuarterOfTheWayIn) {
-    const LogCapture log;
-    // At 14.654 s, 10 frames a second, 0.1 s tolerance.
-    EXPECT_GE(coverFrame("minute.mp4"), 145);
-    EXPECT_LE(coverFrame("minute.mp4"), 147);
-    // At 1.465 s.
-    EXPECT_GE(coverFrame("hevc.mov"), 13);
-    EXPECT_LE(coverFrame("hevc.mov"), 15);
-    EXPECT_EQ(log.lines(), std::vector<std::string>());
-}
-
-TEST(VideoCover, IsTheMiddleOfAShortVideo) {
-    const LogCapture log;
-    // At 0.75 s of 1.5 s, 20 frames a second.
-    EXPECT_GE(coverFrame("second.mp4"), 13);
-    EXPECT_LE(coverFrame("second.mp4"), 17);
-    EXPECT_EQ(coverFrame("short.mp4"), 0);
     EXPECT_EQ(log.lines(), std::vector<std::string>());
 }
 
@@ -69,17 +45,12 @@ TEST(VideoCover, IsUpright) {
     EXPECT_EQ(cover.height(), 320);
 }
 
-TEST(VideoCover, WithoutDurationIsTakenAtTheStart) {
-    const LogCapture log;
-    EXPECT_LE(coverFrame("absurd.mp4"), 2);
-    EXPECT_EQ(log.lines(), std::vector<std::string>());
-}
-
 TEST(VideoCover, OfAVideoThatIsCutBeforeIsItsFirstFrame) {
-    const RenamedSample cut("minute.mp4", "cut.mp4");
-    fs::resize_file(cut.url().path(), fs::file_size(cut.url().path()) * 3 / 10);
+    const TemporaryHome home;
+    const std::string whole = contentOf(sample("minute.mp4"));
+    const fs::path cut = home.write("cut.mp4", whole.substr(0, whole.size() * 3 / 10));
     const LogCapture log;
-    const UIImage cover = getVideoCover(cut.url(), side);
+    const UIImage cover = getVideoCover(URL::fileURL(cut.string()), side);
     ASSERT_TRUE(cover.pixels());
     EXPECT_EQ(frameNumber(*cover.pixels()), 0);
     // 60 / 4.0943445622221.
@@ -134,9 +105,10 @@ TEST(Thumbnail, IsChosenByTypeThenNameThenContent) {
              Case{"baseline.jpg", "clip.mp4", "public.jpeg", ""},
              Case{"plain.heic", "photo.jpg", "public.jpeg", ""},
          }) {
-        const RenamedSample file(each.content, each.name);
+        const TemporaryHome home;
+        const fs::path file = home.write(each.name, contentOf(sample(each.content)));
         const LogCapture log;
-        const auto image = thumbnailOfSharedFile(file.url(), each.type, side);
+        const auto image = thumbnailOfSharedFile(URL::fileURL(file.string()), each.type, side);
         ASSERT_TRUE(image) << each.name << " " << each.type;
         EXPECT_EQ(image->assetName(), each.asset) << each.name << " " << each.type;
     }

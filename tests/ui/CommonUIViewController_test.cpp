@@ -1,11 +1,7 @@
 #include "ui/CommonUIViewController.h"
 
-#include "platform/foundation/ScopedMainQueue.h"
-#include "platform/foundation/VirtualMainLoop.h"
 #include "platform/uikit/UINavigationController.h"
-#include "platform/uikit/UIWindow.h"
-
-#include <gtest/gtest.h>
+#include "platform/uikit/ViewTest.h"
 
 #include <memory>
 #include <optional>
@@ -19,19 +15,19 @@ struct Screen : CommonUIViewController {
     using CommonUIViewController::report;
 };
 
-class CommonUIViewControllerTest : public testing::Test {
+class CommonUIViewControllerTest : public ViewTest {
 protected:
     CommonUIViewControllerTest() {
-        window_.setRootViewController(navigation_);
-        window_.prepareFrame();
+        window.setRootViewController(navigation_);
+        window.prepareFrame();
         screen_->setCallback([this](std::optional<bool> result) {
             events_ += !result ? "none " : *result ? "true " : "false ";
         });
     }
 
     void settle() {
-        window_.prepareFrame();
-        loop_.runUntilIdle();
+        window.prepareFrame();
+        loop.runUntilIdle();
     }
 
     void present() {
@@ -52,26 +48,12 @@ protected:
         settle();
     }
 
-    UIViewController::Completion completion() {
-        return [this] { events_ += "completion "; };
-    }
-
-    VirtualMainLoop loop_;
-    ScopedMainQueue mainQueue_{loop_};
-    UIWindow window_{CGSize{375, 667}};
+    const UIViewController::Completion completion_ = [this] { events_ += "completion "; };
     std::shared_ptr<UINavigationController> navigation_ =
         std::make_shared<UINavigationController>(std::make_shared<UIViewController>());
     std::shared_ptr<Screen> screen_ = std::make_shared<Screen>();
     std::string events_;
 };
-
-TEST_F(CommonUIViewControllerTest, StartsWithNothingToReport) {
-    for (const auto& screen :
-         {std::make_shared<Screen>(), std::make_shared<Screen>("Nib"), std::make_shared<Screen>(NSCoder{})}) {
-        EXPECT_FALSE(screen->callback());
-        EXPECT_FALSE(screen->ifDismissed());
-    }
-}
 
 TEST_F(CommonUIViewControllerTest, ADismissalReportsAfterTheCallersCompletionAndOnce) {
     for (const bool animated : {false, true}) {
@@ -79,7 +61,7 @@ TEST_F(CommonUIViewControllerTest, ADismissalReportsAfterTheCallersCompletionAnd
         screen_->setCallback([this](std::optional<bool> result) { events_ += result ? "value " : "none "; });
         present();
         events_.clear();
-        screen_->dismiss(animated, completion());
+        screen_->dismiss(animated, completion_);
         settle();
         EXPECT_EQ(events_, "completion none ");
         EXPECT_TRUE(screen_->ifDismissed());
@@ -87,54 +69,41 @@ TEST_F(CommonUIViewControllerTest, ADismissalReportsAfterTheCallersCompletionAnd
 
         screen_->setCallback([this](std::optional<bool>) { events_ += "again "; });
         present();
-        screen_->dismiss(animated, completion());
+        screen_->dismiss(animated, completion_);
         settle();
         EXPECT_EQ(events_, "completion none completion ");
     }
 }
 
-TEST_F(CommonUIViewControllerTest, ADismissalReportsWhenItIsOver) {
-    present();
-    screen_->dismiss(true);
-    window_.prepareFrame();
-    loop_.advance(UIViewController::presentationDuration / 2);
-    EXPECT_EQ(events_, "");
-    EXPECT_FALSE(screen_->ifDismissed());
-    settle();
-    EXPECT_EQ(events_, "none ");
-}
-
-TEST_F(CommonUIViewControllerTest, ADismissedScreenThatNobodyElseHoldsReports) {
+TEST_F(CommonUIViewControllerTest, ADismissedScreenThatNobodyElseHoldsReportsWhenItIsGone) {
     present();
     const std::weak_ptr<Screen> weak = screen_;
     screen_->dismiss(true);
     screen_.reset();
+    window.prepareFrame();
+    loop.advance(UIViewController::presentationDuration / 2);
+    EXPECT_EQ(events_, "");
     settle();
     EXPECT_EQ(events_, "none ");
     EXPECT_TRUE(weak.expired());
 }
 
-TEST_F(CommonUIViewControllerTest, GoingBackPopsAndReportsOnce) {
-    push();
-    goBack();
-    EXPECT_EQ(navigation_->viewControllers().size(), 1u);
-    EXPECT_EQ(events_, "none ");
-    push();
-    goBack();
-    EXPECT_EQ(events_, "none ");
-}
-
-TEST_F(CommonUIViewControllerTest, GoingBackOutsideANavigationControllerDoesNothing) {
+TEST_F(CommonUIViewControllerTest, GoingBackPopsAndReportsOnceButOnlyFromANavigationController) {
     goBack();
     EXPECT_EQ(events_, "");
-    EXPECT_TRUE(screen_->callback());
+    for (int time = 0; time < 2; ++time) {
+        push();
+        goBack();
+        EXPECT_EQ(navigation_->viewControllers().size(), 1u);
+        EXPECT_EQ(events_, "none ");
+    }
 }
 
 TEST_F(CommonUIViewControllerTest, TheFirstWayOutIsTheOnlyOneThatReports) {
     push();
     screen_->report(true);
     goBack();
-    screen_->dismiss(false, completion());
+    screen_->dismiss(false, completion_);
     settle();
     EXPECT_EQ(events_, "true completion ");
 }

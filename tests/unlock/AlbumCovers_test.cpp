@@ -8,38 +8,14 @@
 namespace sela {
 namespace {
 
-/// A picture of one colour in the simplest format: 24 bits to a pixel, rows from the bottom, padded to 4
-/// bytes.
-std::string bitmap(int width, int height) {
-    std::string file;
-    const auto number = [&](std::uint32_t value, int bytes) {
-        for (int i = 0; i < bytes; ++i)
-            file.push_back(static_cast<char>(value >> (8 * i)));
-    };
-    const int rowBytes = (width * 3 + 3) / 4 * 4;
-    const auto size = static_cast<std::uint32_t>(rowBytes * height);
-    file += "BM";
-    number(54 + size, 4);
-    number(0, 4);
-    number(54, 4);
-    number(40, 4);
-    number(static_cast<std::uint32_t>(width), 4);
-    number(static_cast<std::uint32_t>(height), 4);
-    number(1, 2);
-    number(24, 2);
-    number(0, 4);
-    number(size, 4);
-    for (int i = 0; i < 4; ++i)
-        number(0, 4);
-    file.append(size, '\x40');
-    return file;
-}
-
 class AlbumCoversTest : public UnlockTest {
 protected:
     void publishCover(const std::string& fileName, int width) {
         home_.provision();
-        home_.write("data/sela/groups/group.sela.vault/AlbumThumbnails/" + fileName, bitmap(width, 10));
+        const std::vector<std::uint8_t> bytes(static_cast<std::size_t>(width) * 10 * 4, 0xFF);
+        const std::optional<Data> picture = UIImage::fromPixels({width, 10, bytes}).jpegData(0.9);
+        ASSERT_TRUE(picture);
+        home_.write("data/sela/groups/group.sela.vault/AlbumThumbnails/" + fileName, asText(*picture));
     }
 
     static SharedAlbum covered(const std::string& name, const std::string& fileName,
@@ -65,10 +41,10 @@ protected:
 };
 
 TEST_F(AlbumCoversTest, ARowShowsItsAlbumsCoverUnlessThatIsLockedOrMissing) {
-    publishCover("a.bmp", 20);
-    publishCover("b.bmp", 30);
-    publishAlbums({covered("A", "a.bmp"), covered("Locked", "a.bmp", "1"), covered("B", "b.bmp"),
-                   covered("Missing", "c.bmp"), covered("Outside", "../a.bmp"), album({"Bare"})});
+    publishCover("a.jpg", 20);
+    publishCover("b.jpg", 30);
+    publishAlbums({covered("A", "a.jpg"), covered("Locked", "a.jpg", "1"), covered("B", "b.jpg"),
+                   covered("Missing", "c.jpg"), covered("Outside", "../a.jpg"), album({"Bare"})});
     publishPasscode("");
     openPicker();
     EXPECT_THAT(thumbnails(),
@@ -76,8 +52,8 @@ TEST_F(AlbumCoversTest, ARowShowsItsAlbumsCoverUnlessThatIsLockedOrMissing) {
 }
 
 TEST_F(AlbumCoversTest, NoFrameWaitsForACoverAndAKnownOneIsThereAtOnce) {
-    publishCover("a.bmp", 20);
-    publishAlbums({covered("A", "a.bmp")});
+    publishCover("a.jpg", 20);
+    publishAlbums({covered("A", "a.jpg")});
     publishPasscode("1");
     openPicker();
     EXPECT_EQ(thumbnail(0), "none") << "nothing is decoded behind the keypad";
@@ -132,11 +108,11 @@ TEST_F(AlbumCoversTest, KeepsTheCoversAskedForLast) {
 
 TEST_F(AlbumCoversTest, WhoHasGoneHearsNothing) {
     auto covers = std::make_shared<AlbumCovers>();
-    covers->load("a.bmp", [] { ADD_FAILURE() << "called for nobody"; });
+    covers->load("a.jpg", [] { ADD_FAILURE() << "called for nobody"; });
     covers.reset();
     loop_.runPending();
 
-    publishAlbums({covered("A", "a.bmp")});
+    publishAlbums({covered("A", "a.jpg")});
     publishPasscode("");
     openPicker();
     picker_->cellForRow(table(), {.row = 0, .section = 0});

@@ -6,38 +6,11 @@
 #include <rapidcheck.h>
 #include <rapidcheck/gtest.h>
 
-#include <map>
-
 namespace sela {
 namespace {
 
 using Albums = std::vector<SharedAlbum>;
-using testing::ElementsAre;
 using testing::IsEmpty;
-
-TEST(AlbumTree, PutsChildrenBelowTheLastParentOfTheirName) {
-    const Albums catalogue = {album({"A", "early"}),
-                              album({"A"}),
-                              album({"B", "y"}),
-                              album({"B"}),
-                              album({"A", "x"}),
-                              album({"D", "z"}),
-                              album({"A"}),
-                              album({"A", "f"}, true),
-                              album({}),
-                              album({"A", "x", "deep"})};
-    AlbumTree tree;
-    tree.load(catalogue, false);
-    EXPECT_EQ(tree.parentAlbums(), (Albums{album({"A"}), album({"B"}), album({"A"})}));
-    EXPECT_THAT(tree.childAlbums(), ElementsAre(Albums{}, Albums{album({"B", "y"})},
-                                                Albums{album({"A", "early"}), album({"A", "x"})}));
-    EXPECT_THAT(tree.showAlbums(),
-                ElementsAre(Albums{album({"A"})}, Albums{album({"B"})}, Albums{album({"A"})}));
-
-    tree.load(catalogue, true);
-    EXPECT_THAT(tree.parentAlbums(), IsEmpty()) << "children alone make no section";
-    EXPECT_FALSE(tree.sharedAlbumManagerAlbumNil());
-}
 
 TEST(AlbumTree, KnowsAnAbsentCatalogueFromAnEmptyOne) {
     AlbumTree tree;
@@ -65,10 +38,9 @@ TEST(AlbumTree, PlacesOutsideHoldNothing) {
     tree.load(Albums{album({"A"})}, false);
     for (const auto& [section, row] : {std::pair{-1, 0}, {1, 0}, {0, -1}, {0, 1}})
         EXPECT_EQ(tree.album(section, row), nullptr);
-    for (const int section : {-1, 0, 1}) {
-        EXPECT_FALSE(tree.toggleChildren(section));
+    for (const int section : {-1, 1})
         tree.clearPassword(section);
-    }
+    EXPECT_EQ(tree.parentAlbums(), Albums{album({"A"})});
 }
 
 /// The rows that a catalogue leads to, found by looking through all of it for each row.

@@ -19,10 +19,9 @@ rc::Gen<Passcode> somePasscode() {
         rc::gen::mapcat(rc::gen::element<std::size_t>(0, 1, 4, 4, 5, 6, 6, 7), [](std::size_t n) {
             return rc::gen::container<std::string>(n, rc::gen::element('1', '2'));
         });
-    return rc::gen::oneOf(rc::gen::map(digits, [](const std::string& text) { return Passcode(text); }),
-                          rc::gen::map(digits, [](const std::string& text) { return Passcode(text); }),
-                          rc::gen::map(digits, [](const std::string& text) { return Passcode(text); }),
-                          rc::gen::just(Passcode()));
+    return rc::gen::weightedOneOf<Passcode>(
+        {{3, rc::gen::map(digits, [](const std::string& text) { return Passcode(text); })},
+         {1, rc::gen::just(Passcode())}});
 }
 
 /// A digit to tap: mostly the next one of a code, so that codes are completed.

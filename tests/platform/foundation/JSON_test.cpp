@@ -48,7 +48,6 @@ TEST(JSONRecords, RefusesWhatIsWrong) {
     const std::string deep =
         R"([{"name":"a","flag":true,"path":[],"x":)" + std::string(40, '[') + std::string(40, ']') + "}]";
     const std::pair<std::string, const char*> cases[] = {
-        {"", "JSON"},
         {"[", "JSON"},
         {"[]]", "extra data"},
         {"{}", "expected an array"},
@@ -59,13 +58,10 @@ TEST(JSONRecords, RefusesWhatIsWrong) {
         {R"([{"name":1,"flag":true,"path":[]}])", R"("name" of record 0 is a number)"},
         {R"([{"name":null,"flag":true,"path":[]}])", R"("name" of record 0 is null)"},
         {R"([{"name":"a","flag":"true","path":[]}])", R"("flag" of record 0 is a text)"},
-        {R"([{"name":"a","flag":true,"path":"x"}])", R"("path" of record 0 is a text)"},
         {R"([{"name":"a","flag":true,"path":[true]}])", R"("path" of record 0 is a Boolean)"},
         {R"([{"name":"a","flag":true,"path":[["x"]]}])", R"("path" of record 0 is nested values)"},
-        {R"([{"name":{},"flag":true,"path":[]}])", R"("name" of record 0 is an object)"},
         {R"([{"name":"a","flag":true,"path":[],"note":7}])", R"("note" of record 0 is a number)"},
         {"[{\"name\":\"\xFF\",\"flag\":true,\"path\":[]}]", "JSON"},
-        {R"([{"name":"a",}])", "JSON"},
         {"[1,] // comment", "JSON"},
         {deep, "JSON"},
     };
@@ -74,19 +70,6 @@ TEST(JSONRecords, RefusesWhatIsWrong) {
         ASSERT_TRUE(error) << text;
         EXPECT_THAT(error->localizedDescription(), testing::HasSubstr(reason)) << text;
     }
-}
-
-TEST(JSONRecords, AnObjectKeepsOrderAndEqualKeys) {
-    const auto entries = decodeJSONObject<Record>(
-        asData(R"({"k":{"name":"1","flag":true,"path":[]},"a":{"name":"2","flag":true,"path":[]},)"
-               R"("k":{"name":"3","flag":true,"path":[]}})"));
-    ASSERT_TRUE(entries);
-    std::string order;
-    for (const auto& [key, record] : entries.value())
-        order += key + record.name;
-    EXPECT_EQ(order, "k1a2k3");
-    EXPECT_TRUE(decodeJSONObject<Record>(asData("[]")).error());
-    EXPECT_TRUE(decodeJSONObject<Record>(asData(R"({"k":[]})")).error());
 }
 
 RC_GTEST_PROP(JSONRecords, WhatIsWrittenReadsBack,

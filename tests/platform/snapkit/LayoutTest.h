@@ -1,22 +1,11 @@
 #pragma once
 
-#include "platform/foundation/NSLog.h"
-#include "platform/uikit/UIView.h"
-
-#include <gtest/gtest.h>
+#include "platform/uikit/ViewTest.h"
 
 #include <algorithm>
 #include <cmath>
-#include <ostream>
-#include <string>
-#include <vector>
 
 namespace sela {
-
-inline void PrintTo(const CGRect& rect, std::ostream* stream) {
-    *stream << "(" << rect.origin.x << ", " << rect.origin.y << ", " << rect.size.width << " x "
-            << rect.size.height << ")";
-}
 
 /// Expects a frame to 1e-9 points.
 inline void expectFrame(const UIView& view, const CGRect& expected) {
@@ -40,15 +29,5 @@ inline CGRect frameInRoot(const UIView& view) {
     }
     return frame;
 }
-
-/// The log lines that are written while it lives.
-class CapturedLog {
-public:
-    const std::vector<std::string>& lines() const { return lines_; }
-
-private:
-    std::vector<std::string> lines_;
-    LogRedirection redirection_{[this](const std::string& line) { lines_.push_back(line); }};
-};
 
 } // namespace sela

@@ -1,11 +1,13 @@
 #include "platform/snapkit/ConstraintViewDSL.h"
 
 #include "platform/snapkit/LayoutTest.h"
+#include "support/LogCapture.h"
 
 #include <rapidcheck.h>
 #include <rapidcheck/gtest.h>
 
 #include <cmath>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
@@ -16,73 +18,42 @@ namespace {
 
 using Attribute = ConstraintAttribute;
 
-double valueOf(const CGRect& frame, Attribute attribute) {
-    switch (attribute) {
-    case Attribute::left:
-    case Attribute::leading:
-        return frame.minX();
-    case Attribute::right:
-    case Attribute::trailing:
-        return frame.maxX();
-    case Attribute::top:
-        return frame.minY();
-    case Attribute::bottom:
-        return frame.maxY();
-    case Attribute::width:
-        return frame.size.width;
-    case Attribute::height:
-        return frame.size.height;
-    case Attribute::centerX:
-        return frame.midX();
-    case Attribute::centerY:
-        return frame.midY();
-    }
-    return 0;
-}
+/// An attribute, how a line begins with it, and its value in a frame.
+struct Measure {
+    Attribute attribute;
+    ConstraintMakerExtendable (*say)(ConstraintMaker&);
+    double (*of)(const CGRect&);
+};
 
-ConstraintMakerExtendable say(ConstraintMaker& make, Attribute attribute) {
-    switch (attribute) {
-    case Attribute::left:
-        return make.left();
-    case Attribute::right:
-        return make.right();
-    case Attribute::leading:
-        return make.leading();
-    case Attribute::trailing:
-        return make.trailing();
-    case Attribute::top:
-        return make.top();
-    case Attribute::bottom:
-        return make.bottom();
-    case Attribute::width:
-        return make.width();
-    case Attribute::height:
-        return make.height();
-    case Attribute::centerX:
-        return make.centerX();
-    case Attribute::centerY:
-        break;
-    }
-    return make.centerY();
-}
+// Those that can be related to each other: places from left to right, places downwards, sizes.
+const std::vector<Measure> measures[] = {
+    {{Attribute::left, [](auto& make) { return make.left(); }, [](auto& frame) { return frame.minX(); }},
+     {Attribute::right, [](auto& make) { return make.right(); }, [](auto& frame) { return frame.maxX(); }},
+     {Attribute::centerX, [](auto& make) { return make.centerX(); },
+      [](auto& frame) { return frame.midX(); }}},
+    {{Attribute::top, [](auto& make) { return make.top(); }, [](auto& frame) { return frame.minY(); }},
+     {Attribute::bottom, [](auto& make) { return make.bottom(); }, [](auto& frame) { return frame.maxY(); }},
+     {Attribute::centerY, [](auto& make) { return make.centerY(); },
+      [](auto& frame) { return frame.midY(); }}},
+    {{Attribute::width, [](auto& make) { return make.width(); },
+      [](auto& frame) { return frame.size.width; }},
+     {Attribute::height, [](auto& make) { return make.height(); },
+      [](auto& frame) { return frame.size.height; }}}};
 
 /// A line of layout and what it says, in the root's coordinates.
 struct Line {
     UIView* view;
-    Attribute attribute;
+    const Measure* measure;
     UIView* target;
-    Attribute targetAttribute;
+    const Measure* targetMeasure;
     double multiplier;
-    UIView* common; ///< what multiplied places count from
+    std::size_t kind; ///< of measures
+    UIView* common;   ///< what multiplied places count from
 
     double rightSide(const auto& frameOf) const {
-        const double target_ = valueOf(frameOf(*target), targetAttribute);
-        if (attribute == Attribute::width || attribute == Attribute::height)
-            return multiplier * target_;
-        const bool horizontal =
-            attribute == Attribute::left || attribute == Attribute::right || attribute == Attribute::centerX;
-        const double origin = valueOf(frameOf(*common), horizontal ? Attribute::left : Attribute::top);
-        return multiplier * (target_ - origin) + origin;
+        const CGPoint common_ = frameOf(*common).origin;
+        const double origin = kind == 0 ? common_.x : kind == 1 ? common_.y : 0;
+        return multiplier * (targetMeasure->of(frameOf(*target)) - origin) + origin;
     }
 };
 
@@ -121,8 +92,9 @@ private:
         auto view = std::make_shared<UIView>(meant);
         view->setName(std::to_string(views_.size()));
         if (superview) {
-            const CGPoint outer = this->meant(*superview).origin;
-            view->setFrame(meant.offsetBy(-outer.x, -outer.y));
+            const CGPoint outer = this->meant(*superview).origin, scrolled = superview->bounds().origin;
+            view->setFrame(meant.offsetBy(scrolled.x - outer.x, scrolled.y - outer.y));
+            view->setBounds({{0, *rc::gen::element(0.0, 0.0, 7.0)}, meant.size});
             superview->addSubview(*view);
         }
         views_.push_back(std::move(view));
@@ -152,25 +124,12 @@ private:
 };
 
 Line randomLine(const RandomTree& tree, UIView& view) {
-    constexpr Attribute horizontal[] = {Attribute::left, Attribute::right, Attribute::centerX};
-    constexpr Attribute vertical[] = {Attribute::top, Attribute::bottom, Attribute::centerY};
-    constexpr Attribute sizes[] = {Attribute::width, Attribute::height};
-    Line line{&view, {}, &tree.targetFor(view), {}, *rc::gen::element(1.0, 1.0, 1.0, 0.5, 2.0), &view};
-    const auto pick = [&line](const auto& attributes) {
-        line.attribute = *rc::gen::elementOf(std::vector(std::begin(attributes), std::end(attributes)));
-        line.targetAttribute = *rc::gen::elementOf(std::vector(std::begin(attributes), std::end(attributes)));
+    const auto kind = *rc::gen::inRange<std::size_t>(0, std::size(measures));
+    const auto measure = [&] {
+        return &measures[kind][*rc::gen::inRange<std::size_t>(0, measures[kind].size())];
     };
-    switch (*rc::gen::inRange(0, 3)) {
-    case 0:
-        pick(horizontal);
-        break;
-    case 1:
-        pick(vertical);
-        break;
-    default:
-        pick(sizes);
-        break;
-    }
+    const double multiplier = *rc::gen::element(1.0, 1.0, 1.0, 0.5, 2.0);
+    Line line{&view, measure(), &tree.targetFor(view), measure(), multiplier, kind, &view};
     while (!line.target->isDescendant(*line.common))
         line.common = line.common->superview();
     return line;
@@ -178,16 +137,16 @@ Line randomLine(const RandomTree& tree, UIView& view) {
 
 RC_GTEST_PROP(LayoutProperties, LinesThatHaveACommonSolutionAllHold, ()) {
     RandomTree tree;
-    const CapturedLog log;
+    const LogCapture log;
     std::vector<std::pair<Line, double>> said;
     const auto meant = [&](const UIView& view) { return tree.meant(view); };
     for (const auto& view : tree.views())
         for (int i = 0; i < tree.lines(*view); ++i) {
             const Line line = randomLine(tree, *view);
-            const double constant = valueOf(meant(*view), line.attribute) - line.rightSide(meant);
+            const double constant = line.measure->of(meant(*view)) - line.rightSide(meant);
             view->snp().makeConstraints([&](ConstraintMaker& make) {
-                say(make, line.attribute)
-                    .equalTo(ConstraintItem{*line.target, {line.targetAttribute}})
+                line.measure->say(make)
+                    .equalTo(ConstraintItem{*line.target, {line.targetMeasure->attribute}})
                     .multipliedBy(line.multiplier)
                     .offset(constant);
             });
@@ -195,7 +154,7 @@ RC_GTEST_PROP(LayoutProperties, LinesThatHaveACommonSolutionAllHold, ()) {
         }
     tree.root().layoutIfNeeded();
     for (const auto& [line, constant] : said) {
-        const double left = valueOf(frameInRoot(*line.view), line.attribute);
+        const double left = line.measure->of(frameInRoot(*line.view));
         const double right = line.rightSide(frameInRoot) + constant;
         RC_ASSERT(std::abs(left - right) <= 1e-6);
     }

@@ -4,84 +4,78 @@
 #include <rapidcheck.h>
 #include <rapidcheck/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <map>
+#include <utility>
 #include <vector>
 
 namespace sela {
 namespace {
 
 using Outcome = LinearSystem::Outcome;
+using Values = std::map<Variable, double>;
 
-/// An equation as a test makes it: coefficients of a few variables out of `variables`.
-LinearExpression randomEquation(int variables) {
-    LinearExpression equation(*rc::gen::inRange(-400, 400) * 0.25);
-    const int terms = *rc::gen::inRange(1, 5);
-    for (int i = 0; i < terms; ++i) {
-        const auto variable = static_cast<Variable>(*rc::gen::inRange(0, variables));
-        equation.add(variable, *rc::gen::element(-1.0, 1.0, -0.5, 0.5, 2.0, 0.1, 1.0 / 3));
+/// A system of up to 29 variables and a solution that equations may be made to have.
+struct Unknowns {
+    LinearSystem system;
+    Values solution;
+
+    Unknowns() {
+        for (int left = *rc::gen::inRange(1, 30); left > 0; --left)
+            solution[system.addVariable()] = *rc::gen::inRange(-1000, 1000) * 0.5;
     }
-    return equation;
-}
 
-double residual(const LinearExpression& equation, const std::vector<double>& values) {
+    LinearExpression randomEquation() const {
+        LinearExpression equation(*rc::gen::inRange(-400, 400) * 0.25);
+        for (int terms = *rc::gen::inRange(1, 5); terms > 0; --terms)
+            equation.add(static_cast<Variable>(*rc::gen::inRange<std::size_t>(0, solution.size())),
+                         *rc::gen::element(-1.0, 1.0, -0.5, 0.5, 2.0, 0.1, 1.0 / 3));
+        return equation;
+    }
+};
+
+/// What an equation leaves over, and the largest number that goes into it.
+std::pair<double, double> residual(const LinearExpression& equation, const Values& values) {
     double sum = equation.constant();
-    for (const Term& term : equation.terms())
-        sum += term.coefficient * values[static_cast<std::size_t>(term.variable)];
-    return sum;
-}
-
-double magnitude(const LinearExpression& equation, const std::vector<double>& values) {
-    double largest = std::max(1.0, std::abs(equation.constant()));
-    for (const Term& term : equation.terms())
-        largest =
-            std::max(largest, std::abs(term.coefficient * values[static_cast<std::size_t>(term.variable)]));
-    return largest;
-}
-
-/// Gives every variable that is still open the value 0 and returns all values.
-std::vector<double> settle(LinearSystem& system, int variables) {
-    std::vector<double> values;
-    for (int i = 0; i < variables; ++i)
-        system.assign(static_cast<Variable>(i), 0);
-    for (int i = 0; i < variables; ++i)
-        values.push_back(system.value(static_cast<Variable>(i)).value());
-    return values;
+    double largest = std::max(1.0, std::abs(sum));
+    for (const Term& term : equation.terms()) {
+        const double summand = term.coefficient * values.at(term.variable);
+        sum += summand;
+        largest = std::max(largest, std::abs(summand));
+    }
+    return {sum, largest};
 }
 
 RC_GTEST_PROP(LinearSystemProperties, EveryEquationThatIsNotRefusedHolds, ()) {
-    const int variables = *rc::gen::inRange(1, 30);
-    LinearSystem system;
-    for (int i = 0; i < variables; ++i)
-        system.addVariable();
+    Unknowns unknowns;
     std::vector<LinearExpression> accepted;
-    const int equations = *rc::gen::inRange(1, 40);
-    for (int i = 0; i < equations; ++i) {
-        LinearExpression equation = randomEquation(variables);
-        if (system.addEquation(equation) != Outcome::contradiction)
+    for (int left = *rc::gen::inRange(1, 40); left > 0; --left) {
+        LinearExpression equation = unknowns.randomEquation();
+        if (unknowns.system.addEquation(equation) != Outcome::contradiction)
             accepted.push_back(std::move(equation));
     }
-    const std::vector<double> values = settle(system, variables);
-    for (const LinearExpression& equation : accepted)
-        RC_ASSERT(std::abs(residual(equation, values)) <= 1e-7 * magnitude(equation, values));
+    for (const auto& [variable, ignored] : unknowns.solution)
+        unknowns.system.assign(variable, 0); // what is still open
+    Values values;
+    for (const auto& [variable, ignored] : unknowns.solution)
+        values[variable] = unknowns.system.value(variable).value();
+    for (const LinearExpression& equation : accepted) {
+        const auto [rest, largest] = residual(equation, values);
+        RC_ASSERT(std::abs(rest) <= 1e-7 * largest);
+    }
 }
 
 RC_GTEST_PROP(LinearSystemProperties, EquationsWithACommonSolutionAreNeverRefused, ()) {
-    const int variables = *rc::gen::inRange(1, 30);
-    LinearSystem system;
-    std::vector<double> solution;
-    for (int i = 0; i < variables; ++i) {
-        system.addVariable();
-        solution.push_back(*rc::gen::inRange(-1000, 1000) * 0.5);
+    Unknowns unknowns;
+    for (int left = *rc::gen::inRange(1, 60); left > 0; --left) {
+        LinearExpression equation = unknowns.randomEquation();
+        equation.add(-residual(equation, unknowns.solution).first);
+        RC_ASSERT(unknowns.system.addEquation(equation) != Outcome::contradiction);
     }
-    const int equations = *rc::gen::inRange(1, 60);
-    for (int i = 0; i < equations; ++i) {
-        LinearExpression equation = randomEquation(variables);
-        equation.add(-residual(equation, solution));
-        RC_ASSERT(system.addEquation(equation) != Outcome::contradiction);
-    }
-    for (int i = 0; i < variables; ++i)
-        if (const auto value = system.value(static_cast<Variable>(i)))
-            RC_ASSERT(std::abs(*value - solution[static_cast<std::size_t>(i)]) <= 1e-6);
+    for (const auto& [variable, solution] : unknowns.solution)
+        if (const auto value = unknowns.system.value(variable))
+            RC_ASSERT(std::abs(*value - solution) <= 1e-6);
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 #include "platform/uikit/ViewTest.h"
 
 namespace sela {
-
 namespace {
 
 class DisplayTest : public ViewTest {
@@ -34,11 +33,7 @@ TEST_F(DisplayTest, AChangeDrawsWhatItCoversAndNothingElse) {
         {"a text", [&] { label.setText("x"); }, {110, 110, 20, 10}},
         {"the same text", [&] { label.setText("x"); }, {}},
         {"a background", [&] { view.setBackgroundColor(UIColor::black()); }, {100, 100, 80, 40}},
-        {"a move, from and to",
-         [&] {
-             label.setCenter({70, 15});
-         },
-         {110, 110, 70, 10}},
+        {"a move, from and to", [&] { label.setFrame(CGRect(60, 10, 20, 10)); }, {110, 110, 70, 10}},
         {"hiding", [&] { label.setHidden(true); }, {160, 110, 20, 10}},
         {"a part outside",
          [&] {
@@ -107,18 +102,5 @@ TEST_F(DisplayTest, WhoeverDrawsIsWokenOncePerFrame) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(DisplayTest, AViewIsFoundByItsNameTheTopmostFirst) {
-    UIView covered;
-    covered.setName("label");
-    view.insertSubview(covered, 0);
-    EXPECT_EQ(window.viewNamed("label"), &covered);
-    label.setName("label");
-    EXPECT_EQ(window.viewNamed("label"), &label);
-    EXPECT_EQ(window.viewNamed("none"), nullptr);
-    EXPECT_EQ(label.className(), "UILabel");
-    EXPECT_EQ(window.className(), "UIWindow");
-}
-
 } // namespace
-
 } // namespace sela

@@ -1,4 +1,4 @@
-#include "host/ProbeController.h"
+#include "host/ProbeWindow.h"
 
 namespace sela {
 
@@ -54,8 +54,6 @@ void ProbeController::place(UIButton& button, const char* name, const CGRect& fr
 
 void ProbeController::buttonTouched(UIButton& button) {
     touched.push_back(button.name());
-    if (&button == &cancelButton && onCancel)
-        onCancel();
 }
 
 UITableViewCell& ProbeController::cellForRow(UITableView& table, const IndexPath& indexPath) {

@@ -1,4 +1,3 @@
-#include "platform/media/UIImage.h"
 #include "platform/uikit/UIColor.h"
 
 #include <gtest/gtest.h>
@@ -43,21 +42,6 @@ TEST(NamedColors, KeepTextReadableInEveryAppearance) {
                     << (style == UIUserInterfaceStyle::dark ? ", dark" : ", light");
                 EXPECT_EQ(UIColor::named(text).resolve(traits).alpha, 1);
             }
-}
-
-TEST(NamedImages, HaveTheSizesThatTheScreensCountOn) {
-    const struct {
-        const char* name;
-        double width;
-        double height;
-    } images[] = {{"Success", 56, 56},     {"Disclosure", 8, 13},   {"Back", 12, 20},
-                  {"EmptyFolder", 40, 40}, {"AlbumLocked", 40, 40}, {"arrow_down_circle", 20, 20}};
-    for (const auto& [name, width, height] : images) {
-        const auto image = UIImage::named(name);
-        ASSERT_TRUE(image) << name;
-        EXPECT_EQ(image->width(), width) << name;
-        EXPECT_EQ(image->height(), height) << name;
-    }
 }
 
 } // namespace

@@ -1,0 +1,191 @@
+#include "platform/uikit/UIViewController.h"
+#include "platform/uikit/ViewTest.h"
+#include "support/LogCapture.h"
+#include "ui/SelaShareExtensionAlbumCell.h"
+#include "ui/SelaShareExtensionTopBar.h"
+#include "ui/SelaShareExtensionTopBarDelegate.h"
+#include "ui/UIScale.h"
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace sela {
+namespace {
+
+using testing::ElementsAre;
+
+/// A window for one control.
+class ControlTest : public ViewTest {
+protected:
+    ControlTest() { window.setScreenSize({400, 480}); }
+
+    void show(UIView& control, const CGRect& frame) {
+        window.addSubview(control);
+        control.setFrame(frame);
+        window.prepareFrame();
+    }
+
+    LogCapture log_;
+};
+
+class AUIButtonTest : public ControlTest {
+protected:
+    AUIButtonTest() { show(button_, {100, 100, 60, 40}); }
+
+    AUIButton button_;
+};
+
+TEST_F(AUIButtonTest, ReportsTapsOverItsWholeAreaWhateverItShows) {
+    tap({130, 120});
+    std::vector<AUIButton*> tapped;
+    button_.setCallback([&](AUIButton& button) { tapped.push_back(&button); });
+    for (const bool showsNothing : {true, false}) {
+        tapped.clear();
+        button_.titleLabel().setHidden(showsNothing);
+        button_.imageView().setHidden(showsNothing);
+        for (const CGPoint point : {CGPoint{100, 100}, CGPoint{159, 139}, CGPoint{130, 120}})
+            tap(point);
+        EXPECT_THAT(tapped, ElementsAre(&button_, &button_, &button_));
+        for (const CGPoint outside : {CGPoint{99, 120}, CGPoint{160, 120}, CGPoint{130, 140}})
+            tap(outside);
+        EXPECT_EQ(tapped.size(), 3u);
+    }
+}
+
+TEST_F(AUIButtonTest, ACallbackMayTakeItselfAway) {
+    int taps = 0;
+    button_.setCallback([&](AUIButton& button) {
+        button.setCallback(nullptr);
+        ++taps;
+    });
+    tap({130, 120});
+    tap({130, 120});
+    EXPECT_EQ(taps, 1);
+}
+
+TEST_F(AUIButtonTest, TitleAndImageFillIt) {
+    button_.setFrame({0, 0, 20, 80});
+    window.prepareFrame();
+    EXPECT_EQ(button_.titleLabel().frame(), (CGRect{0, 0, 20, 80}));
+    EXPECT_EQ(button_.imageView().frame(), (CGRect{0, 0, 20, 80}));
+}
+
+TEST_F(AUIButtonTest, ATintColoursTitleAndImageAndNoTintChangesNothing) {
+    const UIColor red(1, 0, 0, 1);
+    button_.setTintColor(red);
+    button_.setTintColor(std::nullopt);
+    EXPECT_EQ(button_.titleLabel().textColor(), red);
+    EXPECT_EQ(button_.imageView().tintColor(), red);
+    EXPECT_EQ(button_.tintColor(), red);
+}
+
+class AlbumCellTest : public ControlTest {
+protected:
+    void expectFrames(double thumbnailLeft, double titleRight) {
+        window.prepareFrame();
+        EXPECT_EQ(cell_.thumbnailView().frame(), CGRect(thumbnailLeft, 7.5, 40, 40));
+        EXPECT_EQ(cell_.lockIcon().frame(), cell_.thumbnailView().frame());
+        const double titleLeft = thumbnailLeft + 40 + 24;
+        EXPECT_EQ(cell_.titleLabel().frame(), CGRect(titleLeft, 0, titleRight - titleLeft, 55));
+        EXPECT_EQ(cell_.showChildButton().frame(), CGRect(cell_.bounds().size.width - 55, 0, 55, 55));
+        EXPECT_EQ(cell_.showChildButton().imageView().frame(), CGRect(17.5, 17.5, 20, 20));
+    }
+
+    SelaShareExtensionAlbumCell cell_{UITableViewCell::Style::normal, "cell"};
+};
+
+TEST_F(AlbumCellTest, LaysOutParentsAndChildrenWithAndWithoutTheirControl) {
+    for (const double width : {320.0, 375.0}) {
+        show(cell_, {0, 0, width, SelaShareExtensionAlbumCell::rowHeight});
+        expectFrames(30, width - 55);
+        cell_.layoutTitleWithoutShowChildButton();
+        expectFrames(30, width);
+        cell_.layoutThumbnailOfChild();
+        expectFrames(48, width);
+        cell_.layoutTitleWithShowChildButton();
+        expectFrames(48, width - 55);
+        cell_.layoutThumbnailOfParent();
+        expectFrames(30, width - 55);
+    }
+    // Only the arrow's two widths contradict each other, and that is told once in a process.
+    EXPECT_THAT(log_.lines(), testing::Each(testing::HasSubstr("the width of UIImageView imageView")));
+}
+
+TEST_F(AlbumCellTest, ItsControlTakesTapsOverTheWholeRowsHeightAlsoWithoutTheImage) {
+    show(cell_, {0, 0, 320, SelaShareExtensionAlbumCell::rowHeight});
+    int taps = 0;
+    cell_.showChildButton().setCallback([&](AUIButton&) { ++taps; });
+    cell_.showChildButton().imageView().setHidden(true);
+    for (const CGPoint point : {CGPoint{266, 0}, CGPoint{266, 54}, CGPoint{319, 27}, CGPoint{264, 27}})
+        tap(point);
+    EXPECT_EQ(taps, 3);
+}
+
+struct RecordingDelegate : SelaShareExtensionTopBarDelegate {
+    void topBarLeftButtonTouched() override { touched += "L"; }
+    void topBarRightButtonTouched() override { touched += "R"; }
+    std::string touched;
+};
+
+class TopBarTest : public ControlTest {
+protected:
+    SelaShareExtensionTopBar bar_{CGRect(0, 0, 320, 44)};
+};
+
+TEST_F(TopBarTest, LeavesTheTitleWhatTheButtonsLeave) {
+    bar_.leftButton().setTitle("Back");
+    bar_.rightButton().setTitle("Done");
+    for (const auto& [width, height] : {CGSize{320, 44}, CGSize{160, 44}, CGSize{100, 60}}) {
+        show(bar_, {0, 20, width, height});
+        EXPECT_EQ(bar_.leftButton().frame(), CGRect(0, 0, 80, height)) << width;
+        EXPECT_EQ(bar_.rightButton().frame(), CGRect(width - 80, 0, 80, height)) << width;
+        EXPECT_EQ(bar_.titleLabel().bounds().size, (CGSize{width - 160, height})) << width;
+        EXPECT_EQ(bar_.titleLabel().center(), (CGPoint{width / 2, height / 2})) << width;
+        EXPECT_NEAR(bar_.leftButton().titleLabel().frame().minX(), 16, 1e-9);
+        EXPECT_NEAR(bar_.rightButton().titleLabel().frame().maxX(), 80 - 16, 1e-9);
+    }
+}
+
+TEST_F(TopBarTest, TellsItsDelegateOfTapsWhileThereIsOne) {
+    show(bar_, {0, 0, 320, 44});
+    tap({10, 10});
+    auto delegate = std::make_shared<RecordingDelegate>();
+    bar_.setDelegate(delegate);
+    tap({10, 10});
+    tap({310, 40});
+    tap({160, 20});
+    EXPECT_EQ(delegate->touched, "LR");
+    delegate.reset();
+    EXPECT_TRUE(bar_.delegate().expired()) << "it does not keep its delegate";
+    tap({10, 10});
+}
+
+TEST(UIScale, FollowsTheShorterSideAndJumpsAtATabletsWidth) {
+    const struct {
+        CGSize size;
+        double scale;
+    } cases[] = {
+        {{320, 568}, 320.0 / 375},
+        {{375, 667}, 1.0},
+        {{414, 896}, 414.0 / 375},
+        {{667, 375}, 1.0},
+        {{450, 900}, 1.2},
+        {{765, 1024}, 2.04},
+        {{767, 2000}, 767.0 / 375},
+        {{768, 1024}, 1.0},
+        {{1024, 768}, 1.0},
+        {{1024, 1366}, 1024.0 / 768},
+        {{0, 667}, 0.0},
+    };
+    for (const auto& [size, scale] : cases) {
+        const auto controller = std::make_shared<UIViewController>();
+        controller->view().setFrame({{10, 20}, size});
+        EXPECT_DOUBLE_EQ(getUIScale(*controller), scale) << size.width << " x " << size.height;
+    }
+}
+
+} // namespace
+} // namespace sela
