@@ -5,6 +5,7 @@ import json
 import os
 import pathlib
 import platform
+import re
 import shutil
 import statistics
 import subprocess
@@ -129,7 +130,7 @@ class Bench:
              "--benchmark_report_aggregates_only=true"],
             env=self.environment, check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True).stdout
         scale = {"ns": 1e-6, "us": 1e-3, "ms": 1, "s": 1e3}
-        return {benchmark["run_name"].removesuffix("/real_time"):
+        return {re.sub(r"/(iterations:\d+|real_time)", "", benchmark["run_name"]):
                 benchmark["real_time"] * scale[benchmark["time_unit"]]
                 for benchmark in json.loads(output)["benchmarks"] if benchmark["aggregate_name"] == "median"}
 
