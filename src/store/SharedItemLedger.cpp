@@ -113,11 +113,9 @@ Result<std::vector<Entry>> decode(DataView ledger) {
 
 Result<bool> contains(DataView ledger, std::string_view key) {
     bool found = false;
-    SharedItem item;
     const auto next = [&](std::string_view entryKey) -> void* {
         found = found || entryKey == key;
-        item = SharedItem();
-        return &item;
+        return nullptr;
     };
     if (ErrorRef error = readJSONObject(ledger, SharedItem::jsonFields(), next))
         return error;
@@ -138,14 +136,15 @@ std::optional<Data> adding(DataView ledger, std::string_view key, const SharedIt
     std::string_view body = asText(ledger);
     body = body.substr(0, body.rfind('}'));
     const bool empty = body[body.find_last_not_of(whiteSpace)] == '{';
-    std::string grown;
-    grown.reserve(body.size() + entry->size() + roomStep);
-    grown.append(body);
+    const std::string_view text = asText(*entry);
+    const std::size_t used = body.size() + (empty ? 0 : 1) + text.size() - 1;
+    // Made at its length at once: of a long ledger every copy counts.
+    Data grown(lengthWithRoom(used, ledger.size()), std::byte{' '});
+    auto end = std::ranges::copy(asData(body), grown.begin()).out;
     if (!empty)
-        grown += ',';
-    grown.append(asText(*entry).substr(1));
-    grown.resize(lengthWithRoom(grown.size(), ledger.size()), ' ');
-    return toData(grown);
+        *end++ = std::byte{','};
+    std::ranges::copy(asData(text.substr(1)), end);
+    return grown;
 }
 
 Result<std::optional<Data>> removing(DataView ledger, const Entry& entry) {

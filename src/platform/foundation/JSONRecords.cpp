@@ -2,6 +2,7 @@
 
 #include <boost/json/basic_parser_impl.hpp>
 #include <cstdint>
+#include <utility>
 
 namespace sela {
 
@@ -54,20 +55,11 @@ public:
     }
     bool on_string(string_view part, std::size_t, error_code& ec) {
         text_.append(part.data(), part.size());
-        std::string text;
-        text.swap(text_);
-        if (isPassedOver())
-            return true;
-        if (level_ == 3) {
-            static_cast<std::vector<std::string>*>(place_)->push_back(std::move(text));
-            return true;
-        }
-        if (level_ == 2 && field_->kind == JSONField::Kind::text)
-            *static_cast<std::string*>(place_) = std::move(text);
-        else if (level_ == 2 && field_->kind == JSONField::Kind::optionalText)
-            *static_cast<std::optional<std::string>*>(place_) = std::move(text);
-        else
+        if (!isPassedOver() && !takesText())
             return wrongType("a text", ec);
+        if (!isPassedOver() && record_)
+            store(std::exchange(text_, {}));
+        text_.clear();
         return true;
     }
     bool on_number_part(string_view, error_code&) { return true; }
@@ -85,7 +77,8 @@ public:
             return true;
         if (level_ != 2 || field_->kind != JSONField::Kind::boolean)
             return wrongType("a Boolean", ec);
-        *static_cast<bool*>(place_) = value;
+        if (record_)
+            *static_cast<bool*>(place_) = value;
         return true;
     }
     bool on_null(error_code& ec) {
@@ -93,7 +86,8 @@ public:
             return true;
         if (level_ != 2 || field_->kind != JSONField::Kind::optionalText)
             return wrongType("null", ec);
-        static_cast<std::optional<std::string>*>(place_)->reset();
+        if (record_)
+            static_cast<std::optional<std::string>*>(place_)->reset();
         return true;
     }
     bool on_comment_part(string_view, error_code&) { return true; }
@@ -103,13 +97,28 @@ private:
     /// Whether the value at hand belongs to a member without a field.
     bool isPassedOver() const { return skippedFrom_ != 0 || (level_ == 2 && !field_); }
 
+    bool takesText() const {
+        return level_ == 3 || (level_ == 2 && (field_->kind == JSONField::Kind::text ||
+                                               field_->kind == JSONField::Kind::optionalText));
+    }
+
+    /// Puts a text where it belongs.
+    void store(std::string text) {
+        if (level_ == 3)
+            static_cast<std::vector<std::string>*>(place_)->push_back(std::move(text));
+        else if (field_->kind == JSONField::Kind::text)
+            *static_cast<std::string*>(place_) = std::move(text);
+        else
+            *static_cast<std::optional<std::string>*>(place_) = std::move(text);
+    }
+
     void selectField() {
         field_ = nullptr;
         for (std::size_t i = 0; i < fields_.size(); ++i) {
             if (fields_[i].key != text_)
                 continue;
             field_ = &fields_[i];
-            place_ = field_->locate(record_);
+            place_ = record_ ? field_->locate(record_) : nullptr;
             seen_[i] = true;
         }
     }
@@ -137,7 +146,8 @@ private:
         case 2:
             if (kind != Container::array || field_->kind != JSONField::Kind::texts)
                 return wrongType(kind == Container::array ? "an array" : "an object", ec);
-            static_cast<std::vector<std::string>*>(place_)->clear();
+            if (record_)
+                static_cast<std::vector<std::string>*>(place_)->clear();
             break;
         default:
             return wrongType("nested values", ec);
@@ -188,7 +198,7 @@ private:
     int skippedFrom_ = 0; ///< the level whose end ends the skipping; 0: nothing is skipped
     std::string text_;    ///< parts of a key or text that the parser hands over piecewise
     std::string recordKey_;
-    void* record_ = nullptr;
+    void* record_ = nullptr; ///< null while a record is only checked
     const JSONField* field_ = nullptr;
     void* place_ = nullptr;
     std::vector<bool> seen_;

@@ -63,7 +63,7 @@ constexpr JSONField jsonField(std::string_view key) {
 }
 
 /// Called at the start of each record with its key (empty inside an array); returns the record to fill,
-/// freshly made, which stays where it is until the next call.
+/// freshly made, which stays where it is until the next call, or null for one that is only to be checked.
 using JSONRecordSource = std::function<void*(std::string_view key)>;
 
 /// Reads a JSON array, or a JSON object, whose elements are records with these fields, and nothing behind it
