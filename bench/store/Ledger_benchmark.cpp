@@ -50,17 +50,16 @@ void recordItem(benchmark::State& state) {
         record();
 }
 
-/// So many items that a long ledger gets more room once among them.
-constexpr int recordings = 400;
+void forEachLength(benchmark::internal::Benchmark* made) {
+    made->Arg(10)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+}
 
-BENCHMARK(recordItem)
-    ->Arg(10)
-    ->Arg(100)
-    ->Arg(1000)
-    ->Arg(10000)
-    ->Iterations(recordings)
-    ->UseRealTime()
-    ->Unit(benchmark::kMicrosecond);
+/// With so many items that a long ledger gets more room once among them.
+void forEachRecording(benchmark::internal::Benchmark* made) {
+    made->Apply(forEachLength)->Iterations(400)->UseRealTime();
+}
+
+BENCHMARK(recordItem)->Apply(forEachRecording);
 
 /// The parts of recording that are not storing.
 void findItem(benchmark::State& state) {
@@ -69,7 +68,7 @@ void findItem(benchmark::State& state) {
     for (auto _ : state)
         benchmark::DoNotOptimize(SharedItemLedger::contains(ledger, key).value());
 }
-BENCHMARK(findItem)->Arg(10)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(findItem)->Apply(forEachLength);
 
 void spliceItem(benchmark::State& state) {
     const Data ledger = ledgerOf(state.range(0));
@@ -77,7 +76,7 @@ void spliceItem(benchmark::State& state) {
     for (auto _ : state)
         benchmark::DoNotOptimize(SharedItemLedger::adding(ledger, SharedItemLedger::key(item), item));
 }
-BENCHMARK(spliceItem)->Arg(10)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(spliceItem)->Apply(forEachLength);
 
 class Table {
 public:
@@ -123,14 +122,7 @@ void insertRow(benchmark::State& state) {
     for (auto _ : state)
         table.insert(number++);
 }
-BENCHMARK(insertRow)
-    ->Arg(10)
-    ->Arg(100)
-    ->Arg(1000)
-    ->Arg(10000)
-    ->Iterations(recordings)
-    ->UseRealTime()
-    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(insertRow)->Apply(forEachRecording);
 
 } // namespace
 } // namespace sela

@@ -81,7 +81,7 @@ class Bench:
         return list((self.home / "data/sela/groups" / GROUP / "Items").glob("*"))
 
     def hurried(self):
-        """The clock that the end-to-end tests use: animations and delays take a twentieth of their time."""
+        """The clock that the end-to-end tests use: animations and delays take a sixtieth of their time."""
         return self.environment | {"LD_PRELOAD": str(self.bin.parent / "tests/e2e/sela-fast-clock.so"),
                                    "SELA_CLOCK_SPEED": "60"}
 
