@@ -4,6 +4,7 @@
 #include "BenchHome.h"
 #include "platform/foundation/Data.h"
 #include "platform/foundation/FatalError.h"
+#include "platform/foundation/Heap.h"
 #include "platform/foundation/NSLog.h"
 #include "store/LedgerUpdate.h"
 #include "store/SharedFolder.h"
@@ -128,6 +129,7 @@ BENCHMARK(insertRow)->Apply(forEachRecording);
 } // namespace sela
 
 int main(int argc, char** argv) {
+    sela::keepFreedMemory();
     const sela::BenchHome home;
     sela::home = home.path();
     benchmark::Initialize(&argc, argv);

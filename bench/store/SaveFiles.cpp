@@ -4,6 +4,7 @@
 
 #include "platform/foundation/FatalError.h"
 #include "platform/foundation/HeadlessMainLoop.h"
+#include "platform/foundation/Heap.h"
 #include "platform/foundation/ScopedMainQueue.h"
 #include "platform/foundation/TimeText.h"
 #include "store/SharedItemManager.h"
@@ -11,6 +12,7 @@
 #include <functional>
 
 int main(int argc, char** argv) {
+    sela::keepFreedMemory();
     sela::HeadlessMainLoop loop;
     const sela::ScopedMainQueue scope(loop);
     const std::function<void(int)> save = [&](int index) {

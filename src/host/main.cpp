@@ -5,6 +5,7 @@
 #include "host/ShareRequest.h"
 #include "host/ShareWindow.h"
 #include "platform/foundation/Bundle.h"
+#include "platform/foundation/Heap.h"
 #include "platform/foundation/NSLog.h"
 #include "share/PrincipalClasses.h"
 #include "share/SelaShareExtensionVc.h"
@@ -118,6 +119,7 @@ int share(const sela::CommandLine& line) {
 } // namespace
 
 int main(int argc, char** argv) {
+    sela::keepFreedMemory();
     // A file that would exceed a limit is an error of its write, not the end of the process.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
