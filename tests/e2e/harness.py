@@ -24,6 +24,33 @@ CATALOGUE = [
 ]
 
 
+def views(tree):
+    """Every view of a tree, in order."""
+    yield tree
+    for view in tree["subviews"]:
+        yield from views(view)
+
+
+class Screen:
+    """A --tree file."""
+
+    def __init__(self, path):
+        self.root = json.loads(pathlib.Path(path).read_text())
+
+    def view(self, name):
+        return next(view for view in views(self.root) if view["name"] == name)
+
+    def shown_texts(self):
+        def walk(view):
+            if view["hidden"] or view["alpha"] == 0:
+                return
+            yield view.get("text", "")
+            for below in view["subviews"]:
+                yield from walk(below)
+
+        return [text for text in walk(self.root) if text]
+
+
 class HomeTest(unittest.TestCase):
     def setUp(self):
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="sela-e2e-"))
@@ -64,6 +91,15 @@ class HomeTest(unittest.TestCase):
         """Shares files and taps Add."""
         return self.share(*files, "--tap", "addButton", **options)
 
+    def start_share(self, *arguments):
+        """Starts a share without a window, whose log can be read."""
+        process = subprocess.Popen([BIN / "sela-share", "--headless", *map(os.fsencode, arguments)],
+                                   env=self.environment, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        self.addCleanup(process.stderr.close)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        return process
+
     def provision(self, passcode="123456", decoy="0000"):
         self.vault("init")
         catalogue = self.write("catalogue.json", json.dumps(CATALOGUE).encode())
@@ -102,8 +138,8 @@ class WindowTest(HomeTest):
         super().setUp()
         self.provision()
         read, write = os.pipe()
-        self.display = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "600x800x24", "-nolisten", "tcp"],
-                                        pass_fds=[write], stderr=subprocess.DEVNULL)
+        self.display = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "600x800x24",
+                                         "-nolisten", "tcp"], pass_fds=[write], stderr=subprocess.DEVNULL)
         os.close(write)
         self.addCleanup(self.display.wait)
         self.addCleanup(self.display.terminate)

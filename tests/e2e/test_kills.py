@@ -34,21 +34,21 @@ class Kills(HomeTest):
         self.killed = self.entries_seen = 0
         self.tail = os.urandom(max(SIZES))
 
-    def start(self, name, *arguments):
+    def begin(self, name, *arguments):
         return subprocess.Popen([BIN / name, *map(os.fsencode, arguments)], env=self.fast,
                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
-    def start_share(self, label):
+    def begin_share(self, label):
         files = []
         for size in SIZES:
             name = f"{label}-{size}.jpg"
             content = (name.encode() + self.tail)[:size] if size > 10 else os.urandom(size)
             files.append(self.write("source/" + name, content))
             self.digests[name] = hashlib.sha256(content).digest()
-        return self.start("sela-share", "--headless", "--tap-now", "addButton", *files)
+        return self.begin("sela-share", "--headless", "--tap-now", "addButton", *files)
 
-    def start_import(self):
-        return self.start("sela-vault", "import", "--into", self.into)
+    def begin_import(self):
+        return self.begin("sela-vault", "import", "--into", self.into)
 
     def kill(self, process, program):
         alive = process.poll() is None
@@ -62,10 +62,10 @@ class Kills(HomeTest):
         """Two shares and, at some moment, an import, each killed at some moment of its run."""
         begin = time.monotonic()
         import_start = chance.uniform(0, self.lengths["share"])
-        plan = [(chance.uniform(0, self.lengths["share"]), self.kill, self.start_share(f"{label}-{name}"), "share")
+        plan = [(chance.uniform(0, self.lengths["share"]), self.kill, self.begin_share(f"{label}-{name}"), "share")
                 for name in ("a", "b")]
         plan.append((import_start, lambda: plan.append(
-            (import_start + chance.uniform(0, self.lengths["import"]), self.kill, self.start_import(), "import"))))
+            (import_start + chance.uniform(0, self.lengths["import"]), self.kill, self.begin_import(), "import"))))
         while plan:
             moment, action, *arguments = plan.pop(plan.index(min(plan, key=lambda step: step[0])))
             time.sleep(max(0, begin + moment - time.monotonic()))
@@ -110,25 +110,6 @@ class Kills(HomeTest):
                 self.end_season()
         self.end_season()
         self.assertGreater(self.entries_seen, KILLS // 8, "the kills left nothing to look at")
-
-
-class AtOnce(HomeTest):
-    def test_ten_shares_and_imports_at_once_lose_nothing(self):
-        self.provision()
-        expected = {}
-        shares = []
-        for i in range(10):
-            content = os.urandom(100_000 + i)
-            expected[f"{i}.jpg"] = content
-            shares.append(subprocess.Popen(
-                [BIN / "sela-share", "--headless", "--tap", "addButton", self.write(f"{i}.jpg", content)],
-                env=self.environment, stderr=subprocess.DEVNULL))
-        while any(share.poll() is None for share in shares):
-            self.vault("import", "--into", self.home / "into")
-        self.assertEqual([share.returncode for share in shares], [0] * 10)
-        self.vault("import", "--into", self.home / "into")
-        placed = {path.name: path.read_bytes() for path in (self.home / "into/vault/Default Album").iterdir()}
-        self.assertEqual(placed, expected)
 
 
 if __name__ == "__main__":

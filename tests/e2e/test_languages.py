@@ -7,8 +7,7 @@ import re
 import unittest
 from concurrent.futures import ThreadPoolExecutor
 
-from harness import BIN, HomeTest
-from test_flow import Screen, views
+from harness import BIN, HomeTest, Screen, views
 
 TABLES = {path.parts[-3]: gettext.GNUTranslations(path.open("rb"))._catalog
           for path in (BIN.parent / "share/locale").glob("*/LC_MESSAGES/sela-share.mo")}

@@ -53,15 +53,18 @@ class Load(HomeTest):
         self.assertEqual(len(list((self.home / "into/vault/Default Album").iterdir())), ATTACHMENTS)
         self.assertEqual(self.ledger(), {})
 
-    def test_many_extensions_at_once(self):
-        shares = [subprocess.Popen([BIN / "sela-share", "--headless", "--tap-now", "addButton",
-                                    *[self.write(f"{i}-{j}.jpg", os.urandom(100_000)) for j in range(3)]],
-                                   env=self.environment, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
-                  for i in range(EXTENSIONS)]
-        logs = [share.communicate(timeout=600)[1].decode() for share in shares]
-        failures = [line for log in logs for line in log.splitlines() if "error" in line]
-        self.assertEqual(failures, [])
-        self.assertEqual(len(self.ledger()), 3 * EXTENSIONS)
+    def test_many_extensions_and_imports_at_once(self):
+        contents = {f"{i}-{j}.jpg": os.urandom(100_000 + i) for i in range(EXTENSIONS) for j in range(3)}
+        files = [self.write(name, content) for name, content in contents.items()]
+        shares = [self.start_share("--tap-now", "addButton", *files[i:i + 3]) for i in range(0, len(files), 3)]
+        while any(share.poll() is None for share in shares):
+            self.vault("import", "--into", self.home / "into")
+        logs = [share.communicate()[1].decode() for share in shares]
+        self.assertEqual([share.returncode for share in shares], [0] * EXTENSIONS)
+        self.assertEqual([line for log in logs for line in log.splitlines() if "error" in line], [])
+        self.vault("import", "--into", self.home / "into")
+        placed = {path.name: path.read_bytes() for path in (self.home / "into/vault/Default Album").iterdir()}
+        self.assertEqual(placed, contents)
 
     def test_a_huge_catalogue(self):
         albums = [{"namePath": [f"Album {i // 10}"] + ([f"Child {i}"] if i % 10 else []), "fake": False}

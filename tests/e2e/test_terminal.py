@@ -88,10 +88,6 @@ class Errors(HomeTest):
             self.assertEqual(result.returncode, 64, (arguments, result.stderr))
             self.assertRegex(result.stderr, r"^sela-share: [^\n]*" + line + r"[^\n]*\n$")
 
-    def test_a_missing_vault_is_told_first(self):
-        result = self.add(self.write("a.jpg", b"x"))
-        self.assertRegex(result.stderr, r'^sela-share: there is no vault to add to yet; [^\n]*"sela-vault init"\n')
-
 
 def options_of_help(text):
     return set(re.findall(r"(?<![\w-])(--?[a-z][a-z-]*)", text))

@@ -2,12 +2,12 @@
 #include "faults/TracedProcess.h"
 #include "platform/foundation/Data.h"
 #include "store/SharedFolder.h"
+#include "support/TemporaryHome.h"
 
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <random>
-#include <sstream>
 
 namespace sela {
 namespace {
@@ -28,14 +28,8 @@ protected:
 
     void SetUp() override {
         group.reset(2);
-        whole = bytes();
+        whole = contentOf(group.settingsFile());
         ASSERT_GT(whole.size(), 65'536u);
-    }
-
-    std::string bytes() const {
-        std::ostringstream text;
-        text << std::ifstream(group.settingsFile(), std::ios::binary).rdbuf();
-        return text.str();
     }
 
     /// A share, a listing and an import on damaged settings end by themselves; a share that was reported done
@@ -45,7 +39,7 @@ protected:
         std::ofstream(group.settingsFile(), std::ios::binary) << damaged;
         const std::string end = runApart([&]() -> std::string {
             if (!FaultyGroup::save("3.5new.jpg", source))
-                return bytes() == damaged ? "" : "a failed save changed the file";
+                return contentOf(group.settingsFile()) == damaged ? "" : "a failed save changed the file";
             const std::optional<UserDefaults> defaults = sharedDefaults();
             const std::optional<Data> ledger = defaults ? defaults->data(sharedItemsKey) : std::nullopt;
             if (!ledger || asText(*ledger).find("3.5new.jpg") == std::string_view::npos)

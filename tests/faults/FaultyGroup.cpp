@@ -17,7 +17,6 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <set>
-#include <sstream>
 #include <unistd.h>
 
 namespace sela {
@@ -36,13 +35,6 @@ public:
         return NSError::posix(EXDEV, "link");
     }
 };
-
-std::string bytesOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << file.rdbuf();
-    return bytes.str();
-}
 
 void write(const fs::path& path, const std::string& bytes) {
     fs::create_directories(path.parent_path());
@@ -177,7 +169,7 @@ std::vector<std::string> FaultyGroup::placed() const {
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(into())) {
         if (!entry.is_regular_file() || entry.path().filename().string().starts_with(".sela-import-"))
             continue;
-        const std::string bytes = bytesOf(entry.path());
+        const std::string bytes = contentOf(entry.path());
         const auto found =
             std::ranges::find_if(contents_, [&](const auto& known) { return known.second == bytes; });
         names.push_back(found == contents_.end() ? "torn" : found->first);
@@ -207,7 +199,7 @@ std::string FaultyGroup::wrongNow(const std::string& saved, int published) {
         for (const auto& [key, entry] : entries.value()) {
             const fs::path file =
                 sharedFolderUrl()->appendingPathComponent("Items").path() + "/" + entry.fileName;
-            if (!fs::exists(file) || bytesOf(file) != contents_.at(entry.fileName))
+            if (!fs::exists(file) || contentOf(file) != contents_.at(entry.fileName))
                 return "the entry of " + entry.fileName + " has not its whole file";
             kept.insert(entry.fileName);
         }
@@ -235,7 +227,7 @@ std::string FaultyGroup::wrongPublication(int published) const {
     // A cover that cannot be read is left out, with a warning.
     const fs::path covers = sharedFolderUrl()->appendingPathComponent("AlbumThumbnails").path();
     const fs::path own = covers / *albums->front().thumbNailName;
-    if (fs::exists(own) && bytesOf(own) != cover(std::stoi(number)))
+    if (fs::exists(own) && contentOf(own) != cover(std::stoi(number)))
         return "the catalogue's cover is not whole";
     return {};
 }

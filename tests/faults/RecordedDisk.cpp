@@ -1,10 +1,11 @@
 #include "faults/RecordedDisk.h"
 
+#include "support/TemporaryHome.h"
+
 #include <algorithm>
 #include <fcntl.h>
 #include <fstream>
 #include <functional>
-#include <sstream>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/uio.h>
@@ -80,9 +81,7 @@ void RecordedDisk::scan(const fs::path& folder) {
             ::stat(found.path().c_str(), &status);
             const auto [known, isNew] = fileByInode_.emplace(status.st_ino, fileCount_);
             if (isNew) {
-                std::ostringstream bytes;
-                bytes << std::ifstream(found.path(), std::ios::binary).rdbuf();
-                initialContents_.push_back(bytes.str());
+                initialContents_.push_back(sela::contentOf(found.path()));
                 ++fileCount_;
             }
             entry.file = known->second;

@@ -7,7 +7,6 @@
 #include <memory>
 #include <optional>
 #include <random>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -96,10 +95,8 @@ struct RecordedDisk::State {
         bool isFolder = false;
         std::size_t file = 0;
         std::string content;
-        auto operator<=>(const Item&) const = default;
     };
     std::map<std::string, Item> items; ///< folders come before what is in them
-    auto operator<=>(const State&) const = default;
 };
 
 } // namespace sela

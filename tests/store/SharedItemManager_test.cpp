@@ -225,14 +225,6 @@ TEST_F(SharedItemManagerTest, AFileThatGrowsOrShrinksUnderWayIsCopiedToItsEnd) {
     }
 }
 
-TEST_F(SharedItemManagerTest, DataAreWrittenAndRecordedBeforeTheReturn) {
-    home.provision();
-    SharedItemManager::saveItem(item("1.5.jpg"), asData("jpeg"), noting());
-    EXPECT_THAT(calls, ElementsAre("ok"));
-    EXPECT_EQ(contentOf(items() / "1.5.jpg"), "jpeg");
-    EXPECT_EQ(ledger(), ledgerOf({"1.5.jpg"}));
-}
-
 TEST_F(SharedItemManagerTest, DataThatCannotBeWrittenAreNotRecorded) {
     home.provision();
     fs::create_directory(items());
@@ -311,13 +303,6 @@ TEST_F(SharedItemManagerTest, NamesOfEveryKindSurvive) {
     for (const std::string& name : names)
         EXPECT_EQ(contentOf(items() / name), name);
     EXPECT_EQ(ledger(), ledgerOf(names));
-}
-
-TEST_F(SharedItemManagerTest, TheContainersRootIsWhatTheGroupLookupGives) {
-    EXPECT_FALSE(sharedFolderUrl());
-    home.provision();
-    EXPECT_EQ(sharedFolderUrl()->path(), home.container().string());
-    EXPECT_TRUE(fs::is_empty(home.container()));
 }
 
 } // namespace

@@ -81,15 +81,5 @@ TEST(MediaMessages, ThatBreakTheRulesAreRefused) {
     }
 }
 
-TEST(MediaMessages, ADurationComesWithoutPixels) {
-    MediaRequest request;
-    request.number = 7;
-    request.operation = MediaOperation::readDuration;
-    MediaResponse response = frameResponse();
-    EXPECT_FALSE(decodeResponse(encode(response), request));
-    response.width = response.height = 0;
-    EXPECT_TRUE(decodeResponse(encode(response), request));
-}
-
 } // namespace
 } // namespace sela
