@@ -24,6 +24,10 @@ namespace {
 /// Seconds between two looks at a save that may hang.
 constexpr double watchInterval = 0.1;
 
+/// Seconds after which attachments are loaded even though no frame was shown, as in a window that opens
+/// behind others or on another desktop.
+constexpr double longestWaitForFrame = 0.5;
+
 /// Whether the QGuiApplication is being made, which Qt gives up with a fatal message and no return.
 bool isQtStarting = false;
 
@@ -42,10 +46,8 @@ void handleQtMessage(QtMsgType type, const QMessageLogContext&, const QString& m
     std::_Exit(static_cast<int>(ExitStatus::badArguments));
 }
 
-/// The arguments of the QGuiApplication, which keeps the references: the program's name alone, since what
-/// the user wrote is not for Qt. Prepares what must be set before.
-int& argumentCountForQt(const CommandLine& line) {
-    static int count = 1;
+/// Sets what must be set before there is a QGuiApplication, or a second thread that reads the environment.
+const CommandLine& prepareForQt(const CommandLine& line) {
     isQtStarting = true;
     qInstallMessageHandler(handleQtMessage);
     if (line.headless)
@@ -57,6 +59,13 @@ int& argumentCountForQt(const CommandLine& line) {
         qputenv("FC_LANG", language.replace('_', '-'));
     // Fonts have the size that the views ask for, whatever the display says about its resolution.
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
+    return line;
+}
+
+/// The arguments of the QGuiApplication, which keeps the references: the program's name alone, since what
+/// the user wrote is not for Qt.
+int& argumentCountForQt() {
+    static int count = 1;
     return count;
 }
 
@@ -84,7 +93,7 @@ bool isBackgroundAtWork() {
 } // namespace
 
 ShareHost::ShareHost(const CommandLine& line)
-    : line_(line), application_(argumentCountForQt(line), argumentsForQt()), appearance_(line),
+    : line_(prepareForQt(line)), application_(argumentCountForQt(), argumentsForQt()), appearance_(line),
       queue_(line.headless ? static_cast<DispatchQueue&>(headlessLoop_) : windowLoop_), scopedQueue_(queue_),
       painter_(measurer_), window_(ShareWindow::screenSize(line)), notice_(window_) {
     isQtStarting = false;
@@ -93,6 +102,9 @@ ShareHost::ShareHost(const CommandLine& line)
     QGuiApplication::setQuitOnLastWindowClosed(false);
     // Qt shares every fill out among these threads; a third of a frame's time went into waking them.
     QThreadPool::globalInstance()->setMaxThreadCount(1);
+    fonts_.beginList();
+    if (!line.headless)
+        NSItemProvider::suspendLoading();
     TextMeasurer::setCurrent(&measurer_);
     UIScreen::main().setScale(line.headless || line.hasScale ? line.scale : application_.devicePixelRatio());
     UIApplication::shared().setUserInterfaceLayoutDirection(layoutDirection());
@@ -101,6 +113,7 @@ ShareHost::ShareHost(const CommandLine& line)
 }
 
 ShareHost::~ShareHost() {
+    NSItemProvider::resumeLoading();
     TextMeasurer::setCurrent(nullptr);
 }
 
@@ -155,12 +168,17 @@ void ShareHost::runWindow(NSExtensionContext& context) {
     });
     shareWindow_->setContentHandler(
         {[this] { return canGrow(); }, [this](const QMimeData* data) { take(data); }});
+    // The helpers' start would take the processors from the card's.
+    shareWindow_->setFirstFrameHandler([] { NSItemProvider::resumeLoading(); });
+    windowLoop_.asyncAfter(longestWaitForFrame, [] { NSItemProvider::resumeLoading(); });
     shareWindow_->open();
+    fonts_.wait();
     takeSteps(context);
     windowLoop_.run();
 }
 
 void ShareHost::runHeadless(NSExtensionContext& context) {
+    fonts_.wait();
     takeSteps(context);
     headlessLoop_.run();
     if (context.hasEnded() || status_)

@@ -3,6 +3,7 @@
 #include "host/CommandLine.h"
 #include "host/DesktopAppearance.h"
 #include "host/ExitStatus.h"
+#include "host/FontPreparation.h"
 #include "host/Notice.h"
 #include "host/ObservedMainQueue.h"
 #include "host/QtMainLoop.h"
@@ -74,6 +75,7 @@ private:
     void watchForHangingSave();
 
     const CommandLine line_;
+    FontPreparation fonts_;
     QGuiApplication application_;
     DesktopAppearance appearance_;
     HeadlessMainLoop headlessLoop_;

@@ -4,6 +4,7 @@
 #include "host/Compositing.h"
 #include "host/MimeAttachments.h"
 #include "host/Snapshot.h"
+#include "platform/foundation/Heap.h"
 #include "platform/foundation/MonotonicClock.h"
 #include "platform/uikit/UIAccessibility.h"
 
@@ -199,7 +200,8 @@ void ShareWindow::drawFrame() {
     const CGRect dirty = window_.takeDirtyRect().unionWith(ring_.move(window_, keyboard_.focusedView()));
     // What only came into sight again is in the store already.
     QRegion region;
-    if (std::exchange(storeRatio_, devicePixelRatio()) != devicePixelRatio())
+    const bool isNew = std::exchange(storeRatio_, devicePixelRatio()) != devicePixelRatio();
+    if (isNew)
         region = QRect(QPoint(), size());
     if (!dirty.isEmpty()) {
         const double unit = unitsPerPoint();
@@ -210,24 +212,32 @@ void ShareWindow::drawFrame() {
     region &= QRect(QPoint(), size());
     if (!region.isEmpty()) {
         store_.beginPaint(region);
+        if (isNew)
+            makePresent(surface().bits(), static_cast<std::size_t>(surface().sizeInBytes()));
         for (const QRect& part : region)
             drawPart(part);
         store_.endPaint();
     }
     if (const QRegion shown = region + std::exchange(exposed_, {}); !shown.isEmpty())
         store_.flush(shown);
+    if (const auto handler = std::exchange(firstFrameHandler_, {}))
+        handler();
     if (QAccessible::isActive())
         accessible().update();
     if (window_.needsFrame())
         scheduleFrame();
 }
 
-/// Draws a part (in Qt's units) straight into the pixels of the backing store, which are a picture in memory
-/// for a raster surface.
+/// The pixels of the backing store, which are a picture in memory for a raster surface; between its
+/// `beginPaint` and `endPaint`.
+QImage& ShareWindow::surface() {
+    return *static_cast<QImage*>(store_.paintDevice());
+}
+
+/// Draws a part (in Qt's units) straight into the pixels of the backing store.
 void ShareWindow::drawPart(const QRect& part) {
-    auto* const surface = static_cast<QImage*>(store_.paintDevice());
-    QImage pixels(surface->bits(), surface->width(), surface->height(), surface->bytesPerLine(),
-                  surface->format());
+    QImage pixels(surface().bits(), surface().width(), surface().height(), surface().bytesPerLine(),
+                  surface().format());
     const double ratio = devicePixelRatio();
     const QRect area =
         QRectF(QPointF(part.topLeft()) * ratio, QSizeF(part.size()) * ratio).toAlignedRect() & pixels.rect();

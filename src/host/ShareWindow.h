@@ -41,6 +41,9 @@ public:
     /// Called when the user closes the window.
     void setCloseHandler(std::function<void()> handler) { closeHandler_ = std::move(handler); }
 
+    /// Called once, when the first frame has gone to the display.
+    void setFirstFrameHandler(std::function<void()> handler) { firstFrameHandler_ = std::move(handler); }
+
     /// Whoever takes what the user pastes or drops: whether anything can be taken now, and the data (null: an
     /// empty clipboard).
     struct ContentHandler {
@@ -78,6 +81,7 @@ private:
     QRect toDesktop(const CGRect& rect) const;
     void scheduleFrame();
     void drawFrame();
+    QImage& surface();
     void drawPart(const QRect& part);
     void press(QPointF position);
     void release(QPointF position);
@@ -91,6 +95,7 @@ private:
     const CommandLine line_;
     const bool coversScreen_;
     std::function<void()> closeHandler_;
+    std::function<void()> firstFrameHandler_;
     ContentHandler contentHandler_;
     KeyboardNavigation keyboard_;
     FocusRing ring_;

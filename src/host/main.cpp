@@ -25,6 +25,9 @@
 
 namespace {
 
+/// About what the heap holds when the card is first shown.
+constexpr std::size_t heapOfFirstFrame = 4 << 20;
+
 void tell(const std::string& message) {
     std::fprintf(stderr, "sela-share: %s\n", sela::escapedForLog(message).c_str());
 }
@@ -120,6 +123,7 @@ int share(const sela::CommandLine& line) {
 
 int main(int argc, char** argv) {
     sela::keepFreedMemory();
+    sela::growHeap(heapOfFirstFrame);
     // A file that would exceed a limit is an error of its write, not the end of the process.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);

@@ -11,7 +11,7 @@ namespace {
 
 /// One thread: a request loads one attachment at a time anyway. Never destroyed, since an item may still load
 /// when main ends.
-DispatchQueue& loadingQueue() {
+ThreadPoolQueue& loadingQueue() {
     static auto* const queue = new ThreadPoolQueue(1);
     return *queue;
 }
@@ -41,6 +41,14 @@ std::shared_ptr<NSItemProvider> NSItemProvider::ofData(Data data, const std::str
 
 std::shared_ptr<NSItemProvider> NSItemProvider::ofText(std::string text) {
     return providerOf(std::move(text), "public.utf8-plain-text");
+}
+
+void NSItemProvider::suspendLoading() {
+    loadingQueue().suspend();
+}
+
+void NSItemProvider::resumeLoading() {
+    loadingQueue().resume();
 }
 
 void NSItemProvider::loadItem(const std::string& typeIdentifier, CompletionHandler completion) const {

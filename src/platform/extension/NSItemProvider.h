@@ -47,6 +47,10 @@ public:
     /// and calls `completion` there, once: with the item, or with an error and no item.
     void loadItem(const std::string& typeIdentifier, CompletionHandler completion) const;
 
+    /// Lets no further item of the process be loaded until `resumeLoading`.
+    static void suspendLoading();
+    static void resumeLoading();
+
 private:
     const std::vector<std::string> typeIdentifiers_;
     const Loader loader_;

@@ -9,6 +9,8 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -30,11 +32,31 @@ struct ThreadPoolQueue::Pool {
     }
 
     ~Pool() {
+        setSuspended(false);
         guard.reset();
         for (std::thread& thread : threads)
             thread.join();
     }
 
+    void setSuspended(bool suspends) {
+        {
+            const std::lock_guard lock(mutex);
+            isSuspended = suspends;
+        }
+        resumed.notify_all();
+    }
+
+    void run(const Task& task) {
+        {
+            std::unique_lock lock(mutex);
+            resumed.wait(lock, [this] { return !isSuspended; });
+        }
+        task();
+    }
+
+    std::mutex mutex;
+    std::condition_variable resumed;
+    bool isSuspended = false;
     boost::asio::io_context context;
     boost::asio::executor_work_guard<boost::asio::io_context::executor_type> guard;
     std::vector<std::thread> threads;
@@ -45,23 +67,31 @@ ThreadPoolQueue::ThreadPoolQueue(int threads) : pool_(std::make_unique<Pool>(thr
 ThreadPoolQueue::~ThreadPoolQueue() = default;
 
 void ThreadPoolQueue::async(Task task) {
-    boost::asio::post(pool_->context,
-                      [task = std::move(task), token = std::make_shared<BackgroundWork>()] { task(); });
+    boost::asio::post(pool_->context, [pool = pool_.get(), task = std::move(task),
+                                       token = std::make_shared<BackgroundWork>()] { pool->run(task); });
 }
 
 void ThreadPoolQueue::asyncAfter(double seconds, Task task) {
     auto timer = std::make_shared<boost::asio::steady_timer>(pool_->context);
     timer->expires_after(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
         std::chrono::duration<double>(seconds)));
-    timer->async_wait([task = std::move(task), timer,
+    timer->async_wait([pool = pool_.get(), task = std::move(task), timer,
                        token = std::make_shared<BackgroundWork>()](const boost::system::error_code& error) {
         if (!error)
-            task();
+            pool->run(task);
     });
 }
 
 double ThreadPoolQueue::now() const {
     return monotonicSeconds();
+}
+
+void ThreadPoolQueue::suspend() {
+    pool_->setSuspended(true);
+}
+
+void ThreadPoolQueue::resume() {
+    pool_->setSuspended(false);
 }
 
 DispatchQueue& DispatchQueue::global() {

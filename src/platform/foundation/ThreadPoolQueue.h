@@ -19,6 +19,11 @@ public:
     void asyncAfter(double seconds, Task task) override;
     double now() const override;
 
+    /// Lets no further task begin until `resume`; those under way go on. Any thread may call either, however
+    /// often. A queue that is destroyed resumes.
+    void suspend();
+    void resume();
+
 private:
     struct Pool;
     std::unique_ptr<Pool> pool_;

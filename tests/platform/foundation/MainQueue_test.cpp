@@ -35,10 +35,10 @@ TYPED_TEST(MainQueueContract, RunsTasksInOrderOfTimeAndThenOfArrival) {
     std::string order;
     const double start = this->loop.now();
     double ranAt = 0;
-    this->loop.asyncAfter(0.003, [&] { ranAt = this->loop.now(); });
-    this->loop.asyncAfter(0.002, [&] { order += "f"; });
-    this->loop.asyncAfter(0.001, [&] { order += "d"; });
-    this->loop.asyncAfter(0.001, [&] { order += "e"; });
+    this->loop.asyncAfter(0.103, [&] { ranAt = this->loop.now(); });
+    this->loop.asyncAfter(0.102, [&] { order += "f"; });
+    this->loop.asyncAfter(0.101, [&] { order += "d"; });
+    this->loop.asyncAfter(0.101, [&] { order += "e"; });
     this->loop.async([&] {
         order += "a";
         this->loop.async([&] { order += "c"; });
@@ -47,7 +47,7 @@ TYPED_TEST(MainQueueContract, RunsTasksInOrderOfTimeAndThenOfArrival) {
     EXPECT_EQ(order, "");
     finish(this->loop);
     EXPECT_EQ(order, "abcdef");
-    EXPECT_GE(ranAt - start, 0.003 - 1e-9);
+    EXPECT_GE(ranAt - start, 0.103 - 1e-9);
 }
 
 TYPED_TEST(MainQueueContract, WaitsForWorkInTheBackground) {
@@ -114,6 +114,38 @@ TEST(ThreadPoolQueue, ADelayedTaskRunsAndKeepsTheLoopWaiting) {
     DispatchQueue::global().asyncAfter(0.002, [&] { DispatchQueue::main().async([&] { ran = true; }); });
     loop.run();
     EXPECT_TRUE(ran);
+}
+
+TEST(ThreadPoolQueue, ASuspendedQueueBeginsNothing) {
+    std::atomic<int> ran = 0;
+    {
+        ThreadPoolQueue queue(1);
+        std::latch begun(1);
+        std::latch ends(1);
+        queue.async([&] {
+            begun.count_down();
+            ends.wait();
+            ++ran;
+        });
+        begun.wait();
+        queue.suspend();
+        std::latch second(1);
+        queue.async([&] {
+            EXPECT_EQ(ran, 1);
+            ++ran;
+            second.count_down();
+        });
+        queue.asyncAfter(0, [&] { ++ran; });
+        ends.count_down();
+        while (ran == 0)
+            std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        EXPECT_EQ(ran, 1);
+        queue.resume();
+        second.wait();
+        queue.suspend();
+    }
+    EXPECT_EQ(ran, 3);
 }
 
 TEST(ThreadPoolQueue, TwoThreadsRunAtOnce) {
