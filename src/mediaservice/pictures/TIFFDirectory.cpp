@@ -11,6 +11,9 @@ constexpr std::uint16_t subdirectoriesTag = 330;
 constexpr std::size_t mostSubdirectories = 8;
 constexpr std::size_t entrySize = 12;
 
+// Pictures have some dozens; each may make the reader fetch as many numbers as are read of a tag.
+constexpr std::uint32_t mostEntries = 1000;
+
 // More numbers than this under one tag are no size, offset or orientation of a preview.
 constexpr std::uint32_t mostNumbers = 16384;
 
@@ -59,7 +62,10 @@ std::optional<TIFFDirectory> TIFFDirectory::at(const ReadAt& readAt, bool bigEnd
     std::array<std::byte, 2> countBytes{};
     if (readAt(offset, countBytes) != countBytes.size())
         return std::nullopt;
-    Data table(readNumber(countBytes, bigEndian) * entrySize);
+    const std::uint32_t entries = readNumber(countBytes, bigEndian);
+    if (entries > mostEntries)
+        return std::nullopt;
+    Data table(entries * entrySize);
     if (readAt(std::int64_t{offset} + 2, table) != table.size())
         return std::nullopt;
 
