@@ -8,6 +8,7 @@
 
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 
 namespace sela {
@@ -68,6 +69,15 @@ CGRect extent(const UIView& view) {
     return covered;
 }
 
+bool isEmpty(const QImage& outline) {
+    for (int y = 0; y < outline.height(); ++y) {
+        const uchar* const row = outline.constScanLine(y);
+        if (std::any_of(row, row + outline.width(), [](uchar coverage) { return coverage > 0; }))
+            return false;
+    }
+    return true;
+}
+
 ShadowCache::Shadow makeShadow(const UIView& view, double pixelsPerPoint, const QColor& color,
                                const ShadowCache::DrawCaster& drawCaster) {
     const double deviation = view.layer().shadowRadius() * pixelsPerPoint;
@@ -79,7 +89,10 @@ ShadowCache::Shadow makeShadow(const UIView& view, double pixelsPerPoint, const 
     caster.fill(Qt::transparent);
     drawCaster(caster, toQt(covered.origin));
 
-    const QImage blurred = gaussianBlur(caster.convertToFormat(QImage::Format_Alpha8), deviation);
+    const QImage outline = caster.convertToFormat(QImage::Format_Alpha8);
+    if (isEmpty(outline))
+        return {QImage(), toQt(covered.origin)};
+    const QImage blurred = gaussianBlur(outline, deviation);
     QImage image = blurred.convertToFormat(QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&image);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);

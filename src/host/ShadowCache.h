@@ -15,7 +15,7 @@ namespace sela {
 class ShadowCache {
 public:
     struct Shadow {
-        QImage image;   ///< premultiplied, in the shadow's colour
+        QImage image;   ///< premultiplied, in the shadow's colour; null when nothing casts one
         QPointF origin; ///< where its top left corner lies, in the view's coordinates, without the offset
     };
 

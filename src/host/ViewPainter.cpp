@@ -202,6 +202,8 @@ void ViewPainter::paintShadow(QPainter& painter, const UIView& view) {
             paintInside(inside, view, true);
             paintsCaster_ = before;
         });
+    if (shadow.image.isNull())
+        return;
     const CGSize offset = view.layer().shadowOffset();
     const QRectF target(shadow.origin + QPointF(offset.width, offset.height),
                         QSizeF(shadow.image.size()) / pixelsPerPoint);
