@@ -59,19 +59,33 @@ class Faults(HomeTest):
         self.assertEqual(self.ledger(), {})
         self.assertEqual(list(self.items.iterdir()), [])
 
-    def make_small_disk(self, mebibytes):
-        """A file system of ext4 in a file, mounted where groups live."""
+    def mount_image(self, mebibytes, make, place):
+        """Mounts a file system in a file."""
         image = self.home / "image"
         with open(image, "wb") as file:
             file.truncate(mebibytes * 2**20)
-        subprocess.run(["mkfs.ext4", "-q", "-F", image], check=True)
-        place = self.home / "data/sela"
+        subprocess.run([*make, image], check=True, stdout=subprocess.DEVNULL)
         place.mkdir(parents=True)
         self.mount("-o", "loop", image, place)
 
     @unittest.skipUnless(can_mount() and shutil.which("mkfs.ext4"), "mounting needs root")
     def test_a_disk_that_fills_up_while_files_are_added(self):
-        self.make_small_disk(8)
+        self.mount_image(8, ["mkfs.ext4", "-q", "-F"], self.home / "data/sela")
+        self.check_that_room_ends()
+
+    @unittest.skipUnless(can_mount() and shutil.which("mkfs.btrfs"), "mounting needs root")
+    def test_a_quota_that_is_used_up_while_files_are_added(self):
+        disk, place = self.home / "disk", self.home / "data/sela"
+        self.mount_image(256, ["mkfs.btrfs", "-q"], disk)
+        for command in (["quota", "enable", disk], ["subvolume", "create", disk / "limited"],
+                        ["qgroup", "limit", "4M", disk / "limited"]):
+            subprocess.run(["btrfs", *command], check=True, stdout=subprocess.DEVNULL)
+        place.mkdir(parents=True)
+        self.mount("--bind", disk / "limited", place)
+        self.check_that_room_ends()
+
+    def check_that_room_ends(self):
+        """Adds files until there is no room for more, and looks at what is there and whether it goes on."""
         self.provision()
         contents = {}
         for i in range(30):
