@@ -132,6 +132,8 @@ Result<std::vector<std::string>> SettingsDatabase::keys(std::string_view prefix)
 
 ErrorRef SettingsDatabase::write(std::string_view key, std::string_view kind, DataView value) {
     const std::lock_guard lock(mutex_);
+    if (!inTransaction_)
+        return transaction([&] { return write(key, kind, value); });
     if (ErrorRef error = create())
         return error;
     Statement statement(connection_,
@@ -140,7 +142,25 @@ ErrorRef SettingsDatabase::write(std::string_view key, std::string_view kind, Da
     statement.bind(1, key);
     statement.bind(2, kind);
     statement.bind(3, value);
-    return statement.step() == SQLITE_DONE ? nullptr : failure("store a setting");
+    if (statement.step() != SQLITE_DONE)
+        return failure("store a setting");
+    return checkStored(key, kind, value);
+}
+
+ErrorRef SettingsDatabase::checkStored(std::string_view key, std::string_view kind, DataView value) {
+    Statement statement(connection_, "SELECT 1 FROM settings WHERE key = ?1 AND kind = ?2 AND value = ?3");
+    statement.bind(1, key);
+    statement.bind(2, kind);
+    statement.bind(3, value);
+    switch (statement.step()) {
+    case SQLITE_ROW:
+        return nullptr;
+    case SQLITE_DONE:
+        return noted(std::make_shared<NSError>(sqliteErrorDomain, SQLITE_CORRUPT,
+                                               path_ + ": what was stored cannot be read back"));
+    default:
+        return failure("read a setting back");
+    }
 }
 
 ErrorRef SettingsDatabase::remove(std::string_view key) {
@@ -298,7 +318,10 @@ ErrorRef SettingsDatabase::failure(std::string_view what) {
     std::string description(what);
     description += ": ";
     description += sqlite3_errmsg(connection_);
-    auto error = std::make_shared<NSError>(sqliteErrorDomain, sqlite3_errcode(connection_), description);
+    return noted(std::make_shared<NSError>(sqliteErrorDomain, sqlite3_errcode(connection_), description));
+}
+
+ErrorRef SettingsDatabase::noted(ErrorRef error) {
     if (inTransaction_ && !transactionFailure_)
         transactionFailure_ = error;
     return error;

@@ -59,8 +59,14 @@ private:
     ErrorRef execute(const char* sql);
     Result<std::int64_t> readInteger(const char* sql);
 
-    /// The error of the connection's last failed call; noted so that a transaction around it fails too.
+    /// Reads back what was just stored: a damaged index takes in a row that nothing finds again.
+    ErrorRef checkStored(std::string_view key, std::string_view kind, DataView value);
+
+    /// The error of the connection's last failed call, noted.
     ErrorRef failure(std::string_view what);
+
+    /// Lets a transaction around it fail too.
+    ErrorRef noted(ErrorRef error);
 
     const std::string path_;
     std::recursive_mutex mutex_;

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <map>
+#include <random>
 #include <rapidcheck/gtest.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -131,6 +132,29 @@ TEST_F(UserDefaultsTest, SettingsThatAnotherProgramMadeAreReadAndWritten) {
     EXPECT_EQ(open().data("b"), toData("[]"));
     EXPECT_FALSE(open().setString("c", "x"));
     EXPECT_EQ(open().string("c"), "x");
+}
+
+TEST_F(UserDefaultsTest, WhatADamagedIndexWouldHideIsNotStored) {
+    for (const char* const key : {"b", "d", "f", "h", "k", "m", "p"})
+        ASSERT_FALSE(open().setString(key, "1"));
+    const std::string whole = contentOf(home.settingsFile());
+    std::mt19937 chance(5);
+    int refused = 0;
+    for (int i = 0; i < 60; ++i) {
+        // The index lies behind the table; its keys are what it has of small letters.
+        std::string damaged = whole;
+        for (auto byte = damaged.begin() + 2 * 65'536; byte != damaged.end(); ++byte)
+            if (*byte >= 'a' && *byte <= 'z')
+                *byte = static_cast<char>('a' + chance() % 26);
+        fs::rename(home.write("damaged", damaged), home.settingsFile());
+        const std::string key(1, static_cast<char>('a' + chance() % 26));
+        if (open().setString(key, "2"))
+            ++refused;
+        else
+            EXPECT_EQ(open().string(key), "2") << i;
+        EXPECT_EQ(contentOf(home.settingsFile()) == damaged, open().string(key) != "2") << i;
+    }
+    EXPECT_GT(refused, 0);
 }
 
 TEST_F(UserDefaultsTest, NoFileAndAnEmptyOneHoldNothingAndCanBeUsed) {
