@@ -37,6 +37,20 @@ private:
     int left_;
 };
 
+/// Kills a process between the truncation of a file and its flush.
+class KillBehindTruncation : public SystemCallObserver {
+public:
+    Intervention entering(const TracedCall& call) override {
+        if (truncates_ && (call.number == SYS_fsync || call.number == SYS_fdatasync))
+            return {Intervention::Kind::kill};
+        truncates_ |= call.number == SYS_ftruncate;
+        return {};
+    }
+
+private:
+    bool truncates_ = false;
+};
+
 class PowerCuts : public testing::Test {
 protected:
     const bool takesTime = std::getenv("SELA_POWER_CUTS") != nullptr;
@@ -133,6 +147,24 @@ TEST_F(PowerCuts, Import) {
     // Of four the first leaves blanks behind.
     cutEverywhere(linking, 4, FaultyGroup::Records::longOnes);
     cutAfterAKill(linking, linking, 2);
+}
+
+TEST_F(PowerCuts, AfterAKillThatLeftTheJournalTruncatedAndUnflushed) {
+    using enum RecordedDisk::Survival;
+    const Operation operation{"import", [&] { return group.import(); }, ""};
+    group.reset(2);
+    RecordedDisk disk(group.home());
+    KillBehindTruncation killer;
+    disk.companion = &killer;
+    ASSERT_FALSE(runTraced([&] { return operation.run() ? 0 : 1; }, disk).succeeded());
+    disk.companion = nullptr;
+    const std::size_t before = disk.changes();
+    ASSERT_TRUE(runTraced([&] { return operation.run() ? 0 : 1; }, disk).succeeded());
+    std::set<std::size_t> seen;
+    // The next transaction begins here.
+    for (std::size_t changes = before; changes < before + 12; ++changes)
+        for (int i = 0; i < 20; ++i)
+            look(disk, seen, changes, some, everything, operation);
 }
 
 TEST_F(PowerCuts, Publish) {

@@ -168,6 +168,8 @@ ErrorRef SettingsDatabase::remove(std::string_view key) {
     const Result<bool> any = holdsSettings();
     if (!any || !any.value())
         return any.error();
+    if (!inTransaction_)
+        return transaction([&] { return remove(key); });
     Statement statement(connection_, "DELETE FROM settings WHERE key = ?1");
     statement.bind(1, key);
     return statement.step() == SQLITE_DONE ? nullptr : failure("remove a setting");
@@ -180,7 +182,9 @@ ErrorRef SettingsDatabase::transaction(const std::function<ErrorRef()>& body) {
     if (ErrorRef error = execute("BEGIN IMMEDIATE"))
         return error;
     inTransaction_ = true;
-    ErrorRef error = body();
+    ErrorRef error = flushJournalOfOthers();
+    if (!error)
+        error = body();
     inTransaction_ = false;
     const ErrorRef failureInside = std::exchange(transactionFailure_, nullptr);
     if (!error)
@@ -190,6 +194,23 @@ ErrorRef SettingsDatabase::transaction(const std::function<ErrorRef()>& body) {
     if (error && !sqlite3_get_autocommit(connection_))
         execute("ROLLBACK");
     return error;
+}
+
+ErrorRef SettingsDatabase::flushJournalOfOthers() {
+    const Result<std::int64_t> version = readInteger("PRAGMA data_version");
+    if (!version)
+        return version.error();
+    if (version.value() == journalFlushedAt_)
+        return nullptr;
+    const std::string path = path_ + "-journal";
+    const FileDescriptor journal(
+        retryingInterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC); }));
+    if (!journal.isOpen() && errno != ENOENT)
+        return noted(NSError::posix(errno, path));
+    if (journal.isOpen() && retryingInterrupted([&] { return ::fdatasync(journal.get()); }) != 0)
+        return noted(NSError::posix(errno, path));
+    journalFlushedAt_ = version.value();
+    return nullptr;
 }
 
 ErrorRef SettingsDatabase::connect() {
@@ -292,6 +313,7 @@ Result<bool> SettingsDatabase::holdsSettings() {
 
 void SettingsDatabase::disconnect() {
     tableSeen_ = false;
+    journalFlushedAt_.reset();
     sqlite3_close(std::exchange(connection_, nullptr));
 }
 

@@ -59,6 +59,11 @@ private:
     ErrorRef execute(const char* sql);
     Result<std::int64_t> readInteger(const char* sql);
 
+    /// Flushes the journal when another program has stored something since the last time. If that was killed
+    /// between truncating the journal and flushing it, a power cut could bring the old journal back with
+    /// parts of the next one in it.
+    ErrorRef flushJournalOfOthers();
+
     /// Reads back what was just stored: a damaged index takes in a row that nothing finds again.
     ErrorRef checkStored(std::string_view key, std::string_view kind, DataView value);
 
@@ -75,6 +80,7 @@ private:
     unsigned long long inode_ = 0;
     bool tableSeen_ = false;
     bool inTransaction_ = false;
+    std::optional<std::int64_t> journalFlushedAt_; ///< the connection's data_version then
     /// The first failure inside the transaction. After one nothing more is read or stored in it: SQLite may
     /// have rolled it back already, and what came then would stand on its own.
     ErrorRef transactionFailure_;
