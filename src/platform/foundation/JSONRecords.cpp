@@ -41,11 +41,11 @@ public:
         return true;
     }
     bool on_key(string_view part, std::size_t, error_code&) {
-        text_.append(part.data(), part.size());
+        const std::string_view key = whole(part);
         if (skippedFrom_ == 0 && level_ == 1)
-            recordKey_ = text_;
+            recordKey_ = key;
         else if (skippedFrom_ == 0)
-            selectField();
+            selectField(key);
         text_.clear();
         return true;
     }
@@ -54,11 +54,10 @@ public:
         return true;
     }
     bool on_string(string_view part, std::size_t, error_code& ec) {
-        text_.append(part.data(), part.size());
         if (!isPassedOver() && !takesText())
             return wrongType("a text", ec);
         if (!isPassedOver() && record_)
-            store(std::exchange(text_, {}));
+            store(std::string(whole(part)));
         text_.clear();
         return true;
     }
@@ -94,6 +93,13 @@ public:
     bool on_comment(string_view, error_code&) { return true; }
 
 private:
+    /// The key or text that ends with this part, which mostly is all of it.
+    std::string_view whole(string_view part) {
+        if (text_.empty())
+            return part;
+        return text_.append(part.data(), part.size());
+    }
+
     /// Whether the value at hand belongs to a member without a field.
     bool isPassedOver() const { return skippedFrom_ != 0 || (level_ == 2 && !field_); }
 
@@ -112,10 +118,10 @@ private:
             *static_cast<std::optional<std::string>*>(place_) = std::move(text);
     }
 
-    void selectField() {
+    void selectField(std::string_view key) {
         field_ = nullptr;
         for (std::size_t i = 0; i < fields_.size(); ++i) {
-            if (fields_[i].key != text_)
+            if (fields_[i].key != key)
                 continue;
             field_ = &fields_[i];
             place_ = record_ ? field_->locate(record_) : nullptr;
