@@ -1,7 +1,9 @@
 #include "host/CommandLine.h"
 
+#include <algorithm>
 #include <charconv>
 #include <string_view>
+#include <utility>
 
 namespace sela {
 
@@ -33,6 +35,8 @@ public:
                 optionsEnded = true;
             else
                 readOption(argument);
+            if (problem_.empty() && attachedValue_)
+                problem_ = argument.substr(0, argument.find('=')) + " takes no value";
         }
         if (problem_.empty() && line_.paste && line_.headless)
             problem_ = "--paste needs a display, where the clipboard is";
@@ -42,7 +46,12 @@ public:
     }
 
 private:
-    void readOption(const std::string& option) {
+    /// `--option value` or `--option=value`.
+    void readOption(const std::string& argument) {
+        const std::size_t equals = argument.starts_with("--") ? argument.find('=') : std::string::npos;
+        const std::string option = argument.substr(0, equals);
+        if (equals != std::string::npos)
+            attachedValue_ = argument.substr(equals + 1);
         if (option == "--headless")
             line_.headless = true;
         else if (option == "--quiet" || option == "-q")
@@ -68,6 +77,8 @@ private:
     }
 
     std::string value(const std::string& option) {
+        if (attachedValue_)
+            return *std::exchange(attachedValue_, std::nullopt);
         if (position_ < arguments_.size())
             return arguments_[position_++];
         problem_ = option + " needs a value";
@@ -75,12 +86,10 @@ private:
     }
 
     void readScreen(const std::string& text) {
-        const std::size_t cross = text.find('x');
         const std::string_view whole = text;
-        if (cross != std::string::npos) {
-            line_.screenWidth = numberIn(whole.substr(0, cross), 1, 8192);
-            line_.screenHeight = numberIn(whole.substr(cross + 1), 1, 8192);
-        }
+        const std::size_t cross = std::min(whole.find('x'), whole.size());
+        line_.screenWidth = numberIn(whole.substr(0, cross), 1, 8192);
+        line_.screenHeight = cross < whole.size() ? numberIn(whole.substr(cross + 1), 1, 8192) : std::nullopt;
         if (problem_.empty() && !(line_.screenWidth && line_.screenHeight))
             problem_ = "--screen needs a size in points like 375x667, not \"" + text + "\"";
     }
@@ -129,8 +138,7 @@ private:
             line_.steps.push_back(std::move(step));
             return;
         }
-        // What follows a "=" may be a passcode.
-        problem_ = "unknown option " + option.substr(0, option.find('='));
+        problem_ = "unknown option " + option;
     }
 
     void check(Step& step) {
@@ -150,6 +158,7 @@ private:
 
     const std::vector<std::string>& arguments_;
     std::size_t position_ = 0;
+    std::optional<std::string> attachedValue_; ///< of the option at hand, behind its "="; maybe a passcode
     CommandLine line_;
     std::string problem_;
 };
@@ -207,7 +216,7 @@ Exit status:
   3    cancelled: by Cancel, by closing the window, or because no step pressed Add
   4    stuck: saving stopped half-way at a file and can never end
   64   nothing was tried: wrong options, unusable files, or no display
-  65   a step failed, and the request was cancelled
+  65   a step failed, and the request was cancelled unless it had ended before
 )";
 }
 

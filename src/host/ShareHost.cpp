@@ -81,8 +81,12 @@ UIUserInterfaceLayoutDirection layoutDirection() {
                                                      : UIUserInterfaceLayoutDirection::leftToRight;
 }
 
+ErrorRef cancellation(const std::string& why) {
+    return std::make_shared<NSError>(NSCocoaErrorDomain, NSUserCancelledError, why);
+}
+
 ErrorRef userCancellation() {
-    return std::make_shared<NSError>(NSCocoaErrorDomain, NSUserCancelledError, "The window was closed.");
+    return cancellation("The window was closed.");
 }
 
 bool isBackgroundAtWork() {
@@ -151,9 +155,12 @@ void ShareHost::takeSteps(NSExtensionContext& context) {
         StepRunner::Screen{window_, painter_, pixelsPerPoint, queue_, card_.areImagesShown}, line_.steps);
     steps_->start([this, &context](const std::optional<std::string>& failure) {
         if (failure) {
-            problem_ = failure;
             status_ = ExitStatus::stepFailed;
-            endRun();
+            problem_ = *failure;
+            if (context.hasEnded())
+                *problem_ += "; the request had ended before";
+            else
+                context.cancelRequestWithError(cancellation(*failure));
         } else if (!context.hasEnded() && shareWindow_) {
             watchForHangingSave();
         }

@@ -58,7 +58,8 @@ public:
     /// Shows the card, takes the command line's steps and returns when the request has ended and nothing is
     /// under way any more. Closing the window cancels the request. Without a window a request that nothing
     /// will end is cancelled, unless saving hangs; that, here or after the last step in a window, gives
-    /// `cannotEnd`. A step that fails is told by `problem`, and the request is cancelled.
+    /// `cannotEnd`. A step that fails is told by `problem`, and the request is cancelled at once: only the
+    /// file that is under way is still added.
     ExitStatus run(Card card, NSExtensionContext& context);
 
     /// The step that failed and why, in a line; absent when none did.

@@ -169,7 +169,7 @@ void ShareWindow::exposeEvent(QExposeEvent*) {
 void ShareWindow::resizeEvent(QResizeEvent*) {
     store_.resize(size());
     storeRatio_ = 0;
-    window_.setScreenSize({width() / unitsPerPoint(), height() / unitsPerPoint()});
+    window_.setSize({width() / unitsPerPoint(), height() / unitsPerPoint()});
     exposed_ = QRect(QPoint(), size());
     scheduleFrame();
 }

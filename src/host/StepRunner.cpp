@@ -23,16 +23,8 @@ bool isBackgroundAtWork() {
 
 } // namespace
 
-StepRunner::StepRunner(Screen screen, const std::vector<Step>& steps) : screen_(std::move(screen)) {
-    for (const Step& step : steps) {
-        if (step.kind != Step::Kind::type) {
-            steps_.push_back(step);
-            continue;
-        }
-        for (const char digit : step.argument)
-            steps_.push_back({Step::Kind::type, std::string(1, digit)});
-    }
-}
+StepRunner::StepRunner(Screen screen, const std::vector<Step>& steps)
+    : screen_(std::move(screen)), steps_(steps.begin(), steps.end()) {}
 
 void StepRunner::start(Completion completion) {
     completion_ = std::move(completion);
@@ -52,7 +44,7 @@ void StepRunner::next() {
         finish(std::nullopt);
         return;
     }
-    const Step& step = steps_.front();
+    Step& step = steps_.front();
     const double now = screen_.queue.now();
     if (step.kind == Step::Kind::wait) {
         if (const double end = previousStepTime_ + step.seconds; now < end) {
@@ -73,6 +65,11 @@ void StepRunner::next() {
             return;
         }
         previousStepTime_ = now;
+        if (step.kind == Step::Kind::type && step.argument.size() > 1) {
+            step.argument.erase(0, 1);
+            scheduleNext(0);
+            return;
+        }
         waited_ = false;
     }
     steps_.pop_front();
@@ -96,7 +93,7 @@ std::optional<std::string> StepRunner::take(const Step& step) {
         return std::nullopt;
     case Step::Kind::type:
         // Which digit it was is nobody's business.
-        if (!touch("button" + step.argument))
+        if (!step.argument.empty() && !touch("button" + step.argument.substr(0, 1)))
             return "a key to type is not on the screen, or is hidden or covered";
         return std::nullopt;
     case Step::Kind::snapshot:

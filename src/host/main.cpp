@@ -59,10 +59,10 @@ void tellProblems(const sela::ShareHost& host, const sela::SelaShareExtensionVc&
     const std::string place = "file " + std::to_string(file) + " of " + std::to_string(count);
     if (host.problem())
         tell(*host.problem());
-    else if (status == sela::ExitStatus::cannotEnd)
+    if (status == sela::ExitStatus::cannotEnd)
         tell(place +
              " was never reported as saved, so the request cannot end (an empty file is not recorded)");
-    else if (status == sela::ExitStatus::completed && screen.saveError() && file <= count)
+    else if (status != sela::ExitStatus::cancelled && screen.saveError() && file <= count)
         tell(place + " was not added: " + screen.saveError()->localizedDescription() +
              (file < count ? "; those after it were not tried" : ""));
 }

@@ -72,7 +72,7 @@ void AttachmentIntake::loadThumbnails(std::function<void()> completion) {
                       [weak = weak_from_this(), typeIdentifier, completion = std::move(completion)](
                           const NSItemProvider::Item& item, const ErrorRef& error) {
                           const std::shared_ptr<AttachmentIntake> self = weak.lock();
-                          if (!self)
+                          if (!self || self->extensionContext->isCancelled())
                               return;
                           self->addThumbnail(item, error, typeIdentifier);
                           self->thumbnailCount += 1;
@@ -113,7 +113,7 @@ void AttachmentIntake::saveAttachments(const Completion& completion) {
         provider.registeredTypeIdentifiers().front(),
         [weak = weak_from_this(), completion](const NSItemProvider::Item& item, const ErrorRef& error) {
             const std::shared_ptr<AttachmentIntake> self = weak.lock();
-            if (!self)
+            if (!self || self->extensionContext->isCancelled())
                 return;
             if (error) {
                 NSLog("error: " + error->localizedDescription());
@@ -154,10 +154,10 @@ AttachmentIntake::Completion AttachmentIntake::advancing(const Completion& compl
             completion(error);
             return;
         }
-        // What is under way is finished; nothing new begins once the request is over.
-        if (self->extensionContext->hasEnded())
-            return;
         self->currentAttachmentIndex += 1;
+        // What is under way is finished; nothing new begins once the user does not want it.
+        if (self->extensionContext->isCancelled())
+            return;
         self->saveAttachments(completion);
     };
 }

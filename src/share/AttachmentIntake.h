@@ -20,8 +20,8 @@ namespace sela {
 /// and saves them all, one after another. The attachments of the first input item are all that is ever read.
 ///
 /// Made on the main thread and held by a `std::shared_ptr`. Its two walks hold it weakly from step to step
-/// and end silently when it is gone. One load or save is in flight at a time, and the fields below are
-/// touched only by the step that is running.
+/// and end silently when it is gone or the request is cancelled; a copy that is under way is finished. One
+/// load or save is in flight at a time, and the fields below are touched only by the step that is running.
 class AttachmentIntake : public std::enable_shared_from_this<AttachmentIntake> {
 public:
     using Completion = std::function<void(const ErrorRef&)>;

@@ -194,8 +194,10 @@ void SelaShareExtensionVc::startSaving() {
     intake_->saveAttachments([weak = weakReference(*this)](const ErrorRef& error) {
         DispatchQueue::main().async([weak, error] {
             const auto self = weak.lock();
-            if (!self)
+            // A run that goes on after its first error ends a second time.
+            if (!self || self->saveEnded_)
                 return;
+            self->saveEnded_ = true;
             self->saveError_ = error;
             self->showDone();
         });

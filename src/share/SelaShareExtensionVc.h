@@ -104,6 +104,7 @@ private:
 
     bool thumbnailsShown_ = false;
     bool addStarted_ = false;
+    bool saveEnded_ = false;
     ErrorRef saveError_;
 };
 

@@ -94,7 +94,8 @@ void SelaShareExtensionVc::layoutPanels() {
 
 void SelaShareExtensionVc::layoutCard() {
     titleLabel_.snp().makeConstraints([&](ConstraintMaker& make) {
-        make.leading().trailing().equalToSuperview().inset(whole(20));
+        make.leading().equalToSuperview().offset(whole(24));
+        make.trailing().equalToSuperview();
         make.top().equalToSuperview();
         make.height().equalTo(whole(46));
     });

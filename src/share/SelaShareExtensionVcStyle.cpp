@@ -7,7 +7,6 @@ void SelaShareExtensionVc::styleCard() {
     titleLabel_.setText("Sela");
     titleLabel_.setFont(UIFont::boldSystemFont(20 * scale_));
     titleLabel_.setTextColor(UIColor::named("AppTint"));
-    titleLabel_.setTextAlignment(NSTextAlignment::center);
     if (const std::optional<UIImage> disclosure = disclosureIcon_.image())
         disclosureIcon_.setImage(disclosure->withRenderingMode(UIImage::RenderingMode::alwaysTemplate)
                                      .imageFlippedForRightToLeftLayoutDirection());

@@ -268,8 +268,14 @@ ErrorRef Import::findUnrecorded() {
     if (!entries)
         return entries.error();
     const std::optional<UserDefaults> defaults = sharedDefaults();
-    // A ledger that is kept aside may still know some of the files.
-    const bool prune = options_.prune && defaults && defaults->keys(unreadableItemsKeyPrefix).empty();
+    bool prune = false;
+    if (options_.prune && defaults) {
+        const Result<std::vector<std::string>> keptLedgers = defaults->keys(unreadableItemsKeyPrefix);
+        if (!keptLedgers)
+            return keptLedgers.error();
+        // A ledger that is kept aside may still know some of the files.
+        prune = keptLedgers.value().empty();
+    }
     std::set<std::string_view> recorded;
     for (const SharedItemLedger::Entry& entry : entries.value())
         recorded.insert(entry.second.fileName);

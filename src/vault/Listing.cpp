@@ -19,12 +19,18 @@ namespace {
 
 using Row = std::vector<std::string>;
 
-/// Rows as columns, two blanks between them; fmt counts the columns that a terminal needs.
+/// The columns that a terminal needs for a text: as many fewer blanks than bytes are what fmt fills it up
+/// with.
+std::size_t columnsOf(const std::string& text) {
+    return 2 * text.size() - fmt::formatted_size("{:<{}}", text, text.size());
+}
+
+/// Rows as columns, two blanks between them.
 std::string table(const std::vector<Row>& rows) {
     std::vector<std::size_t> widths(rows.front().size());
     for (const Row& row : rows)
         for (std::size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], fmt::formatted_size("{:1}", row[i]));
+            widths[i] = std::max(widths[i], columnsOf(row[i]));
     std::string text;
     for (const Row& row : rows) {
         std::string line;
@@ -97,10 +103,14 @@ Result<std::string> ledgerTable() {
         rows.push_back({item.fake ? "decoy" : "vault", sizeOf(item), pathText(item.albumNames),
                         escapedForLog(item.preferredName.value_or("-")), escapedForLog(item.fileName)});
     std::string text = table(rows);
-    if (const std::optional<UserDefaults> defaults = sharedDefaults())
-        for (const std::string& key : defaults->keys(unreadableItemsKeyPrefix))
+    if (const std::optional<UserDefaults> defaults = sharedDefaults()) {
+        const Result<std::vector<std::string>> keptLedgers = defaults->keys(unreadableItemsKeyPrefix);
+        if (!keptLedgers)
+            return keptLedgers.error();
+        for (const std::string& key : keptLedgers.value())
             text += "An earlier ledger could not be read and is kept in the settings under " +
                     escapedForLog(key) + "\n";
+    }
     return text;
 }
 

@@ -261,7 +261,8 @@ class Privacy(HostileTest):
             (["--type", "918272", "--wait", "1", "--tree", tree], 3),
             (["--type", "91827", "--tree", tree], 3),
             (["--type", "918273918273"], 65),
-            (["--type=918273"], 64),
+            (["--type=918273"], 3),
+            (["--typ=918273"], 64),
             (["--type", "918273x"], 64),
         ]:
             result = self.share("--tap", "albumButton", *steps, photo, expect=status)

@@ -54,8 +54,16 @@ class BadInput(HomeTest):
                 self.assertEqual(self.ledger(), {})
         result = self.share("-", expect=64, input=b"no picture")
         self.assertIn("no picture", result.stderr)
-        for options in [["--nonsense"], ["--screen", "12"], ["--scale", "x"], ["--type", "12a"], ["--tap"]]:
+        for options in [["--nonsense"], ["--screen", "12"], ["--scale", "x"], ["--type", "12a"], ["--tap"],
+                        ["--screen", "400x800", "--screen", "12"], ["--screen=12"], ["--quiet=1"]]:
             self.share(*options, expect=64)
+
+    def test_a_step_that_fails_cancels_at_once(self):
+        self.provision()
+        files = [self.write(name, b"x") for name in ("a.jpg", "b.jpg")]
+        result = self.share("--headless", "--screen=320x568", *files, "--tap=addButton", "--tap-now=nothing", expect=65)
+        self.assertIn("nothing is not on the screen", result.stderr)
+        self.assertEqual(self.ledger(), {})
 
     def test_without_a_group_nothing_is_made(self):
         source = self.write("a.jpg", b"x")

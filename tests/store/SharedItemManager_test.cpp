@@ -246,7 +246,7 @@ TEST_F(SharedItemManagerTest, AnUnreadableLedgerIsReportedReplacedAndKeptAside) 
         EXPECT_THAT(calls, ElementsAre(HasSubstr("JSON"), "ok"));
         EXPECT_EQ(log.lines().back(), "SharedItemManager, saveItem: falied to decode sharedItemsData");
         EXPECT_EQ(ledger(), ledgerOf({name}));
-        const std::vector<std::string> keys = sharedDefaults()->keys(unreadableItemsKeyPrefix);
+        const std::vector<std::string> keys = sharedDefaults()->keys(unreadableItemsKeyPrefix).value();
         ASSERT_EQ(keys.size(), ++kept);
         EXPECT_EQ(sharedDefaults()->data(keys.back()), toData(text));
     }

@@ -20,7 +20,7 @@ using testing::ElementsAre;
 /// A window for one control.
 class ControlTest : public ViewTest {
 protected:
-    ControlTest() { window.setScreenSize({400, 480}); }
+    ControlTest() { window.setSize({400, 480}); }
 
     void show(UIView& control, const CGRect& frame) {
         window.addSubview(control);

@@ -19,6 +19,7 @@ bool NSExtensionContext::end(const ErrorRef& cancellation) {
         NSLog("NSExtensionContext: the request has ended already");
         return false;
     }
+    cancelled_ = cancellation != nullptr;
     ended_ = true;
     if (onEnd)
         onEnd(cancellation);

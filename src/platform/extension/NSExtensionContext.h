@@ -34,6 +34,7 @@ public:
 
     /// Any thread.
     bool hasEnded() const { return ended_; }
+    bool isCancelled() const { return cancelled_; }
 
     /// Called once, when the request ends, on the main thread. Set by the host.
     EndHandler onEnd;
@@ -42,6 +43,7 @@ private:
     bool end(const ErrorRef& cancellation);
 
     std::atomic<bool> ended_ = false;
+    std::atomic<bool> cancelled_ = false;
 };
 
 } // namespace sela

@@ -98,7 +98,9 @@ Result<std::optional<Data>> SettingsDatabase::read(std::string_view key, std::st
         return any.error();
     if (!any.value())
         return std::optional<Data>();
-    Statement statement(connection_, "SELECT value FROM settings WHERE key = ?1 AND kind = ?2");
+    // By the rows alone, here and below: there are few, and one that a damaged index does not lead to is
+    // there all the same.
+    Statement statement(connection_, "SELECT value FROM settings NOT INDEXED WHERE key = ?1 AND kind = ?2");
     statement.bind(1, key);
     statement.bind(2, kind);
     switch (statement.step()) {
@@ -119,8 +121,9 @@ Result<std::vector<std::string>> SettingsDatabase::keys(std::string_view prefix)
         return any.error();
     if (!any.value())
         return found;
-    Statement statement(connection_,
-                        "SELECT key FROM settings WHERE substr(key, 1, length(?1)) = ?1 ORDER BY key");
+    Statement statement(
+        connection_,
+        "SELECT key FROM settings NOT INDEXED WHERE substr(key, 1, length(?1)) = ?1 ORDER BY key");
     statement.bind(1, prefix);
     int result = statement.step();
     for (; result == SQLITE_ROW; result = statement.step())
@@ -148,7 +151,12 @@ ErrorRef SettingsDatabase::write(std::string_view key, std::string_view kind, Da
 }
 
 ErrorRef SettingsDatabase::checkStored(std::string_view key, std::string_view kind, DataView value) {
-    Statement statement(connection_, "SELECT 1 FROM settings WHERE key = ?1 AND kind = ?2 AND value = ?3");
+    // The same through the index and by the rows, and the only one: a damaged index doubles what it hides,
+    // and may lead to the row of another key.
+    Statement statement(connection_,
+                        "SELECT 1 FROM settings WHERE key = ?1 AND kind = ?2 AND value = ?3 AND rowid = "
+                        "(SELECT CASE count(*) WHEN 1 THEN max(rowid) END FROM settings NOT INDEXED "
+                        "WHERE key = ?1)");
     statement.bind(1, key);
     statement.bind(2, kind);
     statement.bind(3, value);
@@ -170,7 +178,7 @@ ErrorRef SettingsDatabase::remove(std::string_view key) {
         return any.error();
     if (!inTransaction_)
         return transaction([&] { return remove(key); });
-    Statement statement(connection_, "DELETE FROM settings WHERE key = ?1");
+    Statement statement(connection_, "DELETE FROM settings NOT INDEXED WHERE key = ?1");
     statement.bind(1, key);
     return statement.step() == SQLITE_DONE ? nullptr : failure("remove a setting");
 }

@@ -52,9 +52,8 @@ std::optional<std::string> UserDefaults::string(std::string_view key) const {
     return std::string(asText(*value));
 }
 
-std::vector<std::string> UserDefaults::keys(std::string_view prefix) const {
-    Result<std::vector<std::string>> found = database_->keys(prefix);
-    return found ? std::move(found.value()) : std::vector<std::string>();
+Result<std::vector<std::string>> UserDefaults::keys(std::string_view prefix) const {
+    return database_->keys(prefix);
 }
 
 ErrorRef UserDefaults::setData(std::string_view key, DataView value) {

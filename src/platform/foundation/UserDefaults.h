@@ -40,8 +40,8 @@ public:
     /// is logged).
     std::optional<std::string> string(std::string_view key) const;
 
-    /// The keys that hold a value and begin with `prefix`, sorted by their bytes; empty when reading fails.
-    std::vector<std::string> keys(std::string_view prefix) const;
+    /// The keys that hold a value and begin with `prefix`, sorted by their bytes; or why they cannot be read.
+    Result<std::vector<std::string>> keys(std::string_view prefix) const;
 
     /// Stores a value under a key in place of what was there. On return without an error it is on the disk.
     ErrorRef setData(std::string_view key, DataView value);

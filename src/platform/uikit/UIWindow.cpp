@@ -29,8 +29,7 @@ UIWindow::~UIWindow() {
         subviews().back()->removeFromSuperview();
 }
 
-void UIWindow::setScreenSize(CGSize size) {
-    UIScreen::main().setSize(size);
+void UIWindow::setSize(CGSize size) {
     setFrame({{}, size});
     invalidate(bounds());
 }

@@ -24,8 +24,9 @@ public:
     explicit UIWindow(CGSize size);
     ~UIWindow() override;
 
-    /// The screen's size changes: the root view follows.
-    void setScreenSize(CGSize size);
+    /// The window becomes another size than the screen's, and the root view follows. Screens that are loaded
+    /// later are still measured for the screen, as those that are shown were.
+    void setSize(CGSize size);
 
     UIViewController* rootViewController() const { return rootViewController_.get(); }
 
