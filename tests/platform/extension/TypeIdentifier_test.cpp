@@ -3,6 +3,7 @@
 #include "support/TemporaryHome.h"
 
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace sela {
 namespace {
@@ -11,12 +12,7 @@ TEST(TypeIdentifier, IsToldByTheNameAndElseByTheContent) {
     const TemporaryHome home;
     const std::string jpeg("\xFF\xD8\xFF\xE0\x00\x10JFIF\x00\x01\x01\x00\x00\x01\x00\x01\x00\x00\xFF\xD9",
                            22);
-    struct Case {
-        const char* name;
-        std::string content;
-        const char* identifier;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, std::string, const char*> cases[] = {
         {"a.JPG", "x", "public.jpeg"},
         {"a.heic", jpeg, "public.heic"},
         {"a.mov", "x", "com.apple.quicktime-movie"},
@@ -30,9 +26,8 @@ TEST(TypeIdentifier, IsToldByTheNameAndElseByTheContent) {
         {"c", "", "public.data"},
         {"d", std::string("\x01\x02\x03\x00", 4), "public.data"},
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(typeIdentifierOfFile(URL::fileURL(home.write(c.name, c.content).string())), c.identifier)
-            << c.name;
+    for (const auto& [name, content, identifier] : cases)
+        EXPECT_EQ(typeIdentifierOfFile(URL::fileURL(home.write(name, content).string())), identifier) << name;
     EXPECT_EQ(typeIdentifierOfFile(URL::fileURL((home.path() / "missing").string())), "public.data");
     EXPECT_EQ(typeIdentifierOfFile(URL::fileURL(home.path().string())), "public.data");
 }

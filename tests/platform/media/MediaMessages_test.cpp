@@ -7,27 +7,18 @@ namespace sela {
 namespace {
 
 MediaRequest frameRequest() {
-    MediaRequest request;
-    request.number = 7;
-    request.operation = MediaOperation::copyFrame;
-    request.maximumSide = 300;
-    request.asset = 9;
-    request.time = {8792, 600};
-    request.toleranceBefore = {60, 600};
-    request.toleranceAfter = kCMTimePositiveInfinity;
-    request.appliesTrackTransform = true;
-    return request;
+    return {.number = 7,
+            .operation = MediaOperation::copyFrame,
+            .maximumSide = 300,
+            .asset = 9,
+            .time = {8792, 600},
+            .toleranceBefore = {60, 600},
+            .toleranceAfter = kCMTimePositiveInfinity,
+            .appliesTrackTransform = true};
 }
 
 MediaResponse frameResponse() {
-    MediaResponse response;
-    response.number = 7;
-    response.status = MediaStatus::done;
-    response.width = 300;
-    response.height = 169;
-    response.time = {8800, 600};
-    response.framesDecoded = 12;
-    return response;
+    return {7, MediaStatus::done, 300, 169, {8800, 600}, 12};
 }
 
 TEST(MediaMessages, ArriveAsTheyWereSent) {
@@ -48,36 +39,34 @@ TEST(MediaMessages, OfAnotherLengthAreRefused) {
 }
 
 TEST(MediaMessages, ThatBreakTheRulesAreRefused) {
-    const std::vector<std::function<void(MediaResponse&)>> responses = {
-        [](MediaResponse& response) { response.number = 8; },
-        [](MediaResponse& response) { response.status = static_cast<MediaStatus>(3); },
-        [](MediaResponse& response) { response.status = MediaStatus::unreadable; }, // yet it has a size
-        [](MediaResponse& response) { response.width = 301; },
-        [](MediaResponse& response) { response.height = 0xFFFFFFFF; },
-        [](MediaResponse& response) { response.height = 0; },
-        [](MediaResponse& response) { response.time.timescale = 0; },
-        [](MediaResponse& response) { response.time.timescale = -600; },
-        [](MediaResponse& response) { response.time.positiveInfinity = true; },
+    const std::function<void(MediaResponse&)> responses[] = {
+        [](auto& response) { response.number = 8; },
+        [](auto& response) { response.status = static_cast<MediaStatus>(3); },
+        [](auto& response) { response.status = MediaStatus::unreadable; }, // yet it has a size
+        [](auto& response) { response.width = 301; },
+        [](auto& response) { response.height = 0xFFFFFFFF; },
+        [](auto& response) { response.height = 0; },
+        [](auto& response) { response.time.timescale = 0; },
+        [](auto& response) { response.time.timescale = -600; },
+        [](auto& response) { response.time.positiveInfinity = true; },
     };
-    for (std::size_t i = 0; i < responses.size(); ++i) {
+    const std::function<void(MediaRequest&)> requests[] = {
+        [](auto& request) { request.operation = static_cast<MediaOperation>(3); },
+        [](auto& request) { request.operation = MediaOperation::readDuration; }, // yet it wants pixels
+        [](auto& request) { request.maximumSide = 0; },
+        [](auto& request) { request.maximumSide = maximumPictureSide + 1; },
+        [](auto& request) { request.time = kCMTimePositiveInfinity; },
+        [](auto& request) { request.toleranceBefore.timescale = 0; },
+    };
+    for (const auto& spoil : responses) {
         MediaResponse response = frameResponse();
-        responses[i](response);
-        EXPECT_FALSE(decodeResponse(encode(response), frameRequest())) << i;
+        spoil(response);
+        EXPECT_FALSE(decodeResponse(encode(response), frameRequest())) << &spoil - responses;
     }
-    const std::vector<std::function<void(MediaRequest&)>> requests = {
-        [](MediaRequest& request) { request.operation = static_cast<MediaOperation>(3); },
-        [](MediaRequest& request) {
-            request.operation = MediaOperation::readDuration;
-        }, // yet it wants pixels
-        [](MediaRequest& request) { request.maximumSide = 0; },
-        [](MediaRequest& request) { request.maximumSide = maximumPictureSide + 1; },
-        [](MediaRequest& request) { request.time = kCMTimePositiveInfinity; },
-        [](MediaRequest& request) { request.toleranceBefore.timescale = 0; },
-    };
-    for (std::size_t i = 0; i < requests.size(); ++i) {
+    for (const auto& spoil : requests) {
         MediaRequest request = frameRequest();
-        requests[i](request);
-        EXPECT_FALSE(decodeRequest(encode(request))) << i;
+        spoil(request);
+        EXPECT_FALSE(decodeRequest(encode(request))) << &spoil - requests;
     }
 }
 

@@ -4,6 +4,7 @@
 #include "platform/media/AVError.h"
 #include "platform/media/MediaHelperProcess.h"
 #include "platform/media/MediaSocket.h"
+#include "support/TemporaryHome.h"
 
 #include <atomic>
 #include <csignal>
@@ -40,9 +41,9 @@ std::ptrdiff_t openDescriptors() {
     return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
 }
 
-/// The value of a line of /proc/PROCESS/status, without spaces around it.
-std::string statusOf(const std::string& process, const std::string& name) {
-    std::ifstream status("/proc/" + process + "/status");
+/// The value of a line of a task's status, without spaces around it.
+std::string statusOf(const fs::path& task, const std::string& name) {
+    std::ifstream status(task / "status");
     for (std::string line; std::getline(status, line);)
         if (line.starts_with(name + ":"))
             return line.substr(line.find_first_not_of(" \t", name.size() + 1));
@@ -51,22 +52,12 @@ std::string statusOf(const std::string& process, const std::string& name) {
 
 class MediaServiceClientTest : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string name = fs::temp_directory_path() / "sela-client-XXXXXX";
-        folder_ = ::mkdtemp(name.data());
-    }
-    void TearDown() override { fs::remove_all(folder_); }
+    std::string file(const std::string& content) const { return home.write("file", content); }
 
-    std::string file(const std::string& content) const {
-        const fs::path path = folder_ / "file";
-        std::ofstream(path, std::ios::binary) << content;
-        return path;
-    }
-
-    fs::path folder_;
+    TemporaryHome home;
 };
 
-TEST_F(MediaServiceClientTest, StartsTheHelperOnFirstNeedAndKeepsIt) {
+TEST_F(MediaServiceClientTest, StartsTheHelperOnFirstNeedKeepsItAndReplacesIt) {
     MediaServiceClient client({programs});
     EXPECT_FALSE(client.helperProcessIdentifier(MediaOperation::decodePicture));
     ASSERT_TRUE(client.perform(sample("baseline.jpg"), pictureRequest()));
@@ -76,21 +67,12 @@ TEST_F(MediaServiceClientTest, StartsTheHelperOnFirstNeedAndKeepsIt) {
     ASSERT_TRUE(client.perform(sample("quarters.png"), pictureRequest()));
     EXPECT_EQ(client.helperProcessIdentifier(MediaOperation::decodePicture), helper);
     EXPECT_FALSE(client.helperProcessIdentifier(MediaOperation::copyFrame));
-}
 
-TEST_F(MediaServiceClientTest, EveryThreadOfTheHelperIsInTheSandbox) {
-    MediaServiceClient client({programs});
-    ASSERT_TRUE(client.perform(sample("plain.heic"), pictureRequest()));
-    const std::string helper =
-        std::to_string(client.helperProcessIdentifier(MediaOperation::decodePicture).value());
-    int threads = 0;
-    for (const auto& thread : fs::directory_iterator("/proc/" + helper + "/task")) {
-        const std::string name = helper + "/task/" + thread.path().filename().string();
-        EXPECT_EQ(statusOf(name, "NoNewPrivs"), "1");
-        EXPECT_EQ(statusOf(name, "Seccomp"), "2");
-        ++threads;
-    }
-    EXPECT_GE(threads, 2);
+    // One that ended between two requests costs nothing.
+    ::kill(*helper, SIGKILL);
+    siginfo_t ended{};
+    ::waitid(P_PID, static_cast<id_t>(*helper), &ended, WEXITED | WNOWAIT);
+    EXPECT_TRUE(client.perform(sample("baseline.jpg"), pictureRequest()));
 }
 
 TEST_F(MediaServiceClientTest, AHelperThatMisbehavesCostsOneFileOnly) {
@@ -118,12 +100,13 @@ TEST_F(MediaServiceClientTest, AVideoThatCostItsHelperIsNotTriedAgain) {
     EXPECT_TRUE(client.perform(file("behave"), request));
 }
 
-TEST_F(MediaServiceClientTest, TheHelpersAreLimited) {
+TEST_F(MediaServiceClientTest, TheHelpersAreLimitedAndEveryThreadIsInTheSandbox) {
     MediaServiceClient client({programs});
-    ASSERT_TRUE(client.perform(sample("baseline.jpg"), pictureRequest()));
+    ASSERT_TRUE(client.perform(sample("plain.heic"), pictureRequest()));
     MediaRequest duration;
     duration.operation = MediaOperation::readDuration;
     ASSERT_TRUE(client.perform(sample("second.mp4"), duration));
+    int threads = 0;
     for (const auto operation : {MediaOperation::decodePicture, MediaOperation::readDuration}) {
         const pid_t helper = client.helperProcessIdentifier(operation).value();
         const auto limit = [&](__rlimit_resource resource) {
@@ -138,21 +121,17 @@ TEST_F(MediaServiceClientTest, TheHelpersAreLimited) {
 #ifndef SELA_SANITIZED
         EXPECT_EQ(limit(RLIMIT_AS), 1610612736U);
 #endif
+        for (const auto& thread : fs::directory_iterator("/proc/" + std::to_string(helper) + "/task")) {
+            EXPECT_EQ(statusOf(thread.path(), "NoNewPrivs"), "1");
+            EXPECT_EQ(statusOf(thread.path(), "Seccomp"), "2");
+            ++threads;
+        }
     }
-}
-
-TEST_F(MediaServiceClientTest, AHelperThatEndedBetweenRequestsCostsNothing) {
-    MediaServiceClient client({programs});
-    ASSERT_TRUE(client.perform(sample("baseline.jpg"), pictureRequest()));
-    const pid_t helper = client.helperProcessIdentifier(MediaOperation::decodePicture).value();
-    ::kill(helper, SIGKILL);
-    siginfo_t ended{};
-    ::waitid(P_PID, static_cast<id_t>(helper), &ended, WEXITED | WNOWAIT);
-    EXPECT_TRUE(client.perform(sample("baseline.jpg"), pictureRequest()));
+    EXPECT_GE(threads, 3) << "decoding in threads";
 }
 
 TEST_F(MediaServiceClientTest, WithoutAHelperEveryFileFails) {
-    MediaServiceClient client({folder_});
+    MediaServiceClient client({home.path()});
     for (int i = 0; i < 2; ++i)
         EXPECT_EQ(codeOf(client.perform(sample("baseline.jpg"), pictureRequest()).error()),
                   AVErrorMediaServicesWereReset);
@@ -160,10 +139,10 @@ TEST_F(MediaServiceClientTest, WithoutAHelperEveryFileFails) {
 
 TEST_F(MediaServiceClientTest, OnlyRegularFilesAreOpened) {
     MediaServiceClient client({programs});
-    const std::string pipe = folder_ / "pipe";
+    const std::string pipe = home.path() / "pipe";
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-    EXPECT_EQ(codeOf(client.perform(folder_ / "missing", pictureRequest()).error()), ENOENT);
-    for (const std::string& path : {pipe, folder_.string(), std::string("/dev/zero")})
+    EXPECT_EQ(codeOf(client.perform(home.path() / "missing", pictureRequest()).error()), ENOENT);
+    for (const std::string& path : {pipe, home.path().string(), std::string("/dev/zero")})
         EXPECT_EQ(codeOf(client.perform(path, pictureRequest()).error()), EINVAL) << path;
     EXPECT_FALSE(client.helperProcessIdentifier(MediaOperation::decodePicture));
 }

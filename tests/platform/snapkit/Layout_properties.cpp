@@ -1,6 +1,5 @@
 #include "platform/snapkit/ConstraintViewDSL.h"
 
-#include "platform/snapkit/LayoutTest.h"
 #include "support/LogCapture.h"
 
 #include <rapidcheck.h>
@@ -122,6 +121,17 @@ private:
     std::vector<int> lines_;
     std::vector<std::shared_ptr<UIView>> views_; ///< superviews before subviews
 };
+
+/// Where a view lies in the root of its tree.
+CGRect frameInRoot(const UIView& view) {
+    CGRect frame = view.layoutFrame();
+    for (const UIView* superview = view.superview(); superview && superview->superview();
+         superview = superview->superview()) {
+        const CGPoint outer = superview->layoutFrame().origin, scrolled = superview->bounds().origin;
+        frame = frame.offsetBy(outer.x - scrolled.x, outer.y - scrolled.y);
+    }
+    return frame;
+}
 
 Line randomLine(const RandomTree& tree, UIView& view) {
     const auto kind = *rc::gen::inRange<std::size_t>(0, std::size(measures));

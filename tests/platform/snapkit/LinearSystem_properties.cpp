@@ -16,6 +16,16 @@ namespace {
 using Outcome = LinearSystem::Outcome;
 using Values = std::map<Variable, double>;
 
+TEST(LinearSystem, TellsWhatContradictsFromWhatIsRounded) {
+    LinearSystem system;
+    const Variable left = system.addVariable(), right = system.addVariable();
+    const LinearExpression distance = LinearExpression(right).add(left, -1).add(-20);
+    const auto longer = [&](double rest) { return LinearExpression(distance).add(-rest); };
+    EXPECT_EQ(system.addEquation(distance), Outcome::kept);
+    EXPECT_EQ(system.addEquation(longer(1e-12)), Outcome::redundant);
+    EXPECT_EQ(system.addEquation(longer(1e-4)), Outcome::contradiction);
+}
+
 /// A system of up to 29 variables and a solution that equations may be made to have.
 struct Unknowns {
     LinearSystem system;

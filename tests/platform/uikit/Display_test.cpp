@@ -23,12 +23,11 @@ protected:
 };
 
 TEST_F(DisplayTest, AChangeDrawsWhatItCoversAndNothingElse) {
-    struct Case {
+    const struct {
         const char* what;
         std::function<void()> change;
         CGRect dirty;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"nothing", [] {}, {}},
         {"a text", [&] { label.setText("x"); }, {110, 110, 20, 10}},
         {"the same text", [&] { label.setText("x"); }, {}},
@@ -59,11 +58,11 @@ TEST_F(DisplayTest, AChangeDrawsWhatItCoversAndNothingElse) {
         {"removal", [&] { label.removeFromSuperview(); }, {110, 110, 20, 10}},
         {"the appearance", [&] { window.setTraitCollection(UIUserInterfaceStyle::dark); }, {0, 0, 300, 400}},
     };
-    for (const Case& each : cases) {
-        each.change();
-        EXPECT_EQ(window.needsFrame(), !each.dirty.isEmpty()) << each.what;
-        EXPECT_EQ(drawFrame(), each.dirty) << each.what;
-        EXPECT_FALSE(window.needsFrame()) << each.what;
+    for (const auto& [what, change, dirty] : cases) {
+        change();
+        EXPECT_EQ(window.needsFrame(), !dirty.isEmpty()) << what;
+        EXPECT_EQ(drawFrame(), dirty) << what;
+        EXPECT_FALSE(window.needsFrame()) << what;
     }
 }
 

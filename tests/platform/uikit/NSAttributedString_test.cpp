@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace sela {
 namespace {
 
@@ -16,12 +18,7 @@ NSAttributedString highlighted(const char* text) {
 }
 
 TEST(NSAttributedString, FormatFillsTheFirstPlaceholderEachTime) {
-    struct Case {
-        const char* pattern;
-        std::vector<const char*> arguments;
-        const char* filled;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, std::vector<const char*>, const char*> cases[] = {
         {"nothing", {"ignored"}, "nothing"},
         {"%@", {""}, ""},
         {"Add %@ files to %@", {"3", "Holidays", "ignored"}, "Add 3 files to Holidays"},
@@ -32,21 +29,12 @@ TEST(NSAttributedString, FormatFillsTheFirstPlaceholderEachTime) {
         {"%@@ and more", {"100%", "!"}, "100! and more"},
         {"%@%@", {"%", "a", "b"}, "%a"},
     };
-    for (const Case& each : cases) {
+    for (const auto& [pattern, texts, filled] : cases) {
         std::vector<NSAttributedString> arguments;
-        for (const char* const argument : each.arguments)
-            arguments.push_back(highlighted(argument));
-        EXPECT_EQ(NSAttributedString(each.pattern, plain).format(arguments).string(), each.filled)
-            << each.pattern;
+        for (const char* const text : texts)
+            arguments.push_back(highlighted(text));
+        EXPECT_EQ(NSAttributedString(pattern, plain).format(arguments).string(), filled) << pattern;
     }
-}
-
-TEST(NSAttributedString, FormatKeepsTheLooksOfTemplateAndArguments) {
-    const NSAttributedString filled =
-        NSAttributedString("Add %@ files to %@", plain).format({highlighted("3"), highlighted("Ärger")});
-    const std::vector<NSAttributedString::Run> expected{
-        {"Add ", plain}, {"3", tinted}, {" files to ", plain}, {"Ärger", tinted}};
-    EXPECT_EQ(filled.runs(), expected);
 }
 
 TEST(NSAttributedStringDeathTest, FormatWithTooFewArgumentsStops) {
@@ -54,19 +42,6 @@ TEST(NSAttributedStringDeathTest, FormatWithTooFewArgumentsStops) {
     EXPECT_DEATH(pattern.format({highlighted("3")}), "Not enough arguments provided for Add %@ files to %@");
     // The argument's own placeholder uses up the argument meant for the next one.
     EXPECT_DEATH(pattern.format({highlighted("%@"), highlighted("a")}), "Not enough arguments");
-}
-
-TEST(NSAttributedString, ReplaceCutsRunsAtAnyPlace) {
-    NSAttributedString abcdef("abc", plain);
-    abcdef.append(highlighted("def"));
-    for (std::size_t location = 0; location <= 6; ++location)
-        for (std::size_t length = 0; location + length <= 6; ++length) {
-            NSAttributedString text = abcdef;
-            text.replace(location, length, NSAttributedString("-"));
-            EXPECT_EQ(text.string(), std::string("abcdef").replace(location, length, "-"));
-            for (const NSAttributedString::Run& run : text.runs())
-                EXPECT_TRUE(run.text.find_first_of("abc") == std::string::npos || run.attributes == plain);
-        }
 }
 
 TEST(NSAttributedString, NeighboursOfOneLookAreOneRun) {
