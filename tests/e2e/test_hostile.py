@@ -288,7 +288,3 @@ class Privacy(HostileTest):
                 self.assertNotIn(name, text + result.stdout + result.stderr)
         self.assertEqual([(entry["albumNames"], entry["fake"]) for entry in self.ledger().values()],
                          [(["Family"], False), (["Recipes"], True)])
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -110,7 +110,3 @@ class Kills(HomeTest):
                 self.end_season()
         self.end_season()
         self.assertGreater(self.entries_seen, KILLS // 8, "the kills left nothing to look at")
-
-
-if __name__ == "__main__":
-    unittest.main()
