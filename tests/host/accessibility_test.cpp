@@ -1,5 +1,4 @@
 #include "host/ProbeWindow.h"
-#include "platform/uikit/UIAccessibility.h"
 
 #include <gmock/gmock.h>
 
@@ -27,8 +26,7 @@ void hear(QAccessibleEvent* event) {
     const std::map<QAccessible::Event, const char*> kinds{
         {QAccessible::Focus, "focus"},           {QAccessible::NameChanged, "name"},
         {QAccessible::ObjectCreated, "created"}, {QAccessible::ObjectDestroyed, "destroyed"},
-        {QAccessible::ObjectShow, "show"},       {QAccessible::StateChanged, "state"},
-        {QAccessible::ValueChanged, "value"}};
+        {QAccessible::StateChanged, "state"},    {QAccessible::ValueChanged, "value"}};
     QAccessibleInterface* const element = event->accessibleInterface();
     if (!element || !kinds.contains(event->type()))
         return;
@@ -134,17 +132,6 @@ TEST_F(AccessibilityTest, AnEntryTellsItsLengthAndHasTheFocusWhereNothingElseHas
     QTest::keyClick(&shareWindow_, Qt::Key_Tab);
     look();
     EXPECT_EQ(root().focusChild()->text(QAccessible::Name), "addButton");
-}
-
-TEST_F(AccessibilityTest, Announces) {
-    told().clear();
-    UIAccessibility::postAnnouncement("Adding...");
-    UIAccessibility::postAnnouncement("Done");
-    EXPECT_THAT(told(), Contains("show Adding..."));
-    EXPECT_THAT(told(), Contains("show Done"));
-    QAccessibleInterface& last = *root().child(root().childCount() - 1);
-    EXPECT_EQ(last.role(), QAccessible::Notification);
-    EXPECT_EQ(last.text(QAccessible::Name), "Done");
 }
 
 } // namespace sela

@@ -50,7 +50,7 @@ Difference difference(const QImage& one, const QImage& other) {
 struct Gallery {
     explicit Gallery(UIUserInterfaceStyle style = UIUserInterfaceStyle::light) {
         window.setTraitCollection(style);
-        window.setRootViewController(makeGalleryScreen());
+        window.setRootViewController(std::make_shared<GalleryController>());
     }
 
     OffscreenEnvironment environment;

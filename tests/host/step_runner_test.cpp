@@ -124,19 +124,6 @@ TEST_F(StepRunnerTest, TapsAtOnceWhenToldTo) {
     EXPECT_THAT(probe_->touched, ElementsAre("addButton", "button7", "addButton"));
 }
 
-TEST_F(StepRunnerTest, WritesPicturesAndTrees) {
-    const TemporaryHome home;
-    const std::string picture = home.path() / "screen.png";
-    const std::string tree = home.path() / "tree.json";
-    start({{Step::Kind::snapshot, picture}, {Step::Kind::tree, tree}}, 1);
-    EXPECT_EQ(failure_, std::nullopt);
-    EXPECT_EQ(QImage(QString::fromStdString(picture)).size(), QSize(375, 667));
-    EXPECT_GT(std::filesystem::file_size(tree), 100u);
-
-    start({{Step::Kind::snapshot, "/nonexistent/screen.png"}}, 1);
-    EXPECT_EQ(failure_, "cannot write the picture /nonexistent/screen.png");
-}
-
 TEST_F(StepRunnerTest, StopsWhenTheRequestEndsAfterItsPictures) {
     const TemporaryHome home;
     const std::string tree = home.path() / "tree.json";

@@ -12,14 +12,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class ShareWindowTest : public ProbeWindowTest {
-protected:
-    void turnWheel(QPoint place, int angle) {
-        QWheelEvent event(place, shareWindow_.mapToGlobal(place), QPoint(), QPoint(0, angle), Qt::NoButton,
-                          Qt::NoModifier, Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(&shareWindow_, &event);
-    }
-};
+using ShareWindowTest = ProbeWindowTest;
 
 } // namespace
 
@@ -58,9 +51,14 @@ TEST_F(ShareWindowTest, FollowsTheFirstFinger) {
 
 TEST_F(ShareWindowTest, ScrollsByWheelAndByFinger) {
     const QPoint place(300, 800);
-    turnWheel(place, -120);
+    const auto turnWheel = [&](int angle) {
+        QWheelEvent event(place, shareWindow_.mapToGlobal(place), QPoint(), QPoint(0, angle), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&shareWindow_, &event);
+    };
+    turnWheel(-120);
     EXPECT_DOUBLE_EQ(probe_->tableView.contentOffset().y, 48);
-    turnWheel(place, 240);
+    turnWheel(240);
     EXPECT_DOUBLE_EQ(probe_->tableView.contentOffset().y, 0);
 
     QTest::mousePress(&shareWindow_, Qt::LeftButton, {}, place);
@@ -123,14 +121,19 @@ TEST_F(ShareWindowTest, TakesWhatIsPastedAndDroppedWhileItIsOpen) {
     QMimeData text;
     text.setText("file:///a.jpg");
     const auto drop = [&](const QMimeData& data) {
-        QDragEnterEvent enter({50, 50}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
-        enter.ignore();
-        QCoreApplication::sendEvent(&shareWindow_, &enter);
-        QDropEvent event({50, 50}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
-        event.ignore();
-        QCoreApplication::sendEvent(&shareWindow_, &event);
-        EXPECT_EQ(event.isAccepted(), enter.isAccepted());
-        return event.isAccepted() && event.dropAction() == Qt::CopyAction;
+        const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
+        QDragEnterEvent enter({50, 50}, actions, &data, Qt::LeftButton, {});
+        QDragMoveEvent move({60, 60}, actions, &data, Qt::LeftButton, {});
+        QDropEvent event({60, 60}, actions, &data, Qt::LeftButton, {});
+        int accepted = 0;
+        for (QDropEvent* const step :
+             {static_cast<QDropEvent*>(&enter), static_cast<QDropEvent*>(&move), &event}) {
+            step->ignore();
+            QCoreApplication::sendEvent(&shareWindow_, step);
+            accepted += step->isAccepted() && step->dropAction() == Qt::CopyAction;
+        }
+        EXPECT_TRUE(accepted == 0 || accepted == 3) << accepted;
+        return accepted == 3;
     };
     EXPECT_TRUE(drop(files));
     EXPECT_FALSE(drop(text));
@@ -150,13 +153,6 @@ TEST_F(ShareWindowTest, TakesThePressBackWhenTheWindowLosesTheFocus) {
     QTest::mouseRelease(&shareWindow_, Qt::LeftButton, {}, QPoint(140, 80));
     EXPECT_THAT(probe_->touched, IsEmpty());
     EXPECT_FALSE(probe_->addButton.isHighlighted());
-}
-
-TEST_F(ShareWindowTest, ShowsChangesAndThenRests) {
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !window_.needsFrame(); }));
-    probe_->addButton.setAlpha(0.5);
-    EXPECT_TRUE(window_.needsFrame());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !window_.needsFrame(); })) << "the change was never drawn";
 }
 
 TEST_F(ShareWindowTest, TellsWhenItIsClosed) {
