@@ -79,18 +79,6 @@ TEST_F(AttachmentIntakeTest, ARequestWithoutAttachmentsHasNoneAndSavingEndsAtOnc
     EXPECT_THAT(ends, ElementsAre("ok", "ok", "ok", "ok"));
 }
 
-TEST_F(AttachmentIntakeTest, AFilesRecordSaysWhenWhereAndItsName) {
-    share({file("IMG_0001.HEIC")});
-    intake->selectedAlbumName = {"Trips", "2020-Rome"};
-    intake->fakePasswordMode = true;
-    save();
-    ASSERT_EQ(recordedItems().size(), 1u);
-    const SharedItem item = recordedItems().front();
-    EXPECT_THAT(item.fileName, MatchesRegex("[0-9]+\\.[0-9]+IMG_0001.HEIC"));
-    EXPECT_EQ(item, (SharedItem{item.fileName, {"Trips", "2020-Rome"}, true, "IMG_0001.HEIC"}));
-    EXPECT_EQ(contentOf(home.container() / "Items" / item.fileName), "x");
-}
-
 TEST_F(AttachmentIntakeTest, APictureInMemoryBecomesAJPEGWithoutAName) {
     share({NSItemProvider::ofImage(UIImage::fromPixels({2, 1, {255, 0, 0, 255, 0, 0, 255, 255}}))});
     save();
