@@ -116,22 +116,4 @@ TEST_F(AccessibilityTest, TellsWhatChangesAndForgetsWhatIsGone) {
     EXPECT_EQ(root().childCount(), 4);
 }
 
-TEST_F(AccessibilityTest, AnEntryTellsItsLengthAndHasTheFocusWhereNothingElseHas) {
-    UIView entry({200, 140, 100, 20});
-    entry.setAccessibilityRole(AccessibilityRole::passcodeField);
-    entry.setAccessibilityLabel("Digits entered");
-    entry.setAccessibilityValue("0");
-    probe_->view().addSubview(entry);
-    EXPECT_THAT(look(), Contains("focus Digits entered"));
-    entry.setAccessibilityValue("3");
-    probe_->view().setNeedsDisplay();
-    EXPECT_THAT(look(), ElementsAre("value Digits entered"));
-    QAccessibleInterface& element = *root().focusChild();
-    EXPECT_TRUE(element.state().passwordEdit);
-    EXPECT_EQ(element.valueInterface()->currentValue().toInt(), 3);
-    QTest::keyClick(&shareWindow_, Qt::Key_Tab);
-    look();
-    EXPECT_EQ(root().focusChild()->text(QAccessible::Name), "addButton");
-}
-
 } // namespace sela
