@@ -114,12 +114,7 @@ protected:
     }
 
     static CommandLine commandLine() {
-        CommandLine line;
-        line.screenWidth = 375;
-        line.screenHeight = 667;
-        line.scale = 2;
-        line.hasScale = true;
-        return line;
+        return std::get<CommandLine>(CommandLine::parse({"--screen", "375x667", "--scale", "2"}));
     }
 
     ShareWindow shareWindow_{window_, painter_, commandLine()};

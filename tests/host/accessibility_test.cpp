@@ -93,6 +93,13 @@ TEST_F(AccessibilityTest, ShowsTheElementsInReadingOrderAndWorksThem) {
     EXPECT_EQ(list.child(0)->parent(), &list);
     EXPECT_THAT(names(*list.child(0)), ElementsAre("showChildButton"));
     EXPECT_THAT(names(*list.child(1)), IsEmpty());
+
+    // An entry has the focus only where nothing else has.
+    UIView entry({200, 140, 100, 20});
+    entry.setAccessibilityRole(AccessibilityRole::passcodeField);
+    probe_->view().addSubview(entry);
+    look();
+    EXPECT_EQ(root().focusChild(), &button);
 }
 
 TEST_F(AccessibilityTest, TellsWhatChangesAndForgetsWhatIsGone) {
