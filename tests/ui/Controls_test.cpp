@@ -30,8 +30,7 @@ protected:
     LogCapture log_;
 };
 
-class AUIButtonTest : public ControlTest {
-protected:
+struct AUIButtonTest : ControlTest {
     AUIButtonTest() { show(button_, {100, 100, 60, 40}); }
 
     AUIButton button_;
@@ -114,8 +113,7 @@ struct RecordingDelegate : SelaShareExtensionTopBarDelegate {
     std::string touched;
 };
 
-class TopBarTest : public ControlTest {
-protected:
+struct TopBarTest : ControlTest {
     SelaShareExtensionTopBar bar_{CGRect(0, 0, 320, 44)};
 };
 
