@@ -97,15 +97,6 @@ TEST_F(StepRunnerTest, WaitsForContentThatIsUnderWay) {
     EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
 }
 
-TEST_F(StepRunnerTest, StartsTheStepWhenTheScreenCameToRest) {
-    UIView::animate(0.3, [&] { probe_->addButton.setAlpha(0.5); });
-    queue_.asyncAfter(1, [] {});
-    start({tap("addButton")}, 0.9);
-    EXPECT_THAT(probe_->touched, IsEmpty());
-    environment_.loop.advance(0.2);
-    EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
-}
-
 TEST_F(StepRunnerTest, TapsAtOnceWhenToldTo) {
     queue_.asyncAfter(60, [] {});
     const Step wait{Step::Kind::wait, "", 0.25};
