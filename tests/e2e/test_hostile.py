@@ -6,9 +6,8 @@ import pathlib
 import re
 import sqlite3
 import subprocess
-import unittest
 
-from harness import BIN, GROUP, HomeTest
+from harness import BIN, HomeTest
 
 # What a terminal obeys, what ends a line, and what turns the direction of text.
 HARMFUL = re.compile("[\x00-\x09\x0b-\x1f\x7f-\x9f\u200e\u200f\u061c\u2028-\u202e\u2066-\u2069]")

@@ -7,7 +7,6 @@ import shutil
 import signal
 import subprocess
 import time
-import unittest
 
 from harness import BIN, FAST_CLOCK, HomeTest
 

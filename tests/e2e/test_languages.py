@@ -1,7 +1,6 @@
 """Every string table through the built program: complete, filled right, and each text within its place."""
 
 import gettext
-import os
 import re
 import unittest
 from concurrent.futures import ThreadPoolExecutor

@@ -1,6 +1,5 @@
 """The Debian package: what is in it, what it asks for, and that the programs in it work where they were unpacked."""
 
-import os
 import pathlib
 import re
 import shutil
