@@ -3,6 +3,7 @@
 import json
 import os
 import pathlib
+import re
 import shutil
 import sqlite3
 import subprocess
@@ -11,8 +12,12 @@ import unittest
 
 BIN = pathlib.Path(os.environ["SELA_BIN_DIR"])
 FAST_CLOCK = BIN.parent / "tests/e2e/sela-fast-clock.so"
-DRAG_SOURCE = BIN.parent / "tests/e2e/sela-drag-source"
 GROUP = "group.sela.vault"
+ROOT = pathlib.Path(__file__).parents[2]
+
+# A picture of one pixel.
+PNG = bytes.fromhex("89504e470d0a1a0a0000000d4948445200000001000000010802000000907753de0000000c49444154789c63f8cfc0000003010100"
+                    "c9fe92ef0000000049454e44ae426082")
 
 CATALOGUE = [
     {"namePath": ["Family"], "fake": False},
@@ -22,6 +27,12 @@ CATALOGUE = [
     {"namePath": ["Private", "Letters"], "fake": False},
     {"namePath": ["Recipes"], "fake": True},
 ]
+
+
+def kept_kinds():
+    """The words by which the store tells the kinds of file that it keeps."""
+    source = (ROOT / "src/store/FileKind.cpp").read_text()
+    return {word for table in re.findall(r'\{("[^}]+)\}', source) for word in re.findall(r'"([^"]+)"', table)}
 
 
 def views(tree):
@@ -91,14 +102,19 @@ class HomeTest(unittest.TestCase):
         """Shares files and taps Add."""
         return self.share(*files, "--tap", "addButton", **options)
 
-    def start_share(self, *arguments):
-        """Starts a share without a window, whose log can be read."""
-        process = subprocess.Popen([BIN / "sela-share", "--headless", *map(os.fsencode, arguments)],
-                                   env=self.environment, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
-        self.addCleanup(process.stderr.close)
+    def start(self, *command, **options):
+        """Starts a command that ends with the test."""
+        process = subprocess.Popen([*map(os.fsencode, command)], env=self.environment,
+                                   **{"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL} | options)
+        for stream in filter(None, (process.stdout, process.stderr)):
+            self.addCleanup(stream.close)
         self.addCleanup(process.wait)
-        self.addCleanup(process.kill)
+        self.addCleanup(process.terminate)
         return process
+
+    def start_share(self, *arguments, stderr=subprocess.PIPE):
+        """Starts a share without a window, whose log can be read."""
+        return self.start(BIN / "sela-share", "--headless", *arguments, stderr=stderr)
 
     def provision(self, passcode="123456", decoy="0000"):
         self.vault("init")
@@ -123,6 +139,10 @@ class HomeTest(unittest.TestCase):
             row = connection.execute("SELECT value FROM settings WHERE key = 'sharedItems'").fetchone()
         return json.loads(row[0]) if row else {}
 
+    def ledger_values(self, field):
+        """What the ledger's entries hold in a field, in their order."""
+        return [entry.get(field) for entry in self.ledger().values()]
+
     def assert_recorded_files_are_whole(self, contents):
         """Every entry of the ledger has its file, with one of the contents that were shared under its name."""
         for entry in self.ledger().values():
@@ -138,11 +158,8 @@ class WindowTest(HomeTest):
         super().setUp()
         self.provision()
         read, write = os.pipe()
-        self.display = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", "600x800x24",
-                                         "-nolisten", "tcp"], pass_fds=[write], stderr=subprocess.DEVNULL)
+        self.start("Xvfb", "-displayfd", str(write), "-screen", "0", "600x800x24", "-nolisten", "tcp", pass_fds=[write])
         os.close(write)
-        self.addCleanup(self.display.wait)
-        self.addCleanup(self.display.terminate)
         with os.fdopen(read) as number:
             self.environment["DISPLAY"] = ":" + number.readline().strip()
 
@@ -152,10 +169,7 @@ class WindowTest(HomeTest):
 
     def open_card(self, *arguments, command=(), stderr=subprocess.DEVNULL):
         """Starts the extension, by way of a command that runs it, and waits for its window."""
-        process = subprocess.Popen([*command, BIN / "sela-share", *arguments], env=self.environment,
-                                   stderr=stderr)
-        self.addCleanup(process.wait)
-        self.addCleanup(process.kill)
+        process = self.start(*command, BIN / "sela-share", *arguments, stderr=stderr)
         self.window = self.x("search", "--sync", "--onlyvisible", "--name", "^Sela$").splitlines()[0]
         return process
 

@@ -10,7 +10,7 @@ import subprocess
 import time
 import unittest
 
-from harness import BIN, HomeTest
+from harness import HomeTest
 
 
 def can_mount():
@@ -35,7 +35,7 @@ class Faults(HomeTest):
         self.mount("-t", "tmpfs", "-o", "size=1m,mode=700", "tmpfs", self.items)
         result = self.add(small, big)
         self.assertIn("saveItem, error: failed to create stream", result.stderr)
-        self.assertEqual([entry["preferredName"] for entry in self.ledger().values()], ["small.jpg"])
+        self.assertEqual(self.ledger_values("preferredName"), ["small.jpg"])
         self.assertEqual(len(list(self.items.iterdir())), 1)
 
     @unittest.skipUnless(can_mount(), "mounting needs root")
@@ -87,10 +87,7 @@ class Faults(HomeTest):
     def check_that_room_ends(self):
         """Adds files until there is no room for more, and looks at what is there and whether it goes on."""
         self.provision()
-        contents = {}
-        for i in range(30):
-            contents[f"{i}.jpg"] = {os.urandom(300_000)}
-        files = [self.write(name, next(iter(content))) for name, content in contents.items()]
+        contents, files = self.many_files(30, 300_000)
         result = self.add(*files)
         self.assertIn("saveItem, error: failed to create stream", result.stderr)
         recorded = self.ledger()
@@ -119,22 +116,21 @@ class Faults(HomeTest):
         result = self.add(self.write("b.jpg", b"b"))
         self.assertIn("saveItem", result.stderr)
         filling.unlink()
-        self.assertIn("a.jpg", [entry["preferredName"] for entry in self.ledger().values()])
+        self.assertIn("a.jpg", self.ledger_values("preferredName"))
         self.assert_recorded_files_are_whole(contents)
         self.add(self.home / "b.jpg")
-        self.assertIn("b.jpg", [entry["preferredName"] for entry in self.ledger().values()])
+        self.assertIn("b.jpg", self.ledger_values("preferredName"))
 
     def start_adding(self, *files):
         """A share that has begun: its first file is in Items."""
-        process = subprocess.Popen([BIN / "sela-share", "--headless", "--tap-now", "addButton", *files],
-                                   env=self.environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        process = self.start_share("--tap-now", "addButton", *files, stderr=subprocess.DEVNULL)
         deadline = time.monotonic() + 30
         while process.poll() is None and time.monotonic() < deadline and not any(self.items.iterdir()):
             time.sleep(0.001)
         return process
 
-    def many_files(self):
-        contents = {f"{i}.jpg": {os.urandom(1_000_000)} for i in range(20)}
+    def many_files(self, count=20, size=1_000_000):
+        contents = {f"{i}.jpg": {os.urandom(size)} for i in range(count)}
         return contents, [self.write(name, next(iter(content))) for name, content in contents.items()]
 
     @unittest.skipUnless(can_mount(), "mounting needs root")
@@ -188,7 +184,3 @@ class Faults(HomeTest):
         subprocess.run(["mount", *map(str, arguments)], check=True)
         target = str(arguments[-1])
         self.addCleanup(subprocess.run, ["umount", target], capture_output=True)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -1,12 +1,16 @@
-"""The whole flow through the built programs: headless by steps, and in a real window by clicks."""
+"""The whole flow through the built programs, headless by steps and in a real window; what cannot be shared is told and
+changes nothing."""
 
 import os
 import shutil
+import socket
 import subprocess
 import time
 import unittest
 
 from harness import HomeTest, Screen, WindowTest
+
+BLOCK = 2 * 1024 * 1024
 
 
 class Headless(HomeTest):
@@ -21,30 +25,39 @@ class Headless(HomeTest):
         self.share("--snapshot", pictures[0], "--tap", "albumButton", "--snapshot", pictures[1],
                    "--type", "123456", "--tap", "showChildButton:1", "--snapshot", pictures[2],
                    "--tap", "row:1:1", "--tap", "addButton", "--wait", "2", "--snapshot", pictures[3], *files)
-        self.assertEqual([(entry["albumNames"], entry["fake"]) for entry in self.ledger().values()],
-                         [(["Trips", "Rome"], False)] * 2)
+        self.assertEqual(self.ledger_values("albumNames"), [["Trips", "Rome"]] * 2)
         self.assertEqual(len({picture.read_bytes() for picture in pictures}), 4)
-        self.vault("import", "--into", self.home / "into")
-        self.assertTrue((self.home / "into/vault/Trips/Rome/video.mov").exists())
-
-    def test_a_locked_album_unfolds_with_its_own_password(self):
-        unlock, tree = ["--tap", "albumButton", "--type", "123456"], self.home / "tree.json"
-        for steps, unfolded in [([], False), (["--type", "1111", "--wait", "1", "--tap", "backButton"], False),
-                                (["--type", "2580"], True)]:
-            tap = ["--tap", "showChildButton:2"] if steps else []
-            self.share(*unlock, *tap, *steps, "--tree", tree, self.photo, expect=3)
-            self.assertEqual("Letters" in Screen(tree).shown_texts(), unfolded, steps)
-        self.share(*unlock, "--tap", "row:2:0", "--tap", "addButton", self.photo)
-        self.assertEqual([entry["albumNames"] for entry in self.ledger().values()], [["Private"]])
 
     def test_statuses(self):
-        self.share("--tap", "button1", self.photo, expect=65)
-        self.share("--tap", "cancelButton", self.photo, expect=3)
-        self.share("--tap", "addButton", self.photo, "--wait", "0.01", expect=0)
-        # The copy of an empty file can never end.
-        result = self.add(self.photo, self.write("empty.jpg", b""), expect=4)
-        self.assertIn("file 2 of 2", result.stderr)
-        self.assertEqual([entry["preferredName"] for entry in self.ledger().values()], ["photo.jpg"] * 2)
+        empty = self.write("empty.jpg", b"")  # its copy can never end
+        for mode, environment in ((["--headless"], {}), ([], {"QT_QPA_PLATFORM": "offscreen"})):
+            for steps, status in [(["--tap", "button1"], 65), (["--tap", "cancelButton"], 3),
+                                  (["--tap", "addButton", "--wait", "60"], 0),
+                                  (["--tap", "addButton", "--tap", "noButton", empty], 65),
+                                  (["--tap", "addButton", empty], 4)]:
+                result = self.run_program("sela-share", *mode, *steps[:2], self.photo, *steps[2:], expect=status,
+                                          environment=environment)
+            self.assertIn("file 2 of 2", result.stderr)
+        self.assertEqual(set(self.ledger_values("preferredName")), {"photo.jpg"})
+
+    def test_files_arrive_byte_for_byte_and_are_imported(self):
+        contents = {"photo.jpg": os.urandom(BLOCK + 1), "video.mov": os.urandom(5), "song.MP3": os.urandom(BLOCK)}
+        files = [self.write(name, content) for name, content in contents.items()]
+        result = self.add(files[0], "file://" + files[1], files[2])
+        self.assertNotIn("Adding", result.stderr)
+        ledger = self.ledger()
+        self.assertEqual([entry["preferredName"] for entry in ledger.values()], list(contents))
+        for key, entry in ledger.items():
+            self.assertEqual(entry["albumNames"], ["Default Album"])
+            self.assertIs(entry["fake"], False)
+            self.assertEqual(key, "Default Album-normal" + entry["fileName"])
+            self.assertRegex(entry["fileName"], r"^\d{10}\.\d+" + entry["preferredName"])
+            self.assertEqual((self.items / entry["fileName"]).read_bytes(), contents[entry["preferredName"]])
+        self.vault("import", "--into", self.home / "into")
+        for name, content in contents.items():
+            self.assertEqual((self.home / "into/vault/Default Album" / name).read_bytes(), content)
+        self.assertEqual(self.ledger(), {})
+        self.assertEqual(list(self.items.iterdir()), [])
 
 
 class Window(WindowTest):
@@ -52,34 +65,15 @@ class Window(WindowTest):
         super().setUp()
         self.photo = self.write("photo.jpg", b"content")
 
-    def place(self, name, *steps):
-        """The middle of a view, as a headless run at the same screen size shows it after the same steps."""
-        path = self.home / "place.json"
-        self.share(*steps, "--tree", path, self.photo, expect=None)
-        x, y, width, height = Screen(path).view(name)["frame"]
-        return round(x + width / 2), round(y + height / 2)
-
-    def click(self, point):
-        self.x("mousemove", "--window", self.window, *point, "click", 1)
-
-    def test_unlocking_picking_and_adding_by_clicks(self):
-        album, add = self.place("albumButton"), self.place("addButton")
-        digits = [self.place(f"button{digit}", "--tap", "albumButton") for digit in "123456"]
+    def test_a_click_on_add_adds(self):
+        tree = self.home / "tree.json"
+        self.share("--tree", tree, self.photo, expect=3)
+        x, y, width, height = Screen(tree).view("addButton")["frame"]
         process = self.open_card(self.photo)
         time.sleep(0.5)
-        self.click(album)
-        time.sleep(0.8)
-        for digit in digits:
-            self.click(digit)
-            time.sleep(0.1)
-        time.sleep(0.5)
-        # The rows are 55 points high, below a strip of 46.
-        self.click((150, 139 + 46 + 55 + 27))
-        time.sleep(0.8)
-        self.click(add)
+        self.x("mousemove", "--window", self.window, round(x + width / 2), round(y + height / 2), "click", 1)
         self.assertEqual(process.wait(30), 0)
-        self.assertEqual([(entry["preferredName"], entry["albumNames"]) for entry in self.ledger().values()],
-                         [("photo.jpg", ["Trips"])])
+        self.assertEqual(self.ledger_values("preferredName"), ["photo.jpg"])
 
     @unittest.skipUnless(shutil.which("import") and shutil.which("compare"), "needs ImageMagick")
     def test_the_window_shows_what_the_snapshot_shows(self):
@@ -97,5 +91,58 @@ class Window(WindowTest):
         self.assertLess(float(compared.stderr.split("(")[1].rstrip(")")), 0.02)
 
 
-if __name__ == "__main__":
-    unittest.main()
+class BadInput(HomeTest):
+    def test_unusable_arguments_are_told_before_anything_is_saved(self):
+        self.provision()
+        good = self.write("good.jpg", b"x")
+        os.mkfifo(self.home / "fifo.jpg")
+        listener = socket.socket(socket.AF_UNIX)
+        self.addCleanup(listener.close)
+        listener.bind(str(self.home / "socket.jpg"))
+        for name, target in [("dangling", "nowhere"), ("loop", "loop.jpg"), ("zero", "/dev/zero"),
+                             ("folder", "/proc/self"), ("pipe", "/proc/self/fd/0")]:
+            os.symlink(target, self.home / (name + ".jpg"))
+        files = [self.home / (name + ".jpg") for name in ("missing", "fifo", "socket", "dangling", "loop", "zero",
+                                                          "folder", "pipe")]
+        texts = {self.home: "is a folder; name the files in it", "https://a/b.jpg": "save it as a file and add that",
+                 "missing\n.jpg": r"missing\\n\.jpg: .*No such file"}
+        for argument in [*files, *texts, "/dev/zero", "file://elsewhere/a.jpg", ""]:
+            with self.subTest(argument):
+                result = self.add(good, argument, expect=64, input=b"")
+                self.assertRegex(result.stderr, rf"^sela-share: [^\n]*{texts.get(argument, '')}[^\n]*\n$")
+                self.assertEqual(self.ledger(), {})
+        for environment, text in [({}, "no display; use --headless"),
+                                  ({"DISPLAY": ":987"}, "display cannot be opened; .* or use --headless"),
+                                  ({"QT_QPA_PLATFORM": "nowhere"}, "display cannot be opened; ")]:
+            result = self.run_program("sela-share", good, environment=environment, expect=64)
+            self.assertRegex(result.stderr, rf"^sela-share: [^\n]*{text}[^\n]*\n$")
+        result = self.share("-", expect=64, input=b"no picture")
+        self.assertIn("no picture", result.stderr)
+        for options in [["--nonsense"], ["--screen", "12"], ["--scale", "x"], ["--type", "12a"], ["--tap"],
+                        ["--screen", "400x800", "--screen", "12"], ["--screen=12"], ["--quiet=1"]]:
+            self.share(*options, expect=64)
+
+    def test_a_step_that_fails_cancels_at_once(self):
+        self.provision()
+        files = [self.write(name, b"x") for name in ("a.jpg", "b.jpg")]
+        result = self.share("--headless", "--screen=320x568", *files, "--tap=addButton", "--tap-now=nothing", expect=65)
+        self.assertIn("nothing is not on the screen", result.stderr)
+        self.assertEqual(self.ledger(), {})
+
+    def test_without_a_group_nothing_is_made(self):
+        source = self.write("a.jpg", b"x")
+        result = self.add(source)
+        self.assertRegex(result.stderr, r'^sela-share: there is no vault to add to yet; [^\n]*"sela-vault init"\n')
+        self.assertIn("SharedItemManager, shared folder is nil", result.stderr)
+        self.assertFalse((self.home / "data").exists())
+        self.assertFalse((self.home / "config").exists())
+        for command in (["publish", source], ["import", "--into", self.home / "into"]):
+            self.assertIn("not provisioned", self.vault(*command, expect=1).stderr)
+
+    def test_a_catalogue_that_is_wrong_is_not_published(self):
+        self.provision()
+        before = self.vault("albums").stdout
+        for text in [b"", b"{}", b"[1]", b'[{"namePath":["A"]}]', b'[{"namePath":"A","fake":false}]', b"[\xff]"]:
+            self.vault("publish", self.write("bad.json", text), expect=1)
+        self.vault("publish", self.home / "missing.json", expect=1)
+        self.assertEqual(self.vault("albums").stdout, before)

@@ -6,9 +6,8 @@ import pathlib
 import re
 import sqlite3
 import subprocess
-import unittest
 
-from harness import BIN, GROUP, HomeTest
+from harness import BIN, HomeTest
 
 # What a terminal obeys, what ends a line, and what turns the direction of text.
 HARMFUL = re.compile("[\x00-\x09\x0b-\x1f\x7f-\x9f\u200e\u200f\u061c\u2028-\u202e\u2066-\u2069]")
@@ -22,6 +21,10 @@ NAMES = [
 
 
 class HostileTest(HomeTest):
+    def setUp(self):
+        super().setUp()
+        self.provision()
+
     def run_program(self, name, *arguments, **options):
         """As the base does, and nothing harmful may reach a terminal."""
         result = super().run_program(name, *arguments, **options)
@@ -54,7 +57,6 @@ class HostileTest(HomeTest):
 
 class Names(HostileTest):
     def test_reach_the_album_and_no_terminal(self):
-        self.provision()
         files = [self.write(b"source/" + name, b"%d" % number) for number, name in enumerate(NAMES)]
         self.share("--tap", "addButton", "--", *files)
         self.assertEqual(len(self.ledger()), len(NAMES))
@@ -66,7 +68,6 @@ class Names(HostileTest):
         self.assertEqual(contents, sorted(b"%d" % number for number in range(len(NAMES))))
 
     def test_that_are_wrong_are_told_without_harm(self):
-        self.provision()
         for arguments in [["missing\x1b[31m\u202e.jpg"], ["--\x1b[31m"], ["--scale", "\x1b[31m"],
                           ["ftp://\x1b[31m/\u202e.jpg"]]:
             self.share(*arguments, expect=64)
@@ -81,7 +82,6 @@ class SomebodyElsesGroup(HostileTest):
     EVIL = "\x1b[31m\u202e\u009b\n../../evil"
 
     def test_a_ledger_leads_nowhere_else(self):
-        self.provision()
         outside = pathlib.Path(self.write("outside.jpg", b"outside"))
         self.items.mkdir(exist_ok=True)
         for name in ("1.jpg", "2.jpg", "3.jpg"):
@@ -111,7 +111,6 @@ class SomebodyElsesGroup(HostileTest):
         self.assertEqual(set(self.ledger()), set(records) - {"a", "b", "c"})
 
     def test_a_catalogue_shows_nothing_harmful(self):
-        self.provision()
         self.put_setting("sharedAlbums", json.dumps(
             [{"namePath": [self.EVIL], "fake": False, "thumbNailName": self.EVIL},
              {"namePath": [self.EVIL, "child"], "fake": False}, {"namePath": ["d" * 100_000], "fake": False}]))
@@ -122,7 +121,6 @@ class SomebodyElsesGroup(HostileTest):
         self.import_all()
 
     def test_settings_that_are_a_program_are_not_run(self):
-        self.provision()
         for schema in [
             "DROP TABLE settings; CREATE VIEW settings AS WITH RECURSIVE n(key) AS "
             "(SELECT 'a' UNION ALL SELECT key FROM n) SELECT key, 'text' AS kind, key AS value FROM n",
@@ -143,7 +141,6 @@ class Attachments(HostileTest):
     """Files that are no plain file, or do not stay the file they were."""
 
     def test_links_are_followed(self):
-        self.provision()
         source = self.write("source/real.jpg", b"content")
         os.symlink(source, self.home / "link.jpg")
         os.link(source, self.home / "hard.jpg")
@@ -153,7 +150,6 @@ class Attachments(HostileTest):
         self.assertTrue((self.home / "link.jpg").is_symlink())
 
     def test_files_without_a_size_or_without_an_end_stop_nothing(self):
-        self.provision()
         running = []
         for number, target in enumerate(["/proc/cpuinfo", "/proc/self/mem", "/proc/kmsg", "/proc/kcore",
                                          "/sys/kernel/debug/tracing/trace_pipe"]):
@@ -167,8 +163,6 @@ class Attachments(HostileTest):
         self.assertEqual([path.stat().st_size for path in self.items.iterdir() if path.stat().st_size > 0], [])
 
     def test_a_file_that_changes_before_it_is_added(self):
-        self.provision()
-
         def becomes(make):
             def change(source):
                 source.unlink()
@@ -217,7 +211,6 @@ class Privacy(HostileTest):
                            env=self.environment, capture_output=True, check=True, timeout=120,
                            preexec_fn=lambda: os.umask(0))
 
-        self.provision()
         subprocess.run(["rm", "-rf", self.home / "data", self.home / "config"], check=True)
         cover = self.write("covers/c.jpg", b"cover")
         catalogue = self.write("c.json", b'[{"namePath":["A"],"fake":false,"thumbNailName":"c.jpg"}]')
@@ -289,7 +282,3 @@ class Privacy(HostileTest):
                 self.assertNotIn(name, text + result.stdout + result.stderr)
         self.assertEqual([(entry["albumNames"], entry["fake"]) for entry in self.ledger().values()],
                          [(["Family"], False), (["Recipes"], True)])
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -7,7 +7,6 @@ import shutil
 import signal
 import subprocess
 import time
-import unittest
 
 from harness import BIN, FAST_CLOCK, HomeTest
 
@@ -110,7 +109,3 @@ class Kills(HomeTest):
                 self.end_season()
         self.end_season()
         self.assertGreater(self.entries_seen, KILLS // 8, "the kills left nothing to look at")
-
-
-if __name__ == "__main__":
-    unittest.main()

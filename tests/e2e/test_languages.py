@@ -1,24 +1,21 @@
 """Every string table through the built program: complete, filled right, and each text within its place."""
 
 import gettext
-import os
-import pathlib
 import re
 import unittest
 from concurrent.futures import ThreadPoolExecutor
 
-from harness import BIN, HomeTest, Screen, views
+from harness import BIN, ROOT, HomeTest, Screen, views
 
 TABLES = {path.parts[-3]: gettext.GNUTranslations(path.open("rb"))._catalog
           for path in (BIN.parent / "share/locale").glob("*/LC_MESSAGES/sela-share.mo")}
 ENGLISH = TABLES["en"]
 LANGUAGES = sorted(TABLES)
-SOURCES = pathlib.Path(__file__).parents[2] / "src"
 
 
 def keys_in_source():
     """Every text in quotes inside a call of `localized` or `localizedString`."""
-    for path in SOURCES.rglob("*.cpp"):
+    for path in (ROOT / "src").rglob("*.cpp"):
         for call in re.findall(r'\blocalized(?:String)?\(([^;]*?)\)', path.read_text()):
             yield from re.findall(r'"((?:[^"\\]|\\.)+)"', call)
 

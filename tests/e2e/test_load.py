@@ -102,7 +102,3 @@ class Load(HomeTest):
         self.assertEqual(copied.stat().st_size, HUGE)
         self.run_measured("sela-vault", "import", "--into", self.home / "into")
         self.assertEqual((self.home / "into/vault/Default Album/huge.mov").stat().st_size, HUGE)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -4,7 +4,32 @@
 #include "platform/foundation/ScopedMainQueue.h"
 #include "platform/foundation/VirtualMainLoop.h"
 
+#include <QGuiApplication>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
 namespace sela {
+
+class OffscreenApplication : public testing::Environment {
+public:
+    void SetUp() override {
+        static char name[] = "host_test";
+        static char* arguments[] = {name, nullptr};
+        static int count = 1;
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
+        application_ = std::make_unique<QGuiApplication>(count, arguments);
+    }
+    void TearDown() override { application_.reset(); }
+
+private:
+    std::unique_ptr<QGuiApplication> application_;
+};
+
+inline const testing::Environment* const offscreenApplication =
+    testing::AddGlobalTestEnvironment(new OffscreenApplication);
 
 /// What a test of drawing needs: a main queue whose clock stands still, and text measured as it is drawn.
 /// Qt's application is made before the first test and needs no display.

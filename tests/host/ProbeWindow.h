@@ -15,15 +15,61 @@
 
 namespace sela {
 
+class ProbeCell : public UITableViewCell {
+public:
+    ProbeCell(Style style, const std::optional<std::string>& reuseIdentifier)
+        : UITableViewCell(style, reuseIdentifier) {
+        showChildButton.setName("showChildButton");
+        showChildButton.setAccessibilityLabel("showChildButton");
+        showChildButton.setFrame({320, 4, 40, 36});
+        showChildButton.addTarget(this, &ProbeCell::buttonTouched, UIControl::Event::touchUpInside);
+        contentView().addSubview(showChildButton);
+    }
+
+    UIButton showChildButton;
+    std::vector<std::string>* touched = nullptr;
+    int section = 0;
+
+private:
+    void buttonTouched(UIButton&) { touched->push_back("showChild " + std::to_string(section)); }
+};
+
 /// A screen with named buttons and a table of 3 sections by 40 rows, that keeps a record of what was touched.
 class ProbeController : public UIViewController, public UITableViewDataSource, public UITableViewDelegate {
 public:
-    void viewDidLoad() override;
+    void viewDidLoad() override {
+        UIViewController::viewDidLoad();
+        place(addButton, "addButton", {20, 20, 100, 40});
+        place(hiddenButton, "hiddenButton", {140, 20, 100, 40});
+        hiddenButton.setHidden(true);
+        place(cancelButton, "cancelButton", {260, 20, 100, 40});
+        place(coveredButton, "coveredButton", {20, 80, 100, 40});
+        cover.setFrame({0, 70, 200, 60});
+        view().addSubview(cover);
+        place(button7, "button7", {20, 140, 60, 40});
+
+        tableView.setName("tableView");
+        tableView.setFrame({0, 200, 375, 400});
+        tableView.registerClass<ProbeCell>("ProbeCell");
+        tableView.setDataSource(this);
+        tableView.setDelegate(this);
+        view().addSubview(tableView);
+    }
 
     int numberOfSections(UITableView&) override { return 3; }
     int numberOfRows(UITableView&, int) override { return 40; }
-    UITableViewCell& cellForRow(UITableView& tableView, const IndexPath& indexPath) override;
-    void didSelectRow(UITableView&, const IndexPath& indexPath) override;
+
+    UITableViewCell& cellForRow(UITableView& table, const IndexPath& indexPath) override {
+        auto& cell = static_cast<ProbeCell&>(table.dequeueReusableCell("ProbeCell", indexPath));
+        cell.touched = &touched;
+        cell.section = indexPath.section;
+        cell.showChildButton.setHidden(indexPath.row != 0);
+        return cell;
+    }
+
+    void didSelectRow(UITableView&, const IndexPath& indexPath) override {
+        touched.push_back("row " + std::to_string(indexPath.section) + " " + std::to_string(indexPath.row));
+    }
 
     UIButton addButton;    ///< at (20, 20), 100 by 40
     UIButton hiddenButton; ///< beside it
@@ -36,8 +82,15 @@ public:
     std::vector<std::string> touched;
 
 private:
-    void place(UIButton& button, const char* name, const CGRect& frame);
-    void buttonTouched(UIButton& button);
+    void place(UIButton& button, const char* name, const CGRect& frame) {
+        button.setName(name);
+        button.setTitle(name);
+        button.setFrame(frame);
+        button.addTarget(this, &ProbeController::buttonTouched, UIControl::Event::touchUpInside);
+        view().addSubview(button);
+    }
+
+    void buttonTouched(UIButton& button) { touched.push_back(button.name()); }
 };
 
 /// A probe screen, on a clock that the test moves.
@@ -61,12 +114,7 @@ protected:
     }
 
     static CommandLine commandLine() {
-        CommandLine line;
-        line.screenWidth = 375;
-        line.screenHeight = 667;
-        line.scale = 2;
-        line.hasScale = true;
-        return line;
+        return std::get<CommandLine>(CommandLine::parse({"--screen", "375x667", "--scale", "2"}));
     }
 
     ShareWindow shareWindow_{window_, painter_, commandLine()};

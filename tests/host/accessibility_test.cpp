@@ -1,5 +1,4 @@
 #include "host/ProbeWindow.h"
-#include "platform/uikit/UIAccessibility.h"
 
 #include <gmock/gmock.h>
 
@@ -27,8 +26,7 @@ void hear(QAccessibleEvent* event) {
     const std::map<QAccessible::Event, const char*> kinds{
         {QAccessible::Focus, "focus"},           {QAccessible::NameChanged, "name"},
         {QAccessible::ObjectCreated, "created"}, {QAccessible::ObjectDestroyed, "destroyed"},
-        {QAccessible::ObjectShow, "show"},       {QAccessible::StateChanged, "state"},
-        {QAccessible::ValueChanged, "value"}};
+        {QAccessible::StateChanged, "state"},    {QAccessible::ValueChanged, "value"}};
     QAccessibleInterface* const element = event->accessibleInterface();
     if (!element || !kinds.contains(event->type()))
         return;
@@ -95,6 +93,13 @@ TEST_F(AccessibilityTest, ShowsTheElementsInReadingOrderAndWorksThem) {
     EXPECT_EQ(list.child(0)->parent(), &list);
     EXPECT_THAT(names(*list.child(0)), ElementsAre("showChildButton"));
     EXPECT_THAT(names(*list.child(1)), IsEmpty());
+
+    // An entry has the focus only where nothing else has.
+    UIView entry({200, 140, 100, 20});
+    entry.setAccessibilityRole(AccessibilityRole::passcodeField);
+    probe_->view().addSubview(entry);
+    look();
+    EXPECT_EQ(root().focusChild(), &button);
 }
 
 TEST_F(AccessibilityTest, TellsWhatChangesAndForgetsWhatIsGone) {
@@ -116,35 +121,6 @@ TEST_F(AccessibilityTest, TellsWhatChangesAndForgetsWhatIsGone) {
     probe_->tableView.removeFromSuperview();
     look();
     EXPECT_EQ(root().childCount(), 4);
-}
-
-TEST_F(AccessibilityTest, AnEntryTellsItsLengthAndHasTheFocusWhereNothingElseHas) {
-    UIView entry({200, 140, 100, 20});
-    entry.setAccessibilityRole(AccessibilityRole::passcodeField);
-    entry.setAccessibilityLabel("Digits entered");
-    entry.setAccessibilityValue("0");
-    probe_->view().addSubview(entry);
-    EXPECT_THAT(look(), Contains("focus Digits entered"));
-    entry.setAccessibilityValue("3");
-    probe_->view().setNeedsDisplay();
-    EXPECT_THAT(look(), ElementsAre("value Digits entered"));
-    QAccessibleInterface& element = *root().focusChild();
-    EXPECT_TRUE(element.state().passwordEdit);
-    EXPECT_EQ(element.valueInterface()->currentValue().toInt(), 3);
-    QTest::keyClick(&shareWindow_, Qt::Key_Tab);
-    look();
-    EXPECT_EQ(root().focusChild()->text(QAccessible::Name), "addButton");
-}
-
-TEST_F(AccessibilityTest, Announces) {
-    told().clear();
-    UIAccessibility::postAnnouncement("Adding...");
-    UIAccessibility::postAnnouncement("Done");
-    EXPECT_THAT(told(), Contains("show Adding..."));
-    EXPECT_THAT(told(), Contains("show Done"));
-    QAccessibleInterface& last = *root().child(root().childCount() - 1);
-    EXPECT_EQ(last.role(), QAccessible::Notification);
-    EXPECT_EQ(last.text(QAccessible::Name), "Done");
 }
 
 } // namespace sela

@@ -116,10 +116,13 @@ protected:
 } // namespace
 
 TEST_F(DesktopAppearanceTest, FollowsThePortalFromItsAnswerOn) {
+    const QString animations = QStringLiteral("enable-animations");
     Portal portal(portalBus());
     portal.settings = {{QStringLiteral("color-scheme"), 1u}, {QStringLiteral("contrast"), 1u}};
+    portal.interfaceSettings = {{animations, false}};
     DesktopAppearance appearance({});
     EXPECT_EQ(appearance.traitCollection(), UITraitCollection(light, normal)) << "it waited";
+    EXPECT_FALSE(appearance.reducesMotion());
     int changes = 0;
     appearance.setChangeHandler([&] { ++changes; });
     EXPECT_TRUE(becomes(appearance, {dark, high}));
@@ -129,28 +132,14 @@ TEST_F(DesktopAppearanceTest, FollowsThePortalFromItsAnswerOn) {
     portal.change(QStringLiteral("contrast"), 0u);
     EXPECT_TRUE(becomes(appearance, {light, normal}));
     EXPECT_EQ(changes, 3);
-}
-
-TEST_F(DesktopAppearanceTest, ReducesMotionWhereTheDesktopAsksForIt) {
-    Portal portal(portalBus());
-    const QString animations = QStringLiteral("enable-animations");
-    portal.interfaceSettings = {{animations, false}};
-    DesktopAppearance appearance({});
-    EXPECT_FALSE(appearance.reducesMotion());
-    const auto becomes = [&](bool reduces) {
+    const auto reducesMotion = [&](bool reduces) {
         return QTest::qWaitFor([&] { return appearance.reducesMotion() == reduces; }, 5000);
     };
-    EXPECT_TRUE(becomes(true));
+    EXPECT_TRUE(reducesMotion(true));
     portal.change(animations, true, interfaceGroup);
-    EXPECT_TRUE(becomes(false));
+    EXPECT_TRUE(reducesMotion(false));
     portal.change(QStringLiteral("reduced-motion"), 1u);
-    EXPECT_TRUE(becomes(true));
-
-    qputenv("SELA_REDUCED_MOTION", "0");
-    EXPECT_FALSE(DesktopAppearance({}).reducesMotion());
-    qputenv("SELA_REDUCED_MOTION", "1");
-    EXPECT_TRUE(DesktopAppearance({}).reducesMotion());
-    qunsetenv("SELA_REDUCED_MOTION");
+    EXPECT_TRUE(reducesMotion(true));
 }
 
 TEST_F(DesktopAppearanceTest, FollowsThePaletteWhereThePortalSaysNothing) {
@@ -164,7 +153,7 @@ TEST_F(DesktopAppearanceTest, FollowsThePaletteWhereThePortalSaysNothing) {
     EXPECT_EQ(changes, 2);
 }
 
-TEST_F(DesktopAppearanceTest, TheCommandLineDecides) {
+TEST_F(DesktopAppearanceTest, TheCommandLineAndTheEnvironmentDecide) {
     Portal portal(portalBus());
     portal.settings = {{QStringLiteral("color-scheme"), 1u}, {QStringLiteral("contrast"), 1u}};
     CommandLine line;
@@ -173,6 +162,11 @@ TEST_F(DesktopAppearanceTest, TheCommandLineDecides) {
     EXPECT_TRUE(becomes(half, {light, high}));
     line.contrast = CommandLine::Contrast::normal;
     EXPECT_EQ(DesktopAppearance(line).traitCollection(), UITraitCollection(light, normal));
+    qputenv("SELA_REDUCED_MOTION", "0");
+    EXPECT_FALSE(DesktopAppearance({}).reducesMotion());
+    qputenv("SELA_REDUCED_MOTION", "1");
+    EXPECT_TRUE(DesktopAppearance({}).reducesMotion());
+    qunsetenv("SELA_REDUCED_MOTION");
 }
 
 } // namespace sela

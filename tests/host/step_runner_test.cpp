@@ -46,7 +46,8 @@ Step tapNow(const char* name) {
 
 } // namespace
 
-TEST_F(StepRunnerTest, TapsTheTopmostViewThatANameStandsFor) {
+TEST_F(StepRunnerTest, TapsTheTopmostViewThatANameStandsForAndWaitsForNoContentThatNothingBrings) {
+    contentShown_ = false;
     UIButton behind({0, 0, 20, 20});
     behind.setName("addButton");
     probe_->view().insertSubview(behind, 0);
@@ -96,21 +97,6 @@ TEST_F(StepRunnerTest, WaitsForContentThatIsUnderWay) {
     EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
 }
 
-TEST_F(StepRunnerTest, StartsTheStepWhenTheScreenCameToRest) {
-    UIView::animate(0.3, [&] { probe_->addButton.setAlpha(0.5); });
-    queue_.asyncAfter(1, [] {});
-    start({tap("addButton")}, 0.9);
-    EXPECT_THAT(probe_->touched, IsEmpty());
-    environment_.loop.advance(0.2);
-    EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
-}
-
-TEST_F(StepRunnerTest, DoesNotWaitForContentThatNothingBrings) {
-    contentShown_ = false;
-    start({tap("addButton")}, 0.1);
-    EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
-}
-
 TEST_F(StepRunnerTest, TapsAtOnceWhenToldTo) {
     queue_.asyncAfter(60, [] {});
     const Step wait{Step::Kind::wait, "", 0.25};
@@ -122,19 +108,6 @@ TEST_F(StepRunnerTest, TapsAtOnceWhenToldTo) {
     EXPECT_EQ(probe_->touched.size(), 3u);
     environment_.loop.advance(2);
     EXPECT_EQ(probe_->touched.back(), "addButton");
-}
-
-TEST_F(StepRunnerTest, WritesPicturesAndTrees) {
-    const TemporaryHome home;
-    const std::string picture = home.path() / "screen.png";
-    const std::string tree = home.path() / "tree.json";
-    start({{Step::Kind::snapshot, picture}, {Step::Kind::tree, tree}}, 1);
-    EXPECT_EQ(failure_, std::nullopt);
-    EXPECT_EQ(QImage(QString::fromStdString(picture)).size(), QSize(375, 667));
-    EXPECT_GT(std::filesystem::file_size(tree), 100u);
-
-    start({{Step::Kind::snapshot, "/nonexistent/screen.png"}}, 1);
-    EXPECT_EQ(failure_, "cannot write the picture /nonexistent/screen.png");
 }
 
 TEST_F(StepRunnerTest, StopsWhenTheRequestEndsAfterItsPictures) {

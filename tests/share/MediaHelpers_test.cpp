@@ -18,7 +18,7 @@ URL sampleURL(const std::string& name) {
     return URL::fileURL(sample(name));
 }
 
-TEST(VideoCover, LiesAQuarterOfTheWayInOrInTheMiddleOfAShortVideo) {
+TEST(VideoCover, LiesAQuarterOfTheWayInOrInTheMiddleOfAShortVideoAndIsUpright) {
     const struct {
         const char* name;
         int first; ///< of the frames that lie within the tolerance
@@ -36,13 +36,9 @@ TEST(VideoCover, LiesAQuarterOfTheWayInOrInTheMiddleOfAShortVideo) {
         EXPECT_GE(frameNumber(*cover.pixels()), first) << name;
         EXPECT_LE(frameNumber(*cover.pixels()), last) << name;
     }
+    const UIImage upright = getVideoCover(sampleURL("portrait.mp4"), side);
+    EXPECT_EQ(std::pair(upright.width(), upright.height()), std::pair(180.0, 320.0));
     EXPECT_EQ(log.lines(), std::vector<std::string>());
-}
-
-TEST(VideoCover, IsUpright) {
-    const UIImage cover = getVideoCover(sampleURL("portrait.mp4"), side);
-    EXPECT_EQ(cover.width(), 180);
-    EXPECT_EQ(cover.height(), 320);
 }
 
 TEST(VideoCover, OfAVideoThatIsCutBeforeIsItsFirstFrame) {
@@ -75,22 +71,12 @@ TEST(VideoCover, OfNoVideoIsThePlaceholder) {
     }
 }
 
-TEST(FileSize, IsThatOfTheFileOrZero) {
-    const LogCapture log;
-    EXPECT_EQ(getFileSize(sampleURL("baseline.jpg")),
-              static_cast<std::int64_t>(fs::file_size(sample("baseline.jpg"))));
-    EXPECT_EQ(getFileSize(sampleURL("empty.mp4")), 0);
-    EXPECT_EQ(log.lines(), std::vector<std::string>());
-    EXPECT_EQ(getFileSize(URL::fileURL("/no/such\nfile")), 0);
-    EXPECT_EQ(log.lines(), std::vector<std::string>{"URL: getFileSize failed, path = /no/such\\nfile"});
-}
-
-TEST(Thumbnail, IsChosenByTypeThenNameThenContent) {
+TEST(Thumbnail, IsChosenByTypeThenNameThenContentAndAbsentForWhatIsNoPicture) {
     struct Case {
         const char* content;
         const char* name;
         const char* type;
-        const char* asset; ///< the asset's name; empty for pixels
+        const char* asset; ///< the asset's name; empty for pixels, null for no thumbnail
     };
     for (const Case& each : {
              Case{"baseline.jpg", "song.MP3", "public.data", "audiosmall"},   // by its name alone
@@ -104,25 +90,21 @@ TEST(Thumbnail, IsChosenByTypeThenNameThenContent) {
              Case{"baseline.jpg", "photo.jpg", "public.mpeg-4", "SelaPicture"}, // a video by type only
              Case{"baseline.jpg", "clip.mp4", "public.jpeg", ""},
              Case{"plain.heic", "photo.jpg", "public.jpeg", ""},
+             Case{"text.jpg", "text.jpg", "public.jpeg", nullptr},
+             Case{"second.mp4", "second.mp4", "public.data", nullptr},
+             Case{"cut-baseline.jpg", "cut.jpg", "public.jpeg", nullptr},
          }) {
         const TemporaryHome home;
         const fs::path file = home.write(each.name, contentOf(sample(each.content)));
         const LogCapture log;
         const auto image = thumbnailOfSharedFile(URL::fileURL(file.string()), each.type, side);
-        ASSERT_TRUE(image) << each.name << " " << each.type;
-        EXPECT_EQ(image->assetName(), each.asset) << each.name << " " << each.type;
-    }
-}
-
-TEST(Thumbnail, IsAbsentForAFileThatIsNoPicture) {
-    for (const auto& [content, type] :
-         {std::pair("text.jpg", "public.jpeg"), std::pair("second.mp4", "public.data"),
-          std::pair("cut-baseline.jpg", "public.jpeg")}) {
-        const LogCapture log;
-        EXPECT_FALSE(thumbnailOfSharedFile(sampleURL(content), type, side)) << content;
-        EXPECT_EQ(log.lines(),
-                  std::vector<std::string>{std::string("loadThumbnails: failed to decode image fileName = ") +
-                                           content});
+        SCOPED_TRACE(each.name + std::string(" ") + each.type);
+        ASSERT_EQ(image.has_value(), each.asset != nullptr);
+        if (image)
+            EXPECT_EQ(image->assetName(), each.asset);
+        else
+            EXPECT_EQ(log.lines(), std::vector{"loadThumbnails: failed to decode image fileName = " +
+                                               std::string(each.name)});
     }
 }
 

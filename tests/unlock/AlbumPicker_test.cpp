@@ -159,16 +159,5 @@ TEST_F(AlbumPickerTest, ReadsTheAlbumsAfreshWhenItUnlocks) {
     EXPECT_THAT(sections(), IsEmpty());
 }
 
-TEST_F(AlbumPickerTest, GoingBackLeavesWithoutAChoice) {
-    publishAlbums({});
-    publishPasscode("1234");
-    openPicker();
-    type("12");
-    EXPECT_TRUE(tap("backButton"));
-    settle();
-    EXPECT_EQ(&top(), opener_.get());
-    EXPECT_THAT(opener_->titles, IsEmpty());
-}
-
 } // namespace
 } // namespace sela

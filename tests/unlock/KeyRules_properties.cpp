@@ -91,13 +91,6 @@ class KeyRules : public UnlockTest {
 protected:
     void TestBody() override {}
 
-    int shownDots() {
-        int count = 0;
-        for (const UIView* const dot : view("indicatorContainer").subviews())
-            count += dot->isHidden() ? 0 : 1;
-        return count;
-    }
-
     /// Moves the clock, mostly by little, sometimes to just before or at the end of a shake.
     void passTime() {
         loop_.advance(*rc::gen::element(0.0, 0.125, 0.25, 0.5, shakeDuration));
@@ -148,7 +141,7 @@ RC_GTEST_FIXTURE_PROP(KeyRules, ThePickerKeepsItsRuleUnderRandomTaps, ()) {
         RC_ASSERT(picker_->albums().parentAlbums()[0].namePath[0] == model.albums);
         if (model.keypadShown) {
             const auto dots = view("indicatorContainer").subviews().size();
-            RC_ASSERT(shownDots() == static_cast<int>(std::min(model.entry.size(), dots)));
+            RC_ASSERT(litDots() == static_cast<int>(std::min(model.entry.size(), dots)));
         }
     }
 }
@@ -189,7 +182,7 @@ RC_GTEST_FIXTURE_PROP(KeyRules, TheCheckKeepsItsRuleUnderRandomTaps, ()) {
         }
         RC_ASSERT(reports.empty());
         const auto dots = view("indicatorContainer").subviews().size();
-        RC_ASSERT(shownDots() == static_cast<int>(std::min(entry.size(), dots)));
+        RC_ASSERT(litDots() == static_cast<int>(std::min(entry.size(), dots)));
     }
 }
 

@@ -38,18 +38,6 @@ TEST_F(PassCheckTest, ASuccessLeavesTheDotsAsTheyWere) {
     EXPECT_FALSE(check_->callback());
 }
 
-TEST_F(PassCheckTest, GoingBackPopsAndReportsFalse) {
-    open("2468");
-    type("24");
-    UIButton& back = button("backButton");
-    EXPECT_TRUE(tap(back));
-    EXPECT_EQ(reports_, "false ");
-    settle();
-    EXPECT_EQ(&top(), opener_.get());
-    check_->onBackButtonTouched(back);
-    EXPECT_EQ(reports_, "false ");
-}
-
 TEST_F(PassCheckTest, OutsideANavigationControllerNothingEnds) {
     open("2");
     navigation_->popViewController(false);

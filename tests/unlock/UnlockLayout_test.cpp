@@ -38,11 +38,6 @@ class UnlockLayoutTest : public UnlockTest, public testing::WithParamInterface<L
 protected:
     UnlockLayoutTest() : UnlockTest(GetParam().screen) { publishAlbums({}); }
 
-    void openCheck() {
-        navigation_->pushViewController(std::make_shared<SelaSharedAlbumPassCheck>("12345", "Trips"), true);
-        settle();
-    }
-
     void expectFrame(const std::string& name, const CGRect& expected) {
         const CGRect frame = view(name).frame();
         EXPECT_NEAR(frame.minX(), expected.minX(), 1e-6) << name;
@@ -51,7 +46,8 @@ protected:
         EXPECT_NEAR(frame.size.height, expected.size.height, 1e-6) << name;
     }
 
-    void expectCard() {
+    void expectCard(double backButtonWidth) {
+        expectFrame("backButton", {0, 0, backButtonWidth, lengths_.titleHeight});
         expectFrame("containerView", {(lengths_.screen.width - lengths_.card.width) / 2,
                                       (lengths_.screen.height - lengths_.card.height) / 2,
                                       lengths_.card.width, lengths_.card.height});
@@ -88,50 +84,37 @@ protected:
     const Lengths& lengths_ = GetParam();
 };
 
-TEST_P(UnlockLayoutTest, ThePicker) {
-    publishPasscode("123456");
-    openPicker();
-    expectCard();
-    const auto [width, height] = lengths_.card;
-    expectFrame("backButton", {0, 0, lengths_.titleHeight, lengths_.titleHeight});
-    expectDotsAndKeys(6, 6, lengths_.titleHeight + lengths_.pickerDots, lengths_.pickerKeys);
-    expectFrame("tableView", {0, lengths_.titleHeight, width, height - lengths_.titleHeight});
-    expectFrame("launchMainAppLabel",
-                {(width - lengths_.messageWidth) / 2, 0, lengths_.messageWidth, height});
-    EXPECT_EQ(label("launchMainAppLabel").font(), UIFont::systemFont(lengths_.messageFont));
-    EXPECT_THAT(log_.lines(), testing::IsEmpty());
-}
-
-TEST_P(UnlockLayoutTest, ThePasswordCheck) {
-    publishPasscode("1234");
-    openCheck();
-    expectCard();
-    expectFrame("backButton", {0, 0, 60, lengths_.titleHeight});
-    const double subTitleTop = lengths_.titleHeight + lengths_.subTitle;
-    expectFrame("subTitleLabel", {0, subTitleTop, lengths_.card.width, lengths_.subTitleHeight});
-    EXPECT_EQ(label("subTitleLabel").font(), UIFont::boldSystemFont(lengths_.subTitleFont));
-    expectDotsAndKeys(4, 4, subTitleTop + lengths_.subTitleHeight + lengths_.checkDots, lengths_.checkKeys);
-    EXPECT_THAT(log_.lines(), testing::IsEmpty());
-}
-
-TEST_P(UnlockLayoutTest, TheRowIsAsWideAsThePasscodeIsLongButHasFourDotsOrSix) {
+TEST_P(UnlockLayoutTest, BothScreensWithARowAsWideAsThePasscodeIsLongButOfFourDotsOrSix) {
     const struct {
         Passcode passcode;
         int count;
         int dots;
-    } rows[] = {{std::nullopt, 0, 4}, {"", 0, 4},        {"1", 1, 4},
-                {"12345", 5, 4},      {"1234567", 7, 4}, {"\u0661\u0662\u0663\u0664\u0665\u0666", 6, 6}};
+    } rows[] = {{"123456", 6, 6},     {"1234", 4, 4},
+                {std::nullopt, 0, 4}, {"", 0, 4},
+                {"1", 1, 4},          {"12345", 5, 4},
+                {"1234567", 7, 4},    {"\u0661\u0662\u0663\u0664\u0665\u0666", 6, 6}};
+    const auto [width, height] = lengths_.card;
+    const double top = lengths_.titleHeight;
     for (const auto& [passcode, count, dots] : rows) {
         SCOPED_TRACE(passcode.value_or("none"));
         publishPasscode(passcode);
         openPicker();
-        expectDotsAndKeys(count, dots, lengths_.titleHeight + lengths_.pickerDots, lengths_.pickerKeys);
-        openCheck();
-        expectDotsAndKeys(count, dots,
-                          lengths_.titleHeight + lengths_.subTitle + lengths_.subTitleHeight +
-                              lengths_.checkDots,
+        expectCard(top);
+        expectDotsAndKeys(count, dots, top + lengths_.pickerDots, lengths_.pickerKeys);
+        expectFrame("tableView", {0, top, width, height - top});
+        expectFrame("launchMainAppLabel",
+                    {(width - lengths_.messageWidth) / 2, 0, lengths_.messageWidth, height});
+        EXPECT_EQ(label("launchMainAppLabel").font(), UIFont::systemFont(lengths_.messageFont));
+
+        navigation_->pushViewController(std::make_shared<SelaSharedAlbumPassCheck>("12345", "Trips"), true);
+        settle();
+        expectCard(60);
+        expectFrame("subTitleLabel", {0, top + lengths_.subTitle, width, lengths_.subTitleHeight});
+        EXPECT_EQ(label("subTitleLabel").font(), UIFont::boldSystemFont(lengths_.subTitleFont));
+        expectDotsAndKeys(count, dots, top + lengths_.subTitle + lengths_.subTitleHeight + lengths_.checkDots,
                           lengths_.checkKeys);
     }
+    EXPECT_THAT(log_.lines(), testing::IsEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Screens, UnlockLayoutTest, testing::ValuesIn(allLengths), [](const auto& test) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/foundation/Data.h"
 #include "platform/foundation/ScopedMainQueue.h"
 #include "platform/foundation/VirtualMainLoop.h"
 #include "platform/uikit/UIButton.h"
@@ -7,6 +8,7 @@
 #include "platform/uikit/UINavigationController.h"
 #include "platform/uikit/UIWindow.h"
 #include "store/SharedAlbum.h"
+#include "store/SharedFolder.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryHome.h"
 #include "unlock/SelaShareExtensionAlbumsVc.h"
@@ -14,8 +16,10 @@
 
 #include <gtest/gtest.h>
 
+#include <deque>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -23,15 +27,39 @@ namespace sela {
 
 using Passcode = std::optional<std::string>;
 
+inline void publishText(std::string_view key, const Passcode& text) {
+    std::optional<UserDefaults> defaults = sharedDefaults();
+    ASSERT_TRUE(defaults);
+    ASSERT_FALSE(text ? defaults->setString(key, *text) : defaults->removeObject(key));
+}
+
 /// Stands for the main application: stores under a settings key, or takes away what is there.
-void publishPasscode(const Passcode& passcode);
-void publishDecoyPasscode(const Passcode& passcode);
-void publishAlbums(const std::vector<SharedAlbum>& albums);
-void publishCatalogue(std::string_view json);
+inline void publishPasscode(const Passcode& passcode) {
+    publishText(sharedPasswordKey, passcode);
+}
+
+inline void publishDecoyPasscode(const Passcode& passcode) {
+    publishText(sharedFakePasswordKey, passcode);
+}
+
+inline void publishCatalogue(std::string_view json) {
+    ASSERT_FALSE(sharedDefaults()->setData(sharedAlbumsKey, asData(json)));
+}
+
+inline void publishAlbums(const std::vector<SharedAlbum>& albums) {
+    JSONWriter writer;
+    writer.beginArray();
+    for (const SharedAlbum& album : albums)
+        writeJSONRecord(writer, SharedAlbum::jsonFields(), &album);
+    writer.endArray();
+    publishCatalogue(writer.text());
+}
 
 /// An album without a cover.
-SharedAlbum album(std::vector<std::string> namePath, bool fake = false,
-                  std::optional<std::string> password = std::nullopt);
+inline SharedAlbum album(std::vector<std::string> namePath, bool fake = false,
+                         std::optional<std::string> password = std::nullopt) {
+    return {std::move(namePath), fake, std::move(password), std::nullopt};
+}
 
 /// Records what the picker tells whoever opened it.
 struct RecordingScreen : UIViewController, SelaShareExtensionAlbumsVcDelegate {
@@ -47,32 +75,83 @@ struct RecordingScreen : UIViewController, SelaShareExtensionAlbumsVcDelegate {
 /// A window with a navigation controller on a fresh home; what is pushed is shown once `settle` has run.
 class UnlockTest : public testing::Test {
 protected:
-    explicit UnlockTest(CGSize screen = {375, 667});
+    explicit UnlockTest(CGSize screen = {375, 667}) : window_(screen) {
+        window_.setRootViewController(navigation_);
+        update();
+    }
 
     /// Pushes a new picker, with the recording screen as its delegate.
-    void openPicker();
+    void openPicker() {
+        picker_ = std::make_shared<SelaShareExtensionAlbumsVc>();
+        picker_->setDelegate(opener_);
+        navigation_->pushViewController(picker_, true);
+        settle();
+    }
 
     /// Lays out and runs whatever is due, without moving the clock beyond running transitions.
-    void settle();
+    void settle() {
+        do {
+            update();
+            if (navigation_->isTransitioning())
+                loop_.advance(UINavigationController::transitionDuration);
+        } while (navigation_->isTransitioning());
+        update();
+    }
 
     /// Runs what is due now and lays out.
-    void update();
+    void update() {
+        window_.prepareFrame();
+        loop_.runPending();
+        window_.prepareFrame();
+    }
 
-    /// The view of that name on the top screen; it must exist.
-    UIView& view(const std::string& name);
+    /// The view of that name on the top screen, which must exist; the nearest to the root, so that a screen's
+    /// own views come before those of its rows.
+    UIView& view(const std::string& name) {
+        for (std::deque<UIView*> waiting{&top().view()}; !waiting.empty(); waiting.pop_front()) {
+            UIView& next = *waiting.front();
+            if (next.name() == name)
+                return next;
+            waiting.insert(waiting.end(), next.subviews().begin(), next.subviews().end());
+        }
+        throw std::runtime_error("no view is named " + name);
+    }
     UILabel& label(const std::string& name) { return dynamic_cast<UILabel&>(view(name)); }
     UIButton& button(const std::string& name) { return dynamic_cast<UIButton&>(view(name)); }
     UITableView& table() { return dynamic_cast<UITableView&>(view("tableView")); }
 
     /// A finger's tap in the middle of a view; false when the view cannot be reached there.
-    bool tap(UIView& target);
+    bool tap(UIView& target) {
+        update();
+        const std::optional<CGPoint> point = window_.tapPoint(target);
+        if (!point)
+            return false;
+        window_.touchBegan(*point);
+        window_.touchEnded(*point);
+        update();
+        return true;
+    }
     bool tap(const std::string& name) { return tap(view(name)); }
-    void type(const std::string& digits);
+    void type(const std::string& digits) {
+        for (const char digit : digits)
+            EXPECT_TRUE(tap(std::string("button") + digit)) << digit;
+    }
 
     bool isShown(const std::string& name) { return !view(name).isHidden(); }
 
     /// How many of the six dots are lit; those lit must be the first ones.
-    int litDots();
+    int litDots() {
+        UIView& row = view("indicatorContainer");
+        int lit = 0;
+        bool wasLit = true;
+        for (UIView* const dot : row.subviews()) {
+            EXPECT_TRUE(wasLit || dot->isHidden()) << "the dots light from the left";
+            wasLit = !dot->isHidden();
+            lit += wasLit ? 1 : 0;
+        }
+        EXPECT_EQ(std::min<std::size_t>(std::stoul(row.accessibilityValue()), row.subviews().size()), lit);
+        return lit;
+    }
 
     UIViewController& top() { return *navigation_->topViewController(); }
 
