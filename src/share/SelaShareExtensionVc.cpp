@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace sela {
 
@@ -194,12 +195,12 @@ void SelaShareExtensionVc::startSaving() {
     intake_->saveAttachments([weak = weakReference(*this)](const ErrorRef& error) {
         DispatchQueue::main().async([weak, error] {
             const auto self = weak.lock();
-            // A run that goes on after its first error ends a second time.
-            if (!self || self->saveEnded_)
+            if (!self)
                 return;
-            self->saveEnded_ = true;
             self->saveError_ = error;
-            self->showDone();
+            // A run that goes on after its first error ends a second time, and tells how it really ended.
+            if (!std::exchange(self->saveEnded_, true))
+                self->showDone();
         });
     });
 }

@@ -209,7 +209,8 @@ TEST_F(ShareFlow, EveryOutcomeLooksLikeDoneAndEndsOnce) {
         std::size_t recorded;
     } outcomes[] = {{"{}", {}, 0},
                     {"{}", {file("a.jpg"), file("b.txt"), file("c.jpg")}, 1},
-                    {"not JSON", {file("a.jpg"), file("b.jpg")}, 2}};
+                    {"not JSON", {file("a.jpg"), file("b.jpg")}, 2},
+                    {"not JSON", {file("a.jpg"), file("b.txt")}, 1}};
     for (const auto& [ledger, attachments, recorded] : outcomes) {
         ends.clear();
         EXPECT_FALSE(sharedDefaults()->setData(sharedItemsKey, asData(ledger)));
@@ -220,6 +221,10 @@ TEST_F(ShareFlow, EveryOutcomeLooksLikeDoneAndEndsOnce) {
         loop.advance(5);
         EXPECT_THAT(ends, ElementsAre("completed"));
         EXPECT_EQ(recordedItems().size(), recorded) << attachments.size() << " attachments";
+        // That of the file which is missing, not that of a ledger which was replaced.
+        const ErrorRef error = screen().saveError();
+        EXPECT_EQ(error != nullptr, recorded < attachments.size());
+        EXPECT_THAT(error ? error->localizedDescription() : "", Not(testing::HasSubstr("JSON")));
     }
     EXPECT_THAT(log.lines(), Not(Contains("NSExtensionContext: the request has ended already")));
 }
