@@ -51,16 +51,6 @@ class Screen:
     def view(self, name):
         return next(view for view in views(self.root) if view["name"] == name)
 
-    def shown_texts(self):
-        def walk(view):
-            if view["hidden"] or view["alpha"] == 0:
-                return
-            yield view.get("text", "")
-            for below in view["subviews"]:
-                yield from walk(below)
-
-        return [text for text in walk(self.root) if text]
-
 
 class HomeTest(unittest.TestCase):
     def setUp(self):

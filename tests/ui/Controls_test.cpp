@@ -1,7 +1,6 @@
 #include "platform/uikit/UIViewController.h"
 #include "platform/uikit/ViewTest.h"
-#include "support/LogCapture.h"
-#include "ui/SelaShareExtensionAlbumCell.h"
+#include "ui/AUIButton.h"
 #include "ui/SelaShareExtensionTopBar.h"
 #include "ui/SelaShareExtensionTopBarDelegate.h"
 
@@ -26,8 +25,6 @@ protected:
         control.setFrame(frame);
         window.prepareFrame();
     }
-
-    LogCapture log_;
 };
 
 struct AUIButtonTest : ControlTest {
@@ -73,38 +70,6 @@ TEST_F(AUIButtonTest, ATintColoursTitleAndImageAndNoTintChangesNothing) {
     EXPECT_EQ(button_.titleLabel().textColor(), red);
     EXPECT_EQ(button_.imageView().tintColor(), red);
     EXPECT_EQ(button_.tintColor(), red);
-}
-
-class AlbumCellTest : public ControlTest {
-protected:
-    void expectFrames(double thumbnailLeft, double titleRight) {
-        window.prepareFrame();
-        EXPECT_EQ(cell_.thumbnailView().frame(), CGRect(thumbnailLeft, 7.5, 40, 40));
-        EXPECT_EQ(cell_.lockIcon().frame(), cell_.thumbnailView().frame());
-        const double titleLeft = thumbnailLeft + 40 + 24;
-        EXPECT_EQ(cell_.titleLabel().frame(), CGRect(titleLeft, 0, titleRight - titleLeft, 55));
-        EXPECT_EQ(cell_.showChildButton().frame(), CGRect(cell_.bounds().size.width - 55, 0, 55, 55));
-        EXPECT_EQ(cell_.showChildButton().imageView().frame(), CGRect(17.5, 17.5, 20, 20));
-    }
-
-    SelaShareExtensionAlbumCell cell_{UITableViewCell::Style::normal, "cell"};
-};
-
-TEST_F(AlbumCellTest, LaysOutParentsAndChildrenWithAndWithoutTheirControl) {
-    for (const double width : {320.0, 375.0}) {
-        show(cell_, {0, 0, width, SelaShareExtensionAlbumCell::rowHeight});
-        expectFrames(30, width - 55);
-        cell_.layoutTitleWithoutShowChildButton();
-        expectFrames(30, width);
-        cell_.layoutThumbnailOfChild();
-        expectFrames(48, width);
-        cell_.layoutTitleWithShowChildButton();
-        expectFrames(48, width - 55);
-        cell_.layoutThumbnailOfParent();
-        expectFrames(30, width - 55);
-    }
-    // Only the arrow's two widths contradict each other, and that is told once in a process.
-    EXPECT_THAT(log_.lines(), testing::Each(testing::HasSubstr("the width of UIImageView imageView")));
 }
 
 struct RecordingDelegate : SelaShareExtensionTopBarDelegate {

@@ -1,9 +1,7 @@
 #include "unlock/SelaSharedAlbumPassCheck.h"
 
-#include "unlock/PasscodeCard.h"
 #include "unlock/UnlockTest.h"
 
-#include <cmath>
 #include <gmock/gmock.h>
 
 namespace sela {
@@ -59,20 +57,6 @@ TEST_F(PassCheckTest, AScreenThatIsGoneDuringTheShakeIsLeftAlone) {
     ASSERT_TRUE(gone.expired());
     loop_.advance(1);
     EXPECT_EQ(reports_, "false ");
-}
-
-TEST(PasscodeCard, ALongTitleStaysClearOfTheBackButton) {
-    for (const double scale : {320.0 / 375, 1.0, 2.04}) {
-        UIView root;
-        PasscodeCard card;
-        card.assemble(root, scale);
-        card.setTitle("Pick Album");
-        EXPECT_DOUBLE_EQ(card.titleLabel().font().size(), std::ceil(20 * scale));
-        card.setTitle("Bitte geben Sie den Zahlencode des Tresors ein");
-        const double side = (std::ceil(320 * scale) - card.titleLabel().intrinsicContentSize().width) / 2;
-        EXPECT_GE(side, std::ceil(46 * scale) - 1e-9);
-        EXPECT_GE(side, 60 - 1e-9);
-    }
 }
 
 } // namespace
