@@ -31,7 +31,7 @@ void publish(std::int64_t albums) {
             album.namePath.push_back("Child " + std::to_string(i));
         if (i % 7 == 0)
             album.password = "1234";
-        writeJSONRecord(writer, SharedAlbum::jsonFields(), &album);
+        writeJSONRecord(writer, album);
     }
     writer.endArray();
     auto defaults = sharedDefaults();

@@ -18,15 +18,11 @@ struct SharedAlbum {
 
     bool operator==(const SharedAlbum&) const = default;
 
-    static constexpr auto fields() {
-        return std::array{jsonField<&SharedAlbum::namePath>("namePath"),
-                          jsonField<&SharedAlbum::fake>("fake"),
-                          jsonField<&SharedAlbum::password>("password"),
-                          jsonField<&SharedAlbum::thumbNailName>("thumbNailName")};
-    }
-    static std::span<const JSONField> jsonFields() {
-        static constexpr auto all = fields();
-        return all;
+    static constexpr auto jsonMembers() {
+        return std::array<JSONMember<SharedAlbum>, 4>{{{"namePath", &SharedAlbum::namePath},
+                                                       {"fake", &SharedAlbum::fake},
+                                                       {"password", &SharedAlbum::password},
+                                                       {"thumbNailName", &SharedAlbum::thumbNailName}}};
     }
 };
 

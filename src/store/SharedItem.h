@@ -18,14 +18,11 @@ struct SharedItem {
 
     bool operator==(const SharedItem&) const = default;
 
-    static constexpr auto fields() {
-        return std::array{
-            jsonField<&SharedItem::fileName>("fileName"), jsonField<&SharedItem::albumNames>("albumNames"),
-            jsonField<&SharedItem::fake>("fake"), jsonField<&SharedItem::preferredName>("preferredName")};
-    }
-    static std::span<const JSONField> jsonFields() {
-        static constexpr auto all = fields();
-        return all;
+    static constexpr auto jsonMembers() {
+        return std::array<JSONMember<SharedItem>, 4>{{{"fileName", &SharedItem::fileName},
+                                                      {"albumNames", &SharedItem::albumNames},
+                                                      {"fake", &SharedItem::fake},
+                                                      {"preferredName", &SharedItem::preferredName}}};
     }
 };
 

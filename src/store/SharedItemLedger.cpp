@@ -1,6 +1,8 @@
 #include "store/SharedItemLedger.h"
 
 #include "platform/foundation/JSONWriter.h"
+#include "store/ShareExtensionError.h"
+#include "store/SharedFolder.h"
 
 #include <algorithm>
 #include <utility>
@@ -93,6 +95,16 @@ std::string blanked(std::string_view ledger, const std::vector<Member>& kept) {
 
 } // namespace
 
+Result<std::vector<Entry>> entries() {
+    const std::optional<UserDefaults> defaults = sharedDefaults();
+    if (!defaults)
+        return ShareExtensionError::make("UserDefaults is nil");
+    const Result<std::optional<Data>> text = defaults->readData(sharedItemsKey);
+    if (!text)
+        return text.error();
+    return text.value() ? decode(*text.value()) : std::vector<Entry>();
+}
+
 std::string key(const SharedItem& item) {
     std::string key;
     for (const std::string& name : item.albumNames) {
@@ -113,11 +125,8 @@ Result<std::vector<Entry>> decode(DataView ledger) {
 
 Result<bool> contains(DataView ledger, std::string_view key) {
     bool found = false;
-    const auto next = [&](std::string_view entryKey) -> void* {
-        found = found || entryKey == key;
-        return nullptr;
-    };
-    if (ErrorRef error = readJSONObject(ledger, SharedItem::jsonFields(), next))
+    const auto compare = [&](std::string_view entryKey) { found = found || entryKey == key; };
+    if (ErrorRef error = checkJSONObject<SharedItem>(ledger, compare))
         return error;
     return found;
 }
@@ -172,7 +181,7 @@ std::optional<Data> encode(const std::vector<Entry>& entries) {
     writer.beginObject();
     for (const auto& [key, item] : entries) {
         writer.key(key);
-        writeJSONRecord(writer, SharedItem::jsonFields(), &item);
+        writeJSONRecord(writer, item);
     }
     writer.endObject();
     return textOf(writer);

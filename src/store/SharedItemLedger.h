@@ -12,11 +12,15 @@
 
 namespace sela {
 
-/// The ledger's text: a JSON object that maps ledger keys to records (docs/formats.md). Functions without
-/// state; any thread.
+/// The ledger: a JSON object that maps ledger keys to records (docs/formats.md). Functions without state; any
+/// thread. All but `entries` work on its text alone.
 namespace SharedItemLedger {
 
 using Entry = std::pair<std::string, SharedItem>;
+
+/// What the group's ledger holds at this moment, in its order; nothing while it is absent. The error when the
+/// settings cannot be opened or read, or what stands there is no ledger.
+Result<std::vector<Entry>> entries();
 
 /// The key of an item: each album name with every "-" doubled and one "-" behind it, then "fake" or "normal",
 /// then the file name.

@@ -45,11 +45,9 @@ struct Import::Journal {
     std::string fileName;
     std::string target; ///< a file URL, since a path need not be text
 
-    static std::span<const JSONField> jsonFields() {
-        static constexpr std::array fields{jsonField<&Journal::key>("key"),
-                                           jsonField<&Journal::fileName>("fileName"),
-                                           jsonField<&Journal::target>("target")};
-        return fields;
+    static constexpr auto jsonMembers() {
+        return std::array<JSONMember<Journal>, 3>{
+            {{"key", &Journal::key}, {"fileName", &Journal::fileName}, {"target", &Journal::target}}};
     }
 };
 
@@ -66,7 +64,7 @@ Result<Import::Report> Import::run() {
     FileManager::defaultManager().removeItem(temporaryCopy().path());
     if (ErrorRef error = recover())
         return error;
-    const Result<std::vector<SharedItemLedger::Entry>> entries = ledger();
+    const Result<std::vector<SharedItemLedger::Entry>> entries = SharedItemLedger::entries();
     if (!entries)
         return entries.error();
     for (const SharedItemLedger::Entry& entry : entries.value()) {
@@ -83,18 +81,6 @@ Result<Import::Report> Import::run() {
     return std::move(report_);
 }
 
-Result<std::vector<SharedItemLedger::Entry>> Import::ledger() const {
-    const std::optional<UserDefaults> defaults = sharedDefaults();
-    if (!defaults)
-        return ShareExtensionError::make("UserDefaults is nil");
-    const Result<std::optional<Data>> text = defaults->readData(sharedItemsKey);
-    if (!text)
-        return text.error();
-    if (!text.value())
-        return std::vector<SharedItemLedger::Entry>();
-    return SharedItemLedger::decode(*text.value());
-}
-
 ErrorRef Import::recover() {
     std::optional<UserDefaults> defaults = sharedDefaults();
     if (!defaults)
@@ -104,13 +90,13 @@ ErrorRef Import::recover() {
         return text.error();
     if (!text.value())
         return nullptr;
-    Journal journal;
-    const auto next = [&](std::string_view) -> void* { return &journal; };
-    const ErrorRef unreadable = readJSONArray(*text.value(), Journal::jsonFields(), next);
-    const std::optional<URL> target = URL::parse(journal.target);
-    if (!unreadable && target && isSinglePathComponent(journal.fileName))
-        if (ErrorRef error = finish(journal, *target))
-            return error;
+    // One that cannot be read is of no use to anybody.
+    if (const Result<std::vector<Journal>> notes = decodeJSONArray<Journal>(*text.value()))
+        for (const Journal& note : notes.value())
+            if (const std::optional<URL> target = URL::parse(note.target);
+                target && isSinglePathComponent(note.fileName))
+                if (ErrorRef error = finish(note, *target))
+                    return error;
     return defaults->removeObject(journalKey);
 }
 
@@ -125,7 +111,7 @@ ErrorRef Import::finish(const Journal& journal, const URL& target) {
     FileManager& files = FileManager::defaultManager();
     if (ErrorRef error = files.synchronizeDirectory(target.deletingLastPathComponent().path()))
         return error;
-    const Result<std::vector<SharedItemLedger::Entry>> entries = ledger();
+    const Result<std::vector<SharedItemLedger::Entry>> entries = SharedItemLedger::entries();
     if (!entries)
         return entries.error();
     for (const SharedItemLedger::Entry& entry : entries.value())
@@ -230,7 +216,7 @@ ErrorRef Import::copyTo(const URL& source, const URL& target) {
 ErrorRef Import::noteJournal(const Journal& journal) {
     JSONWriter writer;
     writer.beginArray();
-    writeJSONRecord(writer, Journal::jsonFields(), &journal);
+    writeJSONRecord(writer, journal);
     writer.endArray();
     std::optional<UserDefaults> defaults = sharedDefaults();
     if (!defaults)
@@ -264,7 +250,7 @@ ErrorRef Import::findUnrecorded() {
     const Result<std::vector<std::string>> names = files.contentsOfDirectory(items.path());
     if (!names)
         return names.error();
-    const Result<std::vector<SharedItemLedger::Entry>> entries = ledger();
+    const Result<std::vector<SharedItemLedger::Entry>> entries = SharedItemLedger::entries();
     if (!entries)
         return entries.error();
     const std::optional<UserDefaults> defaults = sharedDefaults();

@@ -57,7 +57,6 @@ private:
     ErrorRef noteJournal(const Journal& journal);
     ErrorRef takeOutOfLedger(const SharedItemLedger::Entry& entry);
     ErrorRef findUnrecorded();
-    Result<std::vector<SharedItemLedger::Entry>> ledger() const;
     URL itemURL(const std::string& fileName) const;
 
     const Options options_;

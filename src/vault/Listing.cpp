@@ -52,18 +52,6 @@ ErrorRef settingsMissing() {
     return ShareExtensionError::make("UserDefaults is nil");
 }
 
-Result<std::vector<SharedItemLedger::Entry>> entriesOfLedger() {
-    const std::optional<UserDefaults> defaults = sharedDefaults();
-    if (!defaults)
-        return settingsMissing();
-    const Result<std::optional<Data>> ledger = defaults->readData(sharedItemsKey);
-    if (!ledger)
-        return ledger.error();
-    if (!ledger.value())
-        return std::vector<SharedItemLedger::Entry>();
-    return SharedItemLedger::decode(*ledger.value());
-}
-
 std::string sizeOf(const SharedItem& item) {
     const std::optional<URL> container = sharedFolderUrl();
     if (!container || !isSinglePathComponent(item.fileName))
@@ -95,7 +83,7 @@ Result<std::string> albumsTable() {
 }
 
 Result<std::string> ledgerTable() {
-    const Result<std::vector<SharedItemLedger::Entry>> entries = entriesOfLedger();
+    const Result<std::vector<SharedItemLedger::Entry>> entries = SharedItemLedger::entries();
     if (!entries)
         return entries.error();
     std::vector<Row> rows = {{"VAULT", "BYTES", "ALBUM", "NAME", "FILE"}};
@@ -115,7 +103,7 @@ Result<std::string> ledgerTable() {
 }
 
 Result<std::string> ledgerJSON() {
-    const Result<std::vector<SharedItemLedger::Entry>> entries = entriesOfLedger();
+    const Result<std::vector<SharedItemLedger::Entry>> entries = SharedItemLedger::entries();
     if (!entries)
         return entries.error();
     const std::optional<Data> text = SharedItemLedger::encode(entries.value());

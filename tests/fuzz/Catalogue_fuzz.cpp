@@ -11,7 +11,7 @@ void fuzz(sela::DataView input) {
     sela::JSONWriter writer;
     writer.beginArray();
     for (const sela::SharedAlbum& album : albums.value())
-        sela::writeJSONRecord(writer, sela::SharedAlbum::jsonFields(), &album);
+        sela::writeJSONRecord(writer, album);
     writer.endArray();
     require(writer.isValid());
     const auto again = sela::decodeJSONArray<sela::SharedAlbum>(sela::asData(writer.text()));

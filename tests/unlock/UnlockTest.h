@@ -50,7 +50,7 @@ inline void publishAlbums(const std::vector<SharedAlbum>& albums) {
     JSONWriter writer;
     writer.beginArray();
     for (const SharedAlbum& album : albums)
-        writeJSONRecord(writer, SharedAlbum::jsonFields(), &album);
+        writeJSONRecord(writer, album);
     writer.endArray();
     publishCatalogue(writer.text());
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/foundation/FatalError.h"
+
 #include <memory>
 #include <optional>
 #include <string>
@@ -61,14 +63,25 @@ public:
     explicit operator bool() const { return content_.index() == 0; }
     bool hasValue() const { return content_.index() == 0; }
 
-    /// The value; asking a failed result for it is a programming error that throws out of the program.
-    T& value() { return std::get<0>(content_); }
-    const T& value() const { return std::get<0>(content_); }
+    /// The value. Asking a failed result for it is a programmer's mistake, which stops the process.
+    T& value(SourceLocation place = SourceLocation::current()) {
+        require(place);
+        return *std::get_if<0>(&content_);
+    }
+    const T& value(SourceLocation place = SourceLocation::current()) const {
+        require(place);
+        return *std::get_if<0>(&content_);
+    }
 
     /// The error, or null when there is a value.
-    ErrorRef error() const { return hasValue() ? nullptr : std::get<1>(content_); }
+    ErrorRef error() const { return hasValue() ? nullptr : *std::get_if<1>(&content_); }
 
 private:
+    void require(SourceLocation place) const {
+        if (!hasValue())
+            fatalError("A result without a value: " + error()->localizedDescription(), place);
+    }
+
     std::variant<T, ErrorRef> content_;
 };
 

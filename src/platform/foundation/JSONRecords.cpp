@@ -1,5 +1,6 @@
 #include "platform/foundation/JSONRecords.h"
 
+#include <algorithm>
 #include <boost/json/basic_parser_impl.hpp>
 #include <cstdint>
 #include <utility>
@@ -14,7 +15,7 @@ using boost::json::string_view;
 enum class Container { array, object };
 
 /// Takes the parser's events and fills records. Levels: 1 is the collection, 2 a record, 3 a list of texts;
-/// what lies deeper, or belongs to a member without a field, is passed over.
+/// what lies deeper, or belongs to a member without a slot, is passed over.
 class RecordHandler {
 public:
     static constexpr std::size_t max_object_size = std::size_t(-1);
@@ -22,8 +23,8 @@ public:
     static constexpr std::size_t max_key_size = std::size_t(-1);
     static constexpr std::size_t max_string_size = std::size_t(-1);
 
-    RecordHandler(Container container, std::span<const JSONField> fields, const JSONRecordSource& nextRecord)
-        : container_(container), fields_(fields), nextRecord_(nextRecord), seen_(fields.size()) {}
+    RecordHandler(Container container, const JSONRecordSource& nextRecord)
+        : container_(container), nextRecord_(nextRecord) {}
 
     const std::string& problem() const { return problem_; }
     std::size_t recordCount() const { return recordCount_; }
@@ -45,7 +46,7 @@ public:
         if (skippedFrom_ == 0 && level_ == 1)
             recordKey_ = key;
         else if (skippedFrom_ == 0)
-            selectField(key);
+            selectSlot(key);
         text_.clear();
         return true;
     }
@@ -54,10 +55,8 @@ public:
         return true;
     }
     bool on_string(string_view part, std::size_t, error_code& ec) {
-        if (!isPassedOver() && !takesText())
+        if (!isPassedOver() && !store(whole(part)))
             return wrongType("a text", ec);
-        if (!isPassedOver() && record_)
-            store(std::string(whole(part)));
         text_.clear();
         return true;
     }
@@ -74,25 +73,30 @@ public:
     bool on_bool(bool value, error_code& ec) {
         if (isPassedOver())
             return true;
-        if (level_ != 2 || field_->kind != JSONField::Kind::boolean)
+        bool* const* const place = level_ == 2 ? std::get_if<bool*>(&slot_->place) : nullptr;
+        if (!place)
             return wrongType("a Boolean", ec);
-        if (record_)
-            *static_cast<bool*>(place_) = value;
+        if (*place)
+            **place = value;
         return true;
     }
     bool on_null(error_code& ec) {
         if (isPassedOver())
             return true;
-        if (level_ != 2 || field_->kind != JSONField::Kind::optionalText)
+        const OptionalText* const place = level_ == 2 ? std::get_if<OptionalText>(&slot_->place) : nullptr;
+        if (!place)
             return wrongType("null", ec);
-        if (record_)
-            static_cast<std::optional<std::string>*>(place_)->reset();
+        if (*place)
+            (*place)->reset();
         return true;
     }
     bool on_comment_part(string_view, error_code&) { return true; }
     bool on_comment(string_view, error_code&) { return true; }
 
 private:
+    using OptionalText = std::optional<std::string>*;
+    using Texts = std::vector<std::string>*;
+
     /// The key or text that ends with this part, which mostly is all of it.
     std::string_view whole(string_view part) {
         if (text_.empty())
@@ -100,33 +104,33 @@ private:
         return text_.append(part.data(), part.size());
     }
 
-    /// Whether the value at hand belongs to a member without a field.
-    bool isPassedOver() const { return skippedFrom_ != 0 || (level_ == 2 && !field_); }
+    /// Whether the value at hand belongs to a member without a slot.
+    bool isPassedOver() const { return skippedFrom_ != 0 || (level_ == 2 && !slot_); }
 
-    bool takesText() const {
-        return level_ == 3 || (level_ == 2 && (field_->kind == JSONField::Kind::text ||
-                                               field_->kind == JSONField::Kind::optionalText));
-    }
-
-    /// Puts a text where it belongs.
-    void store(std::string text) {
-        if (level_ == 3)
-            static_cast<std::vector<std::string>*>(place_)->push_back(std::move(text));
-        else if (field_->kind == JSONField::Kind::text)
-            *static_cast<std::string*>(place_) = std::move(text);
-        else
-            *static_cast<std::optional<std::string>*>(place_) = std::move(text);
-    }
-
-    void selectField(std::string_view key) {
-        field_ = nullptr;
-        for (std::size_t i = 0; i < fields_.size(); ++i) {
-            if (fields_[i].key != key)
-                continue;
-            field_ = &fields_[i];
-            place_ = record_ ? field_->locate(record_) : nullptr;
-            seen_[i] = true;
+    /// Puts a text where it belongs; false where none is expected.
+    bool store(std::string_view text) {
+        if (level_ < 2)
+            return false;
+        if (level_ == 3) {
+            if (const Texts texts = std::get<Texts>(slot_->place))
+                texts->emplace_back(text);
+        } else if (const auto* const required = std::get_if<std::string*>(&slot_->place)) {
+            if (*required)
+                **required = text;
+        } else if (const auto* const optional = std::get_if<OptionalText>(&slot_->place)) {
+            if (*optional)
+                **optional = text;
+        } else {
+            return false;
         }
+        return true;
+    }
+
+    void selectSlot(std::string_view key) {
+        const auto found = std::ranges::find(slots_, key, &JSONSlot::key);
+        slot_ = found == slots_.end() ? nullptr : &*found;
+        if (slot_)
+            seen_[static_cast<std::size_t>(found - slots_.begin())] = true;
     }
 
     bool beginContainer(Container kind, error_code& ec) {
@@ -145,15 +149,15 @@ private:
             if (kind != Container::object)
                 return fail("record " + std::to_string(recordCount_) + " is no object", ec);
             ++recordCount_;
-            record_ = nextRecord_(recordKey_);
-            field_ = nullptr;
-            seen_.assign(fields_.size(), false);
+            slots_ = nextRecord_(recordKey_);
+            slot_ = nullptr;
+            seen_.assign(slots_.size(), false);
             break;
         case 2:
-            if (kind != Container::array || field_->kind != JSONField::Kind::texts)
+            if (kind != Container::array || !std::holds_alternative<Texts>(slot_->place))
                 return wrongType(kind == Container::array ? "an array" : "an object", ec);
-            if (record_)
-                static_cast<std::vector<std::string>*>(place_)->clear();
+            if (const Texts texts = std::get<Texts>(slot_->place))
+                texts->clear();
             break;
         default:
             return wrongType("nested values", ec);
@@ -172,9 +176,9 @@ private:
     }
 
     bool checkRequired(error_code& ec) {
-        for (std::size_t i = 0; i < fields_.size(); ++i)
-            if (!seen_[i] && fields_[i].kind != JSONField::Kind::optionalText)
-                return fail("\"" + std::string(fields_[i].key) + "\" is missing in record " +
+        for (std::size_t i = 0; i < slots_.size(); ++i)
+            if (!seen_[i] && !std::holds_alternative<OptionalText>(slots_[i].place))
+                return fail("\"" + std::string(slots_[i].key) + "\" is missing in record " +
                                 std::to_string(recordCount_ - 1),
                             ec);
         return true;
@@ -185,7 +189,7 @@ private:
             return fail(std::string(found) + " where a " + (level_ == 0 ? "collection" : "record") +
                             " is expected",
                         ec);
-        return fail("\"" + std::string(field_->key) + "\" of record " + std::to_string(recordCount_ - 1) +
+        return fail("\"" + std::string(slot_->key) + "\" of record " + std::to_string(recordCount_ - 1) +
                         " is " + std::string(found),
                     ec);
     }
@@ -197,25 +201,21 @@ private:
     }
 
     Container container_;
-    std::span<const JSONField> fields_;
     const JSONRecordSource& nextRecord_;
 
     int level_ = 0;
     int skippedFrom_ = 0; ///< the level whose end ends the skipping; 0: nothing is skipped
     std::string text_;    ///< parts of a key or text that the parser hands over piecewise
     std::string recordKey_;
-    void* record_ = nullptr; ///< null while a record is only checked
-    const JSONField* field_ = nullptr;
-    void* place_ = nullptr;
-    std::vector<bool> seen_;
+    std::span<const JSONSlot> slots_;
+    const JSONSlot* slot_ = nullptr; ///< that of the member at hand
+    std::vector<bool> seen_;         ///< for each slot
     std::size_t recordCount_ = 0;
     std::string problem_;
 };
 
-ErrorRef readRecords(Container container, DataView text, std::span<const JSONField> fields,
-                     const JSONRecordSource& nextRecord) {
-    boost::json::basic_parser<RecordHandler> parser(boost::json::parse_options(), container, fields,
-                                                    nextRecord);
+ErrorRef readRecords(Container container, DataView text, const JSONRecordSource& nextRecord) {
+    boost::json::basic_parser<RecordHandler> parser(boost::json::parse_options(), container, nextRecord);
     const std::string_view characters = asText(text);
     error_code error;
     const std::size_t consumed = parser.write_some(false, characters.data(), characters.size(), error);
@@ -232,37 +232,12 @@ ErrorRef readRecords(Container container, DataView text, std::span<const JSONFie
 
 } // namespace
 
-ErrorRef readJSONArray(DataView text, std::span<const JSONField> fields, const JSONRecordSource& nextRecord) {
-    return readRecords(Container::array, text, fields, nextRecord);
+ErrorRef readJSONArray(DataView text, const JSONRecordSource& nextRecord) {
+    return readRecords(Container::array, text, nextRecord);
 }
 
-ErrorRef readJSONObject(DataView text, std::span<const JSONField> fields,
-                        const JSONRecordSource& nextRecord) {
-    return readRecords(Container::object, text, fields, nextRecord);
-}
-
-void writeJSONRecord(JSONWriter& writer, std::span<const JSONField> fields, const void* record) {
-    writer.beginObject();
-    for (const JSONField& field : fields) {
-        // The fields lead to places that may be written; here they are only read.
-        const void* const place = field.locate(const_cast<void*>(record));
-        switch (field.kind) {
-        case JSONField::Kind::text:
-            writer.key(field.key).string(*static_cast<const std::string*>(place));
-            break;
-        case JSONField::Kind::optionalText:
-            if (const auto& text = *static_cast<const std::optional<std::string>*>(place))
-                writer.key(field.key).string(*text);
-            break;
-        case JSONField::Kind::boolean:
-            writer.key(field.key).boolean(*static_cast<const bool*>(place));
-            break;
-        case JSONField::Kind::texts:
-            writer.key(field.key).strings(*static_cast<const std::vector<std::string>*>(place));
-            break;
-        }
-    }
-    writer.endObject();
+ErrorRef readJSONObject(DataView text, const JSONRecordSource& nextRecord) {
+    return readRecords(Container::object, text, nextRecord);
 }
 
 } // namespace sela

@@ -4,100 +4,120 @@
 #include "platform/foundation/Error.h"
 #include "platform/foundation/JSONWriter.h"
 
+#include <array>
 #include <functional>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <utility>
+#include <variant>
 #include <vector>
 
 namespace sela {
 
-/// One member of a flat JSON record and where its value lives in the C++ record.
-struct JSONField {
-    enum class Kind {
-        text,         ///< std::string, required
-        optionalText, ///< std::optional<std::string>; absent when the member is missing or null
-        boolean,      ///< bool, required
-        texts,        ///< std::vector<std::string>, required
-    };
-
+/// One member of a flat JSON record and the data member that keeps its value, whose type says what the value
+/// is: a text (required), a text that may be missing or null, a Boolean (required), a list of texts
+/// (required).
+///
+/// A record type lists its members once, in the order of writing, as an array that a static `jsonMembers()`
+/// returns; it serves reading and writing alike.
+template<class Record>
+struct JSONMember {
     std::string_view key;
-    Kind kind;
-    void* (*locate)(void* record);
+    std::variant<std::string Record::*, std::optional<std::string> Record::*, bool Record::*,
+                 std::vector<std::string> Record::*>
+        member;
 };
 
-namespace detail {
+/// A member of the record that is being read, and the place for its value; a null pointer where the value is
+/// only to be checked.
+struct JSONSlot {
+    std::string_view key;
+    std::variant<std::string*, std::optional<std::string>*, bool*, std::vector<std::string>*> place;
+};
 
-template<class Class, class Member>
-Class classOf(Member Class::*);
-template<class Class, class Member>
-Member memberOf(Member Class::*);
+/// Called at the start of each record with its key (empty inside an array). Returns the slots to fill, always
+/// the same ones but for their places, which stay until the next call.
+using JSONRecordSource = std::function<std::span<const JSONSlot>(std::string_view key)>;
 
-template<class Member>
-constexpr JSONField::Kind kindOf() {
-    if constexpr (std::is_same_v<Member, std::string>)
-        return JSONField::Kind::text;
-    else if constexpr (std::is_same_v<Member, std::optional<std::string>>)
-        return JSONField::Kind::optionalText;
-    else if constexpr (std::is_same_v<Member, bool>)
-        return JSONField::Kind::boolean;
-    else {
-        static_assert(std::is_same_v<Member, std::vector<std::string>>);
-        return JSONField::Kind::texts;
+/// Reads a JSON array, or a JSON object, whose elements are records, and nothing behind it but white space.
+/// Strict: UTF-8 and at most 32 levels deep; a required member that is missing and a value of another type
+/// are errors; members without a slot are skipped; of a member given twice the last counts. Records of an
+/// object come in their order, also where two have the same key. On an error the records made so far are to
+/// be thrown away. The functions below, which know the type of the record, are what others call.
+ErrorRef readJSONArray(DataView text, const JSONRecordSource& nextRecord);
+ErrorRef readJSONObject(DataView text, const JSONRecordSource& nextRecord);
+
+/// The slots of one type of record.
+template<class Record>
+class JSONSlots {
+public:
+    /// Lets the slots lead into `record`, or nowhere when it is null.
+    std::span<const JSONSlot> of(Record* record) {
+        for (std::size_t i = 0; i < slots_.size(); ++i)
+            std::visit(
+                [&](auto member) { slots_[i].place = record ? &(record->*member) : nullptrTo(member); },
+                members_[i].member);
+        return slots_;
     }
-}
 
-} // namespace detail
+private:
+    template<class Value>
+    static Value* nullptrTo(Value Record::*) {
+        return nullptr;
+    }
+    static constexpr auto members_ = Record::jsonMembers();
 
-/// Describes the JSON member `key` that is kept in the data member `member`. A record type lists its fields
-/// once, in the order of writing, in a static `jsonFields()`, which serves reading and writing alike.
-template<auto member>
-constexpr JSONField jsonField(std::string_view key) {
-    using Record = decltype(detail::classOf(member));
-    using Member = decltype(detail::memberOf(member));
-    return {key, detail::kindOf<Member>(),
-            [](void* record) -> void* { return &(static_cast<Record*>(record)->*member); }};
-}
+    std::array<JSONSlot, members_.size()> slots_ = [] {
+        std::array<JSONSlot, members_.size()> slots;
+        for (std::size_t i = 0; i < slots.size(); ++i)
+            slots[i].key = members_[i].key;
+        return slots;
+    }();
+};
 
-/// Called at the start of each record with its key (empty inside an array); returns the record to fill,
-/// freshly made, which stays where it is until the next call, or null for one that is only to be checked.
-using JSONRecordSource = std::function<void*(std::string_view key)>;
-
-/// Reads a JSON array, or a JSON object, whose elements are records with these fields, and nothing behind it
-/// but white space. Strict: UTF-8 and at most 32 levels deep; a required member that is missing and a value
-/// of another type are errors; members without a field are skipped; of a member given twice the last counts.
-/// Records of an object come in their order, also where two have the same key. On an error the records made
-/// so far are to be thrown away.
-ErrorRef readJSONArray(DataView text, std::span<const JSONField> fields, const JSONRecordSource& nextRecord);
-ErrorRef readJSONObject(DataView text, std::span<const JSONField> fields, const JSONRecordSource& nextRecord);
-
-/// Writes a record as a JSON object, its members in the order of the fields; an absent optional text is left
-/// out. `record` is only read.
-void writeJSONRecord(JSONWriter& writer, std::span<const JSONField> fields, const void* record);
-
-/// The records of a JSON array; the error of `readJSONArray`.
+/// The records of a JSON array.
 template<class Record>
 Result<std::vector<Record>> decodeJSONArray(DataView text) {
     std::vector<Record> records;
-    const auto append = [&](std::string_view) -> void* { return &records.emplace_back(); };
-    if (ErrorRef error = readJSONArray(text, Record::jsonFields(), append))
+    JSONSlots<Record> slots;
+    const auto append = [&](std::string_view) { return slots.of(&records.emplace_back()); };
+    if (ErrorRef error = readJSONArray(text, append))
         return error;
     return records;
 }
 
-/// The records of a JSON object with their keys, in their order; the error of `readJSONObject`.
+/// The records of a JSON object with their keys, in their order.
 template<class Record>
 Result<std::vector<std::pair<std::string, Record>>> decodeJSONObject(DataView text) {
     std::vector<std::pair<std::string, Record>> records;
-    const auto append = [&](std::string_view key) -> void* {
-        return &records.emplace_back(std::string(key), Record()).second;
+    JSONSlots<Record> slots;
+    const auto append = [&](std::string_view key) {
+        return slots.of(&records.emplace_back(std::string(key), Record()).second);
     };
-    if (ErrorRef error = readJSONObject(text, Record::jsonFields(), append))
+    if (ErrorRef error = readJSONObject(text, append))
         return error;
     return records;
+}
+
+/// Checks a JSON object of such records without keeping them; `visitKey` is called with the key of each.
+template<class Record, class VisitKey>
+ErrorRef checkJSONObject(DataView text, VisitKey visitKey) {
+    JSONSlots<Record> slots;
+    return readJSONObject(text, [&](std::string_view key) {
+        visitKey(key);
+        return slots.of(nullptr);
+    });
+}
+
+/// Writes a record as a JSON object, its members in their order; an absent optional text is left out.
+template<class Record>
+void writeJSONRecord(JSONWriter& writer, const Record& record) {
+    writer.beginObject();
+    for (const JSONMember<Record>& member : Record::jsonMembers())
+        std::visit([&](auto value) { writer.member(member.key, record.*value); }, member.member);
+    writer.endObject();
 }
 
 } // namespace sela

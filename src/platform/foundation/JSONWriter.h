@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,6 +26,16 @@ public:
     /// Writes the shortest decimal form that reads back to the same number; one that is not finite as null.
     JSONWriter& number(double value);
     JSONWriter& strings(const std::vector<std::string>& texts);
+
+    /// A key with its value; of an absent text neither is written.
+    JSONWriter& member(std::string_view name, const std::string& text) { return key(name).string(text); }
+    JSONWriter& member(std::string_view name, const std::optional<std::string>& text) {
+        return text ? key(name).string(*text) : *this;
+    }
+    JSONWriter& member(std::string_view name, bool value) { return key(name).boolean(value); }
+    JSONWriter& member(std::string_view name, const std::vector<std::string>& texts) {
+        return key(name).strings(texts);
+    }
 
     /// Whether everything written so far was valid text.
     bool isValid() const { return valid_; }

@@ -14,11 +14,11 @@ struct Record {
     std::vector<std::string> path;
     std::optional<std::string> note;
 
-    static std::span<const JSONField> jsonFields() {
-        static constexpr std::array fields{jsonField<&Record::name>("name"), jsonField<&Record::flag>("flag"),
-                                           jsonField<&Record::path>("path"),
-                                           jsonField<&Record::note>("note")};
-        return fields;
+    static constexpr auto jsonMembers() {
+        return std::array<JSONMember<Record>, 4>{{{"name", &Record::name},
+                                                  {"flag", &Record::flag},
+                                                  {"path", &Record::path},
+                                                  {"note", &Record::note}}};
     }
     bool operator==(const Record&) const = default;
 };
@@ -77,7 +77,7 @@ RC_GTEST_PROP(JSONRecords, WhatIsWrittenReadsBack,
     const Record record{name, flag, path, name};
     JSONWriter writer;
     writer.beginArray();
-    writeJSONRecord(writer, Record::jsonFields(), &record);
+    writeJSONRecord(writer, record);
     writer.endArray();
     const Result<std::vector<Record>> back = decodeJSONArray<Record>(asData(writer.text()));
     RC_ASSERT(writer.isValid() == back.hasValue());
