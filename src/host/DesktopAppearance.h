@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/CommandLine.h"
+#include "platform/foundation/Dumpable.h"
 #include "platform/uikit/UIColor.h"
 
 #include <QObject>
@@ -47,6 +48,7 @@ private:
 
     const CommandLine::Appearance appearance_;
     const CommandLine::Contrast contrast_;
+    std::optional<DumpableScope> visibleToPortal_; ///< until it has answered
     std::optional<UIUserInterfaceStyle> portalStyle_;
     std::optional<UIAccessibilityContrast> portalContrast_;
     const std::optional<bool> environmentReducesMotion_;

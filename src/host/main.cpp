@@ -5,6 +5,7 @@
 #include "host/ShareRequest.h"
 #include "host/ShareWindow.h"
 #include "platform/foundation/Bundle.h"
+#include "platform/foundation/Dumpable.h"
 #include "platform/foundation/Heap.h"
 #include "platform/foundation/NSLog.h"
 #include "share/PrincipalClasses.h"
@@ -122,6 +123,7 @@ int share(const sela::CommandLine& line) {
 } // namespace
 
 int main(int argc, char** argv) {
+    sela::makeUndumpable();
     sela::keepFreedMemory();
     sela::growHeap(heapOfFirstFrame);
     // A file that would exceed a limit is an error of its write, not the end of the process.

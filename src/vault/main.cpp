@@ -1,3 +1,4 @@
+#include "platform/foundation/Dumpable.h"
 #include "platform/foundation/Heap.h"
 #include "platform/foundation/NSLog.h"
 #include "vault/Import.h"
@@ -142,6 +143,7 @@ int import(Arguments arguments) {
 } // namespace
 
 int main(int argc, char** argv) {
+    sela::makeUndumpable();
     sela::keepFreedMemory();
     // A file that would exceed a limit, or a reader that has gone, is an error of its write.
     std::signal(SIGXFSZ, SIG_IGN);

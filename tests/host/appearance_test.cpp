@@ -1,5 +1,7 @@
 #include "host/DesktopAppearance.h"
 
+#include "platform/foundation/Dumpable.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusMetaType>
@@ -13,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <sys/prctl.h>
 
 namespace sela {
 
@@ -38,6 +41,7 @@ public:
         if (message.member() != QLatin1String("ReadAll") ||
             message.arguments() != QVariantList{QStringList{group, interfaceGroup}})
             return false;
+        couldLookAtCaller = ::prctl(PR_GET_DUMPABLE) == 1;
         return bus.send(message.createReply(QVariant::fromValue(
             QMap<QString, QVariantMap>{{group, settings}, {interfaceGroup, interfaceSettings}})));
     }
@@ -49,6 +53,7 @@ public:
         bus_.send(signal);
     }
 
+    bool couldLookAtCaller = false; ///< as a real one must, when it was asked
     QVariantMap settings;
     QVariantMap interfaceSettings;
 
@@ -117,6 +122,7 @@ protected:
 
 TEST_F(DesktopAppearanceTest, FollowsThePortalFromItsAnswerOn) {
     const QString animations = QStringLiteral("enable-animations");
+    makeUndumpable();
     Portal portal(portalBus());
     portal.settings = {{QStringLiteral("color-scheme"), 1u}, {QStringLiteral("contrast"), 1u}};
     portal.interfaceSettings = {{animations, false}};
@@ -127,6 +133,8 @@ TEST_F(DesktopAppearanceTest, FollowsThePortalFromItsAnswerOn) {
     appearance.setChangeHandler([&] { ++changes; });
     EXPECT_TRUE(becomes(appearance, {dark, high}));
     EXPECT_EQ(changes, 1);
+    EXPECT_TRUE(portal.couldLookAtCaller);
+    EXPECT_EQ(::prctl(PR_GET_DUMPABLE), 0);
     portal.change(QStringLiteral("color-scheme"), 2u);
     EXPECT_TRUE(becomes(appearance, {light, high}));
     portal.change(QStringLiteral("contrast"), 0u);
