@@ -1,5 +1,6 @@
 #include "mediaservice/RequestLoop.h"
 #include "mediaservice/pictures/PictureDecoder.h"
+#include "platform/foundation/Dumpable.h"
 
 #include <libheif/heif.h>
 
@@ -23,6 +24,7 @@ sela::MediaOutcome decode(const sela::MediaRequest& request, const sela::InputFi
 } // namespace
 
 int main() {
+    sela::makeUndumpable();
     // Its codecs register themselves, which must not wait for the first file.
     if (heif_init(nullptr).code != heif_error_Ok)
         return 69;

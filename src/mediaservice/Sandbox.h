@@ -13,11 +13,14 @@ struct Limits {
     std::uint64_t cpuSeconds;   ///< of the whole process
 };
 
-/// From here on the process can read and map descriptors that it holds or is sent, talk on its sockets, write
-/// to standard error, use memory and start threads. Opening, creating or looking at files, new sockets,
-/// running programs, new processes, touching other processes and executable memory fail with EPERM; no file
-/// can grow; the process dumps no core and cannot be traced. False when any of it cannot be had; nothing
-/// must be decoded then.
+/// From here on the process can read files at any offset and map them from descriptors that it holds or is
+/// sent, talk on `mediaHelperSocket`, write to standard error, use memory and start threads. Everything else
+/// fails with EPERM: opening, creating or looking at files, reading and writing other descriptors, sockets,
+/// running programs, new processes, touching other processes, executable memory. No file can grow; the
+/// process dumps no core and cannot be traced. False when any of it cannot be had; nothing must be decoded
+/// then.
+///
+/// Below that, where the kernel has them, lie an empty network and a Landlock domain without any right.
 ///
 /// Builds with sanitizers reserve terabytes of addresses, so they leave out the limit on address space.
 bool enter(const Limits& limits);

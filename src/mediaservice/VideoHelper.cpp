@@ -1,5 +1,6 @@
 #include "mediaservice/RequestLoop.h"
 #include "mediaservice/videos/VideoDecoder.h"
+#include "platform/foundation/Dumpable.h"
 
 namespace {
 
@@ -9,6 +10,7 @@ constexpr sela::Sandbox::Limits limits{.addressSpace = std::uint64_t{1536} << 20
 } // namespace
 
 int main() {
+    sela::makeUndumpable();
     sela::VideoDecoder decoder;
     return sela::serveRequests(limits, [&](const sela::MediaRequest& request, sela::InputFile file) {
         return decoder.answer(request, std::move(file));

@@ -4,8 +4,11 @@ import json
 import os
 import pathlib
 import re
+import resource
+import signal
 import sqlite3
 import subprocess
+import time
 
 from harness import BIN, HomeTest
 
@@ -204,7 +207,7 @@ class Attachments(HostileTest):
 class Privacy(HostileTest):
     def test_whatever_is_made_is_made_for_the_user_alone(self):
         trace = self.home / "trace"
-        calls = "trace=open,openat,creat,mkdir,mkdirat,mknod,mknodat,umask,chmod,fchmod,fchmodat"
+        calls = "trace=open,openat,creat,mkdir,mkdirat,mknod,mknodat,umask,chmod,fchmod,fchmodat,unshare,landlock_create_ruleset"
 
         def traced(program, *arguments):
             subprocess.run(["strace", "-f", "-qq", "-A", "-o", trace, "-e", calls, BIN / program, *map(str, arguments)],
@@ -240,9 +243,27 @@ class Privacy(HostileTest):
             mask = 0 if "chmod" in line else masks.get(process, 0o077)
             self.assertEqual(int(mode[1], 8) & ~mask & 0o077, 0, line)
         self.assertGreater(made, 10)
+        # Whether the kernel has them or not, the helper asks for them.
+        for layer in ("unshare(CLONE_NEWUSER|CLONE_NEWNET)", "landlock_create_ruleset("):
+            self.assertIn(layer, trace.read_text())
         for path in [self.home / name for name in ("screen.png", "tree.json", "data/sela", "config/sela", "into")]:
             for each in [path, *path.rglob("*")]:
                 self.assertEqual(each.stat().st_mode & 0o077, 0, each)
+
+    def test_no_core_is_left(self):
+        def dumps_core(*command):
+            process = self.start(*command, cwd=self.home, stdin=subprocess.PIPE, preexec_fn=lambda: resource.setrlimit(
+                resource.RLIMIT_CORE, [resource.RLIM_INFINITY] * 2))
+            self.addCleanup(process.stdin.close)
+            while " S " not in pathlib.Path(f"/proc/{process.pid}/stat").read_text():
+                time.sleep(0.01)
+            process.send_signal(signal.SIGABRT)
+            return os.WCOREDUMP(os.waitpid(process.pid, 0)[1])
+
+        if not dumps_core("sleep", "60"):
+            self.skipTest("cores go nowhere")
+        self.assertFalse(dumps_core(BIN / "sela-share", "--headless", "--wait", "60", self.write("a.jpg", b"x")))
+        self.assertFalse(dumps_core(BIN / "sela-vault", "publish", "--passcode-file", "-", self.home / "catalogue.json"))
 
     def test_a_passcode_is_never_shown(self):
         self.provision(passcode="918273", decoy="645342")

@@ -1,11 +1,16 @@
 #include "mediaservice/Sandbox.h"
 
+#include "mediaservice/Landlock.h"
+#include "mediaservice/NetworkNamespace.h"
+
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
 #include <new>
+#include <poll.h>
 #include <sched.h>
 #include <sys/mman.h>
 #include <sys/mount.h>
@@ -54,6 +59,7 @@ TEST(Sandbox, RefusesWhatDecodingDoesNotNeed) {
     sockaddr address{};
     char byte = 0;
     iovec block{&byte, 1};
+    msghdr message{};
     char program[] = "/bin/true";
     char* const arguments[] = {program, nullptr};
     const Case forbidden[] = {
@@ -76,6 +82,10 @@ TEST(Sandbox, RefusesWhatDecodingDoesNotNeed) {
         {"chmod", [] { return ::chmod("/tmp", 0777); }},
         {"memfd_create", [] { return ::memfd_create("more", 0); }},
         {"ftruncate", [&] { return ::ftruncate(inherited[1], 1); }},
+        {"read", [&] { return ::read(inherited[0], &byte, 1); }},
+        {"readv", [&] { return ::readv(inherited[0], &block, 1); }},
+        {"recvmsg of another socket", [&] { return ::recvmsg(inherited[0], &message, 0); }},
+        {"sendmsg to another socket", [&] { return ::sendmsg(inherited[1], &message, 0); }},
         {"write", [&] { return ::write(inherited[1], "x", 1); }},
         {"pwrite", [&] { return ::pwrite(inherited[1], "x", 1, 0); }},
         {"splice", [&] { return ::splice(inherited[0], nullptr, inherited[1], nullptr, 1, 0); }},
@@ -154,6 +164,59 @@ TEST(Sandbox, AllowsWhatDecodingNeeds) {
                        asExpected));
 }
 
+TEST(Sandbox, NobodyLooksIn) {
+    int gate[2];
+    ASSERT_EQ(::pipe(gate), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        // As an ordinary user's, whose files in /proc tell by their owner whether others of that user may
+        // read them.
+        if (::geteuid() == 0 && (::setuid(65534) != 0 || ::prctl(PR_SET_DUMPABLE, 1) != 0))
+            ::_exit(notAsExpected);
+        ::close(gate[0]);
+        const bool entered = Sandbox::enter(limits);
+        ::close(gate[1]);
+        while (entered)
+            ::poll(nullptr, 0, -1);
+        ::_exit(noSandbox);
+    }
+    ::close(gate[1]);
+    char byte = 0;
+    EXPECT_EQ(::read(gate[0], &byte, 1), 0) << "the end of the pipe";
+    struct stat status {};
+    EXPECT_EQ(::stat(("/proc/" + std::to_string(child) + "/environ").c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, 0U);
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    ::close(gate[0]);
+}
+
+/// What holds without the filter of system calls.
+TEST(Sandbox, LayersBelowTheFilterHoldByThemselves) {
+    const auto network = [] { return std::filesystem::read_symlink("/proc/self/ns/net").string(); };
+    const auto inChild = [](const std::function<int()>& body) {
+        const pid_t child = ::fork();
+        if (child == 0)
+            ::_exit(body());
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        return status;
+    };
+    const int alone = inChild([&] {
+        const std::string before = network();
+        if (!Sandbox::leaveNetwork())
+            return noSandbox;
+        return network() != before ? asExpected : notAsExpected;
+    });
+    EXPECT_TRUE(isExit(alone, asExpected) || isExit(alone, noSandbox)) << alone;
+    const int fileless = inChild([] {
+        if (!Sandbox::denyFiles())
+            return noSandbox;
+        return ::open("/etc/passwd", O_RDONLY) == -1 && errno == EACCES ? asExpected : notAsExpected;
+    });
+    EXPECT_TRUE(isExit(fileless, asExpected) || isExit(fileless, noSandbox)) << fileless;
+}
+
 TEST(Sandbox, ACrashEndsTheProcess) {
     const int status = inSandbox([] {
         ::signal(SIGABRT, SIG_DFL);
@@ -171,9 +234,8 @@ TEST(Sandbox, ThreadsThatExistAreShutOffToo) {
         if (::pipe(gate) != 0)
             ::_exit(notAsExpected);
         std::thread([&] {
-            char byte = 0;
-            if (::read(gate[0], &byte, 1) < 0)
-                ::_exit(notAsExpected);
+            pollfd opening{gate[0], POLLIN, 0};
+            ::poll(&opening, 1, -1);
             ::_exit(::open("/etc/passwd", O_RDONLY) == -1 && errno == EPERM ? asExpected : notAsExpected);
         }).detach();
         if (!Sandbox::enter(limits))

@@ -10,14 +10,15 @@ namespace sela {
 
 namespace {
 
-/// What is done to a child between its start and its program: it gets the socket, and nothing to read or
-/// write but standard error.
+/// What is done to a child between its start and its program: it gets the socket, and nothing else to
+/// read or write: not the user's terminal either.
 class SpawnActions {
 public:
     explicit SpawnActions(int socket) {
         posix_spawn_file_actions_init(&actions_);
         posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
         posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+        posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
         posix_spawn_file_actions_adddup2(&actions_, socket, mediaHelperSocket);
         posix_spawn_file_actions_addclosefrom_np(&actions_, mediaHelperSocket + 1);
     }

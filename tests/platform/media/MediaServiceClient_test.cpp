@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <set>
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -117,7 +118,6 @@ TEST_F(MediaServiceClientTest, TheHelpersAreLimitedAndEveryThreadIsInTheSandbox)
         };
         EXPECT_EQ(limit(RLIMIT_CPU), 120U);
         EXPECT_EQ(limit(RLIMIT_FSIZE), 0U);
-        EXPECT_EQ(limit(RLIMIT_CORE), 0U);
 #ifndef SELA_SANITIZED
         EXPECT_EQ(limit(RLIMIT_AS), 1610612736U);
 #endif
@@ -128,6 +128,18 @@ TEST_F(MediaServiceClientTest, TheHelpersAreLimitedAndEveryThreadIsInTheSandbox)
         }
     }
     EXPECT_GE(threads, 3) << "decoding in threads";
+}
+
+TEST_F(MediaServiceClientTest, AHelperHoldsItsSocketAndNothingElse) {
+    const FileDescriptor inheritable(::open("/dev/zero", O_RDONLY));
+    MediaServiceClient client({programs + "/misbehaving"});
+    ASSERT_TRUE(client.perform(file("behave"), pictureRequest()));
+    const pid_t helper = client.helperProcessIdentifier(MediaOperation::decodePicture).value();
+    std::multiset<std::string> held;
+    for (const auto& entry : fs::directory_iterator("/proc/" + std::to_string(helper) + "/fd"))
+        held.insert(fs::read_symlink(entry).string());
+    EXPECT_EQ(held.count("/dev/null"), 3U) << "its standard input, output and error";
+    EXPECT_FALSE(held.contains("/dev/zero"));
 }
 
 TEST_F(MediaServiceClientTest, WithoutAHelperEveryFileFails) {
