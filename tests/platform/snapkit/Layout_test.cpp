@@ -138,6 +138,46 @@ TEST_F(LayoutTest, PriorityDecidesAndThenOrderAndAConflictIsLoggedOncePerLineOfS
                                                   conflict(line + 2, "width of UIView arrow")));
 }
 
+TEST_F(LayoutTest, LinesReachAcrossTheTreeAndMultipliedPlacesCountFromTheNearestCommonView) {
+    UIView inside, twin, beside, fixed({30, 17, 5, 5});
+    root_.setBounds({0, 5, 320, 480}); // scrolled, as is what is in it
+    a_.setFrame({20, 35, 200, 100});
+    a_.setBounds({0, 7, 200, 100});
+    a_.addSubview(fixed);
+    a_.addSubview(inside);
+    a_.addSubview(twin);
+    b_.addSubview(beside);
+    beside.snp().makeConstraints([&](ConstraintMaker& make) {
+        make.right().bottom().equalTo(inside);
+        make.left().equalTo(fixed.snp().centerX());
+        make.top().equalTo(fixed);
+    });
+    b_.snp().makeConstraints([&](ConstraintMaker& make) {
+        make.size().equalTo(40);
+        make.left().equalTo(100);
+        make.top().equalTo(50);
+    });
+    inside.snp().makeConstraints([&](ConstraintMaker& make) {
+        make.size().equalTo(10);
+        make.left().top().equalTo(b_);
+    });
+    twin.snp().makeConstraints([&](ConstraintMaker& make) {
+        make.size().equalTo(10);
+        make.left().equalTo(root_.snp().right()).multipliedBy(0.5);
+        make.bottom().equalTo(inside).multipliedBy(2);
+    });
+    const auto expectFrames = [&] {
+        root_.layoutIfNeeded();
+        expectFrame(inside, {100 - 20, 50 - 30 + 7, 10, 10});
+        expectFrame(beside, {52.5 - 100, 40 - 50, 110 - 52.5, 60 - 40});
+        expectFrame(twin, {160 - 20, 80 - 30 + 7, 10, 10});
+    };
+    expectFrames();
+    a_.setNeedsLayout();
+    inside.snp().makeConstraints([](ConstraintMaker& make) { make.width().equalTo(10); });
+    expectFrames();
+}
+
 TEST_F(LayoutTest, ALineSleepsWhileItsViewsAreInDifferentTrees) {
     UIView elsewhere{CGRect(0, 0, 50, 50)};
     auto target = std::make_unique<UIView>(CGRect(50, 60, 10, 10));
