@@ -70,10 +70,10 @@ private:
     static constexpr auto members_ = Record::jsonMembers();
 
     std::array<JSONSlot, members_.size()> slots_ = [] {
-        std::array<JSONSlot, members_.size()> slots;
-        for (std::size_t i = 0; i < slots.size(); ++i)
-            slots[i].key = members_[i].key;
-        return slots;
+        std::array<JSONSlot, members_.size()> keyed;
+        for (std::size_t i = 0; i < keyed.size(); ++i)
+            keyed[i].key = members_[i].key;
+        return keyed;
     }();
 };
 
@@ -81,8 +81,8 @@ private:
 template<class Record>
 Result<std::vector<Record>> decodeJSONArray(DataView text) {
     std::vector<Record> records;
-    JSONSlots<Record> slots;
-    const auto append = [&](std::string_view) { return slots.of(&records.emplace_back()); };
+    JSONSlots<Record> recordSlots;
+    const auto append = [&](std::string_view) { return recordSlots.of(&records.emplace_back()); };
     if (ErrorRef error = readJSONArray(text, append))
         return error;
     return records;
@@ -92,9 +92,9 @@ Result<std::vector<Record>> decodeJSONArray(DataView text) {
 template<class Record>
 Result<std::vector<std::pair<std::string, Record>>> decodeJSONObject(DataView text) {
     std::vector<std::pair<std::string, Record>> records;
-    JSONSlots<Record> slots;
+    JSONSlots<Record> recordSlots;
     const auto append = [&](std::string_view key) {
-        return slots.of(&records.emplace_back(std::string(key), Record()).second);
+        return recordSlots.of(&records.emplace_back(std::string(key), Record()).second);
     };
     if (ErrorRef error = readJSONObject(text, append))
         return error;
@@ -104,10 +104,10 @@ Result<std::vector<std::pair<std::string, Record>>> decodeJSONObject(DataView te
 /// Checks a JSON object of such records without keeping them; `visitKey` is called with the key of each.
 template<class Record, class VisitKey>
 ErrorRef checkJSONObject(DataView text, VisitKey visitKey) {
-    JSONSlots<Record> slots;
+    JSONSlots<Record> recordSlots;
     return readJSONObject(text, [&](std::string_view key) {
         visitKey(key);
-        return slots.of(nullptr);
+        return recordSlots.of(nullptr);
     });
 }
 
