@@ -16,7 +16,7 @@ void fuzz(sela::DataView input) {
     require(::write(memory.get(), input.data(), input.size()) == static_cast<ssize_t>(input.size()));
     const sela::InputFile file(std::move(memory));
     const sela::PictureKind kind = sela::pictureKind(file);
-    if (kind != sela::PictureKind::bmp && kind != sela::PictureKind::tiff)
+    if (kind != sela::PictureKind::bmp && kind != sela::PictureKind::tiff && kind != sela::PictureKind::pict)
         return;
     const auto pixels = sela::decodePicture(file, 32);
     if (!pixels)

@@ -121,8 +121,9 @@ def size_box(width, height):
     return full_box(b"ispe", struct.pack(">II", width, height))
 
 
-def heif(items, tiles=()):
-    """A HEIF file of items (kind, data, property boxes), the first of them the picture; `tiles` are its parts."""
+def heif(items, *references):
+    """A HEIF file of items (kind, data, property boxes), the first of them the picture. References are a kind, the
+    number of an item from 1 on, and the numbers of those it refers to."""
     properties, associations, names = [], b"", b""
     for number, (kind, _, own) in enumerate(items, 1):
         names += full_box(b"infe", struct.pack(">HH4s", number, 0, kind) + b"\0", 2)
@@ -139,8 +140,9 @@ def heif(items, tiles=()):
         parts = full_box(b"hdlr", b"\0\0\0\0pict" + b"\0" * 13)
         parts += full_box(b"pitm", struct.pack(">H", 1)) + full_box(b"iloc", places)
         parts += full_box(b"iinf", struct.pack(">H", len(items)) + names)
-        if tiles:
-            parts += full_box(b"iref", box(b"dimg", struct.pack(">HH%dH" % len(tiles), 1, len(tiles), *tiles)))
+        if references:
+            parts += full_box(b"iref", b"".join(
+                box(kind, struct.pack(">HH%dH" % len(to), item, len(to), *to)) for kind, item, to in references))
         parts += box(b"iprp", box(b"ipco", b"".join(properties)) +
                      full_box(b"ipma", struct.pack(">I", len(items)) + associations))
         return full_box(b"meta", parts)
@@ -160,7 +162,144 @@ def turned_pictures():
         configuration, data = coded_picture(read("tile-%s.heic" % colour))
         tiles.append((b"hvc1", data, [configuration, size_box(320, 240)]))
     grid = struct.pack(">BBBBHH", 0, 0, 1, 1, 640, 480)
-    write("grid.heic", heif([(b"grid", grid, [size_box(640, 480)])] + tiles, (2, 3, 4, 5)))
+    write("grid.heic", heif([(b"grid", grid, [size_box(640, 480)])] + tiles, (b"dimg", 1, (2, 3, 4, 5))))
+
+
+def described_pictures():
+    """Pictures with items that belong to them: a gain map and what describes both, thumbnails that are true or not."""
+    configuration, data = coded_picture(read("plain.heic"))
+    picture = (b"hvc1", data, [configuration, size_box(640, 480)])
+    exif = struct.pack(">I", 6) + b"Exif\0\0MM\0*\0\0\0\x08\0\0\0\0\0\0"
+    write("gain-map.heic", heif([picture, (b"tmap", b"\0" * 62, [size_box(640, 480)]), (b"Exif", exif, [])],
+                                (b"dimg", 2, (1,)), (b"cdsc", 3, (1, 2))))
+    configuration, data = coded_picture(read("tile-red.heic"))
+    for name, width, height in (("square", 320, 320), ("boasting", 640, 480)):
+        thumbnail = (b"hvc1", data, [configuration, size_box(width, height)])
+        write("thumbnail-%s.heic" % name, heif([picture, thumbnail], (b"thmb", 2, (1,))))
+    huge = (b"hvc1", b"", [configuration, size_box(16384, 12288)])
+    write("huge.heic", heif([huge, picture], (b"thmb", 2, (1,))))
+
+
+def quarters_of(width, height, red, green, blue, white):
+    """Rows from the top, as lists of one value a pixel."""
+    upper = [red] * (width // 2) + [green] * (width - width // 2)
+    lower = [blue] * (width // 2) + [white] * (width - width // 2)
+    return [upper] * (height // 2) + [lower] * (height - height // 2)
+
+
+def bmp(bits, rows, header=40, compression=0, masks=(), palette=(), top_down=False, data=None):
+    """A BMP file of rows of numbers, plain unless `data` is given."""
+    width, height = len(rows[0]), len(rows)
+    if data is None:
+        data = b""
+        for row in rows if top_down else reversed(rows):
+            number = "".join(format(value, "0%db" % bits)[-bits:] for value in row)
+            if bits > 8:
+                line = b"".join(value.to_bytes(bits // 8, "little") for value in row)
+            else:
+                line = int(number.ljust((len(number) + 7) // 8 * 8, "0"), 2).to_bytes((len(number) + 7) // 8, "big")
+            data += line + b"\0" * (-len(line) % 4)
+    if header == 12:
+        info = struct.pack("<IHhHH", 12, width, height, 1, bits)
+        colours = b"".join(bytes(colour) for colour in palette)
+    else:
+        info = struct.pack("<IiiHHIIiiII", header, width, -height if top_down else height, 1, bits, compression, 0, 0,
+                           0, len(palette), 0)
+        info += b"".join(struct.pack("<I", mask) for mask in masks)
+        info = info[:header] if header < 40 else info.ljust(header, b"\0")
+        colours = b"".join(bytes(colour) + b"\0" for colour in palette)
+    start = 14 + len(info) + len(colours)
+    return b"BM" + struct.pack("<IHHI", start + len(data), 0, 0, start) + info + colours + data
+
+
+def bitmaps():
+    palette = [(0, 0, 255), (0, 255, 0), (255, 0, 0), (255, 255, 255)]  # blue, green, red
+    indices = quarters_of(160, 120, 0, 1, 2, 3)
+    write("os2.bmp", bmp(4, indices, header=12, palette=palette + [(0, 0, 0)] * 12))
+    write("os2-16.bmp", bmp(8, indices, header=16, palette=palette + [(0, 0, 0)] * 252))
+    write("os2-64.bmp", bmp(24, quarters_of(160, 120, 0xFF0000, 0xFF00, 0xFF, 0xFFFFFF), header=64))
+    write("two-bits.bmp", bmp(2, indices, palette=palette))
+    write("top-down.bmp", bmp(8, indices, palette=palette, top_down=True))
+    colours = quarters_of(160, 120, 0x7C00, 0x3E0, 0x1F, 0x7FFF)
+    write("five-bits.bmp", bmp(16, colours))
+    six = (0xF800, 0x7E0, 0x1F)
+    write("six-bits.bmp", bmp(16, quarters_of(160, 120, 0xF800, 0x7E0, 0x1F, 0xFFFF), compression=3, masks=six))
+    ten = (0x3FF00000, 0xFFC00, 0x3FF)
+    write("ten-bits.bmp", bmp(32, quarters_of(160, 120, *ten, 0x3FFFFFFF), compression=3, masks=ten))
+    bits = (0xFF0000, 0xFF00, 0xFF, 0xFF000000)
+    full = quarters_of(160, 120, *bits[:3], 0xFFFFFF)
+    write("alpha-unset.bmp", bmp(32, full, header=108, compression=3, masks=bits))
+    half = quarters_of(160, 120, 0x80FF0000, 0x8000FF00, 0x800000FF, 0x80FFFFFF)
+    write("alpha-bits.bmp", bmp(32, half, compression=6, masks=bits))
+    write("no-red.bmp", bmp(32, full, compression=3, masks=(0,) + bits[1:3]))
+    write("no-masks.bmp", bmp(32, full, compression=3, masks=(0, 0, 0)))
+    write("jpeg-inside.bmp", bmp(0, indices, compression=4, data=read("baseline.jpg")))
+
+    def runs(left, right):
+        return b"\x50" + left + b"\x50" + right + b"\0\0"
+
+    def lines(red, green, blue, white):
+        return runs(blue, white) * 60 + runs(red, green) * 60 + b"\0\1"
+
+    write("runs-8.bmp", bmp(8, indices, compression=1, palette=palette, data=lines(b"\0", b"\1", b"\2", b"\3")))
+    nibbles = [bytes([0x11 * index]) for index in range(4)]
+    write("runs-4.bmp", bmp(4, indices, compression=2, palette=palette, data=lines(*nibbles)))
+    write("runs-24.bmp", bmp(24, indices, header=64, compression=4, data=lines(*map(bytes, palette))))
+    # A pixel one by one in the middle, as odd a number as needs filling; the rest of the upper half is passed over.
+    mixed = runs(b"\2", b"\3") * 60 + b"\x50\0\0\3\1\1\1\0\x4d\1\0\2\0\x3b\0\1"
+    write("runs-moved.bmp", bmp(8, indices, compression=1, palette=palette, data=mixed))
+    write("cut-runs.bmp", read("runs-8.bmp")[:-400])
+
+
+def pict(operations, width=160, height=120):
+    frame = struct.pack(">hhhh", 0, 0, height, width)
+    head = b"\0" * 514 + frame + b"\0\x11\x02\xff\x0c\0" + b"\0" * 24
+    return head + operations + b"\0\xff"
+
+
+def picts():
+    def pixels(row_bytes, bits, components, pack_type):
+        return struct.pack(">Hhhhh", 0x8000 | row_bytes, 0, 0, 120, 160) + \
+            struct.pack(">HHIIIHHHHIII", 0, pack_type, 0, 72 << 16, 72 << 16, 16, bits, components, 8, 0, 0, 0)
+
+    places = struct.pack(">hhhhhhhhH", 0, 0, 120, 160, 0, 0, 120, 160, 0)
+    clip = b"\0\1\0\x0a" + struct.pack(">hhhh", 0, 0, 120, 160)
+    table = struct.pack(">IHH", 0, 0, 3) + b"".join(
+        struct.pack(">HHHH", index, *(0xFFFF * level for level in colour))
+        for index, colour in enumerate(((1, 0, 0), (0, 1, 0), (0, 0, 1), (1, 1, 1))))
+
+    def rows(left, right):
+        line = bytes([257 - 80]) + left + bytes([257 - 80]) + right
+        return (bytes([len(line)]) + line) * 60
+
+    indexed = rows(b"\0", b"\1") + rows(b"\2", b"\3")
+    write("indexed.pict", pict(clip + b"\0\x98" + pixels(160, 8, 1, 0) + table + places + indexed))
+
+    def planes(left, right):
+        line = b"".join(bytes([257 - 80, a, 257 - 80, b]) for a, b in zip(left, right))
+        return struct.pack(">H", len(line)) + line
+
+    direct = planes(b"\xff\0\0", b"\0\xff\0") * 60 + planes(b"\0\0\xff", b"\xff\xff\xff") * 60
+    write("direct.pict", pict(clip + b"\0\x9a\0\0\0\xff" + pixels(640, 32, 3, 4) + places + direct))
+    jpeg = read("baseline.jpg")
+    description = struct.pack(">I4s", 86, b"jpeg") + b"\0" * 24 + struct.pack(">HHIIIH", 160, 120, 0, 0, len(jpeg), 1)
+    quicktime = b"\0" * 68 + description.ljust(86, b"\0") + jpeg
+    write("quicktime.pict", pict(clip + b"\x82\0" + struct.pack(">I", len(quicktime)) + quicktime))
+    write("lines.pict", pict(clip + b"\0\x30" + struct.pack(">hhhh", 0, 0, 50, 50)))
+
+
+def entropy_start(jpeg):
+    scan = jpeg.index(b"\xff\xda")
+    return scan + 2 + struct.unpack_from(">H", jpeg, scan + 2)[0]
+
+
+def cut_pictures():
+    """Photos of which some part is missing at the end: a tenth, more than half, and all but a tenth of the rows."""
+    for name in ("photo.jpg", "photo-progressive.jpg"):
+        jpeg = read(name)
+        start = entropy_start(jpeg)
+        for part in (10, 45, 90):
+            write("cut-%d-%s" % (part, name), jpeg[:start + (len(jpeg) - start) * part // 100])
 
 
 def png_chunk(kind, content):
@@ -243,14 +382,17 @@ def picture_bombs():
     canvas = b"\2\0\0\0" + small_endian_24(159) + small_endian_24(119)
     write("bomb-frames.webp", riff((b"VP8X", canvas), (b"ANIM", bytes(6)), *[(b"ANMF", one)] * 10_000))
 
+    write("bomb-runs.bmp", bmp(8, [b"\0" * side] * 8000, compression=1, data=b"\xff\0" * 1000 + b"\0\2\0\0" * 100))
+    write("bomb-operations.pict", pict(b"\0\x1c" * 1_000_000))
+
     configuration, data = coded_picture(read("plain.heic"))
     head = box(b"ftyp", b"heic\0\0\0\0mif1heic")
     write("bomb-size.heic", heif([(b"hvc1", data, [configuration, size_box(side, side)])]))
     tile = (b"hvc1", data, [configuration, size_box(640, 480)])
     grid = struct.pack(">BBBBII", 0, 1, 255, 255, side, side)
-    write("bomb-grid.heic", heif([(b"grid", grid, [size_box(side, side)]), tile], (2,) * 65535))
+    write("bomb-grid.heic", heif([(b"grid", grid, [size_box(side, side)]), tile], (b"dimg", 1, (2,) * 65535)))
     ring = struct.pack(">BBBBHH", 0, 0, 0, 0, 640, 480)
-    write("bomb-ring.heic", heif([(b"grid", ring, [size_box(640, 480)])], (1,)))
+    write("bomb-ring.heic", heif([(b"grid", ring, [size_box(640, 480)])], (b"dimg", 1, (1,))))
     write("bomb-boxes.heic", head + full_box(b"meta", nested(b"iprp", 20_000)))
     many = heif([(b"hvc1", data, [configuration, size_box(640, 480)])] + [(b"hvc1", b"", [])] * 10_000)
     write("bomb-items.heic", many)
@@ -278,6 +420,10 @@ def pictures():
     write("turned.dng", dng(jpeg, 6))
     write("trailing.jpg", jpeg + b"trailing bytes of a camera")
     turned_pictures()
+    described_pictures()
+    bitmaps()
+    picts()
+    cut_pictures()
     picture_bombs()
 
 

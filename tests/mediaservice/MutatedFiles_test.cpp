@@ -1,6 +1,8 @@
 #include "media/MediaSamples.h"
 #include "platform/foundation/FileDescriptor.h"
 #include "platform/media/AVAssetImageGenerator.h"
+#include "platform/media/AVError.h"
+#include "platform/media/MediaServiceClient.h"
 #include "platform/media/UIImage.h"
 
 #include <algorithm>
@@ -82,6 +84,18 @@ long privateMemory() {
     return (resident - shared) * ::sysconf(_SC_PAGESIZE);
 }
 
+bool endedItsHelper(const ErrorRef& error) {
+    const auto* known = dynamic_cast<const NSError*>(error.get());
+    return known && known->domain() == AVFoundationErrorDomain &&
+           known->code() == AVErrorMediaServicesWereReset;
+}
+
+/// Whether the file's kind is read by this project's own code, which must not end the helper whatever it
+/// reads. (A library's crash costs the thumbnail.)
+bool isReadByOwnCode(const std::string& name) {
+    return name.ends_with(".bmp") || name.ends_with(".dng") || name.ends_with(".pict");
+}
+
 class MutatedFiles : public testing::TestWithParam<const char*> {};
 
 TEST_P(MutatedFiles, CostNothingButTheirThumbnail) {
@@ -99,8 +113,10 @@ TEST_P(MutatedFiles, CostNothingButTheirThumbnail) {
     for (int i = 0; i < mutations(); ++i) {
         const MemoryFile file(mutated(original, random));
         if (!isVideo) {
-            const auto image = UIImage::contentsOfFile(file.path(), 64);
-            ASSERT_TRUE(!image || (image->width() <= 64 && image->height() <= 64));
+            MediaRequest request;
+            request.maximumSide = 64;
+            const auto answer = MediaServiceClient::shared().perform(file.path(), request);
+            EXPECT_FALSE(isReadByOwnCode(name) && endedItsHelper(answer.error())) << i;
             continue;
         }
         AVAssetImageGenerator generator(AVAsset::assetWithURL(URL::fileURL(file.path())));
@@ -117,10 +133,12 @@ TEST_P(MutatedFiles, CostNothingButTheirThumbnail) {
 INSTANTIATE_TEST_SUITE_P(OfEachKind, MutatedFiles,
                          testing::Values("baseline.jpg", "progressive.jpg", "cmyk.jpg", "profile.jpg",
                                          "quarters.png", "interlaced.png", "palette.png", "animated.gif",
-                                         "plain.bmp", "palette.bmp", "lossy.webp", "alpha.webp",
-                                         "animated.webp", "plain.heic", "thumbnail.heic", "preview.dng",
-                                         "second.mp4", "fragmented.mp4", "hevc.mov", "vp9.webm", "mpeg1.mpeg",
-                                         "mpeg2.mpeg"));
+                                         "plain.bmp", "palette.bmp", "os2.bmp", "alpha-bits.bmp",
+                                         "runs-8.bmp", "runs-4.bmp", "runs-24.bmp", "indexed.pict",
+                                         "direct.pict", "quicktime.pict", "gain-map.heic", "lossy.webp",
+                                         "alpha.webp", "animated.webp", "plain.heic", "thumbnail.heic",
+                                         "preview.dng", "second.mp4", "fragmented.mp4", "hevc.mov",
+                                         "vp9.webm", "mpeg1.mpeg", "mpeg2.mpeg"));
 
 } // namespace
 } // namespace sela

@@ -16,10 +16,22 @@ Orientation orientationOf(const std::string& block) {
 const std::string little = "II*\0\x08\0\0\0\x01\0\x12\x01\x03\0\x01\0\0\0\x06\0\0\0\0\0\0\0"s;
 const std::string big = "MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0\x06\0\0\0\0\0\0"s;
 
-TEST(EXIF, TellsTheOrientationInEitherByteOrder) {
-    EXPECT_EQ(orientationOf(little), Orientation::right);
-    EXPECT_EQ(orientationOf(big), Orientation::right);
+TEST(EXIF, TellsTheOrientationInEitherByteOrderAndAnyWholeNumber) {
     EXPECT_EQ(orientationOf("Exif\0\0"s + little), Orientation::right);
+    struct Case {
+        char type;
+        const char* bigValue;
+    };
+    for (const Case& each : {Case{1, "\x06\0\0\0"}, Case{3, "\0\x06\0\0"}, Case{4, "\0\0\0\x06"},
+                             Case{6, "\x06\0\0\0"}, Case{8, "\0\x06\0\0"}, Case{9, "\0\0\0\x06"}}) {
+        std::string block = little;
+        block[12] = each.type;
+        EXPECT_EQ(orientationOf(block), Orientation::right) << int{each.type};
+        block = big;
+        block[13] = each.type;
+        EXPECT_EQ(orientationOf(block.replace(18, 4, each.bigValue, 4)), Orientation::right)
+            << int{each.type};
+    }
 }
 
 TEST(EXIF, BrokenBlocksCountAsUpright) {

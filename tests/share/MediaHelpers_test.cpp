@@ -92,7 +92,7 @@ TEST(Thumbnail, IsChosenByTypeThenNameThenContentAndAbsentForWhatIsNoPicture) {
              Case{"plain.heic", "photo.jpg", "public.jpeg", ""},
              Case{"text.jpg", "text.jpg", "public.jpeg", nullptr},
              Case{"second.mp4", "second.mp4", "public.data", nullptr},
-             Case{"cut-baseline.jpg", "cut.jpg", "public.jpeg", nullptr},
+             Case{"cut-10-photo.jpg", "cut.jpg", "public.jpeg", nullptr},
          }) {
         const TemporaryHome home;
         const fs::path file = home.write(each.name, contentOf(sample(each.content)));

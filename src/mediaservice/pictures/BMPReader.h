@@ -7,8 +7,8 @@
 
 namespace sela {
 
-/// Reads a BMP picture (1 to 32 bits a pixel, not run-length coded) scaled to fit `maximumSide` pixels.
-/// Absent when it is broken, cut, or of another kind.
+/// Reads a BMP picture of Windows or OS/2 (1 to 32 bits a pixel, plain, run-length coded or a JPEG inside)
+/// scaled to fit `maximumSide` pixels. Absent when it is broken, cut, or of another kind.
 std::optional<DecodedPicture> readBMP(const InputFile& file, int maximumSide);
 
 } // namespace sela

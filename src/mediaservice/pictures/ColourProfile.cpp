@@ -1,6 +1,7 @@
 #include "mediaservice/pictures/ColourProfile.h"
 
 #include "mediaservice/pictures/Premultiplication.h"
+#include "mediaservice/pictures/PressInks.h"
 
 #include <memory>
 
@@ -37,17 +38,6 @@ Transform transformToSRGB(const DecodedPicture& picture) {
             &cmsDeleteTransform};
 }
 
-void invertInks(PixelBuffer& pixels) {
-    for (std::size_t i = 0; i < pixels.bytes.size(); i += 4) {
-        const int light = 255 - pixels.bytes[i + 3];
-        for (std::size_t channel = 0; channel < 3; ++channel) {
-            const int value = (255 - pixels.bytes[i + channel]) * light;
-            pixels.bytes[i + channel] = static_cast<std::uint8_t>((value + 127) / 255);
-        }
-        pixels.bytes[i + 3] = 255;
-    }
-}
-
 } // namespace
 
 PixelBuffer convertedToSRGB(DecodedPicture picture) {
@@ -57,7 +47,7 @@ PixelBuffer convertedToSRGB(DecodedPicture picture) {
         picture.profile.empty() ? Transform(nullptr, &cmsDeleteTransform) : transformToSRGB(picture);
     if (!transform) {
         if (inks)
-            invertInks(pixels);
+            convertPressInks(pixels);
         return std::move(pixels);
     }
     if (!inks)

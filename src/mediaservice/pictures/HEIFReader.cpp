@@ -1,12 +1,15 @@
 #include "mediaservice/pictures/HEIFReader.h"
 
 #include "mediaservice/pictures/AreaScaler.h"
+#include "mediaservice/pictures/HEIFReferences.h"
 #include "mediaservice/pictures/Premultiplication.h"
 #include "mediaservice/pictures/YCbCrConversion.h"
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <memory>
+#include <ranges>
 #include <vector>
 
 #include <libheif/heif.h>
@@ -15,8 +18,11 @@ namespace sela {
 
 namespace {
 
-// The side of the square that bounds a picture's area: 144 megapixels.
-constexpr int areaLimitSide = 12000;
+// The most pixels that are decoded: with more, a picture does not fit into the memory that a helper gets. The
+// library's own limit is the side of a square; it refuses the whole file for a picture beyond it, thumbnails
+// and all, so it is that of what is looked at.
+constexpr std::int64_t mostDecodedPixels = std::int64_t{144} * 1000 * 1000;
+constexpr int libraryLimitSide = 22627;
 constexpr int decodingThreads = 2;
 constexpr int mostThumbnails = 16;
 
@@ -34,31 +40,50 @@ using Image = std::unique_ptr<heif_image, Release<&heif_image_release>>;
 using Options = std::unique_ptr<heif_decoding_options, Release<&heif_decoding_options_free>>;
 using ColourCoding = std::unique_ptr<heif_color_profile_nclx, Release<&heif_nclx_color_profile_free>>;
 
-struct Input {
-    const InputFile& file;
-    std::int64_t offset;
+/// The file as the library sees it. What describes the picture (EXIF and the like) is not needed, and the
+/// library refuses files of phones whose description belongs to the picture and its gain map together, so it
+/// sees references of an unknown type there.
+class Input {
+public:
+    explicit Input(const InputFile& file) : file_(file), hidden_(descriptionReferences(file)) {}
 
-    static Input& of(void* userData) { return *static_cast<Input*>(userData); }
-};
+    static heif_reader reader() {
+        heif_reader made{};
+        made.reader_api_version = 1;
+        made.get_position = [](void* input) { return of(input).offset_; };
+        made.read = [](void* buffer, std::size_t size, void* input) {
+            return of(input).read({static_cast<std::byte*>(buffer), size}) ? 0 : 1;
+        };
+        made.seek = [](std::int64_t offset, void* input) {
+            of(input).offset_ = offset;
+            return 0;
+        };
+        made.wait_for_file_size = [](std::int64_t size, void* input) {
+            return size <= of(input).file_.size() ? heif_reader_grow_status_size_reached
+                                                  : heif_reader_grow_status_size_beyond_eof;
+        };
+        return made;
+    }
 
-constexpr heif_reader reader{
-    1,
-    [](void* userData) { return Input::of(userData).offset; },
-    [](void* buffer, std::size_t size, void* userData) {
-        Input& input = Input::of(userData);
-        const std::span bytes(static_cast<std::byte*>(buffer), size);
-        const bool whole = input.file.readAt(input.offset, bytes) == size;
-        input.offset += static_cast<std::int64_t>(size);
-        return whole ? 0 : 1;
-    },
-    [](std::int64_t offset, void* userData) {
-        Input::of(userData).offset = offset;
-        return 0;
-    },
-    [](std::int64_t size, void* userData) {
-        return size <= Input::of(userData).file.size() ? heif_reader_grow_status_size_reached
-                                                       : heif_reader_grow_status_size_beyond_eof;
-    },
+private:
+    static Input& of(void* input) { return *static_cast<Input*>(input); }
+
+    bool read(std::span<std::byte> bytes) {
+        const bool whole = file_.readAt(offset_, bytes) == bytes.size();
+        constexpr std::string_view unknownType = "skip";
+        for (const std::int64_t place : hidden_)
+            for (std::size_t i = 0; i < unknownType.size(); ++i) {
+                const std::int64_t index = place + static_cast<std::int64_t>(i) - offset_;
+                if (index >= 0 && index < static_cast<std::int64_t>(bytes.size()))
+                    bytes[static_cast<std::size_t>(index)] = static_cast<std::byte>(unknownType[i]);
+            }
+        offset_ += static_cast<std::int64_t>(bytes.size());
+        return whole;
+    }
+
+    const InputFile& file_;
+    const std::vector<std::int64_t> hidden_;
+    std::int64_t offset_ = 0;
 };
 
 PictureSize sizeOf(const Handle& handle) {
@@ -69,23 +94,32 @@ int longerSide(const Handle& handle) {
     return std::max(sizeOf(handle).width, sizeOf(handle).height);
 }
 
-/// The smallest thumbnail of the picture that is large enough; null when there is none.
-Handle sufficientThumbnail(const Handle& main, int maximumSide) {
-    const int wanted = std::min(maximumSide, longerSide(main));
+/// Whether a thumbnail has the picture's shape, as far as whole pixels allow, and is not the larger one.
+bool isTrueTo(PictureSize picture, PictureSize thumbnail) {
+    const std::int64_t widened = std::int64_t{thumbnail.width} * picture.height;
+    const std::int64_t heightened = std::int64_t{thumbnail.height} * picture.width;
+    return thumbnail.width >= 1 && thumbnail.height >= 1 && thumbnail.width <= picture.width &&
+           thumbnail.height <= picture.height &&
+           std::abs(widened - heightened) <= std::max(picture.width, picture.height);
+}
+
+/// The thumbnails that are true to the picture, the smallest first.
+std::vector<Handle> thumbnailsOf(const Handle& main) {
     std::array<heif_item_id, mostThumbnails> identifiers{};
     const int count =
         heif_image_handle_get_list_of_thumbnail_IDs(main.get(), identifiers.data(), mostThumbnails);
-    Handle best;
+    std::vector<Handle> thumbnails;
     for (int i = 0; i < count; ++i) {
         heif_image_handle* opened = nullptr;
         if (heif_image_handle_get_thumbnail(main.get(), identifiers[static_cast<std::size_t>(i)], &opened)
                 .code != heif_error_Ok)
             continue;
         Handle thumbnail(opened);
-        if (longerSide(thumbnail) >= wanted && (!best || longerSide(thumbnail) < longerSide(best)))
-            best = std::move(thumbnail);
+        if (isTrueTo(sizeOf(main), sizeOf(thumbnail)))
+            thumbnails.push_back(std::move(thumbnail));
     }
-    return best;
+    std::ranges::sort(thumbnails, {}, longerSide);
+    return thumbnails;
 }
 
 Image decode(const Handle& handle, heif_colorspace space, heif_chroma chroma) {
@@ -144,9 +178,15 @@ private:
     const std::uint8_t* samples_;
 };
 
+/// The pixels of an image, scaled, and the size from which they were.
+struct ScaledImage {
+    PictureSize size;
+    PixelBuffer pixels;
+};
+
 /// Scales the planes as they are and brings the few pixels that are left to RGB: half the memory and less
 /// time than a picture of RGB in full size.
-std::optional<PixelBuffer> readPlanes(const Handle& handle, int maximumSide) {
+std::optional<ScaledImage> readPlanes(const Handle& handle, int maximumSide) {
     // Asked for as nearly every encoder stores it, so that the library has nothing to convert.
     const Image image = decode(handle, heif_colorspace_YCbCr, heif_chroma_420);
     if (!image)
@@ -175,11 +215,11 @@ std::optional<PixelBuffer> readPlanes(const Handle& handle, int maximumSide) {
     const ColourCoding coding = colourCoding(handle, image.get());
     convertYCbCr(pixels.bytes, coding ? static_cast<int>(coding->matrix_coefficients) : 6,
                  !coding || coding->full_range_flag);
-    return pixels;
+    return ScaledImage{size, std::move(pixels)};
 }
 
 /// Lets the library make RGB of rare kinds of pictures.
-std::optional<PixelBuffer> readInterleaved(const Handle& handle, int maximumSide) {
+std::optional<ScaledImage> readInterleaved(const Handle& handle, int maximumSide) {
     const Image image = decode(handle, heif_colorspace_RGB, heif_chroma_interleaved_RGBA);
     int stride = 0;
     const std::uint8_t* rows =
@@ -197,7 +237,7 @@ std::optional<PixelBuffer> readInterleaved(const Handle& handle, int maximumSide
             premultiply(row);
         scaler.addRow(row.data());
     }
-    return scaler.take();
+    return ScaledImage{size, scaler.take()};
 }
 
 Data profileOf(const Handle& handle) {
@@ -210,12 +250,49 @@ Data profileOf(const Handle& handle) {
     return profile;
 }
 
+/// Absent when it cannot be decoded, or is beyond what is decoded.
+std::optional<ScaledImage> readImage(const Handle& handle, int maximumSide) {
+    const PictureSize size = sizeOf(handle);
+    if (std::int64_t{size.width} * size.height > mostDecodedPixels)
+        return std::nullopt;
+    constexpr auto identityMatrix = heif_matrix_coefficients_RGB_GBR;
+    const ColourCoding coding = colourCoding(handle, nullptr);
+    const bool rare = heif_image_handle_has_alpha_channel(handle.get()) ||
+                      (coding && coding->matrix_coefficients == identityMatrix);
+    auto image = rare ? std::nullopt : readPlanes(handle, maximumSide);
+    return image ? std::move(image) : readInterleaved(handle, maximumSide);
+}
+
+std::optional<DecodedPicture> readMain(const Handle& main, int maximumSide) {
+    auto image = readImage(main, maximumSide);
+    if (!image)
+        return std::nullopt;
+    DecodedPicture picture;
+    picture.pixels = std::move(image->pixels);
+    picture.profile = profileOf(main);
+    return picture;
+}
+
+/// Absent also when the thumbnail has not the size that the file says.
+std::optional<DecodedPicture> readThumbnail(const Handle& thumbnail, const Handle& main, int maximumSide) {
+    auto image = readImage(thumbnail, maximumSide);
+    if (!image || image->size != sizeOf(thumbnail))
+        return std::nullopt;
+    DecodedPicture picture;
+    picture.pixels = std::move(image->pixels);
+    picture.profile = profileOf(thumbnail);
+    if (picture.profile.empty())
+        picture.profile = profileOf(main);
+    return picture;
+}
+
 } // namespace
 
 std::optional<DecodedPicture> readHEIF(const InputFile& file, int maximumSide) {
-    Input input{file, 0};
+    Input input(file);
+    const heif_reader reader = Input::reader();
     const Context context(heif_context_alloc());
-    heif_context_set_maximum_image_size_limit(context.get(), areaLimitSide);
+    heif_context_set_maximum_image_size_limit(context.get(), libraryLimitSide);
     heif_context_set_max_decoding_threads(context.get(), decodingThreads);
     if (heif_context_read_from_reader(context.get(), &reader, &input, nullptr).code != heif_error_Ok)
         return std::nullopt;
@@ -226,23 +303,19 @@ std::optional<DecodedPicture> readHEIF(const InputFile& file, int maximumSide) {
     if (!isDecodableSize(sizeOf(main)))
         return std::nullopt;
 
-    const Handle thumbnail = sufficientThumbnail(main, maximumSide);
-    const Handle& chosen = thumbnail ? thumbnail : main;
-    constexpr auto identityMatrix = heif_matrix_coefficients_RGB_GBR;
-    const ColourCoding coding = colourCoding(chosen, nullptr);
-    const bool rare = heif_image_handle_has_alpha_channel(chosen.get()) ||
-                      (coding && coding->matrix_coefficients == identityMatrix);
-    auto pixels = rare ? std::nullopt : readPlanes(chosen, maximumSide);
-    if (!pixels)
-        pixels = readInterleaved(chosen, maximumSide);
-    if (!pixels)
-        return std::nullopt;
-    DecodedPicture picture;
-    picture.pixels = std::move(*pixels);
-    picture.profile = profileOf(chosen);
-    if (picture.profile.empty())
-        picture.profile = profileOf(main);
-    return picture;
+    const std::vector<Handle> thumbnails = thumbnailsOf(main);
+    const int wanted = std::min(maximumSide, longerSide(main));
+    for (const Handle& thumbnail : thumbnails)
+        if (longerSide(thumbnail) >= wanted)
+            if (auto picture = readThumbnail(thumbnail, main, maximumSide))
+                return picture;
+    if (auto picture = readMain(main, maximumSide))
+        return picture;
+    // Better a blurred picture than none.
+    for (const Handle& thumbnail : std::views::reverse(thumbnails))
+        if (auto picture = readThumbnail(thumbnail, main, maximumSide))
+            return picture;
+    return std::nullopt;
 }
 
 } // namespace sela

@@ -18,6 +18,9 @@ namespace sela {
 
 namespace {
 
+// Of a file that is cut off, at least this part of the rows must be there: one in so many.
+constexpr int leastReadable = 4;
+
 /// libjpeg on an input file. Its errors come back by longjmp, so the functions that call it keep nothing on
 /// the stack that needs a destructor.
 class Decompressor {
@@ -32,7 +35,8 @@ public:
     /// Chooses how to decode for a result of `target` and returns the size of the rows to come.
     PictureSize chooseScale(PictureSize target);
 
-    bool readRows(AreaScaler& scaler);
+    /// Hands the rows to `scaler`, down to where the data ends. Returns how many there were.
+    int readRows(AreaScaler& scaler);
 
     PictureSize size() const {
         return {static_cast<int>(decompressor_.image_width), static_cast<int>(decompressor_.image_height)};
@@ -51,16 +55,18 @@ private:
     }
     [[noreturn]] static void fail(j_common_ptr common);
     static void noteMessage(j_common_ptr common, int level);
-    bool startRows();
-    bool hasAllAverages() const;
-    bool hasEnd() const;
+    void startRows();
+    void readScans();
+    int roughestAverage() const;
     static boolean fillBuffer(j_decompress_ptr decompressor);
     static void skipBytes(j_decompress_ptr decompressor, long count);
 
     const InputFile& file_;
     std::int64_t offset_;
     const std::int64_t end_;
-    bool reachedEnd_ = false;
+    bool dataIsMissing_ = false;
+    int readableRows_ = 0; ///< of those to come, what the scans that were read hold
+    int rowsRead_ = 0;
     std::array<std::byte, 64 << 10> buffer_;
     std::vector<std::uint8_t> row_;
     jpeg_decompress_struct decompressor_{};
@@ -85,7 +91,7 @@ void Decompressor::noteMessage(j_common_ptr common, int level) {
     // The one warning that says that rows are made up because their data is missing. Others are about
     // unusual files that cameras do write.
     if (level < 0 && common->err->msg_code == JWRN_HIT_MARKER)
-        fail(common);
+        self(common).dataIsMissing_ = true;
 }
 
 boolean Decompressor::fillBuffer(j_decompress_ptr decompressor) {
@@ -95,7 +101,6 @@ boolean Decompressor::fillBuffer(j_decompress_ptr decompressor) {
         self.file_.readAt(self.offset_, std::span(self.buffer_).first(static_cast<std::size_t>(wanted)));
     self.offset_ += static_cast<std::int64_t>(count);
     if (count == 0) {
-        self.reachedEnd_ = true;
         self.buffer_[0] = std::byte{0xFF};
         self.buffer_[1] = std::byte{JPEG_EOI};
         count = 2;
@@ -136,77 +141,81 @@ PictureSize Decompressor::chooseScale(PictureSize target) {
     const bool inks = colours() == DecodedPicture::Colours::cmyk;
     decompressor_.out_color_space = inks ? JCS_CMYK : JCS_EXT_RGBA;
     decompressor_.scale_denom = 8;
-    for (decompressor_.scale_num = 1; decompressor_.scale_num < 8; ++decompressor_.scale_num) {
-        jpeg_calc_output_dimensions(&decompressor_);
-        if (decompressor_.output_width >= static_cast<JDIMENSION>(target.width) &&
-            decompressor_.output_height >= static_cast<JDIMENSION>(target.height))
+    // The library rounds up, and fills the last row and column from beyond the picture's edge: they do not
+    // count.
+    const auto scaled = [this](int side) { return side * static_cast<int>(decompressor_.scale_num) / 8; };
+    for (decompressor_.scale_num = 1; decompressor_.scale_num < 8; ++decompressor_.scale_num)
+        if (scaled(size().width) >= target.width && scaled(size().height) >= target.height)
             break;
-    }
     jpeg_calc_output_dimensions(&decompressor_);
     // Interpolating colours between pixels is lost work when the pixels are averaged afterwards.
-    const bool scaled = size() != target;
-    decompressor_.do_fancy_upsampling = scaled ? FALSE : TRUE;
-    // At an eighth each block of 8 x 8 is one pixel, its average. A progressive file has the averages in its
-    // first scans, so the others (most of the file) need not be decoded.
-    decompressor_.buffered_image = decompressor_.scale_num == 1 && decompressor_.progressive_mode;
+    decompressor_.do_fancy_upsampling = size() == target ? TRUE : FALSE;
+    decompressor_.buffered_image = decompressor_.progressive_mode;
     decompressor_.do_block_smoothing = FALSE;
-    return {static_cast<int>(decompressor_.output_width), static_cast<int>(decompressor_.output_height)};
+    return {scaled(size().width), scaled(size().height)};
 }
 
-/// Reads as many scans as the rows need. Refuses a file that ends before its end marker.
-bool Decompressor::startRows() {
+void Decompressor::startRows() {
     jpeg_start_decompress(&decompressor_);
-    if (!decompressor_.buffered_image)
-        return !jpeg_has_multiple_scans(&decompressor_) || !reachedEnd_;
-    for (int state = JPEG_SUSPENDED; state != JPEG_SCAN_COMPLETED || !hasAllAverages();) {
+    readableRows_ = static_cast<int>(decompressor_.output_height);
+    if (decompressor_.buffered_image)
+        readScans();
+    else if (jpeg_has_multiple_scans(&decompressor_) && dataIsMissing_)
+        readableRows_ = 0; // each scan holds one colour, so some are missing everywhere
+}
+
+/// Reads as many scans of a progressive file as the rows need, or as there are.
+void Decompressor::readScans() {
+    constexpr int missing = -1;
+    // At an eighth each block of 8 x 8 is one pixel, its average. The averages are in the first scans, so the
+    // others (most of the file) need not be decoded.
+    const bool averagesSuffice = decompressor_.scale_num == 1;
+    int roughest = missing; // of the scans that were read whole
+    for (int state = JPEG_SUSPENDED; state != JPEG_REACHED_EOI;) {
         state = jpeg_consume_input(&decompressor_);
-        if (state == JPEG_REACHED_EOI)
+        if (dataIsMissing_) {
+            const auto wholeRows = static_cast<int>(decompressor_.input_iMCU_row) - 1;
+            const int scale = static_cast<int>(decompressor_.scale_num);
+            if (roughest == missing)
+                readableRows_ =
+                    roughestAverage() == missing ? 0 : wholeRows * decompressor_.max_v_samp_factor * scale;
+            break;
+        }
+        if (state == JPEG_SCAN_COMPLETED)
+            roughest = roughestAverage();
+        if (averagesSuffice && roughest == 0)
             break;
     }
-    return !reachedEnd_ && (jpeg_input_complete(&decompressor_) || hasEnd()) &&
-           jpeg_start_output(&decompressor_, decompressor_.input_scan_number);
+    jpeg_start_output(&decompressor_, decompressor_.input_scan_number);
 }
 
-bool Decompressor::hasAllAverages() const {
-    for (int component = 0; component < decompressor_.num_components; ++component)
-        if (decompressor_.coef_bits[component][0] != 0)
-            return false;
-    return true;
-}
-
-/// Whether an end marker follows. No compressed data and no table of a scan contains the marker's two bytes.
-bool Decompressor::hasEnd() const {
-    std::int64_t offset = offset_ - static_cast<std::int64_t>(source_.bytes_in_buffer);
-    std::vector<std::byte> block(1 << 20);
-    bool marker = false;
-    while (offset < end_) {
-        const auto wanted = static_cast<std::size_t>(std::min<std::int64_t>(end_ - offset, block.size()));
-        const std::size_t count = file_.readAt(offset, std::span(block).first(wanted));
-        for (const std::byte byte : std::span(block).first(count)) {
-            if (marker && byte == std::byte{JPEG_EOI})
-                return true;
-            marker = byte == std::byte{0xFF};
-        }
-        if (count == 0)
-            return false;
-        offset += static_cast<std::int64_t>(count);
+/// How many bits the averages of the blocks lack in the component where they lack most; -1 when one has none.
+int Decompressor::roughestAverage() const {
+    int most = 0;
+    for (int component = 0; component < decompressor_.num_components; ++component) {
+        const int lacking = decompressor_.coef_bits[component][0];
+        if (lacking < 0)
+            return lacking;
+        most = std::max(most, lacking);
     }
-    return false;
+    return most;
 }
 
-bool Decompressor::readRows(AreaScaler& scaler) {
+int Decompressor::readRows(AreaScaler& scaler) {
     row_.resize(std::size_t{4} * decompressor_.output_width);
     JSAMPROW row = row_.data();
     if (setjmp(failure_) != 0)
-        return false;
-    if (!startRows())
-        return false;
-    while (decompressor_.output_scanline < decompressor_.output_height) {
+        return rowsRead_;
+    startRows();
+    while (rowsRead_ < readableRows_) {
         if (jpeg_read_scanlines(&decompressor_, &row, 1) != 1)
-            return false;
+            break;
+        if (dataIsMissing_ && !decompressor_.buffered_image)
+            break;
         scaler.addRow(row);
+        ++rowsRead_;
     }
-    return true;
+    return rowsRead_;
 }
 
 DecodedPicture::Colours Decompressor::colours() const {
@@ -258,10 +267,16 @@ std::optional<DecodedPicture> readJPEG(const InputFile& file, std::int64_t offse
     picture.profile = decompressor->profile();
     picture.orientation = decompressor->orientation();
     AreaScaler scaler(decoded, target);
-    if (!decompressor->readRows(scaler))
+    const int rows = decompressor->readRows(scaler);
+    if (rows * leastReadable < decoded.height)
         return std::nullopt;
+    const bool inverted = decompressor->inksAreInverted() && picture.colours == DecodedPicture::Colours::cmyk;
+    const std::vector<std::uint8_t> nothing(std::size_t{4} * static_cast<std::size_t>(decoded.width),
+                                            inverted ? 255 : 0);
+    while (!scaler.isComplete())
+        scaler.addRow(nothing.data());
     picture.pixels = scaler.take();
-    if (decompressor->inksAreInverted() && picture.colours == DecodedPicture::Colours::cmyk)
+    if (inverted)
         for (std::uint8_t& ink : picture.pixels.bytes)
             ink = static_cast<std::uint8_t>(255 - ink);
     return picture;

@@ -6,6 +6,7 @@
 #include "mediaservice/pictures/GIFReader.h"
 #include "mediaservice/pictures/HEIFReader.h"
 #include "mediaservice/pictures/JPEGReader.h"
+#include "mediaservice/pictures/PICTReader.h"
 #include "mediaservice/pictures/PNGReader.h"
 #include "mediaservice/pictures/PictureKind.h"
 #include "mediaservice/pictures/WebPReader.h"
@@ -28,6 +29,8 @@ std::optional<DecodedPicture> read(const InputFile& file, int maximumSide) {
         return readBMP(file, maximumSide);
     case PictureKind::webp:
         return readWebP(file, maximumSide);
+    case PictureKind::pict:
+        return readPICT(file, maximumSide);
     case PictureKind::heif:
         return readHEIF(file, maximumSide);
     case PictureKind::tiff:

@@ -1,5 +1,7 @@
 #include "mediaservice/pictures/PictureKind.h"
 
+#include "mediaservice/pictures/PICTFile.h"
+
 #include <array>
 
 namespace sela {
@@ -42,7 +44,7 @@ PictureKind pictureKind(const InputFile& file) {
         return PictureKind::heif;
     if (start.starts_with("BM"sv))
         return PictureKind::bmp;
-    return PictureKind::none;
+    return PICTFile::isOne(file) ? PictureKind::pict : PictureKind::none;
 }
 
 } // namespace sela

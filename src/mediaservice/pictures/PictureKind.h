@@ -5,7 +5,7 @@
 namespace sela {
 
 /// The kinds of picture files that are read.
-enum class PictureKind { none, jpeg, png, gif, bmp, webp, heif, tiff };
+enum class PictureKind { none, jpeg, png, gif, bmp, webp, heif, tiff, pict };
 
 /// The kind that the first bytes of a file tell.
 PictureKind pictureKind(const InputFile& file);

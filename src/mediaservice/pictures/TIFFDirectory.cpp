@@ -30,10 +30,13 @@ std::uint32_t readNumber(std::span<const std::byte> bytes, bool bigEndian) {
 std::size_t valueSize(std::uint32_t type) {
     switch (type) {
     case 1: // BYTE
+    case 6: // SBYTE
         return 1;
     case 3: // SHORT
+    case 8: // SSHORT
         return 2;
     case 4:  // LONG
+    case 9:  // SLONG
     case 13: // IFD
         return 4;
     default:

@@ -23,7 +23,7 @@ public:
     /// The directories that entry 330 of this one points to, at most eight.
     std::vector<TIFFDirectory> subdirectories() const;
 
-    /// The whole numbers under a tag; empty when there are none.
+    /// The whole numbers under a tag, those below zero as large ones; empty when there are none.
     std::span<const std::uint32_t> numbers(std::uint16_t tag) const;
 
     /// The first number under a tag.
