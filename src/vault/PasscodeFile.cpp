@@ -2,10 +2,18 @@
 
 #include "platform/foundation/FileManager.h"
 #include "platform/foundation/PosixStreams.h"
+#include "platform/foundation/SystemCall.h"
 #include "platform/foundation/UTF8.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <iterator>
+#include <poll.h>
+#include <sys/signalfd.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace sela {
@@ -14,7 +22,40 @@ namespace {
 
 constexpr std::int64_t largestFile = 4096;
 
+/// What would end or stop the program while a terminal does not echo.
+sigset_t interruptions() {
+    sigset_t signals;
+    ::sigemptyset(&signals);
+    for (const int each : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP})
+        ::sigaddset(&signals, each);
+    return signals;
+}
+
+/// Asks on the terminal that is standard input and waits until a line is typed there, unseen. The terminal is
+/// as it was before this returns, or before a signal that comes meanwhile takes effect.
+void awaitUnseenLine() {
+    termios settings{};
+    if (::tcgetattr(STDIN_FILENO, &settings) != 0)
+        return;
+    const sigset_t awaited = interruptions();
+    const FileDescriptor signals(::signalfd(-1, &awaited, SFD_CLOEXEC));
+    sigset_t before{};
+    ::pthread_sigmask(SIG_BLOCK, &awaited, &before);
+    termios unseen = settings;
+    unseen.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    unseen.c_lflag |= ECHONL;
+    ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &unseen);
+    std::fputs("Passcode: ", stderr);
+    pollfd sources[] = {{STDIN_FILENO, POLLIN, 0}, {signals.get(), POLLIN, 0}};
+    retryingInterrupted([&] { return ::poll(sources, std::size(sources), -1); });
+    ::tcsetattr(STDIN_FILENO, TCSADRAIN, &settings);
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
 Result<Data> readStandardInput() {
+    const bool typed = ::isatty(STDIN_FILENO) != 0;
+    if (typed)
+        awaitUnseenLine();
     PosixInputStream input(FileDescriptor(::dup(STDIN_FILENO)), 0);
     Data content;
     std::array<std::byte, largestFile> block;
@@ -25,6 +66,9 @@ Result<Data> readStandardInput() {
         if (count == 0)
             return content;
         content.insert(content.end(), block.begin(), block.begin() + count);
+        // The rest of a terminal's input is not waited for.
+        if (typed && std::ranges::find(content, std::byte{'\n'}) != content.end())
+            return content;
         if (static_cast<std::int64_t>(content.size()) > largestFile)
             return NSError::posix(EFBIG, "read");
     }

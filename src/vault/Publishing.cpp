@@ -3,9 +3,12 @@
 #include "platform/foundation/FileManager.h"
 #include "store/ShareExtensionError.h"
 #include "store/SharedAlbum.h"
+#include "store/SharedAlbumManager.h"
 #include "store/SharedFolder.h"
 #include "store/StoreConst.h"
+#include "vault/PublicationRules.h"
 
+#include <iterator>
 #include <set>
 #include <string_view>
 
@@ -17,16 +20,47 @@ namespace {
 constexpr std::int64_t largestCatalogue = 256 << 20;
 constexpr std::int64_t largestCover = 64 << 20;
 
+void append(std::vector<std::string>& lines, std::vector<std::string> more) {
+    lines.insert(lines.end(), std::move_iterator(more.begin()), std::move_iterator(more.end()));
+}
+
 ErrorRef notProvisioned() {
     return ShareExtensionError::make("the group is not provisioned; run \"sela-vault init\" first");
 }
 
-std::set<std::string> coverNames(const std::vector<SharedAlbum>& albums) {
+/// Checks what is published together with what stays, and adds to the warnings.
+ErrorRef checkPasscodes(const Publication& publication, std::vector<std::string>& warnings) {
+    if (!publication.passcode && !publication.decoyPasscode)
+        return nullptr;
+    const auto vault = publication.passcode ? publication.passcode : SharedAlbumManager::sharedPassword();
+    const auto decoy =
+        publication.decoyPasscode ? publication.decoyPasscode : SharedAlbumManager::sharedFakePassword();
+    if (ErrorRef problem = problemWithPasscodes(vault, decoy))
+        return problem;
+    if (vault)
+        append(warnings, warningsOfPasscodes(*vault, decoy));
+    return nullptr;
+}
+
+/// The names of covers that can be files' names; a warning for each other one.
+std::set<std::string> coverNames(const std::vector<SharedAlbum>& albums, std::vector<std::string>& warnings) {
     std::set<std::string> names;
-    for (const SharedAlbum& album : albums)
-        if (album.thumbNailName && isSinglePathComponent(*album.thumbNailName))
+    for (const SharedAlbum& album : albums) {
+        if (!album.thumbNailName)
+            continue;
+        if (isSinglePathComponent(*album.thumbNailName))
             names.insert(*album.thumbNailName);
+        else
+            warnings.push_back("cover " + *album.thumbNailName + ": no name of a file in the covers' folder");
+    }
     return names;
+}
+
+void warnOfMissingCovers(const std::set<std::string>& names, const URL& folder,
+                         std::vector<std::string>& warnings) {
+    for (const std::string& name : names)
+        if (!FileManager::defaultManager().fileExists(folder.appendingPathComponent(name).path()))
+            warnings.push_back("cover " + name + ": not published; give its folder with --covers");
 }
 
 ErrorRef copyCovers(const std::set<std::string>& names, const URL& from, const URL& to,
@@ -98,7 +132,12 @@ ErrorRef publish(const Publication& publication, std::vector<std::string>& warni
     const Result<std::vector<SharedAlbum>> albums = decodeJSONArray<SharedAlbum>(catalogue.value());
     if (!albums)
         return albums.error();
-    const std::set<std::string> covers = coverNames(albums.value());
+    if (ErrorRef problem = problemWithPasswords(albums.value()))
+        return problem;
+    if (ErrorRef problem = checkPasscodes(publication, warnings))
+        return problem;
+    append(warnings, warningsOfAlbums(albums.value()));
+    const std::set<std::string> covers = coverNames(albums.value(), warnings);
     const URL coversFolder = container->appendingPathComponent(albumThumbnailsFolderName);
     if (publication.coversFolder) {
         if (ErrorRef error = files.createDirectory(coversFolder.path()))
@@ -106,6 +145,8 @@ ErrorRef publish(const Publication& publication, std::vector<std::string>& warni
         const URL source = URL::fileURL(*publication.coversFolder);
         if (ErrorRef error = copyCovers(covers, source, coversFolder, warnings))
             return error;
+    } else {
+        warnOfMissingCovers(covers, coversFolder, warnings);
     }
     if (ErrorRef error = store(publication, catalogue.value()))
         return error;

@@ -88,6 +88,12 @@ class HomeTest(unittest.TestCase):
     def share(self, *arguments, **options):
         return self.run_program("sela-share", "--headless", *arguments, **options)
 
+    def put_setting(self, key, text, kind="data"):
+        """Stores what no program of the system would."""
+        with sqlite3.connect(self.settings) as connection:
+            connection.execute("INSERT OR REPLACE INTO settings VALUES (?, ?, ?)",
+                               (key, kind, text.encode() if kind == "data" else text))
+
     def add(self, *files, **options):
         """Shares files and taps Add."""
         return self.share(*files, "--tap", "addButton", **options)

@@ -40,10 +40,6 @@ class HostileTest(HomeTest):
         return {os.path.join(os.fsencode(path), name) for path, folders, files in os.walk(os.fsencode(folder))
                 for name in folders + files}
 
-    def put_setting(self, key, text):
-        with sqlite3.connect(self.settings) as connection:
-            connection.execute("INSERT OR REPLACE INTO settings VALUES (?, 'data', ?)", (key, text.encode()))
-
     def import_all(self, **options):
         """Imports, and looks that nothing was made outside of the import's folder."""
         def outside():

@@ -87,7 +87,7 @@ class Screens(HomeTest):
     def test_dots_for_passcodes_of_every_length(self):
         text = ""
         for passcode in ("", "1", "1234", "12345", "123456", "1234567"):
-            self.provision(passcode)
+            self.put_setting("sharedPassword", passcode, "text")
             [file] = self.walk("passcode", [], {}, 1, KEYPAD).values()
             text += f"'{passcode}'\n" + "".join(
                 line.strip() + "\n" for line in lines(Screen(file).root) if re.search("indicator|keypadView", line))

@@ -2,11 +2,13 @@
 manual and the completions."""
 
 import concurrent.futures
+import contextlib
 import fcntl
 import os
 import pty
 import re
 import shutil
+import signal
 import struct
 import subprocess
 import termios
@@ -67,6 +69,28 @@ class Terminal(HomeTest):
             drawn[-1], "sela-share: file 2 of 3 was not added: Unsupported file; those after it were not tried\r\n")
         failed = self.on_terminal(*files, "--tap", "noButton", expect=65)
         self.assertRegex(failed.split(WIPE)[-1], r"^sela-share: [^\r\n]*noButton[^\r\n]*\r\n$")
+
+
+class Passcode(HomeTest):
+    def test_is_not_shown_as_it_is_typed(self):
+        self.provision()
+        for typed, code in [(b"918273\n", 0), (b"9182\x03", -signal.SIGINT)]:
+            process, terminal = pty.fork()
+            if process == 0:
+                os.execve(BIN / "sela-vault", ["sela-vault", "publish", self.home / "catalogue.json", "--passcode-file",
+                                               "-"], self.environment)
+            output = b""
+            while not output.endswith(b"Passcode: "):
+                output += os.read(terminal, 100)
+            os.write(terminal, typed)
+            self.assertEqual(os.waitstatus_to_exitcode(os.waitpid(process, 0)[1]), code)
+            self.assertTrue(termios.tcgetattr(terminal)[3] & termios.ECHO)
+            with contextlib.suppress(OSError):  # the other side is closed
+                while block := os.read(terminal, 100):
+                    output += block
+            self.assertNotIn(b"9", output)
+            os.close(terminal)
+        self.share("--tap", "albumButton", "--type", "918273", "--tap", "row:0:0", self.write("a.jpg", b"x"), expect=3)
 
 
 def options_of_help(text):

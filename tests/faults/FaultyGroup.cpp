@@ -46,6 +46,11 @@ std::string catalogue(int number) {
            std::to_string(number) + ".jpg\"}]";
 }
 
+/// The passcode beside the catalogue of that number: the vault's, or the decoy's with another first digit.
+std::string passcodeOf(int number, char first) {
+    return first + std::to_string(100 + number);
+}
+
 std::string cover(int number) {
     return "cover " + std::to_string(number);
 }
@@ -158,7 +163,7 @@ bool FaultyGroup::publish(int number) const {
     const fs::path folder = top_ / "publish";
     std::vector<std::string> warnings;
     const Publication publication{(folder / (std::to_string(number) + ".json")).string(),
-                                  std::to_string(number), std::to_string(-number), folder.string()};
+                                  passcodeOf(number, '1'), passcodeOf(number, '2'), folder.string()};
     return !sela::publish(publication, warnings);
 }
 
@@ -220,7 +225,8 @@ std::string FaultyGroup::wrongPublication(int published) const {
     if (!albums || albums->empty())
         return published > 0 ? "the catalogue is gone" : "";
     const std::string& number = albums->front().namePath.front();
-    if (passcode != number || SharedAlbumManager::sharedFakePassword() != "-" + number)
+    if (passcode != passcodeOf(std::stoi(number), '1') ||
+        SharedAlbumManager::sharedFakePassword() != passcodeOf(std::stoi(number), '2'))
         return "the catalogue " + number + " stands beside another's passcode";
     if (published > 0 && number != std::to_string(published))
         return "another catalogue than the published one";

@@ -1,0 +1,135 @@
+#include "vault/PublicationRules.h"
+
+#include "store/ShareExtensionError.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+namespace sela {
+
+namespace {
+
+constexpr std::size_t mostWarnings = 20;
+
+bool canBeTyped(std::string_view code) {
+    return code.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+ErrorRef problemWithPasscode(const std::string& name, const std::string& passcode) {
+    if (passcode.empty())
+        return ShareExtensionError::make("the " + name + " is empty, so everybody could open the albums");
+    if (!canBeTyped(passcode))
+        return ShareExtensionError::make("the " + name +
+                                         " cannot be typed: the keypad has the digits 0 to 9 only");
+    return nullptr;
+}
+
+bool fillsItsDots(const std::string& passcode) {
+    return passcode.size() == 4 || passcode.size() == 6;
+}
+
+/// What the picker makes of an album; empty when it shows it.
+std::string fateOf(const SharedAlbum& album, const std::set<std::pair<bool, std::string>>& parents) {
+    if (album.namePath.empty())
+        return "an album without a name is not shown";
+    if (album.namePath.size() > 2)
+        return "album " + pathText(album) + " is not shown: albums have two levels";
+    if (album.namePath.size() == 2 && !parents.contains({album.fake, album.namePath.front()}))
+        return "album " + pathText(album) + " is not shown: there is no album " + album.namePath.front() +
+               " above it";
+    return {};
+}
+
+} // namespace
+
+ErrorRef problemWithPasscodes(const std::optional<std::string>& vault,
+                              const std::optional<std::string>& decoy) {
+    if (vault)
+        if (ErrorRef problem = problemWithPasscode("vault passcode", *vault))
+            return problem;
+    if (decoy)
+        if (ErrorRef problem = problemWithPasscode("decoy passcode", *decoy))
+            return problem;
+    if (!vault || !decoy)
+        return nullptr;
+    if (*vault == *decoy)
+        return ShareExtensionError::make(
+            "both passcodes are the same, so nothing would open the decoy's albums");
+    if (decoy->starts_with(*vault))
+        return ShareExtensionError::make(
+            "the decoy passcode begins with the vault passcode, so typing it would open "
+            "the vault");
+    if (vault->starts_with(*decoy))
+        return ShareExtensionError::make(
+            "the vault passcode begins with the decoy passcode, so typing it would open "
+            "the decoy's albums");
+    if (decoy->size() > vault->size())
+        return ShareExtensionError::make(
+            "the decoy passcode is longer than the vault passcode, and the keypad takes "
+            "no more digits than that has");
+    if (!fillsItsDots(*vault))
+        return ShareExtensionError::make(
+            "beside a decoy the vault passcode must have 4 or 6 digits: with any other "
+            "number the decoy passcode opens the vault's albums");
+    return nullptr;
+}
+
+ErrorRef problemWithPasswords(const std::vector<SharedAlbum>& albums) {
+    for (const SharedAlbum& album : albums) {
+        if (!album.password)
+            continue;
+        const std::string password = "the password of album " + pathText(album);
+        if (album.password->empty())
+            return ShareExtensionError::make(password + " is empty, so any digit would open it");
+        if (!canBeTyped(*album.password))
+            return ShareExtensionError::make(password +
+                                             " cannot be typed: the keypad has the digits 0 to 9 only");
+    }
+    return nullptr;
+}
+
+std::vector<std::string> warningsOfPasscodes(const std::string& vault,
+                                             const std::optional<std::string>& decoy) {
+    std::vector<std::string> warnings;
+    if (!fillsItsDots(vault))
+        warnings.push_back("the vault passcode has " + std::to_string(vault.size()) +
+                           " digits; the keypad has room for the dots of 4 or 6");
+    if (decoy && decoy->size() < vault.size())
+        warnings.emplace_back(
+            "the decoy passcode is shorter than the vault passcode: who looks on sees it open before "
+            "all dots are filled");
+    return warnings;
+}
+
+std::vector<std::string> warningsOfAlbums(const std::vector<SharedAlbum>& albums) {
+    std::set<std::pair<bool, std::string>> parents;
+    for (const SharedAlbum& album : albums)
+        if (album.namePath.size() == 1)
+            parents.emplace(album.fake, album.namePath.front());
+
+    std::vector<std::string> warnings;
+    std::set<std::pair<bool, std::vector<std::string>>> seen;
+    for (const SharedAlbum& album : albums) {
+        std::string warning = fateOf(album, parents);
+        if (warning.empty() && !seen.emplace(album.fake, album.namePath).second)
+            warning = "album " + pathText(album) + " is there more than once" +
+                      (album.namePath.size() == 1 ? "; its child albums are shown below the last one" : "");
+        if (!warning.empty())
+            warnings.push_back(std::move(warning));
+    }
+    if (const std::size_t count = warnings.size(); count > mostWarnings) {
+        warnings.resize(mostWarnings);
+        warnings.push_back("and " + std::to_string(count - mostWarnings) + " more albums like these");
+    }
+    return warnings;
+}
+
+std::string pathText(const SharedAlbum& album) {
+    std::string text;
+    for (const std::string& name : album.namePath)
+        text += (text.empty() ? "" : "/") + name;
+    return text;
+}
+
+} // namespace sela

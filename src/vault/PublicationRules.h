@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/foundation/Error.h"
+#include "store/SharedAlbum.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sela {
+
+/// What is to be published must not give the vault away on the keypad: it has ten digits and no key that ends
+/// an entry, so a code opens with its last digit, and the entry is at most as long as the vault passcode. Any
+/// thread.
+
+/// Why these two passcodes (absent: none) must not be published together; null when they may.
+ErrorRef problemWithPasscodes(const std::optional<std::string>& vault,
+                              const std::optional<std::string>& decoy);
+
+/// Why an album's password must not be published; null when all may.
+ErrorRef problemWithPasswords(const std::vector<SharedAlbum>& albums);
+
+/// What works with passcodes that may be published, and is rather not meant: a line each.
+std::vector<std::string> warningsOfPasscodes(const std::string& vault,
+                                             const std::optional<std::string>& decoy);
+
+/// The albums that the picker does not show, or shows twice, a line each; at most 20 lines and one with the
+/// number of those left out.
+std::vector<std::string> warningsOfAlbums(const std::vector<SharedAlbum>& albums);
+
+/// An album's path for a message, as in "Trips/Rome".
+std::string pathText(const SharedAlbum& album);
+
+} // namespace sela
