@@ -9,7 +9,6 @@
 #include <array>
 #include <cstdlib>
 #include <memory>
-#include <ranges>
 #include <vector>
 
 #include <libheif/heif.h>
@@ -312,8 +311,8 @@ std::optional<DecodedPicture> readHEIF(const InputFile& file, int maximumSide) {
     if (auto picture = readMain(main, maximumSide))
         return picture;
     // Better a blurred picture than none.
-    for (const Handle& thumbnail : std::views::reverse(thumbnails))
-        if (auto picture = readThumbnail(thumbnail, main, maximumSide))
+    for (auto thumbnail = thumbnails.rbegin(); thumbnail != thumbnails.rend(); ++thumbnail)
+        if (auto picture = readThumbnail(*thumbnail, main, maximumSide))
             return picture;
     return std::nullopt;
 }
