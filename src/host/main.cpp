@@ -1,20 +1,19 @@
 #include "host/CommandLine.h"
-#include "host/ErrorOutput.h"
+#include "host/HeadlessRun.h"
 #include "host/MimeAttachments.h"
-#include "host/ShareHost.h"
 #include "host/ShareRequest.h"
 #include "host/ShareWindow.h"
+#include "host/WindowedRun.h"
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Dumpable.h"
 #include "platform/foundation/Heap.h"
 #include "platform/foundation/NSLog.h"
-#include "share/PrincipalClasses.h"
-#include "share/SelaShareExtensionVc.h"
 #include "store/SharedFolder.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -48,24 +47,24 @@ bool hasDisplay() {
     return std::getenv("WAYLAND_DISPLAY") || std::getenv("DISPLAY") || std::getenv("QT_QPA_PLATFORM");
 }
 
-/// Where a save run stands or stopped, as in "file 2 of 3".
-sela::ErrorOutput::Place placeOf(const sela::AttachmentIntake& intake) {
-    return {intake.currentAttachmentIndex + 1, intake.itemsCount};
-}
-
 /// Tells on standard error what a run did not do.
-void tellProblems(const sela::ShareHost& host, const sela::SelaShareExtensionVc& screen,
-                  sela::ExitStatus status) {
-    const auto [file, count] = placeOf(screen.intake());
-    const std::string place = "file " + std::to_string(file) + " of " + std::to_string(count);
-    if (host.problem())
-        tell(*host.problem());
-    if (status == sela::ExitStatus::cannotEnd)
-        tell(place +
-             " was never reported as saved, so the request cannot end (an empty file is not recorded)");
-    else if (status != sela::ExitStatus::cancelled && screen.saveError() && file <= count)
-        tell(place + " was not added: " + screen.saveError()->localizedDescription() +
-             (file < count ? "; those after it were not tried" : ""));
+void tellProblems(const sela::RunResult& result) {
+    const sela::SaveRun& run = result.saveRun;
+    const std::size_t count = run.outcomes.size();
+    const auto problem = std::ranges::find(run.outcomes, sela::AttachmentOutcome::Kind::failed,
+                                           &sela::AttachmentOutcome::kind);
+    if (result.problem)
+        tell(*result.problem);
+    if (result.status == sela::ExitStatus::cancelled || problem == run.outcomes.end())
+        return;
+    const std::size_t index = static_cast<std::size_t>(problem - run.outcomes.begin());
+    const std::string place = "file " + std::to_string(index + 1) + " of " + std::to_string(count);
+    const std::string reason = problem->reason->localizedDescription();
+    if (result.status == sela::ExitStatus::cannotEnd)
+        tell(place + " will never be reported as saved, so the request cannot end: " + reason);
+    else
+        tell(place + " was not added: " + reason +
+             (index + 1 < count ? "; those after it were not tried" : ""));
 }
 
 /// Why the clipboard gives nothing to share; absent when it does.
@@ -94,7 +93,7 @@ int share(const sela::CommandLine& line) {
         tell("there is no vault to add to yet; start the main Sela application once, or run \"sela-vault "
              "init\"");
     const auto context = std::get<0>(request);
-    sela::ShareHost host(line);
+    sela::QtApplication application(line);
     if (line.paste && sela::ShareWindow::isClipboardOpen()) {
         const sela::MimeAttachments pasted =
             sela::MimeAttachments::in(QGuiApplication::clipboard()->mimeData());
@@ -102,22 +101,12 @@ int share(const sela::CommandLine& line) {
             return fail(sela::ExitStatus::badArguments, *problem);
         static_cast<sela::NSExtensionItem&>(*context->inputItems.front()).append(pasted.attachments);
     }
-    const auto root = sela::makePrincipalViewController(sela::principalClassName);
-    root->setExtensionContext(context);
-    sela::ExitStatus status;
-    sela::SelaShareExtensionVc* screen = nullptr;
-    {
-        const sela::ErrorOutput output(line, sela::sizeOfFiles(line.attachments),
-                                       [&screen] { return placeOf(screen->intake()); });
-        root->loadViewIfNeeded();
-        screen = sela::shareScreenOf(*root);
-        status = host.run({root, [screen] { return screen->areImagesShown(); },
-                           [screen](const auto& attachments) { return screen->append(attachments); },
-                           [screen] { return screen->hasAddStarted(); }},
-                          *context);
-    }
-    tellProblems(host, *screen, status);
-    return static_cast<int>(status);
+    const sela::RunResult result =
+        line.headless
+            ? sela::HeadlessRun(application, line, context, sela::sizeOfFiles(line.attachments)).run()
+            : sela::WindowedRun(application, line, context).run();
+    tellProblems(result);
+    return static_cast<int>(result.status);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "platform/foundation/TimeText.h"
 #include "share/MediaHelpers.h"
 #include "store/ShareExtensionError.h"
+#include "store/SharedItemLedger.h"
 #include "store/SharedItemManager.h"
 
 #include <utility>
@@ -26,12 +27,20 @@ std::int64_t countOf(const auto& list) {
 
 } // namespace
 
-AttachmentIntake::AttachmentIntake() : selectedAlbumName{Bundle::main().localizedString("Default Album")} {}
+AttachmentIntake::AttachmentIntake() : selectedAlbumName_{Bundle::main().localizedString("Default Album")} {}
+
+void AttachmentIntake::begin(std::shared_ptr<NSExtensionContext> context, int thumbnailSide) {
+    extensionContext_ = std::move(context);
+    thumbnailSide_ = thumbnailSide;
+    itemsCount_ = getItemsCount();
+    thumbnailCount_ = 0;
+    thumbnails_.clear();
+}
 
 NSExtensionItem* AttachmentIntake::firstItem() const {
-    if (!extensionContext || extensionContext->inputItems.empty())
+    if (!extensionContext_ || extensionContext_->inputItems.empty())
         return nullptr;
-    return dynamic_cast<NSExtensionItem*>(extensionContext->inputItems.front().get());
+    return dynamic_cast<NSExtensionItem*>(extensionContext_->inputItems.front().get());
 }
 
 std::shared_ptr<const NSExtensionItem::Attachments> AttachmentIntake::attachments() const {
@@ -44,7 +53,7 @@ bool AttachmentIntake::append(const NSExtensionItem::Attachments& more) {
     if (!item)
         return false;
     item->append(more);
-    itemsCount = getItemsCount();
+    itemsCount_ = getItemsCount();
     return true;
 }
 
@@ -56,26 +65,26 @@ std::int64_t AttachmentIntake::getItemsCount() const {
 }
 
 void AttachmentIntake::loadThumbnails(std::function<void()> completion) {
-    const std::size_t inputItems = extensionContext ? extensionContext->inputItems.size() : 0;
+    const std::size_t inputItems = extensionContext_ ? extensionContext_->inputItems.size() : 0;
     NSLog("loadThumbnails inputItems count = " + std::to_string(inputItems));
     const auto list = attachments();
     const bool finished =
-        !list || thumbnailCount >= countOf(*list) || thumbnailCount >= thumbnailPlaces ||
-        (*list)[static_cast<std::size_t>(thumbnailCount)]->registeredTypeIdentifiers().empty();
+        !list || thumbnailCount_ >= countOf(*list) || thumbnailCount_ >= thumbnailPlaces ||
+        (*list)[static_cast<std::size_t>(thumbnailCount_)]->registeredTypeIdentifiers().empty();
     if (finished) {
         DispatchQueue::main().async(std::move(completion));
         return;
     }
-    const NSItemProvider& provider = *(*list)[static_cast<std::size_t>(thumbnailCount)];
+    const NSItemProvider& provider = *(*list)[static_cast<std::size_t>(thumbnailCount_)];
     const std::string typeIdentifier = provider.registeredTypeIdentifiers().front();
     provider.loadItem(typeIdentifier,
                       [weak = weak_from_this(), typeIdentifier, completion = std::move(completion)](
                           const NSItemProvider::Item& item, const ErrorRef& error) {
                           const std::shared_ptr<AttachmentIntake> self = weak.lock();
-                          if (!self || self->extensionContext->isCancelled())
+                          if (!self || self->extensionContext_->isCancelled())
                               return;
                           self->addThumbnail(item, error, typeIdentifier);
-                          self->thumbnailCount += 1;
+                          self->thumbnailCount_ += 1;
                           self->loadThumbnails(completion);
                       });
 }
@@ -89,77 +98,165 @@ void AttachmentIntake::addThumbnail(const NSItemProvider::Item& item, const Erro
     const URL* const file = std::get_if<URL>(&item);
     if (!file)
         return;
-    const std::string place = "item[" + std::to_string(thumbnailCount) + "]: ";
+    const std::string place = "item[" + std::to_string(thumbnailCount_) + "]: ";
     NSLog(place + "fileName = " + file->lastPathComponent());
     NSLog(place + "typeIdentifier = " + typeIdentifier);
-    if (std::optional<UIImage> thumbnail = thumbnailOfSharedFile(*file, typeIdentifier, thumbnailSide))
-        thumbnails.push_back(std::move(*thumbnail));
+    if (std::optional<UIImage> thumbnail = thumbnailOfSharedFile(*file, typeIdentifier, thumbnailSide_))
+        thumbnails_.push_back(std::move(*thumbnail));
+}
+
+bool AttachmentIntake::beginSaveRun() {
+    if (saveRun_.hasBegun())
+        return false;
+    saveRun_.state = SaveRun::State::saving;
+    saveRun_.currentAttachmentIndex = 0;
+    if (const auto list = attachments())
+        for (const std::shared_ptr<NSItemProvider>& provider : *list)
+            saveRun_.outcomes.emplace_back().name = provider->suggestedName();
+    changeRun([](SaveRun&) {});
+    return true;
 }
 
 void AttachmentIntake::saveAttachments(const Completion& completion) {
-    const std::size_t inputItems = extensionContext ? extensionContext->inputItems.size() : 0;
-    NSLog("InputItems count = " + std::to_string(inputItems));
-    const auto list = attachments();
-    if (!list || currentAttachmentIndex >= countOf(*list)) {
-        completion(nullptr);
-        return;
-    }
-    const NSItemProvider& provider = *(*list)[static_cast<std::size_t>(currentAttachmentIndex)];
-    if (provider.registeredTypeIdentifiers().empty()) {
-        completion(ShareExtensionError::make("No type indentifier"));
-        return;
-    }
-    provider.loadItem(
-        provider.registeredTypeIdentifiers().front(),
-        [weak = weak_from_this(), completion](const NSItemProvider::Item& item, const ErrorRef& error) {
-            const std::shared_ptr<AttachmentIntake> self = weak.lock();
-            if (!self || self->extensionContext->isCancelled())
-                return;
-            if (error) {
-                NSLog("error: " + error->localizedDescription());
-                completion(error);
-                return;
-            }
-            self->save(item, completion);
-        });
+    saveAttachment(saveRun_.currentAttachmentIndex, completion);
 }
 
-void AttachmentIntake::save(const NSItemProvider::Item& item, const Completion& completion) {
+void AttachmentIntake::saveAttachment(std::int64_t index, const Completion& completion) {
+    const std::size_t inputItems = extensionContext_ ? extensionContext_->inputItems.size() : 0;
+    NSLog("InputItems count = " + std::to_string(inputItems));
+    const auto list = attachments();
+    if (!list || index >= countOf(*list)) {
+        endWalk(index, nullptr, completion);
+        return;
+    }
+    const NSItemProvider& provider = *(*list)[static_cast<std::size_t>(index)];
+    if (provider.registeredTypeIdentifiers().empty()) {
+        endWalk(index, ShareExtensionError::make("No type indentifier"), completion);
+        return;
+    }
+    provider.loadItem(provider.registeredTypeIdentifiers().front(),
+                      [weak = weak_from_this(), index, completion](const NSItemProvider::Item& item,
+                                                                   const ErrorRef& error) {
+                          const std::shared_ptr<AttachmentIntake> self = weak.lock();
+                          if (!self)
+                              return;
+                          if (self->extensionContext_->isCancelled()) {
+                              self->endWalk(index, nullptr, nullptr);
+                          } else if (error) {
+                              NSLog("error: " + error->localizedDescription());
+                              self->endWalk(index, error, completion);
+                          } else {
+                              self->save(item, index, completion);
+                          }
+                      });
+}
+
+void AttachmentIntake::save(const NSItemProvider::Item& item, std::int64_t index,
+                            const Completion& completion) {
     if (const URL* const file = std::get_if<URL>(&item)) {
         const std::string name = file->lastPathComponent();
-        SharedItemManager::saveItem(sharedItem(name, name), *file, advancing(completion));
+        const SharedItem record = sharedItem(name, name);
+        SharedItemManager::saveItem(record, *file, advancing(index, completion), observing(index, record));
     } else if (const UIImage* const image = std::get_if<UIImage>(&item)) {
         const std::optional<Data> jpeg = image->jpegData(jpegQuality);
-        if (jpeg)
-            SharedItemManager::saveItem(sharedItem(".jpg", std::nullopt), *jpeg, advancing(completion));
-        else
-            completion(ShareExtensionError::make("Failed to encode image"));
+        if (!jpeg) {
+            endWalk(index, ShareExtensionError::make("Failed to encode image"), completion);
+            return;
+        }
+        const SharedItem record = sharedItem(".jpg", std::nullopt);
+        const SaveObserver observer = observing(index, record);
+        observer.copied(countOf(*jpeg), countOf(*jpeg));
+        SharedItemManager::saveItem(record, *jpeg, advancing(index, completion), observer);
     } else {
-        completion(ShareExtensionError::make("Unsupported shared item"));
+        endWalk(index, ShareExtensionError::make("Unsupported shared item"), completion);
     }
 }
 
 SharedItem AttachmentIntake::sharedItem(const std::string& nameEnd,
                                         std::optional<std::string> preferredName) const {
-    return {uniqueTimeText() + nameEnd, selectedAlbumName, fakePasswordMode, std::move(preferredName)};
+    return {uniqueTimeText() + nameEnd, selectedAlbumName_, fakePasswordMode_, std::move(preferredName)};
 }
 
-AttachmentIntake::Completion AttachmentIntake::advancing(const Completion& completion) {
-    return [weak = weak_from_this(), completion](const ErrorRef& error) {
+SaveObserver AttachmentIntake::observing(std::int64_t index, const SharedItem& item) {
+    const std::weak_ptr<AttachmentIntake> weak = weak_from_this();
+    const auto copied = [weak](std::int64_t bytes, std::int64_t size) {
+        if (const std::shared_ptr<AttachmentIntake> self = weak.lock())
+            self->changeRun([bytes, size](SaveRun& run) {
+                run.copiedBytes = bytes;
+                run.currentSize = size;
+            });
+    };
+    const auto ended = [weak, index, item](const SaveEnd& end) {
+        const std::shared_ptr<AttachmentIntake> self = weak.lock();
+        if (!self)
+            return;
+        self->changeRun([index, item, end](SaveRun& run) {
+            AttachmentOutcome& outcome = run.outcomes.at(static_cast<std::size_t>(index));
+            const bool isRecorded = end.kind == SaveEnd::Kind::recorded;
+            outcome.kind = isRecorded ? AttachmentOutcome::Kind::recorded : AttachmentOutcome::Kind::failed;
+            outcome.item = item;
+            outcome.reason = end.reason;
+            if (isRecorded) {
+                outcome.ledgerKey = SharedItemLedger::key(item);
+                outcome.size = run.copiedBytes;
+            }
+            if (end.kind == SaveEnd::Kind::silent)
+                run.state = SaveRun::State::stuck;
+        });
+    };
+    return {copied, ended};
+}
+
+AttachmentIntake::Completion AttachmentIntake::advancing(std::int64_t index, const Completion& completion) {
+    return [weak = weak_from_this(), index, completion](const ErrorRef& error) {
         const std::shared_ptr<AttachmentIntake> self = weak.lock();
         if (!self)
             return;
         if (error) {
             NSLog("saveItem, error: " + error->localizedDescription());
-            completion(error);
+            self->endWalk(index, error, completion);
             return;
         }
-        self->currentAttachmentIndex += 1;
+        self->changeRun([index](SaveRun& run) {
+            // The store may take back the error with which the walk had ended.
+            run.state = SaveRun::State::saving;
+            run.currentAttachmentIndex = index + 1;
+            run.savedBytes += std::exchange(run.copiedBytes, 0);
+            run.currentSize = 0;
+        });
         // What is under way is finished; nothing new begins once the user does not want it.
-        if (self->extensionContext->isCancelled())
-            return;
-        self->saveAttachments(completion);
+        if (self->extensionContext_->isCancelled())
+            self->endWalk(index + 1, nullptr, nullptr);
+        else
+            self->saveAttachment(index + 1, completion);
     };
+}
+
+void AttachmentIntake::endWalk(std::int64_t index, const ErrorRef& error, const Completion& completion) {
+    changeRun([index, error](SaveRun& run) {
+        run.state = SaveRun::State::ended;
+        if (!error)
+            return;
+        AttachmentOutcome& outcome = run.outcomes.at(static_cast<std::size_t>(index));
+        // The store has told the cause itself; what comes by its completion may say less.
+        if (outcome.kind == AttachmentOutcome::Kind::failed)
+            return;
+        outcome.kind = AttachmentOutcome::Kind::failed;
+        outcome.reason = error;
+    });
+    if (completion)
+        completion(error);
+}
+
+void AttachmentIntake::changeRun(std::function<void(SaveRun&)> change) {
+    DispatchQueue::main().async([weak = weak_from_this(), change = std::move(change)] {
+        const std::shared_ptr<AttachmentIntake> self = weak.lock();
+        if (!self)
+            return;
+        change(self->saveRun_);
+        if (self->observer_)
+            self->observer_(self->saveRun_);
+    });
 }
 
 } // namespace sela

@@ -5,13 +5,15 @@
 #include "platform/extension/NSItemProvider.h"
 #include "platform/foundation/Error.h"
 #include "platform/media/UIImage.h"
-#include "store/SharedItem.h"
+#include "share/SaveRun.h"
+#include "store/SaveObserver.h"
 
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace sela {
@@ -19,14 +21,19 @@ namespace sela {
 /// Takes in what a share request brings: counts the attachments, loads up to three of them for thumbnails,
 /// and saves them all, one after another. The attachments of the first input item are all that is ever read.
 ///
-/// Made on the main thread and held by a `std::shared_ptr`. Its two walks hold it weakly from step to step
-/// and end silently when it is gone or the request is cancelled; a copy that is under way is finished. One
-/// load or save is in flight at a time, and the fields below are touched only by the step that is running.
+/// Made and used on the main thread, and held by a `std::shared_ptr`. Its two walks hold it weakly from step
+/// to step and end silently when it is gone or the request is cancelled; a copy that is under way is
+/// finished. A walk goes on on whatever thread its last step ended; what it has to tell goes to the main
+/// queue, where alone `saveRun` changes. One load or save is in flight at a time.
 class AttachmentIntake : public std::enable_shared_from_this<AttachmentIntake> {
 public:
     using Completion = std::function<void(const ErrorRef&)>;
 
     AttachmentIntake();
+
+    /// Takes up a request (null: none): counts its attachments and forgets all thumbnails, which will be
+    /// decoded to `thumbnailSide` pixels on their longer side.
+    void begin(std::shared_ptr<NSExtensionContext> context, int thumbnailSide);
 
     /// The number of attachments of the first input item, which is logged; 0 when there is no request, no
     /// such item, or no attachment list.
@@ -42,35 +49,43 @@ public:
     /// of the three places; one without a type ends the walk.
     void loadThumbnails(std::function<void()> completion);
 
+    /// Lets the save run begin at the first attachment, which `saveAttachments` then saves. False, and
+    /// nothing happens, when it had begun before.
+    bool beginSaveRun();
+
     /// Saves the attachment at `currentAttachmentIndex` and those after it. `completion` is called on
     /// whatever thread the last step ended: without an error when all are saved, or there is nothing to save;
     /// with the error that ended the walk. It comes twice when the store reports an error and then success
     /// for one attachment, and never when the store never reports back.
     void saveAttachments(const Completion& completion);
 
-    /// The request; null when there is none.
-    std::shared_ptr<NSExtensionContext> extensionContext;
+    /// How saving stands. When `saveAttachments` hops to the main queue at its completion, this is up to
+    /// date.
+    const SaveRun& saveRun() const { return saveRun_; }
 
-    /// The target album as a path of names.
-    std::vector<std::string> selectedAlbumName;
+    /// Called on the main queue after each change of `saveRun`, and with each block that was copied.
+    void setSaveObserver(std::function<void(const SaveRun&)> observer) { observer_ = std::move(observer); }
 
-    /// The attachment being saved; -1 while saving has not started.
-    std::int64_t currentAttachmentIndex = -1;
-
-    /// The number of attachments, set by the owner from `getItemsCount`.
-    std::int64_t itemsCount = 0;
+    /// The target album as a path of names; the one element "Default Album", localized, until it is set.
+    const std::vector<std::string>& selectedAlbumName() const { return selectedAlbumName_; }
+    void setSelectedAlbumName(std::vector<std::string> namePath) { selectedAlbumName_ = std::move(namePath); }
 
     /// Whether the picker was unlocked with the decoy passcode.
-    bool fakePasswordMode = false;
+    bool fakePasswordMode() const { return fakePasswordMode_; }
+    void setFakePasswordMode(bool fake) { fakePasswordMode_ = fake; }
 
-    /// The next attachment to load for a thumbnail; also the number of attempts made.
-    std::int64_t thumbnailCount = 0;
+    /// The attachment being saved; -1 while saving has not started.
+    std::int64_t currentAttachmentIndex() const { return saveRun_.currentAttachmentIndex; }
+
+    /// The number of attachments as it was last counted.
+    std::int64_t itemsCount() const { return itemsCount_; }
+
+    /// The next attachment to load for a thumbnail; also the number of attempts made. To be asked, as
+    /// `thumbnails`, while no thumbnail is loading.
+    std::int64_t thumbnailCount() const { return thumbnailCount_; }
 
     /// The thumbnails in the order of the attachments, three at most.
-    std::vector<UIImage> thumbnails;
-
-    /// The longer side in pixels to which thumbnails are decoded, set by the owner before `loadThumbnails`.
-    int thumbnailSide = 320;
+    const std::vector<UIImage>& thumbnails() const { return thumbnails_; }
 
 private:
     /// The first input item; null when there is none, or it is of another kind.
@@ -81,11 +96,32 @@ private:
 
     void addThumbnail(const NSItemProvider::Item& item, const ErrorRef& error,
                       const std::string& typeIdentifier);
-    void save(const NSItemProvider::Item& item, const Completion& completion);
+
+    void saveAttachment(std::int64_t index, const Completion& completion);
+    void save(const NSItemProvider::Item& item, std::int64_t index, const Completion& completion);
     SharedItem sharedItem(const std::string& nameEnd, std::optional<std::string> preferredName) const;
 
+    /// What the store tells of the attachment beside its completion.
+    SaveObserver observing(std::int64_t index, const SharedItem& item);
+
     /// What the store calls at the end of one attachment, as often as it calls it.
-    Completion advancing(const Completion& completion);
+    Completion advancing(std::int64_t index, const Completion& completion);
+
+    /// Ends the walk at an attachment, or behind the last one.
+    void endWalk(std::int64_t index, const ErrorRef& error, const Completion& completion);
+
+    /// Changes `saveRun_` on the main queue, and tells the observer.
+    void changeRun(std::function<void(SaveRun&)> change);
+
+    std::shared_ptr<NSExtensionContext> extensionContext_;
+    std::vector<std::string> selectedAlbumName_;
+    bool fakePasswordMode_ = false;
+    std::int64_t itemsCount_ = 0;
+    std::int64_t thumbnailCount_ = 0;
+    std::vector<UIImage> thumbnails_;
+    int thumbnailSide_ = 0;
+    SaveRun saveRun_;
+    std::function<void(const SaveRun&)> observer_;
 };
 
 } // namespace sela

@@ -57,10 +57,8 @@ SelaShareExtensionVc::SelaShareExtensionVc(const NSCoder&) {
 void SelaShareExtensionVc::viewDidLoad() {
     UIViewController::viewDidLoad();
     scale_ = getUIScale(*this);
-    intake_->extensionContext = extensionContext();
-    intake_->thumbnailSide =
-        static_cast<int>(std::ceil(frontFrameWidth * longestRatio * scale_ * UIScreen::main().scale()));
-    intake_->itemsCount = intake_->getItemsCount();
+    intake_->begin(extensionContext(), static_cast<int>(std::ceil(frontFrameWidth * longestRatio * scale_ *
+                                                                  UIScreen::main().scale())));
     buildTree();
     layoutPanels();
     layoutCard();
@@ -68,8 +66,6 @@ void SelaShareExtensionVc::viewDidLoad() {
     styleCard();
     styleButtons();
     styleResult();
-    intake_->thumbnailCount = 0;
-    intake_->thumbnails.clear();
     loadThumbnails();
     updateTitle();
 }
@@ -85,19 +81,19 @@ double SelaShareExtensionVc::whole(double designLength) const {
 
 void SelaShareExtensionVc::loadThumbnails() {
     thumbnailsShown_ = false;
-    intake_->loadThumbnails([weak = weakReference(*this), count = intake_->itemsCount] {
+    intake_->loadThumbnails([weak = weakReference(*this), count = intake_->itemsCount()] {
         const auto self = weak.lock();
         if (!self)
             return;
         self->showThumbnails();
         // The walk may have seen its end before more came.
-        if (self->intake_->itemsCount > count)
+        if (self->intake_->itemsCount() > count)
             self->loadThumbnails();
     });
 }
 
 bool SelaShareExtensionVc::append(const NSExtensionItem::Attachments& attachments) {
-    if (addStarted_ || !intake_->append(attachments))
+    if (saveRun().hasBegun() || !intake_->append(attachments))
         return false;
     layoutStack();
     updateTitle();
@@ -108,7 +104,7 @@ bool SelaShareExtensionVc::append(const NSExtensionItem::Attachments& attachment
 }
 
 void SelaShareExtensionVc::showThumbnails() {
-    const std::vector<UIImage>& thumbnails = intake_->thumbnails;
+    const std::vector<UIImage>& thumbnails = intake_->thumbnails();
     UIImageView* const frames[] = {&imageView1_, &imageView2_, &imageView3_};
     for (std::size_t i = 0; i < std::min(thumbnails.size(), std::size(frames)); ++i)
         frames[i]->setImage(thumbnails[i]);
@@ -127,8 +123,8 @@ void SelaShareExtensionVc::updateTitle() {
     const UIFont font = UIFont::systemFont(std::ceil(14 * scale_));
     const NSAttributedString::Attributes plain{UIColor::named("AppTextSecond"), font};
     const NSAttributedString::Attributes highlight{UIColor::named("AppTint"), font};
-    const NSAttributedString album(albumText(intake_->selectedAlbumName), highlight);
-    const std::int64_t count = intake_->itemsCount;
+    const NSAttributedString album(albumText(intake_->selectedAlbumName()), highlight);
+    const std::int64_t count = intake_->itemsCount();
     const NSAttributedString title =
         count == 1 ? NSAttributedString(localized("Add 1 file to xxx"), plain).format({album})
                    : NSAttributedString(localized("Add xxx files to xxx"), plain)
@@ -160,10 +156,8 @@ void SelaShareExtensionVc::cancelButtonTapped(UIButton&) {
 }
 
 void SelaShareExtensionVc::onAddButtonTouched(UIButton&) {
-    if (intake_->currentAttachmentIndex != -1)
+    if (!intake_->beginSaveRun())
         return;
-    intake_->currentAttachmentIndex = 0;
-    addStarted_ = true;
     UIView::animate(
         growSeconds, [this] { containerView_.setTransform(CGAffineTransform::scale(0, 0)); },
         [weak = weakReference(*this)](bool finished) {
@@ -191,15 +185,13 @@ void SelaShareExtensionVc::showAdding() {
 }
 
 void SelaShareExtensionVc::startSaving() {
-    // The screen does not show the error of a run; the log has it, and the host tells it.
-    intake_->saveAttachments([weak = weakReference(*this)](const ErrorRef& error) {
-        DispatchQueue::main().async([weak, error] {
+    // The screen does not show the error of a run; the log has it, and the host tells it. Only the first end
+    // of a run counts here: one that goes on after an error which the store takes back comes to a second.
+    auto isFirstEnd = std::make_shared<bool>(true);
+    intake_->saveAttachments([weak = weakReference(*this), isFirstEnd](const ErrorRef&) {
+        DispatchQueue::main().async([weak, isFirstEnd] {
             const auto self = weak.lock();
-            if (!self)
-                return;
-            self->saveError_ = error;
-            // A run that goes on after its first error ends a second time, and tells how it really ended.
-            if (!std::exchange(self->saveEnded_, true))
+            if (self && std::exchange(*isFirstEnd, false))
                 self->showDone();
         });
     });

@@ -9,8 +9,10 @@
 #include "share/AttachmentIntake.h"
 #include "unlock/SelaShareExtensionAlbumsVcDelegate.h"
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace sela {
@@ -31,9 +33,9 @@ public:
     void viewDidLoad() override;
     void viewDidLayoutSubviews() override;
 
-    void setFakePasswordMode(bool fake) override { intake_->fakePasswordMode = fake; }
+    void setFakePasswordMode(bool fake) override { intake_->setFakePasswordMode(fake); }
     void setSelectedAlbumName(const std::vector<std::string>& namePath) override {
-        intake_->selectedAlbumName = namePath;
+        intake_->setSelectedAlbumName(namePath);
     }
 
     /// Rebuilds the title of `albumButton` from the number of attachments and the album.
@@ -53,11 +55,13 @@ public:
     /// picker.
     bool areImagesShown() const;
 
-    /// Whether Add was tapped, so that only the end of the save run ends the request.
-    bool hasAddStarted() const { return addStarted_; }
+    /// How saving stands. Once it has begun only its end ends the request.
+    const SaveRun& saveRun() const { return intake_->saveRun(); }
 
-    /// The error that a save run ended with; null when it has not ended or all went well.
-    const ErrorRef& saveError() const { return saveError_; }
+    /// Called on the main queue whenever `saveRun` has changed.
+    void setSaveObserver(std::function<void(const SaveRun&)> observer) {
+        intake_->setSaveObserver(std::move(observer));
+    }
 
 private:
     /// A design length in whole points.
@@ -103,9 +107,6 @@ private:
     double scale_ = 1;
 
     bool thumbnailsShown_ = false;
-    bool addStarted_ = false;
-    bool saveEnded_ = false;
-    ErrorRef saveError_;
 };
 
 } // namespace sela

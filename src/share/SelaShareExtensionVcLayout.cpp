@@ -124,7 +124,7 @@ void SelaShareExtensionVc::layoutCard() {
 }
 
 void SelaShareExtensionVc::layoutStack() {
-    const Stack stack = stackFor(intake_->itemsCount);
+    const Stack stack = stackFor(intake_->itemsCount());
     imageViewContainer_.snp().remakeConstraints([&](ConstraintMaker& make) {
         make.size().equalTo(CGSize{whole(178), whole(stack.height)});
         make.centerX().equalToSuperview();

@@ -21,12 +21,13 @@ constexpr std::size_t blockSize = 2'097'152;
 class FileCopy {
 public:
     FileCopy(URL source, URL destination, SharedItemManager::Progress progress,
-             SharedItemManager::Completion completion)
+             SharedItemManager::Completion completion, SaveObserver observer)
         : source_(std::move(source)), destination_(std::move(destination)), progress_(std::move(progress)),
-          completion_(std::move(completion)) {}
+          completion_(std::move(completion)), observer_(std::move(observer)) {}
 
     void run() {
-        if (!createStreams()) {
+        if (const ErrorRef error = createStreams()) {
+            observer_.tellEnd(SaveEnd::Kind::failed, error);
             if (completion_)
                 completion_(ShareExtensionError::make("failed to create stream"));
             return;
@@ -40,28 +41,30 @@ public:
         input_->open();
         output_->open();
         // An empty source is never reported: there is nothing to record.
-        if (const std::int64_t size = attributes.value().size; size > 0)
+        if (const std::int64_t size = attributes.value().size; size > 0) {
             end(copyBlocks(size));
-        else
+        } else {
             output_->synchronize();
+            observer_.tellEnd(SaveEnd::Kind::silent, ShareExtensionError::make("the file is empty"));
+        }
         input_->close();
         output_->close();
     }
 
 private:
     /// The source first, so that a missing source leaves no empty destination.
-    bool createStreams() {
+    ErrorRef createStreams() {
         FileManager& files = FileManager::defaultManager();
         Result<std::unique_ptr<InputStream>> input = files.inputStream(source_);
         if (!input)
-            return false;
+            return input.error();
         Result<std::unique_ptr<OutputStream>> output =
             files.outputStream(destination_, input.value()->expectedSize());
         if (!output)
-            return false;
+            return output.error();
         input_ = std::move(input.value());
         output_ = std::move(output.value());
-        return true;
+        return nullptr;
     }
 
     /// Returns what the last read returned.
@@ -75,6 +78,7 @@ private:
             if (__builtin_add_overflow(total, count, &total))
                 fatalError("copyItem: the number of bytes overflows");
             logBlock(count, total);
+            observer_.tellCopied(total, size);
             postProgress(static_cast<float>(total) / static_cast<float>(size));
             count = input_->read(buffer);
         }
@@ -107,6 +111,7 @@ private:
     void abandon(const ErrorRef& error) {
         output_->close();
         FileManager::defaultManager().removeItem(destination_.path());
+        observer_.tellEnd(SaveEnd::Kind::failed, error);
         DispatchQueue::main().async([completion = completion_, error] {
             if (completion)
                 completion(error);
@@ -127,6 +132,7 @@ private:
     const URL destination_;
     const SharedItemManager::Progress progress_;
     const SharedItemManager::Completion completion_;
+    const SaveObserver observer_;
     std::unique_ptr<InputStream> input_;
     std::unique_ptr<OutputStream> output_;
 };
@@ -134,8 +140,9 @@ private:
 } // namespace
 
 void SharedItemManager::copyItem(const URL& source, const URL& destination, Progress progress,
-                                 Completion completion) {
-    auto copy = std::make_shared<FileCopy>(source, destination, std::move(progress), std::move(completion));
+                                 Completion completion, const SaveObserver& observer) {
+    auto copy =
+        std::make_shared<FileCopy>(source, destination, std::move(progress), std::move(completion), observer);
     DispatchQueue::global().async([copy] { copy->run(); });
 }
 

@@ -29,8 +29,9 @@ std::string describe(const std::vector<std::string>& texts) {
 
 /// What became of the ledger in one step.
 struct Outcome {
-    ErrorRef unreadable; ///< why the ledger could not be decoded; nothing was changed because of it
-    ErrorRef unencoded;  ///< why the item could not be added
+    ErrorRef unreadable;    ///< why the ledger could not be decoded; nothing was changed because of it
+    ErrorRef unencoded;     ///< why the item could not be added
+    bool isReported = true; ///< whether `unencoded` is an error of the save
 };
 
 ErrorRef encodingError() {
@@ -41,10 +42,12 @@ ErrorRef encodingError() {
 /// Stores a ledger with this item alone. An unreadable one that it replaces is set aside first: somebody may
 /// still want to mend it.
 ErrorRef storeFresh(UserDefaults& defaults, const std::string& key, const SharedItem& item,
-                    const std::optional<Data>& unreadable) {
+                    const std::optional<Data>& unreadable, Outcome& outcome) {
     const std::optional<Data> ledger = SharedItemLedger::fresh(key, item);
     if (!ledger) {
         NSLog("SharedItemManager, saveItem: falied to encode sharedItemsDictionary");
+        outcome.unencoded = encodingError();
+        outcome.isReported = false;
         return nullptr;
     }
     if (unreadable)
@@ -62,14 +65,14 @@ ErrorRef record(UserDefaults& defaults, const SharedItem& item, bool replaceUnre
         return read.error();
     const std::optional<Data>& ledger = read.value();
     if (!ledger)
-        return storeFresh(defaults, key, item, std::nullopt);
+        return storeFresh(defaults, key, item, std::nullopt, outcome);
     const Result<bool> present = SharedItemLedger::contains(*ledger, key);
     if (!present) {
         if (!replaceUnreadable) {
             outcome.unreadable = present.error();
             return nullptr;
         }
-        return storeFresh(defaults, key, item, ledger);
+        return storeFresh(defaults, key, item, ledger, outcome);
     }
     if (present.value()) {
         NSLog("SharedItemManager, saveItem: item already exists, album = " + describe(item.albumNames) +
@@ -88,7 +91,8 @@ ErrorRef record(UserDefaults& defaults, const SharedItem& item, bool replaceUnre
 
 } // namespace
 
-void updateLedger(const SharedItem& item, const SharedItemManager::Completion& completion) {
+void updateLedger(const SharedItem& item, const SharedItemManager::Completion& completion,
+                  const SaveObserver& observer) {
     const auto report = [&](const ErrorRef& error) {
         if (completion)
             completion(error);
@@ -96,7 +100,9 @@ void updateLedger(const SharedItem& item, const SharedItemManager::Completion& c
     std::optional<UserDefaults> defaults = sharedDefaults();
     if (!defaults) {
         NSLog("saveItem: userDefaults is nil");
-        report(ShareExtensionError::make("UserDefaults is nil"));
+        const ErrorRef error = ShareExtensionError::make("UserDefaults is nil");
+        observer.tellEnd(SaveEnd::Kind::failed, error);
+        report(error);
         return;
     }
     Outcome outcome;
@@ -113,10 +119,15 @@ void updateLedger(const SharedItem& item, const SharedItemManager::Completion& c
     if (failure) {
         NSLog("SharedItemManager, saveItem: failed to store sharedItems, error = " +
               failure->localizedDescription());
+        observer.tellEnd(SaveEnd::Kind::failed, failure);
         report(failure);
         return;
     }
     if (outcome.unencoded)
+        observer.tellEnd(SaveEnd::Kind::failed, outcome.unencoded);
+    else
+        observer.tellEnd(SaveEnd::Kind::recorded);
+    if (outcome.unencoded && outcome.isReported)
         report(outcome.unencoded);
     report(nullptr);
 }

@@ -22,32 +22,41 @@ void report(const SharedItemManager::Completion& completion, const ErrorRef& err
 
 /// The checks that both forms of saving begin with. Returns where the item is to go; absent when the saving
 /// has ended, with `completion` called unless "Items" could not be made.
-std::optional<URL> destinationOf(const SharedItem& item, const SharedItemManager::Completion& completion) {
+std::optional<URL> destinationOf(const SharedItem& item, const SharedItemManager::Completion& completion,
+                                 const SaveObserver& observer) {
+    const auto fail = [&](const char* message) {
+        const ErrorRef error = ShareExtensionError::make(message);
+        observer.tellEnd(SaveEnd::Kind::failed, error);
+        report(completion, error);
+        return std::nullopt;
+    };
     if (!sharedDefaults()) {
         NSLog("saveItem: userDefaults is nil");
-        report(completion, ShareExtensionError::make("UserDefaults is nil"));
-        return std::nullopt;
+        return fail("UserDefaults is nil");
     }
     if (fileKind(item.fileName) == FileKind::other) {
         NSLog("saveItem: file extension is not supported " + item.fileName);
-        report(completion, ShareExtensionError::make("Unsupported file"));
-        return std::nullopt;
+        return fail("Unsupported file");
     }
     const std::optional<URL> folder = sharedFolderUrl();
     if (!folder) {
         NSLog("SharedItemManager, shared folder is nil");
-        report(completion, ShareExtensionError::make("Shared folder is nil"));
-        return std::nullopt;
+        return fail("Shared folder is nil");
     }
     FileManager& files = FileManager::defaultManager();
     const URL items = folder->appendingPathComponent(itemsFolderName);
-    if (!files.fileExists(items.path()) && files.createDirectory(items.path())) {
-        NSLog("saveItem: failed to create dir = " + items.path());
-        return std::nullopt;
+    if (!files.fileExists(items.path())) {
+        if (const ErrorRef error = files.createDirectory(items.path())) {
+            NSLog("saveItem: failed to create dir = " + items.path());
+            observer.tellEnd(SaveEnd::Kind::silent, error);
+            return std::nullopt;
+        }
     }
     URL destination = items.appendingPathComponent(item.fileName);
     if (files.fileExists(destination.path())) {
         NSLog("File already exists, fileName = " + item.fileName);
+        observer.tellEnd(SaveEnd::Kind::failed,
+                         ShareExtensionError::make("a file of that name is there already"));
         report(completion, nullptr);
         return std::nullopt;
     }
@@ -56,28 +65,31 @@ std::optional<URL> destinationOf(const SharedItem& item, const SharedItemManager
 
 } // namespace
 
-void SharedItemManager::saveItem(const SharedItem& item, const URL& fileUrl, Completion completion) {
-    const std::optional<URL> destination = destinationOf(item, completion);
+void SharedItemManager::saveItem(const SharedItem& item, const URL& fileUrl, Completion completion,
+                                 const SaveObserver& observer) {
+    const std::optional<URL> destination = destinationOf(item, completion, observer);
     if (!destination)
         return;
-    copyItem(fileUrl, *destination, nullptr,
-             [item, completion = std::move(completion)](const ErrorRef& error) {
-                 if (error)
-                     report(completion, error);
-                 else
-                     updateLedger(item, completion);
-             });
+    const auto recordAtEnd = [item, completion = std::move(completion), observer](const ErrorRef& error) {
+        if (error)
+            report(completion, error);
+        else
+            updateLedger(item, completion, observer);
+    };
+    copyItem(fileUrl, *destination, nullptr, recordAtEnd, observer);
 }
 
-void SharedItemManager::saveItem(const SharedItem& item, DataView data, const Completion& completion) {
-    const std::optional<URL> destination = destinationOf(item, completion);
+void SharedItemManager::saveItem(const SharedItem& item, DataView data, const Completion& completion,
+                                 const SaveObserver& observer) {
+    const std::optional<URL> destination = destinationOf(item, completion, observer);
     if (!destination)
         return;
     if (const ErrorRef error = FileManager::defaultManager().writeAtomically(data, *destination)) {
+        observer.tellEnd(SaveEnd::Kind::failed, error);
         report(completion, error);
         return;
     }
-    updateLedger(item, completion);
+    updateLedger(item, completion, observer);
 }
 
 } // namespace sela

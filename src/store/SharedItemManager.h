@@ -3,6 +3,7 @@
 #include "platform/foundation/Data.h"
 #include "platform/foundation/Error.h"
 #include "platform/foundation/URL.h"
+#include "store/SaveObserver.h"
 #include "store/SharedItem.h"
 
 #include <functional>
@@ -33,18 +34,24 @@ public:
     /// - twice, first with the error and then without: a ledger that cannot be decoded (it is set aside and a
     ///   fresh one holds this item), an item that cannot be encoded into a ledger that has others;
     /// - never: "Items" cannot be made, or the file is empty (an empty copy stays, unrecorded).
-    static void saveItem(const SharedItem& item, const URL& fileUrl, Completion completion);
+    ///
+    /// `observer` learns how far the copy is, and how it ended in each of these cases.
+    static void saveItem(const SharedItem& item, const URL& fileUrl, Completion completion,
+                         const SaveObserver& observer = {});
 
     /// Saves `data` under `item.fileName`, wholly on the calling thread: `completion` is called before the
     /// return, in the cases of the other form, or with the error of writing.
-    static void saveItem(const SharedItem& item, DataView data, const Completion& completion);
+    static void saveItem(const SharedItem& item, DataView data, const Completion& completion,
+                         const SaveObserver& observer = {});
 
     /// Copies a file on the global queue through one buffer of 2 MiB, replacing what `destination` held, and
     /// brings it to the disk. `progress` (which may be empty) comes on the main queue after each block and
     /// with 1.0 at the end; `completion` (which may be empty) after it, without an error once everything is
     /// on the disk, otherwise with the error of reading, writing or flushing; "failed to create stream" comes
-    /// on the background thread. Neither comes when the source is empty.
-    static void copyItem(const URL& source, const URL& destination, Progress progress, Completion completion);
+    /// on the background thread. Neither comes when the source is empty. `observer` is told of each block,
+    /// and of the end when it is not a success.
+    static void copyItem(const URL& source, const URL& destination, Progress progress, Completion completion,
+                         const SaveObserver& observer = {});
 };
 
 } // namespace sela

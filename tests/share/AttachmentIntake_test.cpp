@@ -2,7 +2,9 @@
 
 #include "share/ShareTest.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace sela {
 namespace {
@@ -32,19 +34,38 @@ protected:
         return std::make_shared<NSItemProvider>(std::vector<std::string>(), nullptr);
     }
 
+    /// A new intake for a request.
+    void begin(std::vector<std::shared_ptr<NSObject>> items) {
+        intake = std::make_shared<AttachmentIntake>();
+        intake->begin(std::make_shared<NSExtensionContext>(std::move(items)), 320);
+    }
+
     void share(std::vector<Provider> attachments) {
-        auto first = std::make_shared<NSExtensionItem>(std::move(attachments));
-        auto second = std::make_shared<NSExtensionItem>(
-            std::vector<Provider>{file("second item.jpg"), file("also there.jpg")});
-        intake->extensionContext =
-            std::make_shared<NSExtensionContext>(std::vector<std::shared_ptr<NSObject>>{first, second});
+        begin({std::make_shared<NSExtensionItem>(std::move(attachments)),
+               std::make_shared<NSExtensionItem>(
+                   std::vector<Provider>{file("second item.jpg"), file("also there.jpg")})});
     }
 
     void save() {
-        intake->currentAttachmentIndex = 0;
+        EXPECT_TRUE(intake->beginSaveRun());
         intake->saveAttachments(
             [this](const ErrorRef& error) { ends.push_back(error ? error->localizedDescription() : "ok"); });
         loop.runUntilIdle();
+    }
+
+    /// The state of a run, and of each attachment: "recorded", why it failed, or "-".
+    static std::string standing(const SaveRun& run) {
+        static const char* const states[] = {"waiting", "saving", "stuck", "ended"};
+        std::string text = states[static_cast<int>(run.state)];
+        const char* separator = ": ";
+        for (const AttachmentOutcome& outcome : run.outcomes) {
+            text += std::exchange(separator, ", ");
+            if (outcome.kind == AttachmentOutcome::Kind::recorded)
+                text += "recorded";
+            else
+                text += outcome.reason ? outcome.reason->localizedDescription() : "-";
+        }
+        return text;
     }
 
     static std::vector<std::string> recordedNames() {
@@ -62,7 +83,7 @@ TEST_F(AttachmentIntakeTest, ARequestWithoutAttachmentsHasNoneAndSavingEndsAtOnc
     EXPECT_EQ(intake->getItemsCount(), 0);
     save();
     for (const auto& items : lists) {
-        intake->extensionContext = std::make_shared<NSExtensionContext>(items);
+        begin(items);
         EXPECT_EQ(intake->getItemsCount(), 0);
         EXPECT_EQ(log.lines().back(), "getItemsCount count = 0");
         save();
@@ -100,10 +121,50 @@ TEST_F(AttachmentIntakeTest, TheFirstFailureEndsTheWalk) {
         names.emplace_back("a.jpg");
         EXPECT_THAT(ends, ElementsAre(error));
         EXPECT_EQ(recordedNames(), names) << error;
-        EXPECT_EQ(intake->currentAttachmentIndex, 1);
+        EXPECT_EQ(intake->currentAttachmentIndex(), 1);
+        EXPECT_EQ(standing(intake->saveRun()), std::string("ended: recorded, ") + error + ", -");
     }
     EXPECT_THAT(log.lines(), Contains("error: load: Permission denied"));
     EXPECT_THAT(log.lines(), Contains("saveItem, error: Unsupported file"));
+}
+
+TEST_F(AttachmentIntakeTest, TheRunTellsWhatBecameOfEachAttachmentWhereTheCompletionSaysLess) {
+    const Provider gone =
+        NSItemProvider::ofFile(URL::fileURL((home.path() / "source" / "gone.jpg").string()));
+    const std::string unencodable = "The item cannot be encoded: a text is not UTF-8";
+    const struct {
+        std::optional<std::string> ledger;
+        std::string album;
+        Provider first;
+        std::string standing;
+    } cases[] = {
+        {"{}", "A", file("empty.jpg", ""), "stuck: the file is empty, -"},
+        {"{}", "A", gone, "ended: open: No such file or directory, -"},
+        {"not JSON", "A", file("a.jpg"), "ended: recorded, recorded"},
+        {std::nullopt, "\xFF", file("a.jpg"), "ended: " + unencodable + ", " + unencodable},
+    };
+    for (const auto& [ledger, album, first, expected] : cases) {
+        EXPECT_FALSE(ledger ? sharedDefaults()->setData(sharedItemsKey, asData(*ledger))
+                            : sharedDefaults()->removeObject(sharedItemsKey));
+        share({first, file("b.jpg")});
+        intake->setSelectedAlbumName({album});
+        save();
+        EXPECT_EQ(standing(intake->saveRun()), expected);
+    }
+}
+
+TEST_F(AttachmentIntakeTest, TheRunTellsHowFarItIs) {
+    share({file("a.jpg", "four"), file("b.mov", std::string(5 << 20, 'x'))});
+    std::vector<std::string> told;
+    intake->setSaveObserver([&](const SaveRun& run) {
+        told.push_back(std::to_string(run.currentAttachmentIndex) + ": " + std::to_string(run.savedBytes) +
+                       " + " + std::to_string(run.copiedBytes) + " of " + std::to_string(run.currentSize));
+    });
+    save();
+    told.erase(std::unique(told.begin(), told.end()), told.end());
+    EXPECT_THAT(told,
+                ElementsAre("0: 0 + 0 of 0", "0: 0 + 4 of 4", "1: 4 + 0 of 0", "1: 4 + 2097152 of 5242880",
+                            "1: 4 + 4194304 of 5242880", "1: 4 + 5242880 of 5242880", "2: 5242884 + 0 of 0"));
 }
 
 TEST_F(AttachmentIntakeTest, AnAttachmentIsLoadedWithItsFirstTypeOnly) {
@@ -135,27 +196,25 @@ TEST_F(AttachmentIntakeTest, ThreePlacesAreLookedAtUpToAnAttachmentWithoutAType)
     EXPECT_EQ(finished, 0);
     loop.runUntilIdle();
     EXPECT_EQ(finished, 1);
-    EXPECT_EQ(intake->thumbnailCount, 3);
-    ASSERT_EQ(intake->thumbnails.size(), 1u);
-    EXPECT_EQ(intake->thumbnails.front().assetName(), "audiosmall");
+    EXPECT_EQ(intake->thumbnailCount(), 3);
+    ASSERT_EQ(intake->thumbnails().size(), 1u);
+    EXPECT_EQ(intake->thumbnails().front().assetName(), "audiosmall");
     EXPECT_THAT(log.lines(),
-                ElementsAre("loadThumbnails inputItems count = 2", "item[0]: fileName = a.mp3",
-                            "item[0]: typeIdentifier = public.mp3", "loadThumbnails inputItems count = 2",
-                            "error: load: Permission denied", "loadThumbnails inputItems count = 2",
-                            "loadThumbnails inputItems count = 2"));
+                ElementsAre("getItemsCount count = 5", "loadThumbnails inputItems count = 2",
+                            "item[0]: fileName = a.mp3", "item[0]: typeIdentifier = public.mp3",
+                            "loadThumbnails inputItems count = 2", "error: load: Permission denied",
+                            "loadThumbnails inputItems count = 2", "loadThumbnails inputItems count = 2"));
 
-    intake = std::make_shared<AttachmentIntake>();
     share({file("a.mp3"), untyped(), file("c.mp3")});
     intake->loadThumbnails([&] { ++finished; });
     loop.runUntilIdle();
     EXPECT_EQ(finished, 2);
-    EXPECT_EQ(intake->thumbnailCount, 1);
+    EXPECT_EQ(intake->thumbnailCount(), 1);
 }
 
 TEST_F(AttachmentIntakeTest, AWalkEndsSilentlyWhenItsOwnerIsGone) {
     share({file("a.jpg"), file("b.jpg")});
-    const std::shared_ptr<NSExtensionContext> context = intake->extensionContext;
-    intake->currentAttachmentIndex = 0;
+    EXPECT_TRUE(intake->beginSaveRun());
     intake->saveAttachments([this](const ErrorRef&) { ends.emplace_back("called"); });
     intake->loadThumbnails([this] { ends.emplace_back("called"); });
     intake.reset();

@@ -116,7 +116,7 @@ TEST_F(ShareFlow, WhatIsPastedBeforeAddJoinsTheRequest) {
     window->prepareFrame();
     EXPECT_EQ(title(), "Add 3 files to Default Album");
     EXPECT_EQ(view("imageViewContainer").bounds().size.height, 142);
-    EXPECT_EQ(screen().intake().thumbnailCount, 3);
+    EXPECT_EQ(screen().intake().thumbnailCount(), 3);
     EXPECT_TRUE(tap("addButton"));
     EXPECT_FALSE(screen().append({file("d.jpg")}));
     loop.advance(5);
@@ -144,9 +144,9 @@ TEST_F(ShareFlow, EveryOutcomeLooksLikeDoneAndEndsOnce) {
         EXPECT_THAT(ends, ElementsAre("completed"));
         EXPECT_EQ(recordedItems().size(), recorded) << attachments.size() << " attachments";
         // That of the file which is missing, not that of a ledger which was replaced.
-        const ErrorRef error = screen().saveError();
-        EXPECT_EQ(error != nullptr, recorded < attachments.size());
-        EXPECT_THAT(error ? error->localizedDescription() : "", Not(testing::HasSubstr("JSON")));
+        const AttachmentOutcome* const problem = screen().saveRun().firstProblem();
+        EXPECT_EQ(problem ? problem->reason->localizedDescription() : "none",
+                  recorded < attachments.size() ? "Unsupported file" : "none");
     }
     EXPECT_THAT(log.lines(), Not(Contains("NSExtensionContext: the request has ended already")));
 }

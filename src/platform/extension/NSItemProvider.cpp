@@ -16,19 +16,23 @@ ThreadPoolQueue& loadingQueue() {
     return *queue;
 }
 
-std::shared_ptr<NSItemProvider> providerOf(NSItemProvider::Item item, const std::string& typeIdentifier) {
+std::shared_ptr<NSItemProvider> providerOf(NSItemProvider::Item item, const std::string& typeIdentifier,
+                                           std::string suggestedName = {}) {
     return std::make_shared<NSItemProvider>(
         std::vector{typeIdentifier},
-        [item = std::move(item)](const std::string&) -> Result<NSItemProvider::Item> { return item; });
+        [item = std::move(item)](const std::string&) -> Result<NSItemProvider::Item> { return item; },
+        std::move(suggestedName));
 }
 
 } // namespace
 
-NSItemProvider::NSItemProvider(std::vector<std::string> typeIdentifiers, Loader loader)
-    : typeIdentifiers_(std::move(typeIdentifiers)), loader_(std::move(loader)) {}
+NSItemProvider::NSItemProvider(std::vector<std::string> typeIdentifiers, Loader loader,
+                               std::string suggestedName)
+    : typeIdentifiers_(std::move(typeIdentifiers)), loader_(std::move(loader)),
+      suggestedName_(std::move(suggestedName)) {}
 
 std::shared_ptr<NSItemProvider> NSItemProvider::ofFile(const URL& file) {
-    return providerOf(file, typeIdentifierOfFile(file));
+    return providerOf(file, typeIdentifierOfFile(file), file.lastPathComponent());
 }
 
 std::shared_ptr<NSItemProvider> NSItemProvider::ofImage(const UIImage& image) {

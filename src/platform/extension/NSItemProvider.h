@@ -26,7 +26,7 @@ public:
     /// Makes the item for one of the registered type identifiers; runs on the loading queue and may block.
     using Loader = std::function<Result<Item>(const std::string& typeIdentifier)>;
 
-    NSItemProvider(std::vector<std::string> typeIdentifiers, Loader loader);
+    NSItemProvider(std::vector<std::string> typeIdentifiers, Loader loader, std::string suggestedName = {});
 
     /// A provider of a file's URL under the type of its name, or of its content where the name tells nothing.
     static std::shared_ptr<NSItemProvider> ofFile(const URL& file);
@@ -43,6 +43,9 @@ public:
     /// The types, the one that tells most first; may be empty.
     const std::vector<std::string>& registeredTypeIdentifiers() const { return typeIdentifiers_; }
 
+    /// The file's name; empty for what has none.
+    const std::string& suggestedName() const { return suggestedName_; }
+
     /// Loads the item on the loading queue, one item of the process at a time and never on the main thread,
     /// and calls `completion` there, once: with the item, or with an error and no item.
     void loadItem(const std::string& typeIdentifier, CompletionHandler completion) const;
@@ -54,6 +57,7 @@ public:
 private:
     const std::vector<std::string> typeIdentifiers_;
     const Loader loader_;
+    const std::string suggestedName_;
 };
 
 } // namespace sela

@@ -24,10 +24,8 @@ std::function<void(const std::string&)>& redirectedSink() {
     return sink;
 }
 
-std::function<void(const std::string&)>& logPrinter() {
-    static std::function<void(const std::string&)> printer;
-    return printer;
-}
+/// Guarded by `sinkMutex`.
+bool isLogPrinted = true;
 
 bool isHarmful(char32_t c) {
     const bool control = c < 0x20 || (c >= 0x7F && c <= 0x9F);
@@ -50,6 +48,18 @@ std::string escape(char32_t c) {
         std::snprintf(buffer, sizeof buffer, "\\u%04x", static_cast<unsigned>(c));
         return buffer;
     }
+    }
+}
+
+void printToStandardError(std::string line) {
+    // One write per line, so that lines of two processes on one terminal do not mix.
+    line += '\n';
+    std::size_t written = 0;
+    while (written < line.size()) {
+        const ssize_t count = ::write(STDERR_FILENO, line.data() + written, line.size() - written);
+        if (count <= 0)
+            return;
+        written += static_cast<std::size_t>(count);
     }
 }
 
@@ -77,27 +87,13 @@ void NSLog(std::string_view text) {
         return;
     }
     ::syslog(LOG_USER | LOG_NOTICE, "%s", line.c_str());
-    if (logPrinter())
-        logPrinter()(line);
-    else
+    if (isLogPrinted)
         printToStandardError(line);
 }
 
-void printToStandardError(std::string line) {
-    // One write per line, so that lines of two processes on one terminal do not mix.
-    line += '\n';
-    std::size_t written = 0;
-    while (written < line.size()) {
-        const ssize_t count = ::write(STDERR_FILENO, line.data() + written, line.size() - written);
-        if (count <= 0)
-            return;
-        written += static_cast<std::size_t>(count);
-    }
-}
-
-void setLogPrinter(std::function<void(const std::string&)> print) {
+void setLogPrinted(bool printed) {
     const std::lock_guard lock(sinkMutex());
-    logPrinter() = std::move(print);
+    isLogPrinted = printed;
 }
 
 LogRedirection::LogRedirection(std::function<void(const std::string&)> sink) {

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "host/QtApplication.h"
+#include "host/ShareSession.h"
+#include "host/TerminalProgress.h"
+#include "platform/foundation/HeadlessMainLoop.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace sela {
+
+/// The extension without a window: its screens are kept in memory, and only the command line's steps touch
+/// them. On a terminal, a line says how far saving has come. Main thread only.
+class HeadlessRun {
+public:
+    /// `application` must outlive this; `totalSize` is what is known of the size of the files, in bytes.
+    HeadlessRun(QtApplication& application, const CommandLine& line,
+                std::shared_ptr<NSExtensionContext> context, std::int64_t totalSize);
+
+    /// Takes the steps and returns when nothing is under way any more. A request that is left then is
+    /// cancelled, or given up when a save run had begun.
+    RunResult run();
+
+private:
+    QtApplication& application_;
+    const double pixelsPerPoint_;
+    HeadlessMainLoop loop_;
+    ShareSession session_;
+    std::optional<TerminalProgress> progress_;
+};
+
+} // namespace sela

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "host/CommandLine.h"
+#include "host/DesktopAppearance.h"
+#include "host/LoadingGate.h"
+#include "host/ObservedMainQueue.h"
+#include "host/QtTextMeasurer.h"
+#include "host/ViewPainter.h"
+#include "platform/foundation/ScopedMainQueue.h"
+#include "platform/uikit/UIWindow.h"
+
+namespace sela {
+
+/// Everything in the process that the extension's screens take for granted, there as long as this object is:
+/// the main queue, the measurer of text, the screen and the direction of its layout, the desktop's appearance
+/// and accessibility, whether the log is printed, and the gate of loading. One at a time, on the main thread,
+/// while a `QtApplication` exists; whatever it holds is removed at its end.
+class HostScope {
+public:
+    /// `loop` becomes the main queue and must outlive this. With a window attachments are loaded only once
+    /// `loading` is opened.
+    HostScope(const CommandLine& line, DispatchQueue& loop);
+    ~HostScope();
+    HostScope(const HostScope&) = delete;
+    HostScope& operator=(const HostScope&) = delete;
+
+    ObservedMainQueue& queue() { return queue_; }
+    ViewPainter& painter() { return painter_; }
+    UIWindow& window() { return window_; }
+    LoadingGate& loading() { return loading_; }
+
+private:
+    void followDesktop();
+
+    ObservedMainQueue queue_;
+    ScopedMainQueue scopedQueue_;
+
+    /// Outlives the screens in the window, so that what it lets through finds them gone.
+    LoadingGate loading_;
+
+    QtTextMeasurer measurer_;
+    ViewPainter painter_;
+    DesktopAppearance appearance_;
+    UIWindow window_;
+};
+
+} // namespace sela

@@ -1,0 +1,69 @@
+#include "host/QtApplication.h"
+
+#include "host/ExitStatus.h"
+#include "platform/foundation/Bundle.h"
+#include "platform/foundation/NSLog.h"
+
+#include <QThreadPool>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace sela {
+
+namespace {
+
+/// Whether the QGuiApplication is being made, which Qt gives up with a fatal message and no return.
+bool isQtStarting = false;
+
+/// Qt says nothing on standard error, which holds the system's log lines, but why it cannot go on.
+void handleQtMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type != QtFatalMsg)
+        return;
+    if (!isQtStarting) {
+        std::fprintf(stderr, "sela-share: %s\n", escapedForLog(message.toStdString()).c_str());
+        return;
+    }
+    std::fputs(
+        "sela-share: the display cannot be opened; look at DISPLAY and WAYLAND_DISPLAY, or use --headless "
+        "with steps such as --tap addButton\n",
+        stderr);
+    std::_Exit(static_cast<int>(ExitStatus::badArguments));
+}
+
+void setEnvironment(const CommandLine& line) {
+    if (line.headless)
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Among fonts that share characters, as those of Chinese and Japanese do, the language of the texts
+    // decides.
+    QByteArray language = QByteArray::fromStdString(Bundle::main().preferredLocalization());
+    if (!language.isEmpty() && !qEnvironmentVariableIsSet("FC_LANG"))
+        qputenv("FC_LANG", language.replace('_', '-'));
+}
+
+/// The arguments of the QGuiApplication, which keeps the references: the program's name alone, since what
+/// the user wrote is not for Qt.
+int argumentCount = 1;
+char programName[] = "sela-share";
+char* arguments[] = {programName, nullptr};
+
+} // namespace
+
+QtApplication::QtApplication(const CommandLine& line) {
+    setEnvironment(line);
+    fonts_.emplace();
+    qInstallMessageHandler(handleQtMessage);
+    // Fonts have the size that the views ask for, whatever the display says about its resolution.
+    QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
+    isQtStarting = true;
+    application_.emplace(argumentCount, arguments);
+    isQtStarting = false;
+    // By this the desktop knows whose window it is.
+    QGuiApplication::setDesktopFileName(QStringLiteral("xyz.sela.share"));
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    // Qt shares every fill out among these threads; a third of a frame's time went into waking them.
+    QThreadPool::globalInstance()->setMaxThreadCount(1);
+    fonts_->beginList();
+}
+
+} // namespace sela

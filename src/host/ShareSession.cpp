@@ -1,0 +1,76 @@
+#include "host/ShareSession.h"
+
+#include "share/PrincipalClasses.h"
+
+#include <utility>
+
+namespace sela {
+
+ShareSession::ShareSession(const CommandLine& line, DispatchQueue& loop,
+                           std::shared_ptr<NSExtensionContext> context)
+    : line_(line), scope_(line, loop), context_(std::move(context)),
+      root_(makePrincipalViewController(principalClassName)) {
+    root_->setExtensionContext(context_);
+    root_->loadViewIfNeeded();
+    screen_ = shareScreenOf(*root_);
+    scope_.window().setRootViewController(root_);
+    context_->onEnd = [this](const ErrorRef& cancellation) { requestEnded(cancellation); };
+}
+
+ShareSession::~ShareSession() {
+    context_->onEnd = {};
+}
+
+void ShareSession::requestEnded(const ErrorRef& cancellation) {
+    // Pictures that come after the last step show the request's end, and may fail.
+    if (steps_)
+        steps_->requestEnded();
+    if (result_.status != ExitStatus::stepFailed)
+        result_.status = cancellation ? ExitStatus::cancelled : ExitStatus::completed;
+    if (endHandler_)
+        endHandler_();
+}
+
+void ShareSession::takeSteps(double pixelsPerPoint, std::function<void()> taken) {
+    if (line_.steps.empty())
+        return;
+    steps_ = std::make_unique<StepRunner>(StepRunner::Screen{scope_.window(), scope_.painter(),
+                                                             pixelsPerPoint, scope_.queue(),
+                                                             [this] { return screen_->areImagesShown(); }},
+                                          line_.steps);
+    steps_->start([this, taken = std::move(taken)](const std::optional<std::string>& failure) {
+        if (!failure) {
+            if (taken)
+                taken();
+            return;
+        }
+        result_.status = ExitStatus::stepFailed;
+        result_.problem = *failure;
+        if (context_->hasEnded())
+            *result_.problem += "; the request had ended before";
+        else
+            cancel(*failure);
+    });
+}
+
+void ShareSession::cancel(const std::string& why) {
+    if (!hasEnded())
+        context_->cancelRequestWithError(
+            std::make_shared<NSError>(NSCocoaErrorDomain, NSUserCancelledError, why));
+}
+
+void ShareSession::giveUp() {
+    if (hasEnded())
+        return;
+    result_.status = ExitStatus::cannotEnd;
+    if (endHandler_)
+        endHandler_();
+}
+
+RunResult ShareSession::result() const {
+    RunResult result = result_;
+    result.saveRun = screen_->saveRun();
+    return result;
+}
+
+} // namespace sela
