@@ -37,7 +37,7 @@ public:
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
 
-private slots:
+private Q_SLOTS:
     void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
 
 private:

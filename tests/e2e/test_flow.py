@@ -1,6 +1,7 @@
 """The whole flow through the built programs, headless by steps and in a real window; what cannot be shared is told and
 changes nothing."""
 
+import ctypes
 import os
 import shutil
 import socket
@@ -8,7 +9,7 @@ import subprocess
 import time
 import unittest
 
-from harness import HomeTest, Screen, WindowTest
+from harness import BIN, HomeTest, Screen, WindowTest
 
 BLOCK = 2 * 1024 * 1024
 
@@ -89,6 +90,28 @@ class Window(WindowTest):
         compared = subprocess.run(["compare", "-metric", "RMSE", picture, screenshot, "null:"],
                                   capture_output=True, text=True)
         self.assertLess(float(compared.stderr.split("(")[1].rstrip(")")), 0.02)
+
+
+class Lifetime(WindowTest):
+    def test_a_request_that_ends_before_a_frame_was_shown_ends_the_process(self):
+        # A window manager that shows no window.
+        x11 = ctypes.CDLL("libX11.so.6")
+        x11.XOpenDisplay.restype = ctypes.c_void_p
+        display = ctypes.c_void_p(x11.XOpenDisplay(self.environment["DISPLAY"].encode()))
+        x11.XDefaultRootWindow.restype = ctypes.c_ulong
+        substructure_redirect = 1 << 20
+        x11.XSelectInput(display, ctypes.c_ulong(x11.XDefaultRootWindow(display)), substructure_redirect)
+        x11.XSync(display, 0)
+        self.run_program("sela-share", self.write("photo.jpg", b"x"), "--tap-now", "cancelButton", expect=3)
+
+    def test_an_end_while_fonts_are_still_being_read_is_no_crash(self):
+        configuration = self.home / "fonts.conf"
+        os.mkfifo(configuration)
+        self.environment["FONTCONFIG_FILE"] = str(configuration)
+        process = self.start(BIN / "sela-share", "--paste")
+        time.sleep(0.5)
+        configuration.write_text("<fontconfig><dir>/usr/share/fonts</dir></fontconfig>")
+        self.assertEqual(process.wait(30), 64)
 
 
 class BadInput(HomeTest):
