@@ -86,7 +86,7 @@ class Screens(HomeTest):
 
     def test_dots_for_passcodes_of_every_length(self):
         text = ""
-        for passcode in ("", "1", "1234", "12345", "123456", "1234567"):
+        for passcode in ("", "1", "1234", "12345", "123456", "1234567", "\u0661\u0662\u0663\u0664\u0665\u0666"):
             self.put_setting("sharedPassword", passcode, "text")
             [file] = self.walk("passcode", [], {}, 1, KEYPAD).values()
             text += f"'{passcode}'\n" + "".join(

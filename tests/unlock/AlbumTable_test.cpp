@@ -48,27 +48,6 @@ protected:
     }
 };
 
-TEST_F(AlbumTableTest, RowsFoldAndUnfoldAndSayHowTheyStand) {
-    EXPECT_THAT(titles(), ElementsAre("A", "L", "C"));
-    toggle(0);
-    EXPECT_THAT(titles(), ElementsAre("A", "x", "y", "L", "C"));
-    const struct {
-        int section;
-        int row;
-        const char* value;
-    } rows[] = {
-        {0, 0, "Unlocked, Unfolded"}, {0, 1, "Unlocked"}, {1, 0, "Locked, Folded"}, {2, 0, "Unlocked"}};
-    for (const auto& [section, row, value] : rows) {
-        EXPECT_EQ(cell(section, row).accessibilityLabel(), cell(section, row).titleLabel().text());
-        EXPECT_EQ(cell(section, row).accessibilityValue(), value);
-    }
-    EXPECT_TRUE(isUnfolded(0));
-    EXPECT_FALSE(isUnfolded(1));
-    toggle(0);
-    EXPECT_FALSE(isUnfolded(0));
-    EXPECT_THAT(titles(), ElementsAre("A", "L", "C"));
-}
-
 TEST_F(AlbumTableTest, ALockedAlbumUnfoldsAfterItsPasswordAndStaysUnlocked) {
     toggle(1);
     auto* const check = dynamic_cast<SelaSharedAlbumPassCheck*>(&top());
