@@ -176,6 +176,10 @@ def described_pictures():
     for name, width, height in (("square", 320, 320), ("boasting", 640, 480)):
         thumbnail = (b"hvc1", data, [configuration, size_box(width, height)])
         write("thumbnail-%s.heic" % name, heif([picture, thumbnail], (b"thmb", 2, (1,))))
+    configuration, data = coded_picture(read("paper.heic"))
+    perceptual = box(b"colr", b"nclx" + struct.pack(">HHHB", 9, 16, 9, 0x80))
+    write("perceptual.heic", heif([(b"hvc1", data, [configuration, size_box(160, 120), perceptual])]))
+    configuration, data = coded_picture(read("tile-red.heic"))
     huge = (b"hvc1", b"", [configuration, size_box(16384, 12288)])
     write("huge.heic", heif([huge, picture], (b"thmb", 2, (1,))))
 
@@ -398,6 +402,29 @@ def picture_bombs():
     write("bomb-items.heic", many)
 
 
+def planar_frames(movie, width, height, frames):
+    """Turns the raw frames of a movie that is five pixels wider into frames of PackBits lines, which are as long."""
+    movie = bytearray(movie)
+    place = movie.index(b"raw ")
+    movie[place:place + 4] = b"8BPS"
+    struct.pack_into(">HH", movie, place + 28, width, height)
+    frame_size = (3 * (width + 5) + 1) // 2 * 2 * height
+    start = movie.index(b"mdat") + 4
+
+    def line(colours):
+        values = [colours[16 * x // width] if len(colours) == 16 else colours[2 * x // width] for x in range(width)]
+        parts = [values[x:x + 128] for x in range(0, width, 128)]
+        return b"".join(bytes([len(part) - 1] + part) for part in parts)
+
+    for number in range(frames):
+        upper = [255 * (number >> bit & 1) for bit in range(16)]
+        planes = [line(upper) * (height // 2) + line(lower) * (height - height // 2)
+                  for lower in ([255, 0], [0, 0], [0, 255])]
+        frame = struct.pack(">H", width + 3) * (3 * height) + b"".join(planes)
+        movie[start + number * frame_size:start + number * frame_size + len(frame)] = frame
+    return bytes(movie)
+
+
 def video_bombs():
     movie = read("second.mp4")
     most = 0xFFFFFFFF
@@ -435,6 +462,7 @@ def videos():
     for box in (b"tkhd",):
         struct.pack_into(">I", movie, movie.index(box) + 4 + 20, 0xFFFFFFF0)
     write("absurd.mp4", bytes(movie))
+    write("8bps.mov", planar_frames(read("planes.mov"), 320, 180, 10))
     video_bombs()
 
 

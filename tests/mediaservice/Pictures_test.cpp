@@ -123,6 +123,12 @@ TEST(Pictures, OfADNGAreItsSmallestPreviewThatIsLargeEnough) {
     EXPECT_EQ(quarters(*image->pixels()), "rgbw");
 }
 
+TEST(Pictures, OfAHighDynamicRangeShowPaperAsNearlyWhite) {
+    const auto image = UIImage::contentsOfFile(sample("perceptual.heic"), 40);
+    ASSERT_TRUE(image);
+    EXPECT_NEAR(pixelAt(*image->pixels(), 0.5, 0.5) >> 24, 225, 8); // stored as 148
+}
+
 TEST(Pictures, OfInksLookAsPrinted) {
     const auto image = UIImage::contentsOfFile(sample("cmyk.jpg"), largeEnough);
     ASSERT_TRUE(image);

@@ -47,13 +47,26 @@ TEST(Videos, GiveTheFrameOfATime) {
              Case{"minute.mp4", 14.65, 0, 146, 146},   // the frame that is shown then
              Case{"minute.mp4", 15.04, 0.1, 150, 150}, // key frame before
              Case{"minute.mp4", 14.93, 0.1, 150, 150}, // key frame after
-             Case{"minute.mp4", 59.95, 0.1, 599, 599}, Case{"minute.mp4", 0, 0, 0, 0},
-             Case{"fragmented.mp4", 14.65, 0.1, 146, 147}, Case{"second.mp4", 0.75, 0.1, 13, 17},
+             Case{"minute.mp4", 59.95, 0.1, 599, 599},
+             Case{"minute.mp4", 0, 0, 0, 0},
+             Case{"fragmented.mp4", 14.65, 0.1, 146, 147},
+             Case{"second.mp4", 0.75, 0.1, 13, 17},
              Case{"slow.mp4", 5.5, 0.1, 2, 2},  // a frame every two seconds
              Case{"slow.mp4", 19.9, 0.1, 9, 9}, // the last one is shown to the end
-             Case{"hevc.mov", 1.466, 0.1, 14, 15}, Case{"vp9.webm", 1.466, 0.1, 14, 15},
-             Case{"mpeg1.mpeg", 1.466, 0.1, 34, 39}, Case{"mpeg2.mpeg", 1.466, 0.1, 34, 39},
+             Case{"hevc.mov", 1.466, 0.1, 14, 15},
+             Case{"vp9.webm", 1.466, 0.1, 14, 15},
+             Case{"mpeg1.mpeg", 1.466, 0.1, 34, 39},
+             Case{"mpeg2.mpeg", 1.466, 0.1, 34, 39},
              Case{"cut-minute.mp4", 14.65, 0.1, 146, 147}, // before the cut
+             Case{"far.mp4", 19, 0.1, 473, 473},           // the first of the window, after 472 others
+             Case{"8bps.mov", 0.5, 0.1, 4, 6},
+             Case{"cinepak.mov", 0.5, 0.1, 4, 6},
+             Case{"dnxhd.mov", 0.5, 0.1, 4, 6},
+             Case{"mjpeg.mov", 0.5, 0.1, 4, 6},
+             Case{"png.mov", 0.5, 0.1, 4, 6},
+             Case{"qtrle.mov", 0.5, 0.1, 4, 6},
+             Case{"rawvideo.mov", 0.5, 0.1, 4, 6},
+             Case{"svq1.mov", 0.5, 0.1, 4, 6},
          }) {
         CMTime actual;
         const auto image = generator(each.name, each.tolerance)
@@ -74,8 +87,8 @@ TEST(Videos, WithoutAFrameWithinTheToleranceFail) {
         EXPECT_EQ(error->code(), AVErrorNoImageAtTime) << seconds;
     }
     EXPECT_FALSE(generator("cut-minute.mp4", 0.1).copyCGImageAtTime({50, 1}));
-    for (const char* name :
-         {"cut-second.mp4", "empty.mp4", "audio-only.mp4", "jpeg-named.mp4", "missing.mp4"})
+    for (const char* name : {"cut-second.mp4", "empty.mp4", "audio-only.mp4", "jpeg-named.mp4", "missing.mp4",
+                             "ffv1.mov"}) // whose codec no camera writes
         EXPECT_FALSE(generator(name, 0.1).copyCGImageAtTime(kCMTimeZero)) << name;
 }
 
@@ -124,6 +137,17 @@ TEST(Videos, OfEitherColourRangeShowBlackAndWhite) {
         const PixelBuffer& pixels = *image.value().pixels();
         EXPECT_LE(pixelAt(pixels, 0.5, 0.25) >> 24, 8U) << name;
         EXPECT_EQ(colourName(pixelAt(pixels, 0.25, 0.75)), 'r') << name;
+    }
+}
+
+TEST(Videos, OfAHighDynamicRangeShowPaperAsNearlyWhite) {
+    for (const char* name : {"smpte2084.mp4", "arib-std-b67.mp4"}) {
+        const auto image = generator(name, 0.1).copyCGImageAtTime(kCMTimeZero);
+        ASSERT_TRUE(image) << name;
+        const std::uint32_t pixel = pixelAt(*image.value().pixels(), 0.5, 0.5);
+        EXPECT_NEAR(pixel >> 24, 225, 8) << name;
+        EXPECT_NEAR(pixel >> 16 & 0xFF, pixel >> 24, 2) << name;
+        EXPECT_NEAR(pixel >> 8 & 0xFF, pixel >> 24, 2) << name;
     }
 }
 

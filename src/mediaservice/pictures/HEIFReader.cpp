@@ -3,6 +3,7 @@
 #include "mediaservice/pictures/AreaScaler.h"
 #include "mediaservice/pictures/HEIFReferences.h"
 #include "mediaservice/pictures/Premultiplication.h"
+#include "mediaservice/pictures/ToneMapping.h"
 #include "mediaservice/pictures/YCbCrConversion.h"
 
 #include <algorithm>
@@ -181,7 +182,22 @@ private:
 struct ScaledImage {
     PictureSize size;
     PixelBuffer pixels;
+    bool isSRGB = false; ///< whatever profile the image has
 };
+
+/// Brings pixels of a high dynamic range to sRGB; false when they are none.
+bool toneMap(PixelBuffer& pixels, const ColourCoding& coding) {
+    const auto colours = coding ? HDRColours::of(static_cast<int>(coding->transfer_characteristics),
+                                                 static_cast<int>(coding->color_primaries))
+                                : std::nullopt;
+    if (!colours)
+        return false;
+    std::vector<std::uint16_t> signals(pixels.bytes.size());
+    std::ranges::transform(pixels.bytes, signals.begin(),
+                           [](std::uint8_t value) { return static_cast<std::uint16_t>(value * 257); });
+    sela::toneMap(signals, *colours, pixels.bytes);
+    return true;
+}
 
 /// Scales the planes as they are and brings the few pixels that are left to RGB: half the memory and less
 /// time than a picture of RGB in full size.
@@ -214,7 +230,8 @@ std::optional<ScaledImage> readPlanes(const Handle& handle, int maximumSide) {
     const ColourCoding coding = colourCoding(handle, image.get());
     convertYCbCr(pixels.bytes, coding ? static_cast<int>(coding->matrix_coefficients) : 6,
                  !coding || coding->full_range_flag);
-    return ScaledImage{size, std::move(pixels)};
+    const bool isSRGB = toneMap(pixels, coding);
+    return ScaledImage{size, std::move(pixels), isSRGB};
 }
 
 /// Lets the library make RGB of rare kinds of pictures.
@@ -268,7 +285,8 @@ std::optional<DecodedPicture> readMain(const Handle& main, int maximumSide) {
         return std::nullopt;
     DecodedPicture picture;
     picture.pixels = std::move(image->pixels);
-    picture.profile = profileOf(main);
+    if (!image->isSRGB)
+        picture.profile = profileOf(main);
     return picture;
 }
 
@@ -279,6 +297,8 @@ std::optional<DecodedPicture> readThumbnail(const Handle& thumbnail, const Handl
         return std::nullopt;
     DecodedPicture picture;
     picture.pixels = std::move(image->pixels);
+    if (image->isSRGB)
+        return picture;
     picture.profile = profileOf(thumbnail);
     if (picture.profile.empty())
         picture.profile = profileOf(main);

@@ -1,16 +1,19 @@
 #include "mediaservice/videos/FrameConversion.h"
 
 #include "mediaservice/pictures/AreaScaler.h"
+#include "mediaservice/pictures/ToneMapping.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <memory>
+#include <vector>
 
 extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/display.h>
 #include <libavutil/frame.h>
+#include <libavutil/mastering_display_metadata.h>
 #include <libavutil/pixdesc.h>
 #include <libswscale/swscale.h>
 }
@@ -68,6 +71,36 @@ bool isFullRange(const AVFrame& frame) {
     }
 }
 
+/// The colours of a frame with a high dynamic range; absent for others.
+std::optional<HDRColours> hdrColours(const AVFrame& frame, const AVStream& track) {
+    const auto told = [](int own, int ofTrack) { return own != AVCOL_TRC_UNSPECIFIED ? own : ofTrack; };
+    auto colours = HDRColours::of(told(frame.color_trc, track.codecpar->color_trc),
+                                  told(frame.color_primaries, track.codecpar->color_primaries));
+    const auto* data = av_frame_get_side_data(&frame, AV_FRAME_DATA_MASTERING_DISPLAY_METADATA);
+    const auto* display = data ? reinterpret_cast<const AVMasteringDisplayMetadata*>(data->data) : nullptr;
+    if (colours && display && display->has_luminance && display->max_luminance.den > 0)
+        colours->peak = av_q2d(display->max_luminance);
+    return colours;
+}
+
+/// Scales the frame to `target` in pixels of `format`, into `rows` of so many bytes each; false when it
+/// cannot.
+bool scale(const AVFrame& frame, PictureSize target, AVPixelFormat format, std::uint8_t* rows, int rowSize) {
+    const bool smaller = target.width < frame.width || target.height < frame.height;
+    const std::unique_ptr<SwsContext, FreeScaler> scaler(sws_getContext(
+        frame.width, frame.height, static_cast<AVPixelFormat>(frame.format), target.width, target.height,
+        format, (smaller ? SWS_AREA : SWS_BICUBIC) | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, nullptr, nullptr,
+        nullptr));
+    if (!scaler)
+        return false;
+    constexpr int one = 1 << 16;
+    sws_setColorspaceDetails(scaler.get(), sws_getCoefficients(colourMatrix(frame)), isFullRange(frame),
+                             sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, one, one);
+    std::uint8_t* const planes[] = {rows, nullptr, nullptr, nullptr};
+    const int strides[] = {rowSize, 0, 0, 0};
+    return sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, planes, strides) > 0;
+}
+
 } // namespace
 
 std::optional<PixelBuffer> convertedFrame(const AVFrame& frame, const AVStream& track, int maximumSide) {
@@ -77,24 +110,18 @@ std::optional<PixelBuffer> convertedFrame(const AVFrame& frame, const AVStream& 
         !sws_isSupportedInput(format))
         return std::nullopt;
     const PictureSize target = fitted(size, maximumSide);
-    const bool smaller = target.width < frame.width || target.height < frame.height;
-    const std::unique_ptr<SwsContext, FreeScaler> scaler(
-        sws_getContext(frame.width, frame.height, format, target.width, target.height, AV_PIX_FMT_RGBA,
-                       (smaller ? SWS_AREA : SWS_BICUBIC) | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, nullptr,
-                       nullptr, nullptr));
-    if (!scaler)
-        return std::nullopt;
-    constexpr int one = 1 << 16;
-    sws_setColorspaceDetails(scaler.get(), sws_getCoefficients(colourMatrix(frame)), isFullRange(frame),
-                             sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, one, one);
-
     PixelBuffer pixels{target.width, target.height, {}};
     pixels.bytes.resize(std::size_t{4} * static_cast<std::size_t>(target.width) *
                         static_cast<std::size_t>(target.height));
-    std::uint8_t* const planes[] = {pixels.bytes.data(), nullptr, nullptr, nullptr};
-    const int strides[] = {4 * target.width, 0, 0, 0};
-    if (sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, planes, strides) <= 0)
+    if (const auto colours = hdrColours(frame, track)) {
+        std::vector<std::uint16_t> signals(pixels.bytes.size());
+        if (!scale(frame, target, AV_PIX_FMT_RGBA64, reinterpret_cast<std::uint8_t*>(signals.data()),
+                   8 * target.width))
+            return std::nullopt;
+        toneMap(signals, *colours, pixels.bytes);
+    } else if (!scale(frame, target, AV_PIX_FMT_RGBA, pixels.bytes.data(), 4 * target.width)) {
         return std::nullopt;
+    }
     // A cover has no use for the alpha that a few codecs carry.
     for (std::size_t i = 3; i < pixels.bytes.size(); i += 4)
         pixels.bytes[i] = 255;

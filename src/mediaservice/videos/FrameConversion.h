@@ -11,7 +11,8 @@ struct AVStream;
 namespace sela {
 
 /// A decoded frame as pixels in RGB, with square pixels, scaled so that no side is longer than `maximumSide`;
-/// its colour matrix and range are those that the frame tells. Absent when its format cannot be converted.
+/// its colour matrix and range are those that the frame tells, a high dynamic range is brought to the
+/// screen's. Absent when its format cannot be converted.
 std::optional<PixelBuffer> convertedFrame(const AVFrame& frame, const AVStream& track, int maximumSide);
 
 /// How the track's frames are to be turned and mirrored for display, to the nearest quarter turn.

@@ -1,5 +1,7 @@
 #include "mediaservice/videos/FrameReader.h"
 
+#include "mediaservice/videos/AllowedDecoders.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -29,15 +31,35 @@ struct FreeDecoder {
 };
 using Decoder = std::unique_ptr<AVCodecContext, FreeDecoder>;
 
-/// A decoder for the track; null when its codec is not read. It has one thread: for the frames up to the next
-/// one of a window, measured on a 4K video of 10 bits, a second one took 28 MiB more and saved no time.
-Decoder openDecoder(const AVStream& track) {
-    const AVCodec* codec = avcodec_find_decoder(track.codecpar->codec_id);
+// With more frames to decode than this, a second thread saves more time than its start takes.
+constexpr std::int64_t mostFramesOfOneThread = 16;
+
+/// The largest frame that is decoded by two threads, each of which holds frames of its own (4K).
+constexpr std::int64_t mostPixelsOfTwoThreads = std::int64_t{4096} * 2304;
+
+/// The decoder of a codec; null when it has none that is allowed.
+const AVCodec* allowedDecoder(AVCodecID codec) {
+    for (const char* name : allowedDecoders) {
+        const AVCodec* decoder = avcodec_find_decoder_by_name(name);
+        if (decoder && decoder->id == codec)
+            return decoder;
+    }
+    return nullptr;
+}
+
+int threadsFor(const AVStream& track, std::int64_t frames) {
+    const std::int64_t pixels = std::int64_t{track.codecpar->width} * track.codecpar->height;
+    return frames > mostFramesOfOneThread && pixels <= mostPixelsOfTwoThreads ? 2 : 1;
+}
+
+/// A decoder for about so many frames of the track; null when its codec is not read.
+Decoder openDecoder(const AVStream& track, std::int64_t frames) {
+    const AVCodec* codec = allowedDecoder(track.codecpar->codec_id);
     Decoder decoder(codec ? avcodec_alloc_context3(codec) : nullptr);
     if (!decoder || avcodec_parameters_to_context(decoder.get(), track.codecpar) < 0)
         return nullptr;
     decoder->pkt_timebase = track.time_base;
-    decoder->thread_count = 1;
+    decoder->thread_count = threadsFor(track, frames);
     decoder->max_pixels = mostPixels;
     return avcodec_open2(decoder.get(), codec, nullptr) == 0 ? std::move(decoder) : nullptr;
 }
@@ -176,9 +198,21 @@ Packet readEarlierKeyPacket(VideoFile& video, const FrameWindow& window) {
     return readKeyPacket(video, std::min(video.startTime(), window.from));
 }
 
+/// About how many frames are shown from `start` to the window.
+std::int64_t framesBefore(const FrameWindow& window, std::int64_t start, const AVStream& track) {
+    const AVRational rate = track.avg_frame_rate;
+    if (start == AV_NOPTS_VALUE || rate.num <= 0 || rate.den <= 0)
+        return 0;
+    return av_rescale_q(window.from - std::clamp(start, -VideoFile::farthestTime, VideoFile::farthestTime),
+                        track.time_base, av_inv_q(rate));
+}
+
 std::optional<ReadFrame> decode(VideoFile& video, const FrameWindow& window, Packet packet,
                                 bool keyFrameSuffices) {
-    Decoder decoder = packet ? openDecoder(video.track()) : nullptr;
+    if (!packet)
+        return std::nullopt;
+    const std::int64_t frames = keyFrameSuffices ? 1 : framesBefore(window, timeOf(*packet), video.track());
+    Decoder decoder = openDecoder(video.track(), frames);
     if (!decoder)
         return std::nullopt;
     return Walk(video, window, std::move(decoder), keyFrameSuffices).run(std::move(packet));

@@ -1,8 +1,11 @@
 #include "mediaservice/videos/VideoFile.h"
 
+#include "mediaservice/videos/AllowedDecoders.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <limits>
+#include <string>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -25,8 +28,13 @@ constexpr std::int64_t longestDuration = std::int64_t{30} * 24 * 3600; // second
 
 constexpr const char* containers =
     "mov,mp4,m4a,3gp,3g2,mj2,matroska,webm,mpeg,mpegvideo,mpegts,avi,h264,hevc";
-constexpr const char* codecs =
-    "h264,hevc,mpeg4,mpeg1video,mpeg2video,h263,vp8,vp9,libdav1d,mjpeg,prores,dvvideo";
+
+std::string commaSeparated(std::span<const char* const> names) {
+    std::string list;
+    for (const char* name : names)
+        list.append(list.empty() ? "" : ",").append(name);
+    return list;
+}
 
 } // namespace
 
@@ -76,7 +84,7 @@ bool VideoFile::openContainer() {
     container_->max_streams = mostTracks;
     AVDictionary* options = nullptr;
     av_dict_set(&options, "format_whitelist", containers, 0);
-    av_dict_set(&options, "codec_whitelist", codecs, 0);
+    av_dict_set(&options, "codec_whitelist", commaSeparated(allowedDecoders).c_str(), 0);
     // No protocol at all: a container can name no other file or address.
     av_dict_set(&options, "protocol_whitelist", "", 0);
     const int opened = avformat_open_input(&container_, nullptr, nullptr, &options);

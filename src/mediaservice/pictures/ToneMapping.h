@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace sela {
+
+/// The colours of a picture with a high dynamic range. Transfer and primaries are numbers of ITU-T H.273
+/// (tables 3 and 2), as films and HEIF files give them.
+struct HDRColours {
+    enum class Transfer { pq = 16, hlg = 18 }; ///< SMPTE ST 2084, ARIB STD-B67
+
+    Transfer transfer = Transfer::pq;
+    int primaries = 9;  ///< 9: BT.2020, 12: P3; others count as sRGB's
+    double peak = 1000; ///< the brightest that was meant to be seen, in candela per square metre
+
+    /// Absent for transfers of a common dynamic range.
+    static std::optional<HDRColours> of(int transfer, int primaries);
+};
+
+/// Brings pixels of red, green, blue and a fourth value that is kept, 16 bits each, to sRGB of 8 bits each:
+/// light up to that of white paper (203 cd/m2, ITU-R BT.2408) nearly as it is, what is brighter compressed
+/// below the screen's white (ITU-R BT.2390). Both hold as many values. Thread-safe.
+void toneMap(std::span<const std::uint16_t> from, const HDRColours& colours, std::span<std::uint8_t> to);
+
+} // namespace sela
