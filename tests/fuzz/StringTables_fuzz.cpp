@@ -1,4 +1,5 @@
 #include "fuzz/FuzzTarget.h"
+#include "platform/foundation/StringTable.h"
 #include "platform/uikit/NSAttributedString.h"
 
 #include <string>
@@ -19,8 +20,11 @@ std::vector<std::string> parts(std::string_view text) {
 
 } // namespace
 
-// Takes the first part of the input for a text of a string table and the others for what it is filled with.
+// Takes the input for a compiled table; then its first part for a text of a table and the others for what
+// that is filled with.
 void fuzz(sela::DataView input) {
+    if (const auto table = sela::StringTable::parse(input, "table"); !table)
+        require(table.error()->localizedDescription().starts_with("table is "));
     std::vector<std::string> arguments = parts(sela::asText(input));
     std::string expected = arguments.front();
     const sela::NSAttributedString text(expected);

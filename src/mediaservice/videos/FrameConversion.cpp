@@ -10,6 +10,7 @@
 #include <vector>
 
 extern "C" {
+#include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 #include <libavutil/display.h>
 #include <libavutil/frame.h>
@@ -58,6 +59,19 @@ int colourMatrix(const AVFrame& frame) {
     default:
         return SWS_CS_ITU601;
     }
+}
+
+/// How the track's pictures are to be turned, a matrix of nine numbers; null when it does not say.
+const std::int32_t* displayMatrix(const AVStream& track) {
+#if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(60, 31, 102) // FFmpeg 6.1
+    const AVCodecParameters& codec = *track.codecpar;
+    const AVPacketSideData* const found =
+        av_packet_side_data_get(codec.coded_side_data, codec.nb_coded_side_data, AV_PKT_DATA_DISPLAYMATRIX);
+    const std::uint8_t* const data = found ? found->data : nullptr;
+#else
+    const std::uint8_t* const data = av_stream_get_side_data(&track, AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+#endif
+    return reinterpret_cast<const std::int32_t*>(data);
 }
 
 bool isFullRange(const AVFrame& frame) {
@@ -129,8 +143,7 @@ std::optional<PixelBuffer> convertedFrame(const AVFrame& frame, const AVStream& 
 }
 
 Orientation displayOrientation(const AVStream& track) {
-    const auto* matrix = reinterpret_cast<const std::int32_t*>(
-        av_stream_get_side_data(&track, AV_PKT_DATA_DISPLAYMATRIX, nullptr));
+    const std::int32_t* const matrix = displayMatrix(track);
     if (!matrix)
         return Orientation::up;
     // Rows of the matrix say where the frame's horizontal (a, b) and vertical (c, d) axes point on the

@@ -79,7 +79,12 @@ std::int64_t timeOf(const AVFrame& frame, std::int64_t expected) {
 }
 
 std::int64_t durationOf(const AVFrame& frame) {
-    return std::clamp<std::int64_t>(frame.pkt_duration, 0, VideoFile::farthestTime);
+#if LIBAVUTIL_VERSION_INT >= AV_VERSION_INT(57, 30, 100) // FFmpeg 6
+    const std::int64_t duration = frame.duration;
+#else
+    const std::int64_t duration = frame.pkt_duration;
+#endif
+    return std::clamp<std::int64_t>(duration, 0, VideoFile::farthestTime);
 }
 
 /// Decodes from the packet at hand until a frame of the window comes out.

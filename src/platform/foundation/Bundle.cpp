@@ -1,17 +1,18 @@
 #include "platform/foundation/Bundle.h"
 
-#include <array>
+#include "platform/foundation/FileManager.h"
+#include "platform/foundation/NSLog.h"
+
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <libintl.h>
-#include <locale.h>
 #include <system_error>
 
 namespace sela {
 
 namespace {
 
-constexpr const char* tableName = "sela-share";
+constexpr std::int64_t maximumTableSize = 1 << 20;
 
 std::string environmentValue(const char* variable) {
     const char* const value = std::getenv(variable);
@@ -25,21 +26,37 @@ std::string messageLocale() {
     return "C";
 }
 
-/// The languages that the environment asks for, in the form of $LANGUAGE; empty when it asks for none.
-std::string preferredLanguages() {
+/// The locales that the environment asks for, in the form of $LANGUAGE; empty when it asks for none.
+std::string preferredLocales() {
     const std::string locale = messageLocale();
     if (locale == "C" || locale == "POSIX")
         return "";
-    if (std::string languages = environmentValue("LANGUAGE"); !languages.empty())
-        return languages;
+    if (std::string locales = environmentValue("LANGUAGE"); !locales.empty())
+        return locales;
     return locale.starts_with("C.") ? "" : locale;
 }
 
-/// A locale in which tables are looked up. The plain "C" locale, which a machine without language settings is
-/// in, has none even for English; this one is part of the C library.
-locale_t lookupLocale() {
-    static const locale_t locale = ::newlocale(LC_ALL_MASK, "C.UTF-8", nullptr);
-    return locale;
+/// The tables that serve a locale, "language[_TERRITORY][.codeset][@modifier]", the most special first.
+std::vector<std::string> localizations(std::string_view locale) {
+    const std::string_view modifier = locale.substr(std::min(locale.find('@'), locale.size()));
+    const std::string_view place = locale.substr(0, std::min(locale.find_first_of(".@"), locale.size()));
+    const std::string_view language = place.substr(0, std::min(place.find('_'), place.size()));
+    std::vector<std::string> names;
+    for (const std::string_view suffix : {modifier, std::string_view()})
+        for (const std::string_view name : {place, language})
+            names.push_back(std::string(name) + std::string(suffix));
+    return names;
+}
+
+/// Names of tables in the order in which a text is looked for, each once.
+std::vector<std::string> preferredLocalizations() {
+    std::vector<std::string> names;
+    std::string locales = preferredLocales() + ":en:";
+    for (std::size_t end; (end = locales.find(':')) != std::string::npos; locales.erase(0, end + 1))
+        for (std::string& name : localizations(std::string_view(locales).substr(0, end)))
+            if (std::ranges::find(names, name) == names.end())
+                names.push_back(std::move(name));
+    return names;
 }
 
 } // namespace
@@ -48,10 +65,23 @@ Bundle::Bundle() {
     std::error_code error;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
     resourcePath_ = (program.parent_path().parent_path() / "share").string();
-    const std::string languages = preferredLanguages();
-    ::setenv("LANGUAGE", languages.empty() ? "en" : (languages + ":en").c_str(), 1);
-    ::bindtextdomain(tableName, (resourcePath_ + "/locale").c_str());
-    ::bind_textdomain_codeset(tableName, "UTF-8");
+    for (const std::string& name : preferredLocalizations())
+        addTable(name);
+}
+
+void Bundle::addTable(const std::string& language) {
+    const std::string path = resourcePath_ + "/locale/" + language + "/LC_MESSAGES/sela-share.mo";
+    FileManager& files = FileManager::defaultManager();
+    // Most languages that are asked for have no table, which is nobody's mistake.
+    if (!isSinglePathComponent(language) || !files.fileExists(path))
+        return;
+    const Result<Data> content = files.contentsOfFile(path, maximumTableSize);
+    Result<StringTable> table = content ? StringTable::parse(content.value(), path) : content.error();
+    if (!table)
+        return NSLog("Bundle: " + table.error()->localizedDescription());
+    if (tables_.empty())
+        preferredLocalization_ = language;
+    tables_.push_back(std::move(table.value()));
 }
 
 const Bundle& Bundle::main() {
@@ -59,23 +89,11 @@ const Bundle& Bundle::main() {
     return bundle;
 }
 
-std::string Bundle::preferredLocalization() const {
-    constexpr std::string_view field = "\nLanguage: ";
-    // The text of the empty key is the table's header.
-    const std::string header = "\n" + localizedString("");
-    const std::size_t found = header.find(field);
-    if (found == std::string::npos)
-        return "";
-    const std::size_t start = found + field.size();
-    return header.substr(start, header.find('\n', start) - start);
-}
-
 std::string Bundle::localizedString(std::string_view key) const {
-    const std::string terminated(key);
-    const locale_t previous = ::uselocale(lookupLocale());
-    const std::string text = ::dgettext(tableName, terminated.c_str());
-    ::uselocale(previous);
-    return text;
+    for (const StringTable& table : tables_)
+        if (const auto text = table.text(key))
+            return std::string(*text);
+    return std::string(key);
 }
 
 } // namespace sela

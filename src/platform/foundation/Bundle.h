@@ -1,14 +1,15 @@
 #pragma once
 
+#include "platform/foundation/StringTable.h"
+
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace sela {
 
-/// The resources of the program that stand beside it: its string tables.
-///
-/// `main` must be asked for the first time before the process has a second thread, since it settles the
-/// languages in the environment; afterwards every thread may use it.
+/// The resources of the program that stand beside it: its string tables. Any thread may use it; the languages
+/// are those that the environment asks for when `main` is first called.
 class Bundle {
 public:
     static const Bundle& main();
@@ -16,11 +17,11 @@ public:
     /// The text of a key in the user's language, chosen as gettext does: $LC_ALL, $LC_MESSAGES or $LANG, the
     /// first of them that is set, names it, and where that is not the plain "C" or "POSIX", $LANGUAGE may
     /// list several instead. The first of them whose table has the key gives the text, then English, then the
-    /// key itself.
+    /// key itself. No locale need be installed for it. A damaged table is logged and passed over.
     std::string localizedString(std::string_view key) const;
 
     /// The language of the first of those tables, such as "de" or "zh_CN"; empty where no table is found.
-    std::string preferredLocalization() const;
+    const std::string& preferredLocalization() const { return preferredLocalization_; }
 
     /// The folder of the shared resources, `../share` seen from the program's own folder: the same in a build
     /// tree and where the program is installed.
@@ -28,8 +29,11 @@ public:
 
 private:
     Bundle();
+    void addTable(const std::string& language);
 
     std::string resourcePath_;
+    std::string preferredLocalization_;
+    std::vector<StringTable> tables_;
 };
 
 } // namespace sela

@@ -22,6 +22,7 @@ TEST(BundleDeathTest, TheEnvironmentChoosesTheLanguageAndTextsFallBackToEnglishA
         {{}, "Cancel", english},
         {{{"LANG", "de_DE.UTF-8"}}, "Cancel", german},
         {{{"LANG", "zh_CN.UTF-8"}}, "Cancel", "^zh_CN: "},
+        {{{"LANG", "de_AT@euro"}}, "Cancel", german},
         {{{"LANG", "fr_FR"}, {"LC_MESSAGES", "de_AT.UTF-8"}}, "Cancel", german},
         {{{"LANG", "de_DE"}, {"LC_MESSAGES", "de"}, {"LC_ALL", "fr_CA.UTF-8"}}, "Cancel", french},
         {{{"LANG", "de_DE"}, {"LANGUAGE", "tlh:fr:de"}}, "Cancel", french},
