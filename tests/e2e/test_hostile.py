@@ -287,12 +287,14 @@ class Privacy(HostileTest):
 
     def test_each_side_shows_nothing_of_the_other(self):
         self.provision(passcode="918273", decoy="645342")
-        photo, tree = self.write("a.jpg", b"x"), self.home / "tree.json"
+        photo, locked, tree = self.write("a.jpg", b"x"), self.home / "locked.json", self.home / "tree.json"
         vault, decoy = {"Family", "Trips", "Private"}, {"Recipes"}
         for passcode, own, other in [("918273", vault, decoy), ("645342", decoy, vault)]:
-            result = self.share("--tap", "albumButton", "--type", passcode, "--tree", tree, "--tap", "row:0:0",
-                                "--tap", "addButton", photo)
+            result = self.share("--tap", "albumButton", "--tree", locked, "--type", passcode, "--tree", tree,
+                                "--tap", "row:0:0", "--tap", "addButton", photo)
             text = tree.read_text()
+            for name in vault | decoy:
+                self.assertNotIn(name, locked.read_text())
             for name in own:
                 self.assertIn(f'"{name}"', text)
             for name in other:

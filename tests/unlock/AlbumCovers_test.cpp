@@ -48,7 +48,7 @@ TEST_F(AlbumCoversTest, NoFrameWaitsForACoverAndAKnownOneIsThereAtOnce) {
     publishAlbums({covered("A", "a.jpg")});
     publishPasscode("1");
     openPicker();
-    EXPECT_EQ(thumbnail(0), "none") << "nothing is decoded behind the keypad";
+    EXPECT_EQ(table().cellCount(), 0U) << "there are no rows behind the keypad";
     picker_->onKeyTouched(button("button1"));
     window_.prepareFrame();
     EXPECT_EQ(thumbnail(0), "none");

@@ -30,6 +30,15 @@ void UITableView::setSeparatorStyle(SeparatorStyle style) {
         cell->setShowsSeparator(style == SeparatorStyle::singleLine);
 }
 
+void UITableView::setHidden(bool hidden) {
+    if (hidden == isHidden())
+        return;
+    UIScrollView::setHidden(hidden);
+    if (hidden)
+        recycleAll();
+    setNeedsLayout();
+}
+
 void UITableView::registerCellFactory(const std::string& identifier, CellFactory factory) {
     factories_[identifier] = std::move(factory);
 }
@@ -213,7 +222,7 @@ void UITableView::updateVisibleCells() {
     loadIfNeeded();
     int first = 0;
     int end = 0;
-    if (rowHeight_ > 0 && !bounds().isEmpty()) {
+    if (rowHeight_ > 0 && !bounds().isEmpty() && !isHidden()) {
         const auto limited = [&](double row) {
             return static_cast<int>(std::clamp<double>(row, 0, rowCount_));
         };

@@ -16,8 +16,8 @@
 namespace sela {
 
 /// A scrolling list of rows of one height in sections (plain style, no headers). Only the rows in view have
-/// cells, and a cell that scrolls out of view serves again; a reload costs time in the number of sections,
-/// and scrolling in the number of visible rows. Main thread only.
+/// cells (none while the table is hidden), and a cell that scrolls out of view serves again; a reload costs
+/// time in the number of sections, and scrolling in the number of visible rows. Main thread only.
 class UITableView : public UIScrollView {
 public:
     enum class Style { plain };
@@ -66,7 +66,7 @@ public:
     int numberOfRows(int section);
     double rowHeight();
 
-    /// The cell in view for a row; null when the row is out of view.
+    /// The cell in view for a row; null when the row is out of view or the table hidden.
     UITableViewCell* cellForRow(const IndexPath& indexPath);
 
     /// The rows in view, in order.
@@ -90,6 +90,7 @@ public:
     /// Cells that exist now, in view or kept for reuse.
     std::size_t cellCount() const { return cells_.size(); }
 
+    void setHidden(bool hidden) override;
     void layoutSubviews() override;
     void touchesBegan(const UITouch& touch) override;
     void touchesMoved(const UITouch& touch) override;

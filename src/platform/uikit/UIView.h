@@ -153,7 +153,7 @@ public:
     // Looks
 
     bool isHidden() const { return hidden_; }
-    void setHidden(bool hidden);
+    virtual void setHidden(bool hidden);
 
     /// 0 (invisible) to 1, for the view and everything in it.
     double alpha() const { return alpha_; }
