@@ -66,16 +66,6 @@ class Names(HostileTest):
         contents = sorted((album / name).read_bytes() for name in os.listdir(album))
         self.assertEqual(contents, sorted(b"%d" % number for number in range(len(NAMES))))
 
-    def test_that_are_wrong_are_told_without_harm(self):
-        for arguments in [["missing\x1b[31m\u202e.jpg"], ["--\x1b[31m"], ["--scale", "\x1b[31m"],
-                          ["ftp://\x1b[31m/\u202e.jpg"]]:
-            self.share(*arguments, expect=64)
-        for arguments in [["--tap", "\x1b[31m"], ["--snapshot", "/missing/\x1b[31m.png"], ["--tree", "/missing/\u202e"]]:
-            self.share(*arguments, expect=65)
-        for arguments in [["\x1b[31m"], ["publish", "\x1b[31m", "x"], ["import", "\u202e"]]:
-            self.vault(*arguments, expect=64)
-        self.vault("publish", "missing\x1b[31m", expect=1)
-
 
 class SomebodyElsesGroup(HostileTest):
     EVIL = "\x1b[31m\u202e\u009b\n../../evil"
