@@ -106,8 +106,11 @@ bool SelaShareExtensionVc::append(const NSExtensionItem::Attachments& attachment
 void SelaShareExtensionVc::showThumbnails() {
     const std::vector<UIImage>& thumbnails = intake_->thumbnails();
     UIImageView* const frames[] = {&imageView1_, &imageView2_, &imageView3_};
-    for (std::size_t i = 0; i < std::min(thumbnails.size(), std::size(frames)); ++i)
+    for (std::size_t i = 0; i < std::min(thumbnails.size(), std::size(frames)); ++i) {
         frames[i]->setImage(thumbnails[i]);
+        // Else the frame's own shadow would show through a picture that is partly transparent.
+        frames[i]->setBackgroundColor(UIColor::named("AppCard"));
+    }
     thumbnailsShown_ = true;
 }
 
