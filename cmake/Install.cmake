@@ -63,17 +63,19 @@ function(sela_install_compressed file folder)
   set(compressed_files ${compressed_files} ${compressed} PARENT_SCOPE)
 endfunction()
 
-sela_install_compressed(${resources}/man/sela-share.1 share/man/man1)
-sela_install_compressed(${resources}/man/sela-vault.1 share/man/man1)
+set(manuals ${CMAKE_BINARY_DIR}/manuals)
+sela_install_compressed(${manuals}/sela-share.1 share/man/man1)
+sela_install_compressed(${manuals}/sela-vault.1 share/man/man1)
 sela_install_compressed(${resources}/man/sela-media.8 share/man/man8)
 sela_install_compressed(${resources}/package/changelog share/doc/sela-share)
 add_custom_target(sela_compressed ALL DEPENDS ${compressed_files})
+add_dependencies(sela_compressed sela_manuals)
 
 foreach(program sela-share sela-vault)
-  install(FILES ${resources}/completions/${program}.bash
+  install(FILES ${manuals}/${program}.bash
           DESTINATION share/bash-completion/completions RENAME ${program})
-  install(FILES ${resources}/completions/${program}.fish DESTINATION share/fish/vendor_completions.d)
-  install(FILES ${resources}/completions/_${program} DESTINATION share/zsh/vendor-completions)
+  install(FILES ${manuals}/${program}.fish DESTINATION share/fish/vendor_completions.d)
+  install(FILES ${manuals}/_${program} DESTINATION share/zsh/vendor-completions)
 endforeach()
 
 install(FILES README.md ${resources}/package/copyright DESTINATION share/doc/sela-share)

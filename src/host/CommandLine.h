@@ -1,8 +1,9 @@
 #pragma once
 
+#include "platform/foundation/Error.h"
+
 #include <optional>
 #include <string>
-#include <variant>
 #include <vector>
 
 namespace sela {
@@ -51,12 +52,8 @@ struct CommandLine {
     bool version = false;
     std::vector<Step> steps;
 
-    /// Reads the arguments behind the program's name. The other alternative is a line that says what is wrong
-    /// with them.
-    static std::variant<CommandLine, std::string> parse(const std::vector<std::string>& arguments);
-
-    /// What --help prints.
-    static std::string usage();
+    /// Reads the arguments behind the program's name. The error says in one line what is wrong with them.
+    static Result<CommandLine> parse(const std::vector<std::string>& words);
 };
 
 } // namespace sela

@@ -1,6 +1,7 @@
 #include "host/CommandLine.h"
 #include "host/HeadlessRun.h"
 #include "host/MimeAttachments.h"
+#include "host/ShareOptions.h"
 #include "host/ShareRequest.h"
 #include "host/ShareWindow.h"
 #include "host/WindowedRun.h"
@@ -122,11 +123,11 @@ int main(int argc, char** argv) {
     ::umask(077);
     sela::Bundle::main();
     const auto parsed = sela::CommandLine::parse(std::vector<std::string>(argv + 1, argv + argc));
-    if (const auto* const problem = std::get_if<std::string>(&parsed))
-        return misuse(*problem);
-    const auto& line = std::get<sela::CommandLine>(parsed);
+    if (!parsed)
+        return misuse(parsed.error()->localizedDescription());
+    const sela::CommandLine& line = parsed.value();
     if (line.help)
-        return std::fputs(sela::CommandLine::usage().c_str(), stdout) < 0;
+        return std::fputs(sela::helpText(sela::shareOptions()).c_str(), stdout) < 0;
     if (line.version)
         return std::puts("sela-share " SELA_VERSION) < 0;
     return share(line);

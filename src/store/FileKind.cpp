@@ -32,4 +32,11 @@ FileKind fileKind(std::string_view fileName) {
     return FileKind::other;
 }
 
+std::vector<std::string_view> keptExtensions() {
+    std::vector<std::string_view> all(imageExtensions.begin(), imageExtensions.end());
+    all.insert(all.end(), videoExtensions.begin(), videoExtensions.end());
+    all.insert(all.end(), audioExtensions.begin(), audioExtensions.end());
+    return all;
+}
+
 } // namespace sela

@@ -20,7 +20,7 @@ namespace {
 constexpr std::int64_t largestCatalogue = 256 << 20;
 constexpr std::int64_t largestCover = 64 << 20;
 
-void append(std::vector<std::string>& lines, std::vector<std::string> more) {
+void append(PublicationWarnings& lines, std::vector<std::string> more) {
     lines.insert(lines.end(), std::move_iterator(more.begin()), std::move_iterator(more.end()));
 }
 
@@ -29,7 +29,7 @@ ErrorRef notProvisioned() {
 }
 
 /// Checks what is published together with what stays, and adds to the warnings.
-ErrorRef checkPasscodes(const Publication& publication, std::vector<std::string>& warnings) {
+ErrorRef checkPasscodes(const Publication& publication, PublicationWarnings& warnings) {
     if (!publication.passcode && !publication.decoyPasscode)
         return nullptr;
     const auto vault = publication.passcode ? publication.passcode : SharedAlbumManager::sharedPassword();
@@ -43,7 +43,7 @@ ErrorRef checkPasscodes(const Publication& publication, std::vector<std::string>
 }
 
 /// The names of covers that can be files' names; a warning for each other one.
-std::set<std::string> coverNames(const std::vector<SharedAlbum>& albums, std::vector<std::string>& warnings) {
+std::set<std::string> coverNames(const std::vector<SharedAlbum>& albums, PublicationWarnings& warnings) {
     std::set<std::string> names;
     for (const SharedAlbum& album : albums) {
         if (!album.thumbNailName)
@@ -57,14 +57,14 @@ std::set<std::string> coverNames(const std::vector<SharedAlbum>& albums, std::ve
 }
 
 void warnOfMissingCovers(const std::set<std::string>& names, const URL& folder,
-                         std::vector<std::string>& warnings) {
+                         PublicationWarnings& warnings) {
     for (const std::string& name : names)
         if (!FileManager::defaultManager().fileExists(folder.appendingPathComponent(name).path()))
             warnings.push_back("cover " + name + ": not published; give its folder with --covers");
 }
 
 ErrorRef copyCovers(const std::set<std::string>& names, const URL& from, const URL& to,
-                    std::vector<std::string>& warnings) {
+                    PublicationWarnings& warnings) {
     FileManager& files = FileManager::defaultManager();
     for (const std::string& name : names) {
         const Result<Data> cover =
@@ -121,7 +121,7 @@ ErrorRef provisionGroup() {
     return nullptr;
 }
 
-ErrorRef publish(const Publication& publication, std::vector<std::string>& warnings) {
+Result<PublicationWarnings> publish(const Publication& publication) {
     const std::optional<URL> container = sharedFolderUrl();
     if (!container)
         return notProvisioned();
@@ -132,6 +132,7 @@ ErrorRef publish(const Publication& publication, std::vector<std::string>& warni
     const Result<std::vector<SharedAlbum>> albums = decodeJSONArray<SharedAlbum>(catalogue.value());
     if (!albums)
         return albums.error();
+    PublicationWarnings warnings;
     if (ErrorRef problem = problemWithPasswords(albums.value()))
         return problem;
     if (ErrorRef problem = checkPasscodes(publication, warnings))
@@ -150,7 +151,10 @@ ErrorRef publish(const Publication& publication, std::vector<std::string>& warni
     }
     if (ErrorRef error = store(publication, catalogue.value()))
         return error;
-    return publication.coversFolder ? removeOtherCovers(covers, coversFolder) : nullptr;
+    if (publication.coversFolder)
+        if (ErrorRef error = removeOtherCovers(covers, coversFolder))
+            return error;
+    return warnings;
 }
 
 } // namespace sela

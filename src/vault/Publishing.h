@@ -21,12 +21,14 @@ struct Publication {
     std::optional<std::string> coversFolder;
 };
 
+/// A line for each cover that an album names and that is not there, and for what the picker will not show.
+using PublicationWarnings = std::vector<std::string>;
+
 /// Publishes a catalogue with its covers and passcodes: the covers first, then the rest in one step, so that
 /// an extension never sees a catalogue without its covers. Nothing of the settings changes when there is an
 /// error: the catalogue cannot be decoded, a passcode or password breaks the rules (`PublicationRules.h`), or
 /// something cannot be read or written. With a folder of covers, covers that no album names any more are
-/// removed at the end. `warnings` gets a line for each cover that an album names and that is not there, and
-/// for what the picker will not show.
-ErrorRef publish(const Publication& publication, std::vector<std::string>& warnings);
+/// removed at the end.
+Result<PublicationWarnings> publish(const Publication& publication);
 
 } // namespace sela

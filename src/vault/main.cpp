@@ -1,43 +1,27 @@
+#include "commandline/Arguments.h"
 #include "platform/foundation/Dumpable.h"
+#include "platform/foundation/FatalError.h"
 #include "platform/foundation/Heap.h"
 #include "platform/foundation/NSLog.h"
 #include "vault/Import.h"
 #include "vault/Listing.h"
 #include "vault/PasscodeFile.h"
 #include "vault/Publishing.h"
+#include "vault/VaultOptions.h"
 
 #include <csignal>
 #include <cstdio>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <sys/stat.h>
 #include <sysexits.h>
+#include <utility>
 #include <vector>
 
 namespace {
 
-using Arguments = std::vector<std::string>;
-
-constexpr const char* usage = R"(Usage: sela-vault COMMAND
-
-The companion of the main application: shares its group with sela-share.
-
-  init                              make the group's container
-  publish CATALOGUE.json            publish albums for sela-share to offer
-      [--passcode-file F]           the vault passcode, from a file or from - (standard input)
-      [--decoy-passcode-file F]     the decoy passcode
-      [--covers DIR]                the folder with the albums' covers
-  albums                            list the published albums
-  ledger [--json]                   list what was shared and waits for the import
-  import --into DIR                 move what was shared into DIR/vault and DIR/decoy
-      [--keep]                      copy, and leave the ledger as it is
-      [--prune]                     remove files that no entry knows, a day after they were left
-
-Exit status:
-  0    done
-  1    something could not be done; standard error says what
-  64   bad arguments
-)";
+using sela::Arguments;
 
 int fail(const std::string& message) {
     std::fprintf(stderr, "sela-vault: %s\n", sela::escapedForLog(message).c_str());
@@ -61,40 +45,21 @@ int print(const sela::Result<std::string>& text) {
     return std::fflush(stdout) == 0 ? EXIT_SUCCESS : fail(std::string("standard output cannot be written"));
 }
 
-/// Takes an option, and its value where it has one, out of the arguments.
-bool takeFlag(Arguments& arguments, const std::string& flag) {
-    return std::erase(arguments, flag) > 0;
-}
-
-std::optional<std::string> takeOption(Arguments& arguments, const std::string& option) {
-    for (std::size_t i = 0; i + 1 < arguments.size(); ++i) {
-        if (arguments[i] != option)
-            continue;
-        const std::string value = arguments[i + 1];
-        const auto start = arguments.begin() + static_cast<std::ptrdiff_t>(i);
-        arguments.erase(start, start + 2);
-        return value;
-    }
-    return std::nullopt;
-}
-
-int init(const Arguments& arguments) {
-    if (!arguments.empty())
-        return misuse("init takes no arguments");
+int init(const Arguments&) {
     const sela::ErrorRef error = sela::provisionGroup();
     return error ? fail(error) : EXIT_SUCCESS;
 }
 
-int publish(Arguments arguments) {
-    sela::Publication publication;
-    const std::optional<std::string> passcodeFile = takeOption(arguments, "--passcode-file");
-    const std::optional<std::string> decoyFile = takeOption(arguments, "--decoy-passcode-file");
-    publication.coversFolder = takeOption(arguments, "--covers");
-    if (arguments.size() != 1 || arguments.front().starts_with("--"))
+int publish(const Arguments& arguments) {
+    if (arguments.operands.size() != 1)
         return misuse("publish takes one catalogue");
+    const std::optional<std::string> passcodeFile = arguments.valueOf("--passcode-file");
+    const std::optional<std::string> decoyFile = arguments.valueOf("--decoy-passcode-file");
     if (passcodeFile == "-" && decoyFile == "-")
         return misuse("only one passcode can come from standard input");
-    publication.cataloguePath = arguments.front();
+    sela::Publication publication;
+    publication.cataloguePath = arguments.operands.front();
+    publication.coversFolder = arguments.valueOf("--covers");
     for (const auto& [file, passcode] :
          {std::pair(passcodeFile, &publication.passcode), std::pair(decoyFile, &publication.decoyPasscode)}) {
         if (!file)
@@ -104,27 +69,27 @@ int publish(Arguments arguments) {
             return fail(*file + ": " + read.error()->localizedDescription());
         *passcode = read.value();
     }
-    std::vector<std::string> warnings;
-    const sela::ErrorRef error = sela::publish(publication, warnings);
-    for (const std::string& warning : warnings)
+    const sela::Result<sela::PublicationWarnings> warnings = sela::publish(publication);
+    if (!warnings)
+        return fail(warnings.error());
+    for (const std::string& warning : warnings.value())
         fail(warning);
-    return error ? fail(error) : EXIT_SUCCESS;
+    return EXIT_SUCCESS;
 }
 
-int listLedger(Arguments arguments) {
-    const bool json = takeFlag(arguments, "--json");
-    if (!arguments.empty())
-        return misuse("ledger takes --json only");
-    return print(json ? sela::ledgerJSON() : sela::ledgerTable());
+int listAlbums(const Arguments&) {
+    return print(sela::albumsTable());
 }
 
-int import(Arguments arguments) {
-    const std::optional<std::string> into = takeOption(arguments, "--into");
-    const bool keep = takeFlag(arguments, "--keep");
-    const bool prune = takeFlag(arguments, "--prune");
-    if (!into || into->empty() || !arguments.empty())
-        return misuse("import needs --into DIR");
-    sela::Import run({sela::URL::fileURL(*into), keep, prune});
+int listLedger(const Arguments& arguments) {
+    return print(arguments.has("--json") ? sela::ledgerJSON() : sela::ledgerTable());
+}
+
+int import(const Arguments& arguments) {
+    const std::string into = arguments.valueOf("--into").value_or("");
+    if (into.empty())
+        return misuse("import needs --into FOLDER");
+    sela::Import run({sela::URL::fileURL(into), arguments.has("--keep"), arguments.has("--prune")});
     const sela::Result<sela::Import::Report> result = run.run();
     if (!result)
         return fail(result.error());
@@ -149,22 +114,28 @@ int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
     ::umask(077);
-    Arguments arguments(argv + 1, argv + argc);
-    if (arguments.empty())
+    const sela::OptionTable& table = sela::vaultOptions();
+    const sela::Result<Arguments> read =
+        sela::readArguments(table, std::vector<std::string>(argv + 1, argv + argc));
+    if (!read)
+        return misuse(read.error()->localizedDescription());
+    const Arguments& arguments = read.value();
+    if (arguments.has("--help"))
+        return print(arguments.command ? sela::helpText(table, *arguments.command) : sela::helpText(table));
+    if (arguments.has("--version"))
+        return print(std::string("sela-vault " SELA_VERSION "\n"));
+    if (!arguments.command)
         return misuse("a command is missing");
-    const std::string command = arguments.front();
-    arguments.erase(arguments.begin());
-    if (command == "--help" || command == "-h" || command == "help")
-        return print(std::string(usage));
-    if (command == "init")
-        return init(arguments);
-    if (command == "publish")
-        return publish(arguments);
-    if (command == "albums")
-        return arguments.empty() ? print(sela::albumsTable()) : misuse("albums takes no arguments");
-    if (command == "ledger")
-        return listLedger(arguments);
-    if (command == "import")
-        return import(arguments);
-    return misuse("there is no command \"" + command + "\"");
+    if (arguments.command->operands.empty() && !arguments.operands.empty())
+        return misuse(std::string(arguments.command->name) + " takes no \"" + arguments.operands.front() +
+                      "\"");
+    constexpr std::pair<std::string_view, int (*)(const Arguments&)> actions[] = {{"init", init},
+                                                                                  {"publish", publish},
+                                                                                  {"albums", listAlbums},
+                                                                                  {"ledger", listLedger},
+                                                                                  {"import", import}};
+    for (const auto& [name, action] : actions)
+        if (name == arguments.command->name)
+            return action(arguments);
+    sela::fatalError("no action for the command " + std::string(arguments.command->name));
 }

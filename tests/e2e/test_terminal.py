@@ -1,5 +1,5 @@
-"""What a terminal gets from the programs: the line that says how far saving has come, and help that agrees with the
-manual and the completions."""
+"""What a terminal gets from the programs: the line that says how far saving has come, help, manual pages and
+completions."""
 
 import concurrent.futures
 import contextlib
@@ -14,7 +14,7 @@ import subprocess
 import termios
 import unittest
 
-from harness import BIN, ROOT, HomeTest, kept_kinds
+from harness import BIN, ROOT, HomeTest
 
 WIPE = "\r\x1b[K"
 
@@ -93,50 +93,14 @@ class Passcode(HomeTest):
         self.share("--tap", "albumButton", "--type", "918273", "--tap", "row:0:0", self.write("a.jpg", b"x"), expect=3)
 
 
-def options_of_help(text):
-    return set(re.findall(r"(?<![\w-])(--?[a-z][a-z-]*)", text))
-
-
 class Help(unittest.TestCase):
-    """The help is what the programs know; the manual and the completions are written by hand."""
+    """What is written from the tables of options while building."""
 
-    # Understood by the card, and by the manual and the completions alone in builds without a clipboard.
-    clipboard = {"--paste"}
-
-    def help(self, program):
-        return subprocess.run([BIN / program, "--help"], capture_output=True, text=True, check=True).stdout
-
-    def manual(self, page):
-        return (ROOT / "resources/man" / page).read_text().replace("\\-", "-")
-
-    def test_options_are_the_same_everywhere(self):
-        for program in ("sela-share", "sela-vault"):
-            known = options_of_help(self.help(program))
-            manual = set(re.findall(r"(?<![\w-])--?[a-z][a-z-]+|(?<![\w-])-[a-z]\b", self.manual(program + ".1")))
-            self.assertLessEqual(known, manual | {"-h"}, program)
-            for shell, pattern in [(f"{program}.bash", r"(?<![\w-])--[a-z][a-z-]*"), (f"_{program}", r"--[a-z][a-z-]*"),
-                                   (f"{program}.fish", r"complete .*-l ([a-z-]+)")]:
-                text = (ROOT / "resources/completions" / shell).read_text()
-                found = {"--" + option.removeprefix("--") for option in re.findall(pattern, text)}
-                words = {option for option in known if option.startswith("--")} - {"--help"}
-                self.assertEqual(words - found, set(), shell)
-                self.assertLessEqual(found - {"--help"} - self.clipboard, words | {"--covers"}, shell)
-
-    def test_statuses_are_the_same_in_help_and_manual(self):
-        for program, statuses in (("sela-share", "0 3 4 64 65"), ("sela-vault", "0 1 64")):
-            lines = self.help(program).split("Exit status:\n")[1]
-            told = dict(re.findall(r"^  (\d+) +(.+)$", lines, re.MULTILINE))
-            section = self.manual(program + ".1").split(".SH EXIT STATUS\n")[1].split(".SH")[0]
-            self.assertEqual(dict(re.findall(r"^\.B (\d+)\n(.+)$", section, re.MULTILINE)), told)
-            self.assertEqual(" ".join(told), statuses)
-
-    def test_the_manual_names_the_kinds_of_file_that_the_store_keeps(self):
-        section = self.manual("sela-share.1").split("told by their names:\n")[1].split(".PP")[0]
-        self.assertEqual(set(re.findall(r"^\.BR? ([a-z0-9-]+)", section, re.MULTILINE)), kept_kinds())
+    manuals = BIN.parent / "manuals"
 
     @unittest.skipUnless(shutil.which("groff"), "needs groff")
     def test_the_manual_is_well_formed(self):
-        for page in (ROOT / "resources/man").iterdir():
+        for page in [*self.manuals.glob("*.1"), ROOT / "resources/man/sela-media.8"]:
             result = subprocess.run(["groff", "-man", "-ww", "-z", "-Tutf8", page], capture_output=True, text=True)
             self.assertEqual(result.stderr, "", page)
 
@@ -144,7 +108,7 @@ class Help(unittest.TestCase):
         def replies(script, *words):
             command = (f'complete() {{ :; }}; . "$0"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _{script}; '
                        'printf "%s\\n" "${COMPREPLY[@]}"')
-            file = ROOT / f"resources/completions/{script.replace('_', '-')}.bash"
+            file = self.manuals / f"{script.replace('_', '-')}.bash"
             result = subprocess.run(["bash", "-c", command, file, *words], capture_output=True, text=True, check=True)
             self.assertEqual(result.stderr, "")
             return result.stdout.split()

@@ -161,10 +161,9 @@ bool FaultyGroup::import(bool links) const {
 
 bool FaultyGroup::publish(int number) const {
     const fs::path folder = top_ / "publish";
-    std::vector<std::string> warnings;
     const Publication publication{(folder / (std::to_string(number) + ".json")).string(),
                                   passcodeOf(number, '1'), passcodeOf(number, '2'), folder.string()};
-    return !sela::publish(publication, warnings);
+    return sela::publish(publication).hasValue();
 }
 
 std::vector<std::string> FaultyGroup::placed() const {

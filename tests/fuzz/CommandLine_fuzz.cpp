@@ -13,11 +13,11 @@ void fuzz(sela::DataView input) {
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     const auto parsed = sela::CommandLine::parse(arguments);
-    if (const auto* const problem = std::get_if<std::string>(&parsed)) {
-        require(!problem->empty());
+    if (!parsed) {
+        require(!parsed.error()->localizedDescription().empty());
         return;
     }
-    const auto& line = std::get<sela::CommandLine>(parsed);
+    const sela::CommandLine& line = parsed.value();
     require(line.scale >= 0.25 && line.scale <= 8);
     require(line.screenWidth.value_or(1) >= 1 && line.screenHeight.value_or(1) <= 8192);
     require(line.attachments.size() + line.steps.size() <= arguments.size());

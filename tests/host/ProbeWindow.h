@@ -114,7 +114,7 @@ protected:
     }
 
     static CommandLine commandLine() {
-        return std::get<CommandLine>(CommandLine::parse({"--screen", "375x667", "--scale", "2"}));
+        return CommandLine::parse({"--screen", "375x667", "--scale", "2"}).value();
     }
 
     ShareWindow shareWindow_{window_, painter_, commandLine()};

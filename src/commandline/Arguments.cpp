@@ -1,0 +1,117 @@
+#include "commandline/Arguments.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+namespace sela {
+
+namespace {
+
+/// Reads words one by one.
+class Reader {
+public:
+    Reader(const OptionTable& table, const std::vector<std::string>& words) : table_(table), words_(words) {}
+
+    Result<Arguments> read() {
+        if (ErrorRef error = readCommand())
+            return error;
+        bool haveOptionsEnded = false;
+        while (position_ < words_.size()) {
+            const std::string& word = words_[position_++];
+            if (haveOptionsEnded || word == "-" || !word.starts_with('-')) {
+                arguments_.operands.push_back(word);
+            } else if (word == "--") {
+                haveOptionsEnded = true;
+            } else if (ErrorRef error = readOption(word)) {
+                return error;
+            }
+        }
+        return std::move(arguments_);
+    }
+
+private:
+    /// The command with the most words that the arguments begin with. A program's own options may stand
+    /// without one, for --help and --version.
+    ErrorRef readCommand() {
+        if (table_.commands.empty() || (!words_.empty() && words_.front().starts_with('-')))
+            return nullptr;
+        if (words_.empty())
+            return usageError("a command is missing");
+        const std::string one = words_.front();
+        const std::string two = words_.size() > 1 ? one + " " + words_[1] : one;
+        for (const Command& command : table_.commands) {
+            if (command.name != one && command.name != two)
+                continue;
+            arguments_.command = &command;
+            position_ = command.name == one ? 1 : 2;
+            return nullptr;
+        }
+        const bool isBeginning = std::ranges::any_of(
+            table_.commands, [&](const Command& command) { return command.name.starts_with(one + " "); });
+        return usageError(isBeginning ? "\"" + one + "\" needs to know what to do"
+                                      : "there is no command \"" + one + "\"");
+    }
+
+    ErrorRef readOption(const std::string& word) {
+        const std::size_t equals = word.starts_with("--") ? word.find('=') : std::string::npos;
+        const std::string name = word.substr(0, equals);
+        const Option* const option = optionOf(name);
+        if (!option)
+            return usageError("unknown option " + name);
+        std::string value;
+        if (option->takesValue()) {
+            if (equals != std::string::npos)
+                value = word.substr(equals + 1);
+            else if (position_ < words_.size())
+                value = words_[position_++];
+            else
+                return usageError(name + " needs a value");
+        } else if (equals != std::string::npos) {
+            return usageError(name + " takes no value");
+        }
+        arguments_.options.push_back({option, std::move(value)});
+        return nullptr;
+    }
+
+    const Option* optionOf(std::string_view name) const {
+        const auto isMeant = [name](const Option& option) {
+            return option.name == name || (option.letter && name == std::string{'-', option.letter});
+        };
+        const auto findIn = [&](const std::vector<Option>& options) -> const Option* {
+            const auto found = std::ranges::find_if(options, isMeant);
+            return found == options.end() ? nullptr : &*found;
+        };
+        if (arguments_.command)
+            if (const Option* const option = findIn(arguments_.command->options))
+                return option;
+        for (const OptionGroup& group : table_.groups)
+            if (const Option* const option = findIn(group.options))
+                return option;
+        return nullptr;
+    }
+
+    const OptionTable& table_;
+    const std::vector<std::string>& words_;
+    std::size_t position_ = 0;
+    Arguments arguments_;
+};
+
+} // namespace
+
+std::optional<std::string> Arguments::valueOf(std::string_view name) const {
+    for (auto given = options.rbegin(); given != options.rend(); ++given)
+        if (given->option->name == name)
+            return given->value;
+    return std::nullopt;
+}
+
+Result<Arguments> readArguments(const OptionTable& table, const std::vector<std::string>& words) {
+    return Reader(table, words).read();
+}
+
+ErrorRef usageError(std::string message) {
+    return std::make_shared<NSError>(NSPOSIXErrorDomain, EINVAL, std::move(message));
+}
+
+} // namespace sela

@@ -1,0 +1,100 @@
+#include "host/ShareOptions.h"
+
+namespace sela {
+
+namespace {
+
+const std::vector<std::string_view> parts = {"addButton", "albumButton", "cancelButton", "backButton",
+                                             "button0",   "button1",     "button2",      "button3",
+                                             "button4",   "button5",     "button6",      "button7",
+                                             "button8",   "button9",     "row:",         "showChildButton:"};
+
+OptionTable makeTable() {
+    OptionTable table;
+    table.program = "sela-share";
+    table.usage = "[OPTION]... [FILE | file://URL | -]...";
+    table.introduction = "Adds photos, videos and audio to your vault. A card opens: choose an album, press "
+                         "Add, and every file is "
+                         "copied into the vault's container, for the vault to take in when it next starts. "
+                         "The files that you name stay "
+                         "where they are. \"-\" is a picture from standard input.";
+    table.examples = R"(  sela-share photo.jpg video.mp4                     choose an album on the card
+  sela-share --headless --tap addButton photo.jpg    the default album, no window
+  convert plot.png jpg:- | sela-share -              a picture that a program makes
+)";
+    table.completion = Completion::files;
+    table.groups = {
+        {"What to add", {{.name = "--paste", .help = "the files or the picture on the clipboard, too"}}},
+        {"How it is shown",
+         {{.name = "--headless",
+           .help = "without a window",
+           .detail = "No display is needed, and the steps say what to press."},
+          {.name = "--appearance",
+           .value = "MODE",
+           .help = "light or dark, in place of the desktop's own",
+           .words = {"light", "dark"}},
+          {.name = "--contrast",
+           .value = "MODE",
+           .help = "normal or high, in place of the desktop's own",
+           .words = {"normal", "high"}},
+          {.name = "--screen",
+           .value = "WxH",
+           .help = "size of the screen in points (375x667 without a display)",
+           .words = {"375x667"}},
+          {.name = "--scale",
+           .value = "N",
+           .help = "pixels per point, from 0.25 to 8",
+           .words = {"1", "2", "3"}}}},
+        {"What is told on standard error",
+         {{.name = "--quiet", .help = "only what went wrong", .letter = 'q'},
+          {.name = "--verbose",
+           .help = "on a terminal, too, every line that goes to the system's log",
+           .letter = 'v'}},
+         "Without these two a terminal shows how far saving has come (with --headless), and a file or a pipe "
+         "gets the "
+         "lines of the log."},
+        {"Steps, taken in this order, each once the screen is at rest",
+         {{.name = "--tap",
+           .value = "NAME",
+           .help = "press addButton, albumButton, cancelButton, backButton, button0 to button9, "
+                   "row:SECTION:ROW or "
+                   "showChildButton:SECTION",
+           .words = parts},
+          {.name = "--tap-now", .value = "NAME", .help = "the same without waiting for rest", .words = parts},
+          {.name = "--type",
+           .value = "DIGITS",
+           .help = "press one digit of the keypad after another",
+           .detail = "Other users of the machine can read the arguments of a process: a passcode is safer "
+                     "typed on the "
+                     "card."},
+          {.name = "--wait",
+           .value = "SECONDS",
+           .help = "let time pass; the next step does not wait for rest"},
+          {.name = "--snapshot",
+           .value = "FILE.png",
+           .help = "write a picture of the screen",
+           .completion = Completion::files},
+          {.name = "--tree",
+           .value = "FILE.json",
+           .help = "write what is on the screen, as a tree",
+           .completion = Completion::files}}},
+        {"What there is",
+         {{.name = "--help", .help = "this text", .letter = 'h'},
+          {.name = "--version", .help = "the version"}}}};
+    table.statuses = {
+        {0, "completed: Add was pressed; a file that could not be added is told on standard error"},
+        {3, "cancelled: by Cancel, by closing the window, or because no step pressed Add"},
+        {4, "stuck: saving stopped half-way at a file and can never end"},
+        {64, "nothing was tried: wrong options, unusable files, or no display"},
+        {65, "a step failed, and the request was cancelled unless it had ended before"}};
+    return table;
+}
+
+} // namespace
+
+const OptionTable& shareOptions() {
+    static const OptionTable table = makeTable();
+    return table;
+}
+
+} // namespace sela
