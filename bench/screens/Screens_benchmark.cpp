@@ -8,12 +8,12 @@
 #include "platform/extension/NSItemProvider.h"
 #include "platform/foundation/FatalError.h"
 #include "platform/foundation/ScopedMainQueue.h"
-#include "platform/foundation/VirtualMainLoop.h"
 #include "platform/uikit/UIScreen.h"
 #include "platform/uikit/UITableView.h"
 #include "platform/uikit/UIWindow.h"
 #include "share/PrincipalClasses.h"
 #include "store/SharedFolder.h"
+#include "support/VirtualMainLoop.h"
 
 #include <QGuiApplication>
 #include <QImage>

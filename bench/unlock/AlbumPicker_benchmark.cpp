@@ -5,13 +5,14 @@
 #include "platform/foundation/Data.h"
 #include "platform/foundation/FatalError.h"
 #include "platform/foundation/ScopedMainQueue.h"
-#include "platform/foundation/VirtualMainLoop.h"
 #include "platform/uikit/UIButton.h"
 #include "platform/uikit/UINavigationController.h"
 #include "platform/uikit/UIWindow.h"
 #include "store/SharedAlbum.h"
 #include "store/SharedAlbumManager.h"
 #include "store/SharedFolder.h"
+#include "support/FixedTextMeasurer.h"
+#include "support/VirtualMainLoop.h"
 #include "unlock/SelaShareExtensionAlbumsVc.h"
 
 #include <benchmark/benchmark.h>
@@ -60,6 +61,7 @@ struct LockedPicker {
         window.prepareFrame();
     }
 
+    FixedTextMeasurer text;
     VirtualMainLoop loop;
     ScopedMainQueue mainQueue{loop};
     UIWindow window{{375, 667}};

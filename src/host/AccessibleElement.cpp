@@ -7,11 +7,10 @@
 
 namespace sela {
 
-AccessibleElement::AccessibleElement(AccessibleWindow& window, UIView& view)
-    : window_(window), view_(view.weakReference()) {}
+AccessibleElement::AccessibleElement(AccessibleWindow& window, UIView& view) : window_(window), view_(view) {}
 
 UIView* AccessibleElement::view() const {
-    UIView* const view = view_.lock().get();
+    UIView* const view = view_.get();
     return view && view->window() == &window_.screen().window ? view : nullptr;
 }
 
@@ -63,8 +62,8 @@ QString AccessibleElement::text(QAccessible::Text kind) const {
     if (!view())
         return {};
     if (kind == QAccessible::Name)
-        return QString::fromStdString(ScreenElements::label(*view()));
-    const bool isEntry = view()->accessibilityRole() == AccessibilityRole::passcodeField;
+        return QString::fromStdString(view()->accessibilityLabel());
+    const bool isEntry = view()->accessibilityRole() == AccessibilityRole::secureTextField;
     if (kind == (isEntry ? QAccessible::Value : QAccessible::Description))
         return QString::fromStdString(view()->accessibilityValue());
     return {};
@@ -83,7 +82,7 @@ QAccessible::Role AccessibleElement::role() const {
         return QAccessible::Graphic;
     case AccessibilityRole::staticText:
         return QAccessible::StaticText;
-    case AccessibilityRole::passcodeField:
+    case AccessibilityRole::secureTextField:
         return QAccessible::EditableText;
     case AccessibilityRole::progress:
         return QAccessible::ProgressBar;
@@ -106,7 +105,7 @@ QAccessible::State AccessibleElement::state() const {
     const auto* const control = dynamic_cast<const UIControl*>(view());
     state.disabled = control && !control->isEnabled();
     // Screen readers keep silent about the keys that are typed into a password entry.
-    state.passwordEdit = view()->accessibilityRole() == AccessibilityRole::passcodeField;
+    state.passwordEdit = view()->accessibilityRole() == AccessibilityRole::secureTextField;
     state.focusable = isControl() || state.passwordEdit;
     state.focused = window_.focusedElement() == view();
     state.selectable = view()->accessibilityRole() == AccessibilityRole::listItem;
@@ -121,7 +120,7 @@ void* AccessibleElement::interface_cast(QAccessible::InterfaceType type) {
     if (type == QAccessible::ActionInterface && isControl())
         return static_cast<QAccessibleActionInterface*>(this);
     if (type == QAccessible::ValueInterface && view() &&
-        view()->accessibilityRole() == AccessibilityRole::passcodeField)
+        view()->accessibilityRole() == AccessibilityRole::secureTextField)
         return static_cast<QAccessibleValueInterface*>(this);
     return nullptr;
 }

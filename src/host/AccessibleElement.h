@@ -4,8 +4,6 @@
 
 #include <QAccessible>
 
-#include <memory>
-
 namespace sela {
 
 /// One element of the screen, as a screen reader sees it. Belongs to Qt; its window destroys it when the
@@ -49,7 +47,7 @@ private:
     bool isControl() const;
 
     AccessibleWindow& window_;
-    const std::weak_ptr<UIView> view_;
+    const ViewReference<UIView> view_;
 };
 
 } // namespace sela

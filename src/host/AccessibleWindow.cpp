@@ -51,11 +51,11 @@ QAccessibleInterface* AccessibleWindow::interfaceOf(UIView* view) {
         return nullptr;
     Told& told = told_[view];
     // Another view may have come to the place of one that is gone.
-    if (told.view.lock().get() != view) {
+    if (told.view.get() != view) {
         if (told.id)
             QAccessible::deleteAccessibleInterface(told.id);
         told = {};
-        told.view = view->weakReference();
+        told.view = ViewReference(*view);
         told.id = QAccessible::registerAccessibleInterface(new AccessibleElement(*this, *view));
     }
     return QAccessible::accessibleInterface(told.id);
@@ -65,7 +65,7 @@ UIView* AccessibleWindow::focusedElement() const {
     if (UIView* const view = screen_.keyboard.focusedView())
         return view;
     for (UIView* const element : ScreenElements::inside(screen_.window, screen_.window))
-        if (element->accessibilityRole() == AccessibilityRole::passcodeField)
+        if (element->accessibilityRole() == AccessibilityRole::secureTextField)
             return element;
     return nullptr;
 }
@@ -97,7 +97,7 @@ void AccessibleWindow::update() {
 void AccessibleWindow::forgetElementsThatLeft(const std::vector<UIView*>& shown) {
     std::erase_if(told_, [&](const auto& entry) {
         const Told& told = entry.second;
-        if (!told.view.expired() && std::ranges::find(shown, entry.first) != shown.end())
+        if (told.view && std::ranges::find(shown, entry.first) != shown.end())
             return false;
         if (told.isTold) {
             QAccessibleEvent event(QAccessible::accessibleInterface(told.id), QAccessible::ObjectDestroyed);

@@ -62,7 +62,7 @@ private:
 
     /// What was last told of an element.
     struct Told {
-        std::weak_ptr<UIView> view;
+        ViewReference<UIView> view;
         QAccessible::Id id = 0;
         bool isTold = false;
         QString name;

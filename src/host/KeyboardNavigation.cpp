@@ -12,18 +12,32 @@ namespace sela {
 
 namespace {
 
-UITableView* tableAround(UIView& view) {
+/// The nearest view of a class that `view` is or lies in; null when there is none.
+template<class View>
+View* enclosing(UIView& view) {
     UIView* above = &view;
-    while (above && !dynamic_cast<UITableView*>(above))
+    while (above && !dynamic_cast<View*>(above))
         above = above->superview();
-    return static_cast<UITableView*>(above);
+    return static_cast<View*>(above);
 }
 
-UITableViewCell* cellAround(UIView& view) {
-    UIView* above = &view;
-    while (above && !dynamic_cast<UITableViewCell*>(above))
-        above = above->superview();
-    return static_cast<UITableViewCell*>(above);
+/// The input of key commands that the key gives; empty for one that only moves the focus or works what has
+/// it.
+std::string inputOf(const KeyboardNavigation::Key& key) {
+    switch (key.code) {
+    case Qt::Key_Escape:
+        return std::string(UIKeyCommand::inputEscape);
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        return std::string(UIKeyCommand::inputReturn);
+    case Qt::Key_Backspace:
+        return std::string(UIKeyCommand::inputDelete);
+    default:
+        break;
+    }
+    // The digits of other scripts type those of the keypad.
+    const int digit = key.text.size() == 1 ? key.text.front().digitValue() : -1;
+    return digit >= 0 ? std::to_string(digit) : std::string();
 }
 
 /// The row so many rows further on, or as far as the table goes.
@@ -48,26 +62,13 @@ IndexPath rowBeside(UITableView& table, IndexPath row, int rows) {
 
 void KeyboardNavigation::press(const Key& key) {
     window_.prepareFrame();
-    const int digit = key.text.size() == 1 ? key.text.front().digitValue() : -1;
-    if (key.held && (digit >= 0 || key.code == Qt::Key_Space || key.code == Qt::Key_Return ||
-                     key.code == Qt::Key_Enter || key.code == Qt::Key_Escape))
+    const std::string input = inputOf(key);
+    if (key.held && (!input.empty() || key.code == Qt::Key_Space))
         return;
-    if (digit >= 0) {
-        typeDigit(digit);
+    const bool works = key.code == Qt::Key_Space || input == UIKeyCommand::inputReturn;
+    if ((works && tapFocused()) || perform(input))
         return;
-    }
     switch (key.code) {
-    case Qt::Key_Escape:
-        tapFirst({"backButton", "cancelButton"});
-        break;
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        if (!tapFocused())
-            tapFirst({"addButton"});
-        break;
-    case Qt::Key_Space:
-        tapFocused();
-        break;
     case Qt::Key_Tab:
         moveAlong(1);
         break;
@@ -90,20 +91,17 @@ bool KeyboardNavigation::isReadFromRight() const {
     return window_.effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;
 }
 
-void KeyboardNavigation::typeDigit(int digit) {
-    tapFirst({"button" + std::to_string(digit)});
-}
-
-/// Taps the first of these views that a finger could reach.
-bool KeyboardNavigation::tapFirst(std::initializer_list<std::string_view> names) {
-    for (const std::string_view name : names) {
-        if (const std::optional<CGPoint> point = ViewLocator::tapPoint(window_, name)) {
-            window_.touchBegan(*point);
-            window_.touchEnded(*point);
-            return true;
-        }
-    }
-    return false;
+/// Does what the screen says that a key of this input does; false when it says nothing.
+bool KeyboardNavigation::perform(const std::string& input) {
+    const std::optional<ViewLocator::KeyTarget> target =
+        input.empty() ? std::nullopt : ViewLocator::keyTarget(window_, input);
+    if (!target)
+        return false;
+    if (target->command.action)
+        target->command.action();
+    else
+        window_.tap(target->tapPoint);
+    return true;
 }
 
 bool KeyboardNavigation::tapFocused() {
@@ -112,8 +110,7 @@ bool KeyboardNavigation::tapFocused() {
 }
 
 UIView* KeyboardNavigation::focusedView() const {
-    const std::shared_ptr<UIView> holder = focus_.view.lock();
-    UIView* view = holder.get();
+    UIView* view = focus_.view.get();
     if (!view || view->window() != &window_)
         return nullptr;
     if (focus_.row) {
@@ -125,19 +122,19 @@ UIView* KeyboardNavigation::focusedView() const {
 }
 
 void KeyboardNavigation::setFocusedView(UIView& view) {
-    UITableView* const table = tableAround(view);
-    UITableViewCell* const cell = cellAround(view);
+    UITableView* const table = enclosing<UITableView>(view);
+    UITableViewCell* const cell = enclosing<UITableViewCell>(view);
     if (!table || !cell) {
-        focus_ = {.view = view.weakReference(), .row = {}, .part = {}};
+        focus_ = {.view = ViewReference(view), .row = {}, .part = {}};
         return;
     }
-    focus_ = {.view = table->weakReference(),
+    focus_ = {.view = ViewReference<UIView>(*table),
               .row = table->indexPathForRow(cell->layoutFrame().center()),
               .part = &view == cell ? std::string() : view.name()};
 }
 
 void KeyboardNavigation::focusRow(UITableView& table, const IndexPath& row) {
-    focus_ = {.view = table.weakReference(), .row = row, .part = {}};
+    focus_ = {.view = ViewReference<UIView>(table), .row = row, .part = {}};
     table.scrollToRow(row);
     table.layoutIfNeeded();
 }
@@ -147,7 +144,7 @@ std::optional<KeyboardNavigation::TableRow> KeyboardNavigation::focusedRow() con
     UIView* const view = focusedView();
     if (!view || !focus_.row || !focus_.part.empty())
         return std::nullopt;
-    return TableRow{*tableAround(*view), *focus_.row};
+    return TableRow{*enclosing<UITableView>(*view), *focus_.row};
 }
 
 /// The row that has the focus or holds what has it.
@@ -155,7 +152,7 @@ std::optional<KeyboardNavigation::TableRow> KeyboardNavigation::currentRow() con
     UIView* const view = focusedView();
     if (!view || !focus_.row)
         return std::nullopt;
-    return TableRow{*tableAround(*view), *focus_.row};
+    return TableRow{*enclosing<UITableView>(*view), *focus_.row};
 }
 
 /// What Tab stops at, in reading order: of each table one row and the controls inside it.
@@ -228,9 +225,10 @@ bool KeyboardNavigation::moveRow(int code) {
     const bool enters = !from && !focusedView();
     if (enters)
         for (UIView* const stop : stops())
-            if (UITableViewCell* const cell = cellAround(*stop); cell && !from)
-                if (const auto row = tableAround(*cell)->indexPathForRow(cell->layoutFrame().center()))
-                    from.emplace(TableRow{*tableAround(*cell), *row});
+            if (UITableViewCell* const cell = enclosing<UITableViewCell>(*stop); cell && !from)
+                if (const auto row =
+                        enclosing<UITableView>(*cell)->indexPathForRow(cell->layoutFrame().center()))
+                    from.emplace(TableRow{*enclosing<UITableView>(*cell), *row});
     if (!from)
         return false;
     UITableView& table = from->table;

@@ -5,10 +5,8 @@
 
 #include <QString>
 
-#include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace sela {
@@ -18,9 +16,9 @@ class UITableView;
 /// Works the screens of a window by the keys of a keyboard, and knows which control has the focus.
 ///
 /// Tab and the arrows move the focus among the controls that a finger could reach; a table is one stop, whose
-/// rows the vertical arrows walk through. Space and Return tap the focused control. Whatever has the focus, a
-/// digit taps its key on the keypad, Escape the button that leaves the screen, and Return, with no focus,
-/// Add. Main thread only.
+/// rows the vertical arrows walk through. Space and Return tap the focused control. Whatever has the focus,
+/// the key commands of the views on the screen work: Escape, Backspace, Return with no focus, and digits.
+/// Main thread only.
 class KeyboardNavigation {
 public:
     /// `window` must outlive this.
@@ -45,7 +43,7 @@ public:
 private:
     /// A row is remembered by its place, since its cell may serve another row later.
     struct Focus {
-        std::weak_ptr<UIView> view; ///< the control, or the row's table
+        ViewReference<UIView> view; ///< the control, or the row's table
         std::optional<IndexPath> row;
         std::string part; ///< the name of a control inside the row; empty for the row itself
     };
@@ -56,8 +54,7 @@ private:
     };
 
     bool isReadFromRight() const;
-    void typeDigit(int digit);
-    bool tapFirst(std::initializer_list<std::string_view> names);
+    bool perform(const std::string& input);
     bool tapFocused();
     void moveAlong(int step);
     void moveTowards(double x, double y);

@@ -17,7 +17,6 @@ constexpr double padding = 12;
 } // namespace
 
 Notice::Notice(UIWindow& window) : window_(window) {
-    panel_.setName("notice");
     panel_.setUserInteractionEnabled(false);
     panel_.setBackgroundColor(UIColor::named("AppText"));
     panel_.layer().setCornerRadius(10);
@@ -39,8 +38,8 @@ void Notice::show(const std::string& text) {
     panel_.setFrame({(screen.width - width) / 2, screen.height - margin - height, width, height});
     window_.addSubview(panel_);
     UIAccessibility::postAnnouncement(text);
-    DispatchQueue::main().asyncAfter(duration, [this, alive = panel_.weakReference(), show = ++shows_] {
-        if (!alive.expired() && show == shows_)
+    DispatchQueue::main().asyncAfter(duration, [this, alive = ViewReference(panel_), show = ++shows_] {
+        if (alive && show == shows_)
             panel_.removeFromSuperview();
     });
 }

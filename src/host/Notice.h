@@ -21,7 +21,7 @@ public:
 
 private:
     UIWindow& window_;
-    UIView panel_;
+    UIView panel_{"notice"};
     UILabel label_;
     int shows_ = 0;
 };

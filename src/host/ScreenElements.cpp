@@ -1,6 +1,6 @@
 #include "host/ScreenElements.h"
 
-#include "platform/uikit/UIButton.h"
+#include "platform/uikit/UIView.h"
 
 #include <algorithm>
 #include <cmath>
@@ -19,7 +19,7 @@ bool isElement(const UIView& view) {
         return false;
     case AccessibilityRole::image:
     case AccessibilityRole::staticText:
-        return !label(view).empty();
+        return !view.accessibilityLabel().empty();
     default:
         return true;
     }
@@ -64,24 +64,12 @@ UIView* around(const UIView& view) {
     return above;
 }
 
-std::string label(const UIView& view) {
-    if (!view.accessibilityLabel().empty())
-        return view.accessibilityLabel();
-    if (const auto* const text = dynamic_cast<const UILabel*>(&view))
-        return text->text();
-    if (const auto* const button = dynamic_cast<const UIButton*>(&view))
-        return button->titleLabel().text();
-    return {};
-}
-
 bool tap(UIWindow& window, UIView& view) {
     window.prepareFrame();
     const std::optional<CGPoint> point = window.tapPoint(view);
-    if (!point)
-        return false;
-    window.touchBegan(*point);
-    window.touchEnded(*point);
-    return true;
+    if (point)
+        window.tap(*point);
+    return point.has_value();
 }
 
 } // namespace sela::ScreenElements

@@ -2,7 +2,6 @@
 
 #include "platform/uikit/UIWindow.h"
 
-#include <string>
 #include <vector>
 
 namespace sela {
@@ -20,9 +19,6 @@ std::vector<UIView*> inside(UIWindow& window, const UIView& view);
 
 /// The nearest element around `view`; null when there is none.
 UIView* around(const UIView& view);
-
-/// What the element is called: its accessibility label, else its own text.
-std::string label(const UIView& view);
 
 /// Taps the element as a finger would. False when it cannot be reached, and nothing happens.
 bool tap(UIWindow& window, UIView& view);

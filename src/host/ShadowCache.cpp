@@ -2,14 +2,12 @@
 
 #include "host/GaussianBlur.h"
 #include "host/QtConversions.h"
-#include "platform/uikit/UIActivityIndicatorView.h"
-#include "platform/uikit/UIImageView.h"
-#include "platform/uikit/UILabel.h"
 
 #include <QPainter>
 
 #include <algorithm>
 #include <cmath>
+#include <variant>
 
 namespace sela {
 
@@ -23,6 +21,23 @@ void append(std::string& key, const T& value) {
 void appendText(std::string& key, const std::string& text) {
     append(key, text.size());
     key += text;
+}
+
+void appendContent(std::string&, const std::monostate&) {}
+
+void appendContent(std::string& key, const TextContent& content) {
+    appendText(key, content.text.description());
+    append(key, content.alignment);
+}
+
+void appendContent(std::string& key, const ImageContent& content) {
+    append(key, content.rect);
+    append(key, content.image.pixels());
+    appendText(key, content.image.assetName());
+}
+
+void appendContent(std::string& key, const SpinnerContent& content) {
+    append(key, content.leadingSpoke);
 }
 
 /// Everything of a view and its subviews that shows in the outline they draw.
@@ -42,17 +57,9 @@ void appendLook(std::string& key, const UIView& view, const UIView& caster, cons
         return;
     append(key, view.layer().borderWidth());
     append(key, shown.backgroundColor ? shown.backgroundColor->resolve(traits).alpha : 0);
-    if (const auto* label = dynamic_cast<const UILabel*>(&view)) {
-        appendText(key, label->attributedText().description());
-        append(key, label->font().size());
-        append(key, label->textAlignment());
-    } else if (const auto* image = dynamic_cast<const UIImageView*>(&view)) {
-        append(key, image->contentMode());
-        append(key, image->image() ? image->image()->pixels() : nullptr);
-        appendText(key, image->image() ? image->image()->assetName() : std::string());
-    } else if (const auto* spinner = dynamic_cast<const UIActivityIndicatorView*>(&view)) {
-        append(key, spinner->leadingSpoke());
-    }
+    const ViewContent content = view.content();
+    append(key, content.index());
+    std::visit([&](const auto& kind) { appendContent(key, kind); }, content);
     append(key, view.subviews().size());
     for (const UIView* const subview : view.subviews())
         appendLook(key, *subview, caster, traits);

@@ -213,7 +213,7 @@ void ShareWindow::drawFrame() {
     if (!region.isEmpty()) {
         store_.beginPaint(region);
         if (isNew)
-            makePresent(surface().bits(), static_cast<std::size_t>(surface().sizeInBytes()));
+            populatePages(surface().bits(), static_cast<std::size_t>(surface().sizeInBytes()));
         for (const QRect& part : region)
             drawPart(part);
         store_.endPaint();

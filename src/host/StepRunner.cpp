@@ -93,7 +93,7 @@ std::optional<std::string> StepRunner::take(const Step& step) {
         return std::nullopt;
     case Step::Kind::type:
         // Which digit it was is nobody's business.
-        if (!step.argument.empty() && !touch("button" + step.argument.substr(0, 1)))
+        if (!step.argument.empty() && !type(step.argument.substr(0, 1)))
             return "a key to type is not on the screen, or is hidden or covered";
         return std::nullopt;
     case Step::Kind::snapshot:
@@ -112,11 +112,16 @@ std::optional<std::string> StepRunner::take(const Step& step) {
 
 bool StepRunner::touch(const std::string& name) {
     const std::optional<CGPoint> point = ViewLocator::tapPoint(screen_.window, name);
-    if (!point)
-        return false;
-    screen_.window.touchBegan(*point);
-    screen_.window.touchEnded(*point);
-    return true;
+    if (point)
+        screen_.window.tap(*point);
+    return point.has_value();
+}
+
+bool StepRunner::type(const std::string& digit) {
+    const std::optional<ViewLocator::KeyTarget> key = ViewLocator::keyTarget(screen_.window, digit);
+    if (key)
+        screen_.window.tap(key->tapPoint);
+    return key.has_value();
 }
 
 void StepRunner::requestEnded() {

@@ -1,12 +1,11 @@
 #include "host/TreeWriter.h"
 
 #include "platform/foundation/JSONWriter.h"
-#include "platform/uikit/UIButton.h"
-#include "platform/uikit/UIImageView.h"
-#include "platform/uikit/UILabel.h"
 
 #include <cmath>
 #include <fstream>
+#include <optional>
+#include <variant>
 
 namespace sela::TreeWriter {
 
@@ -32,28 +31,32 @@ void writeFont(JSONWriter& json, const UIFont& font) {
     json.endObject();
 }
 
-void writeImage(JSONWriter& json, const UIImageView& view) {
-    if (!view.image())
-        return;
-    const PixelBuffer* const pixels = view.image()->pixels();
+void writeImage(JSONWriter& json, const UIImage& image) {
+    const PixelBuffer* const pixels = image.pixels();
     json.key("image").string(pixels ? std::to_string(pixels->width) + "x" + std::to_string(pixels->height)
-                                    : view.image()->assetName());
+                                    : image.assetName());
 }
 
 void writeContent(JSONWriter& json, const UIView& view) {
-    if (const auto* label = dynamic_cast<const UILabel*>(&view)) {
-        json.key("text").string(label->text());
-        writeFont(json, label->font());
-        if (label->isTruncated())
-            json.key("truncated").boolean(true);
-    } else if (const auto* button = dynamic_cast<const UIButton*>(&view)) {
-        json.key("text").string(button->attributedTitle() ? button->attributedTitle()->string()
-                                                          : button->title());
-        writeImage(json, button->imageView());
-        writeFont(json, button->titleLabel().font());
-    } else if (const auto* image = dynamic_cast<const UIImageView*>(&view)) {
-        writeImage(json, *image);
+    std::optional<TextContent> text;
+    std::optional<ImageContent> image;
+    for (const UIView* const part : view.contentViews()) {
+        const ViewContent content = part->content();
+        if (const auto* const shown = std::get_if<TextContent>(&content))
+            text = *shown;
+        else if (const auto* const picture = std::get_if<ImageContent>(&content))
+            image = *picture;
     }
+    if (text)
+        json.key("text").string(text->text.string());
+    if (image)
+        writeImage(json, image->image);
+    if (text)
+        writeFont(json, text->font);
+    const ViewContent own = view.content();
+    if (const auto* const ownText = std::get_if<TextContent>(&own);
+        ownText && ownText->isTruncated(view.bounds().size))
+        json.key("truncated").boolean(true);
 }
 
 void writeView(JSONWriter& json, const UIView& view) {

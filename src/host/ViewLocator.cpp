@@ -2,41 +2,44 @@
 
 #include "platform/uikit/UITableView.h"
 
+#include <algorithm>
 #include <charconv>
-#include <functional>
-#include <string>
 #include <vector>
 
 namespace sela::ViewLocator {
 
 namespace {
 
-/// The numbers of a name like "row:2:0" behind the word; absent when the word or a number is not as expected.
-std::optional<std::vector<int>> numbersBehind(std::string_view word, std::string_view name) {
-    if (!name.starts_with(word))
-        return std::nullopt;
-    name.remove_prefix(word.size());
+/// A name like "row:2:0": a word and numbers.
+struct NumberedName {
+    std::string_view word;
     std::vector<int> numbers;
+};
+
+/// Absent when `name` is not of that form.
+std::optional<NumberedName> parse(std::string_view name) {
+    NumberedName parsed{name.substr(0, name.find(':')), {}};
+    name.remove_prefix(parsed.word.size());
     while (!name.empty()) {
         int number = 0;
         const auto [end, error] = std::from_chars(name.data() + 1, name.data() + name.size(), number);
-        if (name.front() != ':' || error != std::errc() || number < 0)
+        if (error != std::errc() || number < 0 || (end != name.data() + name.size() && *end != ':'))
             return std::nullopt;
-        numbers.push_back(number);
+        parsed.numbers.push_back(number);
         name.remove_prefix(static_cast<std::size_t>(end - name.data()));
     }
-    return numbers;
+    return parsed;
 }
 
-/// Asks `find` about the views of the tree, the topmost first, until it finds a point.
-std::optional<CGPoint> searchFromTop(UIView& view,
-                                     const std::function<std::optional<CGPoint>(UIView&)>& find) {
+/// Asks `find` about the views of the tree, the topmost first, until it finds something.
+template<class Find>
+auto searchFromTop(UIView& view, const Find& find) -> decltype(find(view)) {
     if (view.isHidden())
         return std::nullopt;
     const std::vector<UIView*> subviews = view.subviews();
     for (auto subview = subviews.rbegin(); subview != subviews.rend(); ++subview)
-        if (const std::optional<CGPoint> point = searchFromTop(**subview, find))
-            return point;
+        if (auto found = searchFromTop(**subview, find))
+            return found;
     return find(view);
 }
 
@@ -62,14 +65,26 @@ std::optional<CGPoint> pointInRow(UIWindow& window, const IndexPath& indexPath, 
 } // namespace
 
 std::optional<CGPoint> tapPoint(UIWindow& window, std::string_view name) {
-    constexpr std::string_view showChildButton = "showChildButton";
     window.prepareFrame();
-    if (const auto numbers = numbersBehind("row", name); numbers && numbers->size() == 2)
-        return pointInRow(window, {(*numbers)[1], (*numbers)[0]}, {});
-    if (const auto numbers = numbersBehind(showChildButton, name); numbers && numbers->size() == 1)
-        return pointInRow(window, {0, (*numbers)[0]}, showChildButton);
+    const std::optional<NumberedName> numbered = parse(name);
+    const std::size_t numbers = numbered ? numbered->numbers.size() : 0;
+    if (numbers == 2 && numbered->word == "row")
+        return pointInRow(window, {numbered->numbers[1], numbered->numbers[0]}, {});
+    if (numbers == 1 && !numbered->word.empty())
+        return pointInRow(window, {0, numbered->numbers[0]}, numbered->word);
     return searchFromTop(window, [&](UIView& view) {
         return !name.empty() && view.name() == name ? window.tapPoint(view) : std::nullopt;
+    });
+}
+
+std::optional<KeyTarget> keyTarget(UIWindow& window, std::string_view input) {
+    window.prepareFrame();
+    return searchFromTop(window, [&](UIView& view) -> std::optional<KeyTarget> {
+        const auto found = std::ranges::find(view.keyCommands(), input, &UIKeyCommand::input);
+        if (found == view.keyCommands().end())
+            return std::nullopt;
+        const std::optional<CGPoint> point = window.tapPoint(view);
+        return point ? std::optional(KeyTarget{view, *point, *found}) : std::nullopt;
     });
 }
 

@@ -11,9 +11,18 @@ namespace sela {
 namespace ViewLocator {
 
 /// Where (window points) a tap reaches the topmost view called `name`. "row:SECTION:ROW" is that row of the
-/// topmost table, and "showChildButton:SECTION" the view of that name in the section's first row; both are
+/// topmost table, and "NAME:SECTION" the view of that name in the section's first row; both are
 /// scrolled to when they are out of view. Absent when there is no such view, or it is hidden or covered.
 std::optional<CGPoint> tapPoint(UIWindow& window, std::string_view name);
+
+/// The key command of this input that the topmost view has which could be tapped, with the view; absent when
+/// there is none.
+struct KeyTarget {
+    UIView& view;
+    CGPoint tapPoint;
+    UIKeyCommand command;
+};
+std::optional<KeyTarget> keyTarget(UIWindow& window, std::string_view input);
 
 } // namespace ViewLocator
 

@@ -1,9 +1,6 @@
 #include "host/ViewPainter.h"
 
 #include "host/QtConversions.h"
-#include "platform/uikit/UIActivityIndicatorView.h"
-#include "platform/uikit/UIImageView.h"
-#include "platform/uikit/UILabel.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -164,12 +161,7 @@ void ViewPainter::paintGroup(QPainter& painter, const UIView& view, double opaci
 
 void ViewPainter::paintInside(QPainter& painter, const UIView& view, bool roundsBackground) {
     paintBackground(painter, view, roundsBackground);
-    if (const auto* label = dynamic_cast<const UILabel*>(&view))
-        paintLabel(painter, *label);
-    else if (const auto* image = dynamic_cast<const UIImageView*>(&view))
-        paintImage(painter, *image);
-    else if (const auto* spinner = dynamic_cast<const UIActivityIndicatorView*>(&view))
-        paintSpinner(painter, *spinner);
+    std::visit([&](const auto& content) { paintContent(painter, view, content); }, view.content());
     for (const UIView* const subview : view.subviews())
         paintView(painter, *subview);
     paintBorder(painter, view);
@@ -225,29 +217,28 @@ void ViewPainter::paintBorder(QPainter& painter, const UIView& view) {
     painter.fillPath(frame, color(view.layer().borderColor()));
 }
 
-void ViewPainter::paintLabel(QPainter& painter, const UILabel& label) {
-    const CGRect bounds = label.presentation().bounds;
-    const NSAttributedString text = label.displayedText();
+void ViewPainter::paintContent(QPainter& painter, const UIView& view, const TextContent& content) {
+    const CGRect bounds = view.presentation().bounds;
+    const NSAttributedString& text = content.text;
     if (text.isEmpty() || bounds.isEmpty())
         return;
     const double width = bounds.size.width;
     std::shared_ptr<const TextLayout> layout =
-        measurer_.layout(text, width, label.numberOfLines(), screen_.traits);
+        measurer_.layout(text, width, content.maximumLines, screen_.traits);
     if (layout->lineCount() > 1 && layout->size().height > bounds.size.height + 1) {
         const double lineHeight = layout->size().height / layout->lineCount();
         const int fitting = std::max(1, static_cast<int>((bounds.size.height + 1) / lineHeight));
         layout = measurer_.layout(text, width, fitting, screen_.traits);
     }
-    layout->draw(painter, bounds, label.displayedTextAlignment());
+    layout->draw(painter, bounds, content.alignment);
 }
 
-void ViewPainter::paintImage(QPainter& painter, const UIImageView& view) {
-    const CGRect whole = view.imageRect();
-    if (!view.image() || whole.isEmpty())
+void ViewPainter::paintContent(QPainter& painter, const UIView& view, const ImageContent& content) {
+    const CGRect& whole = content.rect;
+    const UIImage& image = content.image;
+    if (whole.isEmpty())
         return;
-    const UIImage& image = *view.image();
-    const std::optional<QColor> tint =
-        view.drawsTemplate() ? std::optional(color(view.tintColor())) : std::nullopt;
+    const std::optional<QColor> tint = content.isTemplate ? std::optional(color(content.tint)) : std::nullopt;
     const double scale = screen_.pixelsPerPoint;
     if (!image.pixels()) {
         // Vectors are placed on whole pixels, where thin lines stay sharp.
@@ -259,7 +250,7 @@ void ViewPainter::paintImage(QPainter& painter, const UIImageView& view) {
             const QPointF corner = transform.map(target.topLeft()).toPoint();
             target.moveTopLeft(transform.inverted().map(corner));
         }
-        painter.drawImage(target, view.drawsFlipped() ? rendered.mirrored(true, false) : rendered);
+        painter.drawImage(target, content.isFlipped ? rendered.mirrored(true, false) : rendered);
         return;
     }
     const CGRect visible = view.clipsToBounds() ? whole.intersection(view.presentation().bounds) : whole;
@@ -271,24 +262,24 @@ void ViewPainter::paintImage(QPainter& painter, const UIImageView& view) {
     const QSize size(static_cast<int>(std::ceil(visible.size.width * scale)),
                      static_cast<int>(std::ceil(visible.size.height * scale)));
     const QImage scaled = images_.scaled(image, part, size, tint);
-    painter.drawImage(toQt(visible), view.drawsFlipped() ? scaled.mirrored(true, false) : scaled);
+    painter.drawImage(toQt(visible), content.isFlipped ? scaled.mirrored(true, false) : scaled);
 }
 
-void ViewPainter::paintSpinner(QPainter& painter, const UIActivityIndicatorView& spinner) {
+void ViewPainter::paintContent(QPainter& painter, const UIView& view, const SpinnerContent& content) {
     constexpr double innerRadius = 0.24;
     constexpr double outerRadius = 0.46;
     constexpr double thickness = 0.11;
     constexpr double faintest = 0.18;
-    constexpr int spokes = UIActivityIndicatorView::spokes;
+    const int spokes = content.spokes;
 
-    const CGRect bounds = spinner.presentation().bounds;
+    const CGRect bounds = view.presentation().bounds;
     const double side = std::min(bounds.size.width, bounds.size.height);
     painter.save();
     painter.translate(toQt(bounds.center()));
-    painter.rotate(360.0 / spokes * spinner.leadingSpoke());
+    painter.rotate(360.0 / spokes * content.leadingSpoke);
     for (int age = 0; age < spokes; ++age) {
         const double strength = 1 - static_cast<double>(age) / spokes;
-        QColor shade = color(spinner.color());
+        QColor shade = color(content.color);
         shade.setAlphaF(static_cast<float>(shade.alphaF() * std::max(strength, faintest)));
         const QRectF spoke(-thickness / 2 * side, -outerRadius * side, thickness * side,
                            (outerRadius - innerRadius) * side);

@@ -7,13 +7,11 @@
 
 #include <QImage>
 
+#include <variant>
+
 class QPainter;
 
 namespace sela {
-
-class UIActivityIndicatorView;
-class UIImageView;
-class UILabel;
 
 /// Draws a view tree as it is shown at this moment: for each view its shadow, background, content, subviews
 /// and border, antialiased, by the presentation. What is costly to make (scaled pictures, blurred shadows,
@@ -40,9 +38,10 @@ private:
     void paintBackground(QPainter& painter, const UIView& view, bool rounds);
     void paintShadow(QPainter& painter, const UIView& view);
     void paintBorder(QPainter& painter, const UIView& view);
-    void paintLabel(QPainter& painter, const UILabel& label);
-    void paintImage(QPainter& painter, const UIImageView& view);
-    void paintSpinner(QPainter& painter, const UIActivityIndicatorView& spinner);
+    void paintContent(QPainter&, const UIView&, const std::monostate&) {}
+    void paintContent(QPainter& painter, const UIView& view, const TextContent& content);
+    void paintContent(QPainter& painter, const UIView& view, const ImageContent& content);
+    void paintContent(QPainter& painter, const UIView& view, const SpinnerContent& content);
     QColor color(const UIColor& color) const;
 
     const QtTextMeasurer& measurer_;

@@ -18,7 +18,6 @@ void SelaShareExtensionEntryVc::viewDidLoad() {
 }
 
 void SelaShareExtensionEntryVc::addCard(double scale) {
-    container_.setName("container");
     view().addSubview(container_);
     container_.snp().makeConstraints([&](ConstraintMaker& make) {
         make.width().equalTo(320 * scale);

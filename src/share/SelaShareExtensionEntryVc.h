@@ -17,7 +17,7 @@ private:
     void addCard(double scale);
     void addNavigation();
 
-    UIView container_;
+    UIView container_{"container"};
 };
 
 } // namespace sela

@@ -46,9 +46,7 @@ std::weak_ptr<SelaShareExtensionVc> weakReference(SelaShareExtensionVc& screen) 
 
 } // namespace
 
-SelaShareExtensionVc::SelaShareExtensionVc()
-    : resultIcon_(UIImage::named("Success")), disclosureIcon_(UIImage::named("Disclosure")),
-      intake_(std::make_shared<AttachmentIntake>()) {}
+SelaShareExtensionVc::SelaShareExtensionVc() : intake_(std::make_shared<AttachmentIntake>()) {}
 
 SelaShareExtensionVc::SelaShareExtensionVc(const NSCoder&) {
     fatalError("init(coder:) has not been implemented");

@@ -82,23 +82,23 @@ private:
     void startSaving();
     void showDone();
 
-    UIView resultView_;
-    UIImageView resultIcon_;
-    UIActivityIndicatorView activityIndicator_;
-    UILabel resultLabel_;
-    UIView containerView_;
-    UILabel titleLabel_;
-    UIButton albumButton_;
-    UIImageView disclosureIcon_;
-    UIView imageViewContainer_;
-    UIImageView imageView1_;
-    UIView imageView1Container_;
-    UIImageView imageView2_;
-    UIView imageView2Container_;
-    UIImageView imageView3_;
-    UIView imageView3Container_;
-    UIButton cancelButton_;
-    UIButton addButton_;
+    UIView resultView_{"resultView"};
+    UIImageView resultIcon_{"resultIcon", UIImage::named("Success")};
+    UIActivityIndicatorView activityIndicator_{"activityIndicator"};
+    UILabel resultLabel_{"resultLabel"};
+    UIView containerView_{"containerView"};
+    UILabel titleLabel_{"titleLabel"};
+    UIButton albumButton_{"albumButton"};
+    UIImageView disclosureIcon_{"disclosureIcon", UIImage::named("Disclosure")};
+    UIView imageViewContainer_{"imageViewContainer"};
+    UIImageView imageView1_{"imageView1"};
+    UIView imageView1Container_{"imageView1Container"};
+    UIImageView imageView2_{"imageView2"};
+    UIView imageView2Container_{"imageView2Container"};
+    UIImageView imageView3_{"imageView3"};
+    UIView imageView3Container_{"imageView3Container"};
+    UIButton cancelButton_{"cancelButton"};
+    UIButton addButton_{"addButton"};
 
     /// Holds the state fields: the chosen album, the mode, the counters and the thumbnails.
     const std::shared_ptr<AttachmentIntake> intake_;

@@ -42,29 +42,6 @@ void SelaShareExtensionVc::buildTree() {
     imageView1Container_.addSubview(imageView1_);
     imageView2Container_.addSubview(imageView2_);
     imageView3Container_.addSubview(imageView3_);
-
-    struct Named {
-        UIView& view;
-        const char* name;
-    };
-    for (const Named& named : {Named{resultView_, "resultView"},
-                               {resultIcon_, "resultIcon"},
-                               {activityIndicator_, "activityIndicator"},
-                               {resultLabel_, "resultLabel"},
-                               {containerView_, "containerView"},
-                               {titleLabel_, "titleLabel"},
-                               {albumButton_, "albumButton"},
-                               {disclosureIcon_, "disclosureIcon"},
-                               {imageViewContainer_, "imageViewContainer"},
-                               {imageView1_, "imageView1"},
-                               {imageView1Container_, "imageView1Container"},
-                               {imageView2_, "imageView2"},
-                               {imageView2Container_, "imageView2Container"},
-                               {imageView3_, "imageView3"},
-                               {imageView3Container_, "imageView3Container"},
-                               {cancelButton_, "cancelButton"},
-                               {addButton_, "addButton"}})
-        named.view.setName(named.name);
 }
 
 void SelaShareExtensionVc::layoutPanels() {

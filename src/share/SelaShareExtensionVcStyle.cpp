@@ -38,6 +38,7 @@ void SelaShareExtensionVc::styleButtons() {
     cancelButton_.layer().setBorderWidth(1);
     cancelButton_.layer().setBorderColor(UIColor::named("AlertButtonDefault"));
     cancelButton_.layer().setCornerRadius(halfHeight);
+    cancelButton_.addKeyCommand(UIKeyCommand::inputEscape);
     cancelButton_.addTarget(this, &SelaShareExtensionVc::cancelButtonTapped, UIControl::Event::touchUpInside);
 
     addButton_.setTitleFont(font);
@@ -45,6 +46,7 @@ void SelaShareExtensionVc::styleButtons() {
     addButton_.setTitleColor(UIColor::named("TintButtonText"));
     addButton_.layer().setCornerRadius(halfHeight);
     addButton_.setClipsToBounds(true);
+    addButton_.addKeyCommand(UIKeyCommand::inputReturn);
     addButton_.addTarget(this, &SelaShareExtensionVc::onAddButtonTouched, UIControl::Event::touchUpInside);
 
     albumButton_.setContentHorizontalAlignment(UIButton::ContentHorizontalAlignment::leading);

@@ -8,10 +8,8 @@
 
 namespace sela {
 
-AUIButton::AUIButton() {
-    titleLabel_.setName("titleLabel");
+AUIButton::AUIButton(std::string_view name) : UIView(name) {
     titleLabel_.setTextAlignment(NSTextAlignment::center);
-    imageView_.setName("imageView");
     for (UIView* content : {static_cast<UIView*>(&titleLabel_), static_cast<UIView*>(&imageView_)}) {
         addSubview(*content);
         content->snp().remakeConstraints([](ConstraintMaker& make) {

@@ -16,7 +16,7 @@ class AUIButton : public UIView {
 public:
     using Callback = std::function<void(AUIButton& button)>;
 
-    AUIButton();
+    explicit AUIButton(std::string_view name = {});
 
     /// Neither a frame nor an archive makes one: both stop the process.
     explicit AUIButton(const CGRect& frame);
@@ -40,8 +40,8 @@ public:
 private:
     void onTapped(UITapGestureRecognizer& recognizer);
 
-    UILabel titleLabel_;
-    UIImageView imageView_;
+    UILabel titleLabel_{"titleLabel"};
+    UIImageView imageView_{"imageView"};
     Callback callback_;
 };
 

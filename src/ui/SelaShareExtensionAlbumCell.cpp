@@ -7,7 +7,7 @@ namespace sela {
 
 SelaShareExtensionAlbumCell::SelaShareExtensionAlbumCell(Style style,
                                                          const std::optional<std::string>& reuseIdentifier)
-    : UITableViewCell(style, reuseIdentifier), lockIcon_(UIImage::named("AlbumLocked")) {
+    : UITableViewCell(style, reuseIdentifier) {
     contentView().addSubview(thumbnailView_);
     contentView().addSubview(titleLabel_);
     contentView().addSubview(showChildButton_);
@@ -19,8 +19,7 @@ SelaShareExtensionAlbumCell::SelaShareExtensionAlbumCell(Style style,
     showArrow();
 }
 
-SelaShareExtensionAlbumCell::SelaShareExtensionAlbumCell(const NSCoder& coder)
-    : UITableViewCell(coder), lockIcon_(UIImage::named("AlbumLocked")) {}
+SelaShareExtensionAlbumCell::SelaShareExtensionAlbumCell(const NSCoder& coder) : UITableViewCell(coder) {}
 
 void SelaShareExtensionAlbumCell::layoutTitleWithShowChildButton() {
     layoutTitle(showChildButton_.snp().leading());
@@ -64,11 +63,6 @@ void SelaShareExtensionAlbumCell::layoutBadgeAndButton() {
 }
 
 void SelaShareExtensionAlbumCell::applyLooks() {
-    thumbnailView_.setName("thumbnailView");
-    titleLabel_.setName("titleLabel");
-    showChildButton_.setName("showChildButton");
-    lockIcon_.setName("lockIcon");
-
     titleLabel_.setFont(UIFont::systemFont(14));
     titleLabel_.setTextColor(UIColor::named("AppText"));
     for (UIImageView* square : {&thumbnailView_, &lockIcon_}) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/snapkit/ConstraintItem.h"
+#include "platform/snapkit/ConstraintAttribute.h"
 #include "platform/uikit/UIImageView.h"
 #include "platform/uikit/UILabel.h"
 #include "platform/uikit/UITableViewCell.h"
@@ -50,10 +50,10 @@ private:
     void applyLooks();
     void showArrow();
 
-    UIImageView thumbnailView_;
-    UILabel titleLabel_;
-    AUIButton showChildButton_;
-    UIImageView lockIcon_;
+    UIImageView thumbnailView_{"thumbnailView"};
+    UILabel titleLabel_{"titleLabel"};
+    AUIButton showChildButton_{"showChildButton"};
+    UIImageView lockIcon_{"lockIcon", UIImage::named("AlbumLocked")};
 };
 
 } // namespace sela

@@ -1,7 +1,6 @@
 #include "ui/SelaShareExtensionTopBar.h"
 
 #include "platform/snapkit/ConstraintViewDSL.h"
-#include "ui/SelaShareExtensionTopBarDelegate.h"
 
 namespace sela {
 
@@ -31,19 +30,16 @@ void SelaShareExtensionTopBar::onRightButtonTouched(UIButton&) {
 
 void SelaShareExtensionTopBar::applyLooks() {
     const UIColor darkGrey(0.2, 0.2, 0.2, 1.0);
-    leftButton_.setName("leftButton");
     leftButton_.setTintColor(darkGrey);
     leftButton_.titleLabel().setFont(UIFont::systemFont(16));
     leftButton_.setContentEdgeInsets({0, 16, 0, 0});
     leftButton_.setContentHorizontalAlignment(UIButton::ContentHorizontalAlignment::left);
 
-    rightButton_.setName("rightButton");
     rightButton_.setTintColor(darkGrey);
     rightButton_.titleLabel().setFont(UIFont::systemFont(16));
     rightButton_.setContentEdgeInsets({0, 0, 0, 16});
     rightButton_.setContentHorizontalAlignment(UIButton::ContentHorizontalAlignment::right);
 
-    titleLabel_.setName("titleLabel");
     titleLabel_.setTextColor(darkGrey);
     titleLabel_.setFont(UIFont::systemFont(16, UIFont::Weight::semibold));
     titleLabel_.setTextAlignment(NSTextAlignment::center);

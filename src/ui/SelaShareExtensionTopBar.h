@@ -9,7 +9,17 @@
 
 namespace sela {
 
-class SelaShareExtensionTopBarDelegate;
+/// Whoever is told of taps on a `SelaShareExtensionTopBar`. Called on the main thread.
+class SelaShareExtensionTopBarDelegate {
+public:
+    virtual ~SelaShareExtensionTopBarDelegate() = default;
+
+    /// The left button was tapped.
+    virtual void topBarLeftButtonTouched() = 0;
+
+    /// The right button was tapped.
+    virtual void topBarRightButtonTouched() = 0;
+};
 
 /// A bar with a button of 80 points at each end and a centred title in what is left between them, nothing
 /// when the bar is 160 points wide or less. Its user sets titles and images. Main thread only.
@@ -38,9 +48,9 @@ private:
     void applyLooks();
     void makeConstraints();
 
-    UIButton leftButton_;
-    UIButton rightButton_;
-    UILabel titleLabel_;
+    UIButton leftButton_{"leftButton"};
+    UIButton rightButton_{"rightButton"};
+    UILabel titleLabel_{"titleLabel"};
     std::weak_ptr<SelaShareExtensionTopBarDelegate> delegate_;
 };
 

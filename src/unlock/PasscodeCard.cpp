@@ -7,11 +7,6 @@
 
 namespace sela {
 
-PasscodeCard::PasscodeCard() {
-    containerView_.setName("containerView");
-    titleLabel_.setName("titleLabel");
-}
-
 void PasscodeCard::assemble(UIView& rootView, double scale) {
     containerView_.setBackgroundColor(UIColor::named("AppCard"));
     rootView.addSubview(containerView_);

@@ -11,8 +11,6 @@ namespace sela {
 /// before scaling, with the screen's title in a strip of 46 points at its top. Main thread only.
 class PasscodeCard {
 public:
-    PasscodeCard();
-
     UIView& containerView() { return containerView_; }
     UILabel& titleLabel() { return titleLabel_; }
 
@@ -24,8 +22,8 @@ public:
     void setTitle(const std::string& title);
 
 private:
-    UIView containerView_;
-    UILabel titleLabel_;
+    UIView containerView_{"containerView"};
+    UILabel titleLabel_{"titleLabel"};
     double scale_ = 1;
 };
 

@@ -10,16 +10,6 @@
 
 namespace sela {
 
-PasscodeKeypad::PasscodeKeypad() {
-    indicatorContainer_.setName("indicatorContainer");
-    for (std::size_t i = 0; i < indicators_.size(); ++i)
-        indicators_[i].setName("indicator" + std::to_string(i + 1));
-    keypadView_.setName("keypadView");
-    for (std::size_t digit = 0; digit < buttons_.size(); ++digit)
-        buttons_[digit].setName("button" + std::to_string(digit));
-    backButton_.setName("backButton");
-}
-
 void PasscodeKeypad::assemble(UIView& card, double scale, std::size_t passcodeLength,
                               const Placement& placement) {
     card.addSubview(backButton_);
@@ -117,10 +107,11 @@ void PasscodeKeypad::applyLooks(double scale) {
     backButton_.setContentHorizontalAlignment(UIButton::ContentHorizontalAlignment::leading);
     backButton_.setTintColor(UIColor::named("AppTextSecond"));
     backButton_.setAccessibilityLabel(Bundle::main().localizedString("Back"));
+    backButton_.addKeyCommand(UIKeyCommand::inputEscape);
 
     for (UIView& indicator : indicators_)
         indicator.setBackgroundColor(UIColor::named("AppText"));
-    indicatorContainer_.setAccessibilityRole(AccessibilityRole::passcodeField);
+    indicatorContainer_.setAccessibilityRole(AccessibilityRole::secureTextField);
     indicatorContainer_.setAccessibilityLabel(Bundle::main().localizedString("Digits entered"));
 
     for (std::size_t digit = 0; digit < buttons_.size(); ++digit) {
@@ -130,7 +121,7 @@ void PasscodeKeypad::applyLooks(double scale) {
         button.setTitleColor(UIColor::named("AppText"));
         button.setTag(static_cast<int>(digit));
         button.setAccessibilityRole(AccessibilityRole::keyboardKey);
-        button.setAccessibilityLabel(button.title());
+        button.addKeyCommand(button.title());
     }
 }
 

@@ -28,8 +28,6 @@ public:
     /// Seconds that a failure is shown.
     static constexpr double shakeDuration = 0.6;
 
-    PasscodeKeypad();
-
     /// Adds back button, dots and keys, in this order, to the screen's card and lays them out by the screen's
     /// factor `scale`. `passcodeLength` is the number of characters of the vault passcode, 0 without one: the
     /// row has six dots when it is 6 and four otherwise, and is as wide as so many dots would be.
@@ -64,11 +62,15 @@ private:
     void layoutKeys(double scale, const Placement& placement);
     void applyLooks(double scale);
 
-    UIView indicatorContainer_;
-    std::array<UIView, 6> indicators_;
-    UIView keypadView_;
-    std::array<UIButton, 10> buttons_; ///< by their digits
-    UIButton backButton_;
+    UIView indicatorContainer_{"indicatorContainer"};
+    std::array<UIView, 6> indicators_{UIView("indicator1"), UIView("indicator2"), UIView("indicator3"),
+                                      UIView("indicator4"), UIView("indicator5"), UIView("indicator6")};
+    UIView keypadView_{"keypadView"};
+    std::array<UIButton, 10> buttons_{UIButton("button0"), UIButton("button1"), UIButton("button2"),
+                                      UIButton("button3"), UIButton("button4"), UIButton("button5"),
+                                      UIButton("button6"), UIButton("button7"), UIButton("button8"),
+                                      UIButton("button9")}; ///< by their digits
+    UIButton backButton_{"backButton"};
     bool isShaking_ = false;
 };
 

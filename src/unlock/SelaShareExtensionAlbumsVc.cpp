@@ -27,10 +27,7 @@ std::string localized(std::string_view key) {
 
 } // namespace
 
-SelaShareExtensionAlbumsVc::SelaShareExtensionAlbumsVc() {
-    tableView_.setName("tableView");
-    launchMainAppLabel_.setName("launchMainAppLabel");
-}
+SelaShareExtensionAlbumsVc::SelaShareExtensionAlbumsVc() = default;
 
 SelaShareExtensionAlbumsVc::SelaShareExtensionAlbumsVc(const NSCoder& coder) : UIViewController(coder) {
     fatalError("init(coder:) has not been implemented");
@@ -230,12 +227,12 @@ void SelaShareExtensionAlbumsVc::fill(SelaShareExtensionAlbumCell& cell, const I
     cell.lockIcon().setHidden(!album.password);
     if (!album.namePath.empty())
         cell.titleLabel().setText(album.namePath.back());
-    describe(cell, indexPath, album);
+    setAccessibility(cell, indexPath, album);
 }
 
 /// What a screen reader says of a row.
-void SelaShareExtensionAlbumsVc::describe(SelaShareExtensionAlbumCell& cell, const IndexPath& indexPath,
-                                          const SharedAlbum& album) {
+void SelaShareExtensionAlbumsVc::setAccessibility(SelaShareExtensionAlbumCell& cell,
+                                                  const IndexPath& indexPath, const SharedAlbum& album) {
     std::string value = localized(album.password ? "Locked" : "Unlocked");
     auto status = AccessibilityExpandedStatus::unsupported;
     if (AUIButton& button = cell.showChildButton(); !button.isHidden()) {
@@ -312,10 +309,10 @@ void SelaShareExtensionAlbumsVc::showChildAlbums(int section, const SharedAlbum&
         return;
     const auto passCheck =
         std::make_shared<SelaSharedAlbumPassCheck>(*album.password, album.namePath.front());
-    passCheck->navigationItem().setLeftBarButtonItem(std::make_unique<UIBarButtonItem>(
-        UIImage::named("Back"), UIBarButtonItem::Style::plain, passCheck.get(),
-        static_cast<void (CommonUIViewController::*)(UIBarButtonItem&)>(
-            &CommonUIViewController::onBackButtonTouched)));
+    passCheck->navigationItem().setLeftBarButtonItem(
+        std::make_unique<UIBarButtonItem>(UIImage::named("Back"), passCheck.get(),
+                                          static_cast<void (CommonUIViewController::*)(UIBarButtonItem&)>(
+                                              &CommonUIViewController::onBackButtonTouched)));
     passCheck->setCallback([weak = weak_from_this(), section](std::optional<bool> unlocked) {
         const std::shared_ptr<UIViewController> alive = weak.lock();
         if (!alive || !unlocked.value_or(false))

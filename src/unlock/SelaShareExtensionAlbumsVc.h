@@ -78,7 +78,8 @@ private:
     void unlock();
 
     void fill(SelaShareExtensionAlbumCell& cell, const IndexPath& indexPath, const SharedAlbum& album);
-    void describe(SelaShareExtensionAlbumCell& cell, const IndexPath& indexPath, const SharedAlbum& album);
+    void setAccessibility(SelaShareExtensionAlbumCell& cell, const IndexPath& indexPath,
+                          const SharedAlbum& album);
     void showCover(SelaShareExtensionAlbumCell& cell, const SharedAlbum& album);
     void loadCoversLater();
     void loadNextCover();
@@ -87,8 +88,8 @@ private:
 
     PasscodeCard card_;
     PasscodeKeypad keypad_;
-    UITableView tableView_;
-    UILabel launchMainAppLabel_;
+    UITableView tableView_{"tableView"};
+    UILabel launchMainAppLabel_{"launchMainAppLabel"};
     AlbumTree albums_;
     std::string currentPassword_;
     std::weak_ptr<SelaShareExtensionAlbumsVcDelegate> delegate_;

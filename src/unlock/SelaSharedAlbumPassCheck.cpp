@@ -16,7 +16,6 @@ namespace sela {
 
 SelaSharedAlbumPassCheck::SelaSharedAlbumPassCheck(std::string checkPass, const std::string& subtitle)
     : checkPass_(std::move(checkPass)) {
-    subTitleLabel_.setName("subTitleLabel");
     subTitleLabel_.setText(subtitle);
 }
 

@@ -36,7 +36,7 @@ private:
     void finish(bool unlocked);
 
     PasscodeCard card_;
-    UILabel subTitleLabel_;
+    UILabel subTitleLabel_{"subTitleLabel"};
     PasscodeKeypad keypad_;
     std::string currentPassword_;
     const std::string checkPass_;

@@ -2,7 +2,7 @@
 
 #include "host/QtTextMeasurer.h"
 #include "platform/foundation/ScopedMainQueue.h"
-#include "platform/foundation/VirtualMainLoop.h"
+#include "support/VirtualMainLoop.h"
 
 #include <QGuiApplication>
 

@@ -19,14 +19,13 @@ class ProbeCell : public UITableViewCell {
 public:
     ProbeCell(Style style, const std::optional<std::string>& reuseIdentifier)
         : UITableViewCell(style, reuseIdentifier) {
-        showChildButton.setName("showChildButton");
         showChildButton.setAccessibilityLabel("showChildButton");
         showChildButton.setFrame({320, 4, 40, 36});
         showChildButton.addTarget(this, &ProbeCell::buttonTouched, UIControl::Event::touchUpInside);
         contentView().addSubview(showChildButton);
     }
 
-    UIButton showChildButton;
+    UIButton showChildButton{"showChildButton"};
     std::vector<std::string>* touched = nullptr;
     int section = 0;
 
@@ -39,16 +38,18 @@ class ProbeController : public UIViewController, public UITableViewDataSource, p
 public:
     void viewDidLoad() override {
         UIViewController::viewDidLoad();
-        place(addButton, "addButton", {20, 20, 100, 40});
-        place(hiddenButton, "hiddenButton", {140, 20, 100, 40});
+        place(addButton, {20, 20, 100, 40});
+        place(hiddenButton, {140, 20, 100, 40});
         hiddenButton.setHidden(true);
-        place(cancelButton, "cancelButton", {260, 20, 100, 40});
-        place(coveredButton, "coveredButton", {20, 80, 100, 40});
+        place(cancelButton, {260, 20, 100, 40});
+        place(coveredButton, {20, 80, 100, 40});
         cover.setFrame({0, 70, 200, 60});
         view().addSubview(cover);
-        place(button7, "button7", {20, 140, 60, 40});
+        place(button7, {20, 140, 60, 40});
+        addButton.addKeyCommand(UIKeyCommand::inputReturn);
+        cancelButton.addKeyCommand(UIKeyCommand::inputEscape);
+        button7.addKeyCommand("7");
 
-        tableView.setName("tableView");
         tableView.setFrame({0, 200, 375, 400});
         tableView.registerClass<ProbeCell>("ProbeCell");
         tableView.setDataSource(this);
@@ -71,20 +72,19 @@ public:
         touched.push_back("row " + std::to_string(indexPath.section) + " " + std::to_string(indexPath.row));
     }
 
-    UIButton addButton;    ///< at (20, 20), 100 by 40
-    UIButton hiddenButton; ///< beside it
-    UIButton cancelButton; ///< beside that
-    UIButton coveredButton;
+    UIButton addButton{"addButton"};       ///< at (20, 20), 100 by 40, of the key Return
+    UIButton hiddenButton{"hiddenButton"}; ///< beside it
+    UIButton cancelButton{"cancelButton"}; ///< beside that, of the key Escape
+    UIButton coveredButton{"coveredButton"};
     UIView cover;
-    UIButton button7;
-    UITableView tableView; ///< at (0, 200), 375 by 400
+    UIButton button7{"button7"};        ///< of the key 7
+    UITableView tableView{"tableView"}; ///< at (0, 200), 375 by 400
 
     std::vector<std::string> touched;
 
 private:
-    void place(UIButton& button, const char* name, const CGRect& frame) {
-        button.setName(name);
-        button.setTitle(name);
+    void place(UIButton& button, const CGRect& frame) {
+        button.setTitle(button.name());
         button.setFrame(frame);
         button.addTarget(this, &ProbeController::buttonTouched, UIControl::Event::touchUpInside);
         view().addSubview(button);

@@ -78,7 +78,7 @@ TEST_F(AccessibilityTest, PlacesTheElementsAndAnEntryHasTheFocusOnlyWhereNothing
     EXPECT_EQ(button.rect().translated(-shareWindow_.mapToGlobal(QPoint())), QRect(40, 280, 120, 80));
     EXPECT_EQ(root().childAt(button.rect().center().x(), button.rect().center().y()), &button);
     UIView entry({200, 140, 100, 20});
-    entry.setAccessibilityRole(AccessibilityRole::passcodeField);
+    entry.setAccessibilityRole(AccessibilityRole::secureTextField);
     probe_->view().addSubview(entry);
     look();
     EXPECT_NE(root().focusChild(), &button);

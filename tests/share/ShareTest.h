@@ -2,11 +2,12 @@
 
 #include "platform/extension/NSExtensionItem.h"
 #include "platform/foundation/ScopedMainQueue.h"
-#include "platform/foundation/VirtualMainLoop.h"
 #include "store/SharedFolder.h"
 #include "store/SharedItemLedger.h"
+#include "support/FixedTextMeasurer.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryHome.h"
+#include "support/VirtualMainLoop.h"
 
 #include <gmock/gmock.h>
 
@@ -38,6 +39,7 @@ protected:
 
     TemporaryHome home;
     LogCapture log;
+    FixedTextMeasurer text;
     VirtualMainLoop loop;
     ScopedMainQueue scope{loop};
 };

@@ -1,13 +1,12 @@
-#include "store/SharedItemManager.h"
-
 #include "platform/foundation/HeadlessMainLoop.h"
 #include "platform/foundation/ScopedMainQueue.h"
-#include "platform/foundation/VirtualMainLoop.h"
 #include "store/SharedFolder.h"
 #include "store/SharedItemLedger.h"
+#include "store/SharedItemManager.h"
 #include "support/FaultyStreams.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryHome.h"
+#include "support/VirtualMainLoop.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>

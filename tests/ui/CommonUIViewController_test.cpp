@@ -42,8 +42,7 @@ protected:
     }
 
     void goBack() {
-        UIBarButtonItem item(std::nullopt, UIBarButtonItem::Style::plain, screen_.get(),
-                             &CommonUIViewController::onBackButtonTouched);
+        UIBarButtonItem item(std::nullopt, screen_.get(), &CommonUIViewController::onBackButtonTouched);
         item.performAction();
         settle();
     }

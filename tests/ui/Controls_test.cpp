@@ -2,7 +2,6 @@
 #include "platform/uikit/ViewTest.h"
 #include "ui/AUIButton.h"
 #include "ui/SelaShareExtensionTopBar.h"
-#include "ui/SelaShareExtensionTopBarDelegate.h"
 
 #include <gmock/gmock.h>
 

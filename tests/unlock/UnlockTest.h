@@ -2,15 +2,16 @@
 
 #include "platform/foundation/Data.h"
 #include "platform/foundation/ScopedMainQueue.h"
-#include "platform/foundation/VirtualMainLoop.h"
 #include "platform/uikit/UIButton.h"
 #include "platform/uikit/UILabel.h"
 #include "platform/uikit/UINavigationController.h"
 #include "platform/uikit/UIWindow.h"
 #include "store/SharedAlbum.h"
 #include "store/SharedFolder.h"
+#include "support/FixedTextMeasurer.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryHome.h"
+#include "support/VirtualMainLoop.h"
 #include "unlock/SelaShareExtensionAlbumsVc.h"
 #include "unlock/SelaShareExtensionAlbumsVcDelegate.h"
 
@@ -156,6 +157,7 @@ protected:
     UIViewController& top() { return *navigation_->topViewController(); }
 
     TemporaryHome home_;
+    FixedTextMeasurer text_;
     VirtualMainLoop loop_;
     ScopedMainQueue mainQueue_{loop_};
     LogCapture log_;

@@ -17,7 +17,7 @@ void keepFreedMemory() {
     ::mallopt(M_ARENA_MAX, 1);
 }
 
-void makePresent(void* memory, std::size_t bytes) {
+void populatePages(void* memory, std::size_t bytes) {
     constexpr std::uintptr_t page = 4096;
     const std::uintptr_t begin = (reinterpret_cast<std::uintptr_t>(memory) + page - 1) / page * page;
     const std::uintptr_t end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) / page * page;
@@ -27,7 +27,7 @@ void makePresent(void* memory, std::size_t bytes) {
 
 void growHeap(std::size_t bytes) {
     if (void* const memory = std::malloc(bytes)) {
-        makePresent(memory, bytes);
+        populatePages(memory, bytes);
         std::free(memory);
     }
 }

@@ -15,6 +15,6 @@ void growHeap(std::size_t bytes);
 
 /// Gets the pages of memory that is about to be written at once, as `growHeap` does. A hint: before
 /// Linux 5.14 they come page by page all the same.
-void makePresent(void* memory, std::size_t bytes);
+void populatePages(void* memory, std::size_t bytes);
 
 } // namespace sela

@@ -2,14 +2,23 @@
 
 #include "platform/foundation/SourceLocation.h"
 #include "platform/snapkit/ConstraintAttribute.h"
+#include "platform/uikit/ViewReference.h"
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 
 namespace sela {
 
-class UIView;
+/// How important a constraint is, above 0 and up to 1000; the platform's named steps. The more important one
+/// of two that contradict each other is kept, of equally important ones the one that was made first.
+namespace ConstraintPriority {
+
+inline constexpr double required = 1000;
+inline constexpr double high = 750;
+inline constexpr double medium = 500;
+inline constexpr double low = 250;
+
+} // namespace ConstraintPriority
 
 /// One equation of a view's layout: its `attribute` = `multiplier` * the target's `targetAttribute` +
 /// `constant`, in points. Without a target, `attribute` = `constant`. Of leading and trailing edges all of
@@ -18,7 +27,7 @@ class UIView;
 /// is not in the tree of its view, or is gone.
 struct Constraint {
     ConstraintAttribute attribute;
-    std::optional<std::weak_ptr<UIView>> target; ///< absent: none
+    std::optional<ViewReference<const UIView>> target; ///< absent: none
     ConstraintAttribute targetAttribute;
     double multiplier;
     double constant;

@@ -2,7 +2,7 @@
 
 namespace sela {
 
-const char* describe(ConstraintAttribute attribute) {
+const char* nameOf(ConstraintAttribute attribute) {
     switch (attribute) {
     case ConstraintAttribute::left:
         return "left";

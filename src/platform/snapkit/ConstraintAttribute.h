@@ -4,6 +4,8 @@
 
 namespace sela {
 
+class UIView;
+
 /// What of a view's rectangle a constraint speaks about. Leading is where reading begins: left, or right in a
 /// view that is read from the right; trailing is the other edge.
 enum class ConstraintAttribute {
@@ -44,6 +46,13 @@ constexpr bool isHorizontal(ConstraintAttribute attribute) {
 }
 
 /// The attribute's name, for log lines.
-const char* describe(ConstraintAttribute attribute);
+const char* nameOf(ConstraintAttribute attribute);
+
+/// Attributes of a view as the right side of a constraint: what `view.snp().right()` gives. Valid as long as
+/// the view lives.
+struct ConstraintItem {
+    const UIView& view;
+    ConstraintAttributes attributes;
+};
 
 } // namespace sela

@@ -76,8 +76,7 @@ void ConstraintDescription::setPriority(double priority) {
 
 void ConstraintDescription::resolve(std::vector<Constraint>& constraints) const {
     if (!related_)
-        fatalError("Incomplete constraint: it says nothing about its " +
-                       std::string(describe(attributes_[0])),
+        fatalError("Incomplete constraint: it says nothing about its " + std::string(nameOf(attributes_[0])),
                    place_);
     for (std::size_t i = 0; i < attributes_.size(); ++i) {
         const ConstraintAttribute attribute = attributes_[i];
@@ -86,14 +85,14 @@ void ConstraintDescription::resolve(std::vector<Constraint>& constraints) const 
             (!isSize(attribute) && isHorizontal(attribute) != isHorizontal(other)) ||
             (followsReading(attribute) && ignoresReading(other)) ||
             (ignoresReading(attribute) && followsReading(other)))
-            fatalError("A constraint cannot relate " + std::string(describe(attribute)) + " to " +
-                           describe(other),
+            fatalError("A constraint cannot relate " + std::string(nameOf(attribute)) + " to " +
+                           nameOf(other),
                        place_);
-        std::optional<std::weak_ptr<UIView>> target;
+        std::optional<ViewReference<const UIView>> target;
         if (target_ && !(sizesAreConstant_ && isSize(attribute)))
-            target = target_->weakReference();
+            target.emplace(*target_);
         constraints.push_back({.attribute = attribute,
-                               .target = std::move(target),
+                               .target = target,
                                .targetAttribute = other,
                                .multiplier = multiplier_,
                                .constant = constant(attribute),

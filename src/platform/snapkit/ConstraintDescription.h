@@ -2,8 +2,6 @@
 
 #include "platform/foundation/SourceLocation.h"
 #include "platform/snapkit/Constraint.h"
-#include "platform/snapkit/ConstraintItem.h"
-#include "platform/snapkit/ConstraintPriority.h"
 #include "platform/uikit/Geometry.h"
 
 #include <optional>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/snapkit/ConstraintAttributeWords.h"
-#include "platform/snapkit/ConstraintItem.h"
 #include "platform/snapkit/ConstraintMaker.h"
 #include "platform/uikit/UIView.h"
 

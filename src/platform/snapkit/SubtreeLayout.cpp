@@ -3,11 +3,9 @@
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/URL.h"
 #include "platform/snapkit/ViewConstraints.h"
-#include "platform/uikit/UILabel.h"
 #include "platform/uikit/UIView.h"
 
 #include <algorithm>
-#include <limits>
 #include <optional>
 #include <set>
 #include <string>
@@ -23,7 +21,7 @@ void logDropped(const UIView& view, const Constraint& constraint) {
     if (!logged.emplace(file, constraint.place.line).second)
         return;
     NSLog("Constraint dropped at " + file + ":" + std::to_string(constraint.place.line) + ": the " +
-          describe(constraint.attribute) + " of " + view.className() +
+          nameOf(constraint.attribute) + " of " + view.className() +
           (view.name().empty() ? "" : " " + view.name()) + " contradicts other constraints");
 }
 
@@ -120,7 +118,7 @@ void SubtreeLayout::collectEquations() {
         if (!own)
             continue;
         for (const Constraint& constraint : own->constraints()) {
-            const UIView* target = constraint.target ? constraint.target->lock().get() : nullptr;
+            const UIView* target = constraint.target ? constraint.target->get() : nullptr;
             if (constraint.target && (!target || !box(*target)))
                 continue;
             equations_.push_back({view, target, &constraint});
@@ -176,7 +174,7 @@ void SubtreeLayout::addEquations() {
 }
 
 void SubtreeLayout::addNaturalSizes() {
-    // Widths first: the height of a label depends on its width. Sizes that are known are not asked for, since
+    // Widths first: heights, as those of text, depend on them. Sizes that are known are not asked for, since
     // measuring text is the dearest part of a layout.
     for (const Member& member : members_) {
         if (system_.value(member.width))
@@ -188,11 +186,9 @@ void SubtreeLayout::addNaturalSizes() {
     for (const Member& member : members_) {
         if (system_.value(member.height))
             continue;
-        double height = member.view->intrinsicContentSize().height;
         const std::optional<double> width = system_.value(member.width);
-        if (const auto* label = dynamic_cast<const UILabel*>(member.view); label && width)
-            height =
-                label->sizeThatFits({std::max(*width, 0.0), std::numeric_limits<double>::infinity()}).height;
+        const double height =
+            width ? member.view->intrinsicHeight(*width) : member.view->intrinsicContentSize().height;
         if (height != UIView::noIntrinsicMetric)
             system_.assign(member.height, height);
     }

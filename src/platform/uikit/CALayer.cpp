@@ -54,8 +54,8 @@ void CALayer::add(const CAKeyframeAnimation& animation, const std::string& key) 
     const double now = DispatchQueue::main().now();
     animations_.insert_or_assign(key, Running{animation, now});
     view_.setNeedsDisplay();
-    DispatchQueue::main().asyncAfter(animation.duration, [view = view_.weakReference(), key, now] {
-        const std::shared_ptr<UIView> alive = view.lock();
+    DispatchQueue::main().asyncAfter(animation.duration, [view = ViewReference(view_), key, now] {
+        UIView* const alive = view.get();
         if (!alive)
             return;
         const auto found = alive->layer().animations_.find(key);

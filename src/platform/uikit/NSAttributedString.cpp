@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view placeholder = "%@";
 
-void describe(std::ostream& out, const NSAttributedString::Attributes& attributes) {
+void write(std::ostream& out, const NSAttributedString::Attributes& attributes) {
     out << '{';
     if (attributes.font) {
         const std::string& name = attributes.font->name();
@@ -94,7 +94,7 @@ std::string NSAttributedString::description() const {
     std::ostringstream out;
     for (const Run& run : runs_) {
         out << run.text;
-        describe(out, run.attributes);
+        write(out, run.attributes);
     }
     return std::move(out).str();
 }

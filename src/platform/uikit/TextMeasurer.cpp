@@ -1,6 +1,6 @@
 #include "platform/uikit/TextMeasurer.h"
 
-#include "platform/uikit/FixedTextMeasurer.h"
+#include "platform/foundation/FatalError.h"
 
 namespace sela {
 
@@ -11,8 +11,9 @@ const TextMeasurer* installed = nullptr;
 } // namespace
 
 const TextMeasurer& TextMeasurer::current() {
-    static const FixedTextMeasurer fixed;
-    return installed ? *installed : fixed;
+    if (!installed)
+        fatalError("TextMeasurer: nobody measures text");
+    return *installed;
 }
 
 void TextMeasurer::setCurrent(const TextMeasurer* measurer) {

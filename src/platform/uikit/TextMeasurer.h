@@ -7,8 +7,8 @@
 
 namespace sela {
 
-/// How large text is when drawn. Whoever draws the views installs its own measurer, so that layout and
-/// drawing agree; without one, `FixedTextMeasurer` answers. Main thread only.
+/// How large text is when drawn. Whoever draws the views installs its own measurer before the first
+/// layout, so that layout and drawing agree. Main thread only.
 class TextMeasurer {
 public:
     static constexpr double unlimitedWidth = std::numeric_limits<double>::infinity();
@@ -20,7 +20,7 @@ public:
     /// Every run has a font. Empty text is 0 by 0.
     virtual CGSize size(const NSAttributedString& text, double maximumWidth, int maximumLines) const = 0;
 
-    /// The installed measurer.
+    /// The installed measurer; without one the process stops.
     static const TextMeasurer& current();
 
     /// Installs `measurer`, which the caller keeps alive (null: none).

@@ -7,8 +7,9 @@
 
 namespace sela {
 
-UIActivityIndicatorView::UIActivityIndicatorView(Style)
-    : UIView({0, 0, side, side}), color_(UIColor::dynamic({0.6, 0.6, 0.6, 1}, {0.7, 0.7, 0.7, 1})) {
+UIActivityIndicatorView::UIActivityIndicatorView(std::string_view name)
+    : UIView(name), color_(UIColor::dynamic({0.6, 0.6, 0.6, 1}, {0.7, 0.7, 0.7, 1})) {
+    setFrame({0, 0, side, side});
     setHidden(true);
     setUserInteractionEnabled(false);
     setAccessibilityRole(AccessibilityRole::progress);
@@ -23,21 +24,17 @@ void UIActivityIndicatorView::startAnimating() {
     if (!spinning_)
         startTime_ = DispatchQueue::main().now();
     spinning_ = true;
-    if (hidesWhenStopped_)
-        setHidden(false);
+    setHidden(false);
     setNeedsDisplay();
 }
 
 void UIActivityIndicatorView::stopAnimating() {
     spinning_ = false;
-    if (hidesWhenStopped_)
-        setHidden(true);
+    setHidden(true);
 }
 
-void UIActivityIndicatorView::setHidesWhenStopped(bool hides) {
-    hidesWhenStopped_ = hides;
-    if (!spinning_)
-        setHidden(hides);
+ViewContent UIActivityIndicatorView::content() const {
+    return SpinnerContent{color_, spokes, leadingSpoke()};
 }
 
 int UIActivityIndicatorView::leadingSpoke() const {

@@ -4,11 +4,10 @@
 
 namespace sela {
 
-/// A spinner of 20 by 20 points that says that work is under way. Main thread only.
+/// A spinner of 20 by 20 points that says that work is under way; hidden while it does not turn. Main thread
+/// only.
 class UIActivityIndicatorView : public UIView {
 public:
-    enum class Style { gray };
-
     /// Length of a side in points.
     static constexpr double side = 20;
 
@@ -17,7 +16,8 @@ public:
     static constexpr double turnDuration = 1;
     static constexpr double calmTurnDuration = 4;
 
-    explicit UIActivityIndicatorView(Style style = Style::gray);
+    /// In the platform's grey style.
+    explicit UIActivityIndicatorView(std::string_view name = {});
 
     const UIColor& color() const { return color_; }
     void setColor(const UIColor& color);
@@ -28,14 +28,10 @@ public:
     /// Whether it turns (the platform's `isAnimating`, which here says whether the view's look moves).
     bool isSpinning() const { return spinning_; }
 
-    /// Whether it hides when it stops, as at first.
-    bool hidesWhenStopped() const { return hidesWhenStopped_; }
-    void setHidesWhenStopped(bool hides);
-
-    /// The spoke that is darkest now, counted clockwise from the top; each one counter-clockwise from it is
-    /// fainter.
+    /// The spoke that is darkest now, counted clockwise from the top.
     int leadingSpoke() const;
 
+    ViewContent content() const override;
     CGSize intrinsicContentSize() const override { return {side, side}; }
     bool isAnimating() const override;
     bool animatesForever() const override { return spinning_; }
@@ -43,7 +39,6 @@ public:
 private:
     UIColor color_;
     bool spinning_ = false;
-    bool hidesWhenStopped_ = true;
     double startTime_ = 0;
 };
 

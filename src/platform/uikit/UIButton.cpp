@@ -13,7 +13,11 @@ constexpr double disabledAlpha = 0.35;
 
 } // namespace
 
-UIButton::UIButton(const CGRect& frame) : UIControl(frame) {
+UIButton::UIButton(const CGRect& frame) : UIButton(std::string_view()) {
+    setFrame(frame);
+}
+
+UIButton::UIButton(std::string_view name) : UIControl(name) {
     setAccessibilityRole(AccessibilityRole::button);
     titleLabel_.setFont(UIFont::systemFont(15));
     titleLabel_.setTextColor(tintColor());
@@ -25,12 +29,12 @@ UIButton::UIButton(const CGRect& frame) : UIControl(frame) {
     addSubview(titleLabel_);
 }
 
-void UIButton::setTitle(const std::string& title, State) {
+void UIButton::setTitle(const std::string& title) {
     title_ = title;
     titleChanged();
 }
 
-void UIButton::setAttributedTitle(std::optional<NSAttributedString> title, State) {
+void UIButton::setAttributedTitle(std::optional<NSAttributedString> title) {
     attributedTitle_ = std::move(title);
     titleChanged();
 }
@@ -43,7 +47,7 @@ void UIButton::titleChanged() {
     contentChanged();
 }
 
-void UIButton::setTitleColor(const std::optional<UIColor>& color, State) {
+void UIButton::setTitleColor(const std::optional<UIColor>& color) {
     titleColor_ = color;
     titleLabel_.setTextColor(titleColor_.value_or(tintColor()));
 }
@@ -53,7 +57,7 @@ void UIButton::setTitleFont(const UIFont& font) {
     contentChanged();
 }
 
-void UIButton::setImage(std::optional<UIImage> image, State) {
+void UIButton::setImage(std::optional<UIImage> image) {
     imageView_.setImage(std::move(image));
     contentChanged();
 }

@@ -13,25 +13,25 @@ namespace sela {
 /// pressed both fade. What it shows is in its two subviews. Main thread only.
 class UIButton : public UIControl {
 public:
-    enum class State { normal };
     enum class ContentHorizontalAlignment { center, left, right, leading, trailing };
 
     explicit UIButton(const CGRect& frame = {});
+    explicit UIButton(std::string_view name);
 
     /// The plain title, empty for none; an attributed title, when set, is shown instead.
     const std::string& title() const { return title_; }
-    void setTitle(const std::string& title, State state = State::normal);
+    void setTitle(const std::string& title);
     const std::optional<NSAttributedString>& attributedTitle() const { return attributedTitle_; }
-    void setAttributedTitle(std::optional<NSAttributedString> title, State state = State::normal);
+    void setAttributedTitle(std::optional<NSAttributedString> title);
 
     /// The colour of the plain title; none: the tint colour.
-    void setTitleColor(const std::optional<UIColor>& color, State state = State::normal);
+    void setTitleColor(const std::optional<UIColor>& color);
 
     /// The system font of 15 points at first.
     void setTitleFont(const UIFont& font);
 
     /// Drawn in the tint colour.
-    void setImage(std::optional<UIImage> image, State state = State::normal);
+    void setImage(std::optional<UIImage> image);
 
     /// The label of the title (its font is chosen here; the system font of 15 points at first) and the view
     /// of the image.
@@ -49,6 +49,9 @@ public:
 
     /// Image and title side by side, with the insets.
     CGSize intrinsicContentSize() const override;
+
+    /// The title and the image.
+    std::vector<const UIView*> contentViews() const override { return {&titleLabel_, &imageView_}; }
     void layoutSubviews() override;
 
 protected:

@@ -13,9 +13,9 @@ constexpr double touchSlack = 70;
 
 void UIControl::sendActions(Event event) {
     const std::vector<TargetAction> targets = targets_;
-    const std::weak_ptr<UIView> alive = weakReference();
+    const ViewReference alive(*this);
     for (const TargetAction& target : targets) {
-        if (alive.expired())
+        if (!alive)
             return;
         if (target.event == event)
             target.action(*this);

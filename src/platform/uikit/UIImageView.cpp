@@ -5,14 +5,16 @@
 
 namespace sela {
 
-UIImageView::UIImageView(const CGRect& frame) : UIView(frame) {
-    setUserInteractionEnabled(false);
-    setAccessibilityRole(AccessibilityRole::image);
+UIImageView::UIImageView(const CGRect& frame) : UIImageView(std::string_view()) {
+    setFrame(frame);
 }
 
-UIImageView::UIImageView(std::optional<UIImage> image)
-    : UIImageView(image ? CGRect(0, 0, image->width(), image->height()) : CGRect()) {
-    image_ = std::move(image);
+UIImageView::UIImageView(std::string_view name, std::optional<UIImage> image)
+    : UIView(name), image_(std::move(image)) {
+    setUserInteractionEnabled(false);
+    setAccessibilityRole(AccessibilityRole::image);
+    if (image_)
+        setFrame({0, 0, image_->width(), image_->height()});
 }
 
 void UIImageView::setImage(std::optional<UIImage> image) {
@@ -23,21 +25,26 @@ void UIImageView::setImage(std::optional<UIImage> image) {
         invalidateIntrinsicContentSize();
 }
 
-bool UIImageView::drawsTemplate() const {
-    return alwaysDrawsTemplate_ ||
-           (image_ && image_->renderingMode() == UIImage::RenderingMode::alwaysTemplate);
-}
-
 void UIImageView::setAlwaysDrawsTemplate(bool always) {
     alwaysDrawsTemplate_ = always;
     setNeedsDisplay();
 }
 
+ViewContent UIImageView::content() const {
+    if (!image_)
+        return {};
+    const bool isTemplate =
+        alwaysDrawsTemplate_ || image_->renderingMode() == UIImage::RenderingMode::alwaysTemplate;
+    return ImageContent{*image_, imageRect(), isTemplate, tintColor(), drawsFlipped()};
+}
+
+/// Whether the picture is drawn mirrored.
 bool UIImageView::drawsFlipped() const {
     return image_ && image_->flipsForRightToLeftLayoutDirection() &&
            effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;
 }
 
+/// Where the whole picture is drawn, in own coordinates.
 CGRect UIImageView::imageRect() const {
     const CGRect bounds = this->bounds();
     if (!image_ || image_->width() <= 0 || image_->height() <= 0)

@@ -14,21 +14,18 @@ public:
     explicit UIImageView(const CGRect& frame = {});
 
     /// As large as the image, when there is one.
-    explicit UIImageView(std::optional<UIImage> image);
+    explicit UIImageView(std::string_view name, std::optional<UIImage> image = std::nullopt);
 
     const std::optional<UIImage>& image() const { return image_; }
     void setImage(std::optional<UIImage> image);
 
-    /// Whether the picture is drawn as a stencil filled with `tintColor`: an image that is a template, or an
-    /// owner (a button) that draws every image so.
-    bool drawsTemplate() const;
+    /// Whether every picture, not only one that is a template, is drawn as a stencil filled with `tintColor`,
+    /// as a button's is.
     void setAlwaysDrawsTemplate(bool always);
 
-    /// Whether the picture is drawn mirrored: one that flips, in a view that is read from the right.
-    bool drawsFlipped() const;
-
-    /// Where a picture of `image`'s size is drawn, in own coordinates; it may exceed the bounds.
-    CGRect imageRect() const;
+    /// The picture, fitted into the bounds; one that flips is drawn mirrored where reading begins at the
+    /// right.
+    ViewContent content() const override;
 
     /// The image's size; no natural size without one.
     CGSize intrinsicContentSize() const override;
@@ -37,6 +34,9 @@ protected:
     void tintColorDidChange() override;
 
 private:
+    CGRect imageRect() const;
+    bool drawsFlipped() const;
+
     std::optional<UIImage> image_;
     bool alwaysDrawsTemplate_ = false;
 };

@@ -6,8 +6,19 @@
 
 namespace sela {
 
-UILabel::UILabel(const CGRect& frame)
-    : UIView(frame), font_(UIFont::systemFont(17)), textColor_(UIColor::dynamic({0, 0, 0, 1}, {1, 1, 1, 1})) {
+bool TextContent::isTruncated(CGSize size) const {
+    const TextMeasurer& measurer = TextMeasurer::current();
+    const double height = measurer.size(text, size.width, 0).height;
+    const double shownHeight = measurer.size(text, size.width, maximumLines).height;
+    return height > shownHeight || (maximumLines != 1 && height > size.height + 1);
+}
+
+UILabel::UILabel(const CGRect& frame) : UILabel(std::string_view()) {
+    setFrame(frame);
+}
+
+UILabel::UILabel(std::string_view name)
+    : UIView(name), font_(UIFont::systemFont(17)), textColor_(UIColor::dynamic({0, 0, 0, 1}, {1, 1, 1, 1})) {
     setUserInteractionEnabled(false);
     setAccessibilityRole(AccessibilityRole::staticText);
 }
@@ -87,14 +98,6 @@ NSAttributedString UILabel::displayedText() const {
     return resolvedText(std::max(minimumScaleFactor_, scale));
 }
 
-bool UILabel::isTruncated() const {
-    const TextMeasurer& measurer = TextMeasurer::current();
-    const NSAttributedString text = displayedText();
-    const double height = measurer.size(text, bounds().size.width, 0).height;
-    const double shownHeight = measurer.size(text, bounds().size.width, numberOfLines_).height;
-    return height > shownHeight || (numberOfLines_ != 1 && height > bounds().size.height + 1);
-}
-
 NSTextAlignment UILabel::displayedTextAlignment() const {
     if (textAlignment_ != NSTextAlignment::natural)
         return textAlignment_;
@@ -103,8 +106,16 @@ NSTextAlignment UILabel::displayedTextAlignment() const {
     return fromRight ? NSTextAlignment::right : NSTextAlignment::left;
 }
 
+ViewContent UILabel::content() const {
+    return TextContent{displayedText(), font_, numberOfLines_, displayedTextAlignment()};
+}
+
 CGSize UILabel::intrinsicContentSize() const {
     return sizeThatFits({TextMeasurer::unlimitedWidth, 0});
+}
+
+double UILabel::intrinsicHeight(double width) const {
+    return sizeThatFits({std::max(width, 0.0), TextMeasurer::unlimitedWidth}).height;
 }
 
 CGSize UILabel::sizeThatFits(CGSize size) const {

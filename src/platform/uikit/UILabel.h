@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/uikit/NSAttributedString.h"
 #include "platform/uikit/UIView.h"
 
 #include <string>
@@ -8,14 +7,12 @@
 
 namespace sela {
 
-/// Where a line begins or lies; `natural`: where reading begins.
-enum class NSTextAlignment { natural, left, center, right };
-
 /// A view that shows text, vertically centred, cut off with an ellipsis where it does not fit. Takes no
 /// touches unless told to. Main thread only.
 class UILabel : public UIView {
 public:
     explicit UILabel(const CGRect& frame = {});
+    explicit UILabel(std::string_view name);
 
     /// Plain text (UTF-8) in the label's font and colour.
     std::string text() const { return text_.string(); }
@@ -47,17 +44,14 @@ public:
     double minimumScaleFactor() const { return minimumScaleFactor_; }
     void setMinimumScaleFactor(double factor);
 
-    /// The text as it is drawn into the bounds: every run has a font and a colour, shrunk when it must be.
-    NSAttributedString displayedText() const;
-
-    /// Whether less than the whole text is shown.
-    bool isTruncated() const;
-
-    /// The alignment as it is drawn: left, centre or right.
-    NSTextAlignment displayedTextAlignment() const;
+    /// The text as it is drawn into the bounds, shrunk when it must be.
+    ViewContent content() const override;
 
     /// The size of the text on lines as long as they come.
     CGSize intrinsicContentSize() const override;
+
+    /// The height of the text when lines are broken at `width`.
+    double intrinsicHeight(double width) const override;
 
     /// The size of the text when lines are broken at `size.width`.
     CGSize sizeThatFits(CGSize size) const override;
@@ -66,6 +60,8 @@ private:
     template<class T>
     void change(T& value, const T& newValue);
     NSAttributedString resolvedText(double scale) const;
+    NSAttributedString displayedText() const;
+    NSTextAlignment displayedTextAlignment() const;
 
     NSAttributedString text_;
     UIFont font_;

@@ -3,7 +3,6 @@
 #include "platform/foundation/DispatchQueue.h"
 
 #include <algorithm>
-#include <memory>
 
 namespace sela {
 
@@ -19,7 +18,11 @@ constexpr double velocityWeight = 0.6;
 
 } // namespace
 
-UIScrollView::UIScrollView(const CGRect& frame) : UIView(frame) {
+UIScrollView::UIScrollView(const CGRect& frame) : UIScrollView(std::string_view()) {
+    setFrame(frame);
+}
+
+UIScrollView::UIScrollView(std::string_view name) : UIView(name) {
     setClipsToBounds(true);
 }
 
@@ -129,16 +132,13 @@ void UIScrollView::advance() {
 }
 
 void UIScrollView::scheduleFrame() {
-    DispatchQueue::main().asyncAfter(frameDuration, [view = weakReference(), serial = motion_->serial] {
-        const std::shared_ptr<UIView> alive = view.lock();
-        if (!alive)
+    DispatchQueue::main().asyncAfter(frameDuration, [view = ViewReference(*this), serial = motion_->serial] {
+        UIScrollView* const scrollView = view.get();
+        if (!scrollView || !scrollView->motion_ || scrollView->motion_->serial != serial)
             return;
-        auto& scrollView = static_cast<UIScrollView&>(*alive);
-        if (!scrollView.motion_ || scrollView.motion_->serial != serial)
-            return;
-        scrollView.advance();
-        if (scrollView.motion_)
-            scrollView.scheduleFrame();
+        scrollView->advance();
+        if (scrollView->motion_)
+            scrollView->scheduleFrame();
     });
 }
 

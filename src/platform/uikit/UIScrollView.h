@@ -15,6 +15,7 @@ namespace sela {
 class UIScrollView : public UIView {
 public:
     explicit UIScrollView(const CGRect& frame = {});
+    explicit UIScrollView(std::string_view name);
 
     /// The content's point at the top left corner: the origin of the bounds.
     CGPoint contentOffset() const { return bounds().origin; }

@@ -8,7 +8,11 @@
 
 namespace sela {
 
-UITableView::UITableView(const CGRect& frame, Style) : UIScrollView(frame) {
+UITableView::UITableView(const CGRect& frame) : UITableView(std::string_view()) {
+    setFrame(frame);
+}
+
+UITableView::UITableView(std::string_view name) : UIScrollView(name) {
     setAccessibilityRole(AccessibilityRole::list);
 }
 
@@ -81,7 +85,7 @@ void UITableView::loadIfNeeded() {
     updateContentSize();
 }
 
-void UITableView::reloadSections(const std::vector<int>& sections, RowAnimation) {
+void UITableView::reloadSections(const std::vector<int>& sections) {
     if (!loaded_)
         return;
     highlight(std::nullopt);

@@ -3,8 +3,6 @@
 #include "platform/uikit/IndexPath.h"
 #include "platform/uikit/UIScrollView.h"
 #include "platform/uikit/UITableViewCell.h"
-#include "platform/uikit/UITableViewDataSource.h"
-#include "platform/uikit/UITableViewDelegate.h"
 
 #include <functional>
 #include <map>
@@ -15,21 +13,48 @@
 
 namespace sela {
 
+class UITableView;
+
+/// What a table shows. The table asks on the main thread: the numbers when it reloads, a cell when its row
+/// comes into view.
+class UITableViewDataSource {
+public:
+    virtual ~UITableViewDataSource() = default;
+
+    virtual int numberOfSections(UITableView&) { return 1; }
+    virtual int numberOfRows(UITableView& tableView, int section) = 0;
+
+    /// The filled cell for a row, taken from `UITableView::dequeueReusableCell`.
+    virtual UITableViewCell& cellForRow(UITableView& tableView, const IndexPath& indexPath) = 0;
+};
+
+/// Decides how a table's rows are laid out, and hears what the user does with them. Called on the main
+/// thread.
+class UITableViewDelegate {
+public:
+    virtual ~UITableViewDelegate() = default;
+
+    /// The height of every row in points, asked for once per reload with the first row.
+    virtual double heightForRow(UITableView&, const IndexPath&) { return 44; }
+
+    /// The user tapped a row, which is selected by now. May destroy the table.
+    virtual void didSelectRow(UITableView&, const IndexPath&) {}
+};
+
 /// A scrolling list of rows of one height in sections (plain style, no headers). Only the rows in view have
 /// cells (none while the table is hidden), and a cell that scrolls out of view serves again; a reload costs
 /// time in the number of sections, and scrolling in the number of visible rows. Main thread only.
 class UITableView : public UIScrollView {
 public:
-    enum class Style { plain };
     enum class SeparatorStyle { none, singleLine };
-    enum class RowAnimation { none };
     using CellFactory = std::function<std::unique_ptr<UITableViewCell>(UITableViewCell::Style,
                                                                        const std::string& reuseIdentifier)>;
 
     /// Height of a row in points where no delegate says otherwise.
     static constexpr double defaultRowHeight = 44;
 
-    explicit UITableView(const CGRect& frame = {}, Style style = Style::plain);
+    explicit UITableView(const CGRect& frame = {});
+    explicit UITableView(std::string_view name);
     ~UITableView() override;
 
     /// Not owned; it must outlive the table or be set to null before it goes (usually it owns the table).
@@ -60,7 +85,7 @@ public:
 
     /// Asks again for the rows of these sections only; nothing moves by animation. Their cells are filled
     /// anew.
-    void reloadSections(const std::vector<int>& sections, RowAnimation animation = RowAnimation::none);
+    void reloadSections(const std::vector<int>& sections);
 
     int numberOfSections();
     int numberOfRows(int section);

@@ -20,7 +20,6 @@ UITableViewCell::UITableViewCell(const NSCoder& coder) : UIView(coder) {
 
 void UITableViewCell::build() {
     setAccessibilityRole(AccessibilityRole::listItem);
-    contentView_.setName("contentView");
     selectionShade_.setBackgroundColor(UIColor::dynamic({0, 0, 0, 0.1}, {1, 1, 1, 0.12}));
     selectionShade_.setUserInteractionEnabled(false);
     selectionShade_.setHidden(true);

@@ -46,7 +46,7 @@ private:
     void updateShade();
 
     std::optional<std::string> reuseIdentifier_;
-    UIView contentView_;
+    UIView contentView_{"contentView"};
     UIView selectionShade_;
     UIView separator_;
     SelectionStyle selectionStyle_ = SelectionStyle::gray;

@@ -24,7 +24,11 @@ public:
     void setEnabled(bool enabled) { enabled_ = enabled; }
 
     /// Reports a tap to the target.
-    void recognize();
+    void recognize() {
+        // The action may destroy the view and with it this recogniser.
+        const auto action = action_;
+        action(*this);
+    }
 
 private:
     friend class UIView;

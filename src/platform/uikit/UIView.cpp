@@ -13,13 +13,15 @@
 
 namespace sela {
 
-UIView::UIView(const CGRect& frame)
-    : self_(this, [](UIView*) {}), bounds_({}, frame.size), center_(frame.center()), layer_(*this) {}
+UIView::UIView(const CGRect& frame) : bounds_({}, frame.size), center_(frame.center()), layer_(*this) {}
+
+UIView::UIView(std::string_view name) : name_(name), layer_(*this) {}
 
 UIView::UIView(const NSCoder&) : UIView(CGRect()) {}
 
 UIView::~UIView() {
-    self_.reset();
+    if (self_)
+        *self_ = nullptr;
     endAnimations();
     if (superview_) {
         setNeedsDisplay();
@@ -32,6 +34,12 @@ UIView::~UIView() {
         subviews_.pop_back();
         view->movedToWindow(nullptr);
     }
+}
+
+std::shared_ptr<UIView* const> UIView::self() const {
+    if (!self_)
+        self_ = std::make_shared<UIView*>(const_cast<UIView*>(this));
+    return self_;
 }
 
 std::string UIView::className() const {
@@ -54,14 +62,6 @@ void UIView::insertSubview(UIView& view, std::size_t index) {
     view.setNeedsDisplay();
     if (view.window() != former)
         view.movedToWindow(former);
-}
-
-void UIView::bringSubviewToFront(UIView& view) {
-    const auto found = std::ranges::find(subviews_, &view);
-    if (found == subviews_.end())
-        return;
-    std::rotate(found, found + 1, subviews_.end());
-    view.setNeedsDisplay();
 }
 
 void UIView::removeFromSuperview() {
@@ -101,11 +101,11 @@ void UIView::movedToWindow(UIWindow* former) {
     }
     if (former)
         former->viewLeft(*this);
-    const std::weak_ptr<UIView> alive = self_;
+    const ViewReference alive(*this);
     didMoveToWindow();
-    if (!alive.expired() && viewController_)
+    if (alive && viewController_)
         viewController_->viewMovedToWindow();
-    for (std::size_t index = 0; !alive.expired() && index < subviews_.size(); ++index)
+    for (std::size_t index = 0; alive && index < subviews_.size(); ++index)
         subviews_[index]->movedToWindow(former);
 }
 
@@ -228,12 +228,6 @@ CGPoint UIView::convert(CGPoint point, const UIView& view) const {
     return view.fromRoot(point).value_or(CGPoint{faraway, faraway});
 }
 
-CGRect UIView::convert(const CGRect& rect, const UIView& view) const {
-    const auto converted = [&](double x, double y) { return convert(CGPoint{x, y}, view); };
-    return CGRect::around({converted(rect.minX(), rect.minY()), converted(rect.maxX(), rect.minY()),
-                           converted(rect.minX(), rect.maxY()), converted(rect.maxX(), rect.maxY())});
-}
-
 void UIView::setHidden(bool hidden) {
     if (hidden == hidden_)
         return;
@@ -268,6 +262,18 @@ void UIView::setContentMode(ContentMode mode) {
         return;
     contentMode_ = mode;
     setNeedsDisplay();
+}
+
+std::string UIView::accessibilityLabel() const {
+    if (!accessibilityLabel_.empty())
+        return accessibilityLabel_;
+    std::string text;
+    for (const UIView* const view : contentViews()) {
+        const ViewContent shown = view->content();
+        if (const auto* const textShown = std::get_if<TextContent>(&shown))
+            text += textShown->text.string();
+    }
+    return text;
 }
 
 CGSize UIView::sizeThatFits(CGSize) const {

@@ -3,9 +3,11 @@
 #include "platform/uikit/AnimationGroup.h"
 #include "platform/uikit/CALayer.h"
 #include "platform/uikit/Geometry.h"
-#include "platform/uikit/NSCoder.h"
 #include "platform/uikit/UIColor.h"
+#include "platform/uikit/UIKeyCommand.h"
 #include "platform/uikit/UITouch.h"
+#include "platform/uikit/ViewContent.h"
+#include "platform/uikit/ViewReference.h"
 
 #include <cstddef>
 #include <functional>
@@ -17,6 +19,11 @@
 #include <vector>
 
 namespace sela {
+
+/// Marks construction from an archive. There are no archives here: a class that supports the constructor
+/// builds itself as if the archive held nothing, and a class that does not stops the process with
+/// "init(coder:) has not been implemented".
+struct NSCoder {};
 
 class ConstraintViewDSL;
 class LayoutConstraints;
@@ -30,14 +37,14 @@ class PropertyAnimation;
 /// Where reading begins, and so which edge leads.
 enum class UIUserInterfaceLayoutDirection { leftToRight, rightToLeft };
 
-/// What a view is to a screen reader; `passcodeField` is an entry that tells how long it is and never what.
+/// What a view is to a screen reader; `secureTextField` is an entry that tells how long it is and never what.
 enum class AccessibilityRole {
     none,
     button,
     image,
     staticText,
     keyboardKey,
-    passcodeField,
+    secureTextField,
     progress,
     list,
     listItem
@@ -56,8 +63,7 @@ enum class AccessibilityExpandedStatus { unsupported, expanded, collapsed };
 /// follows as a function of the main queue's clock. Layout and touches go by the model, drawing by the
 /// presentation. Whoever draws walks the tree from the window: for each view that is not hidden it maps by
 /// `presentation().toSuperview()`, multiplies by `presentation().alpha`, draws shadow, background, border
-/// and, for a `UILabel`, `UIImageView` or `UIActivityIndicatorView`, the content, and then the subviews in
-/// order, within the rounded bounds when `clipsToBounds`.
+/// and content, and then the subviews in order, within the rounded bounds when `clipsToBounds`.
 class UIView {
 public:
     /// How content is fitted into the bounds.
@@ -67,6 +73,9 @@ public:
     static constexpr double noIntrinsicMetric = -1;
 
     explicit UIView(const CGRect& frame = {});
+
+    /// `name` is by custom the field's name in its owner.
+    explicit UIView(std::string_view name);
     explicit UIView(const NSCoder& coder);
     virtual ~UIView();
     UIView(const UIView&) = delete;
@@ -75,9 +84,8 @@ public:
     /// The class's name without its namespace, such as "UILabel", for dumps of the tree.
     std::string className() const;
 
-    /// A name for finding the view, by custom the field's name in its owner; empty at first.
+    /// The name that the view was made with, for finding it; empty without one.
     const std::string& name() const { return name_; }
-    void setName(std::string name) { name_ = std::move(name); }
 
     // The tree
 
@@ -93,7 +101,6 @@ public:
     /// As `addSubview`, at `index` of the subviews (at most their number).
     void insertSubview(UIView& view, std::size_t index);
 
-    void bringSubviewToFront(UIView& view);
     void removeFromSuperview();
 
     /// The window at the root of the tree; null while there is none.
@@ -106,9 +113,6 @@ public:
     /// The first view named `name` in this subtree, itself included, in the order of the tree; null when
     /// there is none.
     UIView* viewNamed(std::string_view name);
-
-    /// A reference that is empty once the view is gone.
-    std::weak_ptr<UIView> weakReference() const { return self_; }
 
     /// The view at the root of the tree, often the window.
     UIView& treeRoot();
@@ -145,10 +149,9 @@ public:
     /// The map from own coordinates to the superview's, by the model.
     CGAffineTransform toSuperview() const;
 
-    /// A point of this view in the coordinates of `view`, which must be of the same tree. A view on the way
-    /// that cannot be undone (scaled to 0) stops the process.
+    /// A point of this view in the coordinates of `view`, which must be of the same tree. In a view that is
+    /// scaled to 0, or lies in one, every point is infinitely far away.
     CGPoint convert(CGPoint point, const UIView& view) const;
-    CGRect convert(const CGRect& rect, const UIView& view) const;
 
     // Looks
 
@@ -177,9 +180,19 @@ public:
     CALayer& layer() { return layer_; }
     const CALayer& layer() const { return layer_; }
 
+    // Content
+
+    /// What the view itself shows now.
+    virtual ViewContent content() const { return {}; }
+
+    /// The views whose contents together are what this view shows: itself, unless it is made of others, as a
+    /// button is of a title and an image.
+    virtual std::vector<const UIView*> contentViews() const { return {this}; }
+
     // Accessibility
 
-    const std::string& accessibilityLabel() const { return accessibilityLabel_; }
+    /// What the view is called: the label that was set, else the text that it shows.
+    std::string accessibilityLabel() const;
     void setAccessibilityLabel(std::string label) { accessibilityLabel_ = std::move(label); }
     const std::string& accessibilityValue() const { return accessibilityValue_; }
     void setAccessibilityValue(std::string value) { accessibilityValue_ = std::move(value); }
@@ -222,6 +235,9 @@ public:
     /// The natural size, each length `noIntrinsicMetric` where there is none.
     virtual CGSize intrinsicContentSize() const { return {noIntrinsicMetric, noIntrinsicMetric}; }
 
+    /// The natural height of a view that is `width` points wide; `noIntrinsicMetric` when there is none.
+    virtual double intrinsicHeight(double /*width*/) const { return intrinsicContentSize().height; }
+
     /// The natural size changed.
     void invalidateIntrinsicContentSize() { constraintsChanged(); }
 
@@ -258,6 +274,13 @@ public:
     /// Brings what depends on the clock beyond animations (a list that rolls on) up to date before it is
     /// drawn.
     virtual void prepareForDisplay() {}
+
+    // Keys
+
+    /// A key of this input taps the view, as a finger would.
+    void addKeyCommand(std::string_view input) { addKeyCommand({std::string(input), {}}); }
+    void addKeyCommand(UIKeyCommand command) { keyCommands_.push_back(std::move(command)); }
+    const std::vector<UIKeyCommand>& keyCommands() const { return keyCommands_; }
 
     // Touches
 
@@ -313,11 +336,14 @@ protected:
 private:
     friend class UIViewController;
     friend class UIWindow;
+    template<class View>
+    friend class ViewReference;
 
     template<class T>
     void change(PropertyAnimation<T> ViewAnimations::*animation, T& value, const T& newValue);
 
     virtual UIWindow* asWindow() { return nullptr; }
+    std::shared_ptr<UIView* const> self() const;
     void link(UIView& view, std::size_t index);
     void unlink();
     void movedToWindow(UIWindow* former);
@@ -331,7 +357,7 @@ private:
     CGRect displayRectInWindow() const;
     CGRect takeChangedRect();
 
-    std::shared_ptr<UIView> self_;
+    mutable std::shared_ptr<UIView*> self_; ///< made for the first reference to this view
     UIView* superview_ = nullptr;
     std::vector<UIView*> subviews_;
     UIViewController* viewController_ = nullptr;
@@ -352,6 +378,7 @@ private:
     std::unique_ptr<ViewAnimations> animations_;
     std::unique_ptr<LayoutConstraints> layoutConstraints_;
     std::vector<std::unique_ptr<UITapGestureRecognizer>> gestureRecognizers_;
+    std::vector<UIKeyCommand> keyCommands_;
     std::string accessibilityLabel_;
     std::string accessibilityValue_;
     AccessibilityRole accessibilityRole_ = AccessibilityRole::none;

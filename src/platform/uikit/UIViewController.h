@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/uikit/NSCoder.h"
 #include "platform/uikit/UINavigationItem.h"
 #include "platform/uikit/UIView.h"
 

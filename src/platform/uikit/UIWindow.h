@@ -66,6 +66,12 @@ public:
     void touchEnded(CGPoint point);
     void touchCancelled();
 
+    /// A finger comes down and goes up again at once.
+    void tap(CGPoint point) {
+        touchBegan(point);
+        touchEnded(point);
+    }
+
     /// A wheel over `point` asks the list there to move by `points`, downwards when positive.
     void wheelScrolled(CGPoint point, double points);
 
@@ -81,8 +87,8 @@ private:
     friend class UIView;
 
     struct TouchSequence {
-        std::weak_ptr<UIView> view;
-        std::weak_ptr<UIView> scrollView;
+        ViewReference<UIView> view;
+        ViewReference<UIScrollView> scrollView;
         CGPoint start;
         CGPoint last;
         bool strayed = false;   ///< moved too far for a tap

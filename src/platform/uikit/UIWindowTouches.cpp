@@ -23,10 +23,6 @@ UIScrollView* scrollViewAround(UIView* view) {
     return nullptr;
 }
 
-UIScrollView* asScrollView(const std::weak_ptr<UIView>& view) {
-    return static_cast<UIScrollView*>(view.lock().get());
-}
-
 /// The recogniser that a tap on `view` reaches; null when there is none.
 UITapGestureRecognizer* recognizerFor(UIView* view) {
     for (; view; view = view->superview()) {
@@ -46,9 +42,9 @@ void UIWindow::touchBegan(CGPoint point) {
     UIView* const view = hitTest(point);
     if (!view)
         return;
-    touch_ = TouchSequence{.view = view->weakReference(), .scrollView = {}, .start = point, .last = point};
+    touch_ = TouchSequence{.view = ViewReference(*view), .scrollView = {}, .start = point, .last = point};
     if (UIScrollView* const scrollView = scrollViewAround(view)) {
-        touch_->scrollView = scrollView->weakReference();
+        touch_->scrollView = ViewReference(*scrollView);
         if (scrollView->holdScrolling()) {
             touch_->scrolling = true;
             scrollView->beginDragging(touchAt(point));
@@ -63,18 +59,18 @@ void UIWindow::touchMoved(CGPoint point) {
         return;
     touch_->last = point;
     touch_->strayed |= std::hypot(point.x - touch_->start.x, point.y - touch_->start.y) > tapMovementLimit;
-    UIScrollView* const scrollView = asScrollView(touch_->scrollView);
+    UIScrollView* const scrollView = touch_->scrollView.get();
     if (touch_->scrolling) {
         if (scrollView)
             scrollView->drag(touchAt(point));
     } else if (scrollView && std::abs(point.y - touch_->start.y) > tapMovementLimit) {
         touch_->scrolling = true;
-        const std::weak_ptr<UIView> scrolling = touch_->scrollView;
-        if (const std::shared_ptr<UIView> view = touch_->view.lock())
+        const ViewReference<UIScrollView> scrolling = touch_->scrollView;
+        if (UIView* const view = touch_->view.get())
             view->touchesCancelled(touchAt(point));
-        if (UIScrollView* const stillThere = asScrollView(scrolling))
+        if (UIScrollView* const stillThere = scrolling.get())
             stillThere->beginDragging(touchAt(point));
-    } else if (const std::shared_ptr<UIView> view = touch_->view.lock()) {
+    } else if (UIView* const view = touch_->view.get()) {
         view->touchesMoved(touchAt(point));
     }
 }
@@ -88,11 +84,11 @@ void UIWindow::touchEnded(CGPoint point) {
     if (!ended)
         return;
     if (ended->scrolling) {
-        if (UIScrollView* const scrollView = asScrollView(ended->scrollView))
+        if (UIScrollView* const scrollView = ended->scrollView.get())
             scrollView->endDragging(touchAt(point));
         return;
     }
-    UIView* const view = ended->view.lock().get();
+    UIView* const view = ended->view.get();
     if (!view)
         return;
     UITapGestureRecognizer* const recognizer = ended->strayed ? nullptr : recognizerFor(view);
@@ -100,9 +96,9 @@ void UIWindow::touchEnded(CGPoint point) {
         view->touchesEnded(touchAt(point));
         return;
     }
-    const std::weak_ptr<UIView> recognizing = recognizer->view()->weakReference();
+    const ViewReference recognizing(*recognizer->view());
     view->touchesCancelled(touchAt(point));
-    if (!recognizing.expired())
+    if (recognizing)
         recognizer->recognize();
 }
 
@@ -111,9 +107,9 @@ void UIWindow::touchCancelled() {
     if (!cancelled)
         return;
     if (cancelled->scrolling) {
-        if (UIScrollView* const scrollView = asScrollView(cancelled->scrollView))
+        if (UIScrollView* const scrollView = cancelled->scrollView.get())
             scrollView->cancelDragging();
-    } else if (UIView* const view = cancelled->view.lock().get()) {
+    } else if (UIView* const view = cancelled->view.get()) {
         view->touchesCancelled(touchAt(cancelled->last));
     }
 }
@@ -121,8 +117,8 @@ void UIWindow::touchCancelled() {
 void UIWindow::viewLeft(UIView& view) {
     if (!touch_)
         return;
-    const std::shared_ptr<UIView> touched = touch_->view.lock();
-    if (!touched || touched.get() == &view)
+    const UIView* const touched = touch_->view.get();
+    if (!touched || touched == &view)
         touchCancelled();
 }
 

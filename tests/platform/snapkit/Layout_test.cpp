@@ -3,6 +3,7 @@
 #include "platform/uikit/UIActivityIndicatorView.h"
 #include "platform/uikit/UILabel.h"
 #include "platform/uikit/ViewTest.h"
+#include "support/FixedTextMeasurer.h"
 #include "support/LogCapture.h"
 
 #include <gmock/gmock.h>
@@ -35,6 +36,7 @@ protected:
         root_.addSubview(b_);
     }
 
+    FixedTextMeasurer text_;
     UIView root_{CGRect(0, 0, 320, 480)};
     UIView a_;
     UIView b_;
@@ -114,11 +116,10 @@ TEST_F(LayoutTest, WhatStaysOpenIsNaturalAndThenZero) {
 
 TEST_F(LayoutTest, PriorityDecidesAndThenOrderAndAConflictIsLoggedOncePerLineOfSource) {
     const LogCapture log;
-    UIView rows[2];
+    UIView rows[] = {UIView("arrow"), UIView("arrow")};
     unsigned line = 0;
     for (UIView& row : rows) {
         root_.addSubview(row);
-        row.setName("arrow");
         row.snp().makeConstraints([&](ConstraintMaker& make) {
             line = __LINE__ + 1;
             make.height().equalTo(30).priority(ConstraintPriority::low);

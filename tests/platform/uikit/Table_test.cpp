@@ -122,6 +122,15 @@ TEST_F(TableTest, ReloadingASectionMovesThoseBelowAndFillsOnlyItsOwn) {
     EXPECT_DEATH(table.reloadSections({3}), "no section 3");
 }
 
+TEST_F(TableTest, AReloadForgetsTheSelection) {
+    show({2});
+    tap({20, 60});
+    EXPECT_EQ(table.indexPathForSelectedRow(), (IndexPath{1, 0}));
+    show({2});
+    EXPECT_EQ(table.indexPathForSelectedRow(), std::nullopt);
+    EXPECT_FALSE(table.cellForRow({1, 0})->isSelected());
+}
+
 TEST_F(TableTest, NoOffsetGoesBeyondTheContent) {
     show({100});
     table.setContentOffset({0, 4000});

@@ -76,6 +76,7 @@ TEST_F(HitTest, APointComesBackThroughEveryTransform) {
 class TouchTest : public ViewTest {
 public:
     TouchTest() {
+        container.setFrame({0, 0, 300, 400});
         window.addSubview(container);
         container.addSubview(button);
         button.addTarget(this, &TouchTest::onDown, UIControl::Event::touchDown);
@@ -94,7 +95,7 @@ public:
     }
     void onTap(UITapGestureRecognizer& recognizer) { events.push_back("tap " + recognizer.view()->name()); }
 
-    UIView container{{0, 0, 300, 400}};
+    UIView container{"container"};
     UIButton button{{100, 100, 50, 40}};
     std::unique_ptr<UIButton> disposable;
     std::vector<std::string> events;
@@ -167,9 +168,8 @@ TEST_F(TouchTest, ASmallControlTakesTheTouchesAroundIt) {
 }
 
 TEST_F(TouchTest, TheNearestRecogniserWinsAndAControlShieldsThoseAbove) {
-    UIView inner({0, 0, 50, 50});
-    container.setName("container");
-    inner.setName("inner");
+    UIView inner("inner");
+    inner.setFrame({0, 0, 50, 50});
     container.addSubview(inner);
     container.addGestureRecognizer(std::make_unique<UITapGestureRecognizer>(this, &TouchTest::onTap));
     tap({20, 20});

@@ -1,8 +1,9 @@
 #pragma once
 
 #include "platform/foundation/ScopedMainQueue.h"
-#include "platform/foundation/VirtualMainLoop.h"
 #include "platform/uikit/UIWindow.h"
+#include "support/FixedTextMeasurer.h"
+#include "support/VirtualMainLoop.h"
 
 #include <gtest/gtest.h>
 
@@ -28,6 +29,7 @@ protected:
         window.touchEnded(point);
     }
 
+    FixedTextMeasurer text;
     VirtualMainLoop loop;
     ScopedMainQueue mainQueue{loop};
     UIWindow window{{300, 400}};

@@ -1,4 +1,4 @@
-#include "platform/uikit/FixedTextMeasurer.h"
+#include "support/FixedTextMeasurer.h"
 
 #include "platform/foundation/UTF8.h"
 

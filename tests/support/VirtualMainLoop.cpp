@@ -1,4 +1,4 @@
-#include "platform/foundation/VirtualMainLoop.h"
+#include "support/VirtualMainLoop.h"
 
 #include "platform/foundation/BackgroundWork.h"
 
