@@ -2,7 +2,6 @@
 
 #include "platform/extension/NSExtensionItem.h"
 #include "platform/foundation/FileManager.h"
-#include "platform/foundation/PosixStreams.h"
 
 #include <cerrno>
 #include <optional>
@@ -37,16 +36,18 @@ Result<FileDescriptor> memoryFileOfStandardInput() {
     FileDescriptor file = memoryFile();
     if (!file.isOpen())
         return NSError::posix(errno, "memfd_create");
-    PosixInputStream input(FileDescriptor(::dup(STDIN_FILENO)), 0);
+    InputStream input(FileDescriptor(::dup(STDIN_FILENO)), "standard input");
     std::vector<std::byte> block(1 << 20);
-    while (true) {
+    for (std::int64_t offset = 0;;) {
         const std::int64_t count = input.read(block);
         if (count < 0)
             return input.streamError();
         if (count == 0)
             return file;
-        if (ErrorRef error = writeFully(file.get(), DataView(block).first(static_cast<std::size_t>(count))))
+        const DataView bytes = DataView(block).first(static_cast<std::size_t>(count));
+        if (ErrorRef error = writeFully(file.get(), bytes, offset, "standard input"))
             return error;
+        offset += count;
     }
 }
 
@@ -70,7 +71,7 @@ std::optional<URL> fileURLOf(const std::string& argument) {
 Attachment attachmentOfPicture(DataView bytes, const std::string& origin) {
     const FileDescriptor file = memoryFile();
     const ErrorRef error =
-        file.isOpen() ? writeFully(file.get(), bytes) : NSError::posix(errno, "memfd_create");
+        file.isOpen() ? writeFully(file.get(), bytes, 0, origin) : NSError::posix(errno, "memfd_create");
     return error ? Attachment(origin + ": " + error->localizedDescription()) : pictureIn(file, origin);
 }
 
@@ -81,13 +82,13 @@ Attachment attachmentOfFile(const std::string& argument) {
     FileManager& files = FileManager::defaultManager();
     const Result<FileAttributes> attributes = files.attributesOfItem(file->path());
     if (!attributes)
-        return argument + ": " + attributes.error()->localizedDescription();
+        return attributes.error()->localizedDescription();
     if (attributes.value().type == FileAttributes::Type::directory)
         return argument + " is a folder; name the files in it";
     if (attributes.value().type != FileAttributes::Type::regular)
         return argument + " is no ordinary file; only files with a content of their own can be added";
     if (const ErrorRef error = files.inputStream(*file).error())
-        return argument + ": " + error->localizedDescription();
+        return error->localizedDescription();
     return NSItemProvider::ofFile(*file);
 }
 

@@ -6,6 +6,7 @@
 #include "store/SharedItemManager.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -38,8 +39,6 @@ public:
             abandon(attributes.error());
             return;
         }
-        input_->open();
-        output_->open();
         // An empty source is never reported: there is nothing to record.
         if (const std::int64_t size = attributes.value().size; size > 0) {
             end(copyBlocks(size));
@@ -47,19 +46,16 @@ public:
             output_->synchronize();
             observer_.tellEnd(SaveEnd::Kind::silent, ShareExtensionError::make("the file is empty"));
         }
-        input_->close();
-        output_->close();
     }
 
 private:
     /// The source first, so that a missing source leaves no empty destination.
     ErrorRef createStreams() {
         FileManager& files = FileManager::defaultManager();
-        Result<std::unique_ptr<InputStream>> input = files.inputStream(source_);
+        Result<InputStream> input = files.inputStream(source_);
         if (!input)
             return input.error();
-        Result<std::unique_ptr<OutputStream>> output =
-            files.outputStream(destination_, input.value()->expectedSize());
+        Result<OutputStream> output = files.outputStream(destination_, input.value().expectedSize());
         if (!output)
             return output.error();
         input_ = std::move(input.value());
@@ -109,7 +105,6 @@ private:
 
     /// Ends the copy with an error. What was copied so far is of no use to anybody.
     void abandon(const ErrorRef& error) {
-        output_->close();
         FileManager::defaultManager().removeItem(destination_.path());
         observer_.tellEnd(SaveEnd::Kind::failed, error);
         DispatchQueue::main().async([completion = completion_, error] {
@@ -133,8 +128,8 @@ private:
     const SharedItemManager::Progress progress_;
     const SharedItemManager::Completion completion_;
     const SaveObserver observer_;
-    std::unique_ptr<InputStream> input_;
-    std::unique_ptr<OutputStream> output_;
+    std::optional<InputStream> input_;
+    std::optional<OutputStream> output_;
 };
 
 } // namespace

@@ -41,52 +41,50 @@ ErrorRef encodingError() {
 
 /// Stores a ledger with this item alone. An unreadable one that it replaces is set aside first: somebody may
 /// still want to mend it.
-ErrorRef storeFresh(UserDefaults& defaults, const std::string& key, const SharedItem& item,
-                    const std::optional<Data>& unreadable, Outcome& outcome) {
+void storeFresh(SettingsTransaction& settings, const std::string& key, const SharedItem& item,
+                const std::optional<Data>& unreadable, Outcome& outcome) {
     const std::optional<Data> ledger = SharedItemLedger::fresh(key, item);
     if (!ledger) {
         NSLog("SharedItemManager, saveItem: falied to encode sharedItemsDictionary");
         outcome.unencoded = encodingError();
         outcome.isReported = false;
-        return nullptr;
+        return;
     }
     if (unreadable)
-        if (ErrorRef error =
-                defaults.setData(std::string(unreadableItemsKeyPrefix) + uniqueTimeText(), *unreadable))
-            return error;
-    return defaults.setData(sharedItemsKey, *ledger);
+        settings.setData(std::string(unreadableItemsKeyPrefix) + uniqueTimeText(), *unreadable);
+    settings.setData(sharedItemsKey, *ledger);
 }
 
-/// One attempt, inside a transaction. Returns an error only when reading or storing failed.
-ErrorRef record(UserDefaults& defaults, const SharedItem& item, bool replaceUnreadable, Outcome& outcome) {
+/// One attempt. What fails in the transaction it keeps itself.
+void record(SettingsTransaction& settings, const SharedItem& item, bool replaceUnreadable, Outcome& outcome) {
     const std::string key = SharedItemLedger::key(item);
-    const Result<std::optional<Data>> read = defaults.readData(sharedItemsKey);
+    const Result<std::optional<Data>> read = settings.readData(sharedItemsKey);
     if (!read)
-        return read.error();
+        return;
     const std::optional<Data>& ledger = read.value();
     if (!ledger)
-        return storeFresh(defaults, key, item, std::nullopt, outcome);
+        return storeFresh(settings, key, item, std::nullopt, outcome);
     const Result<bool> present = SharedItemLedger::contains(*ledger, key);
     if (!present) {
-        if (!replaceUnreadable) {
+        if (replaceUnreadable)
+            storeFresh(settings, key, item, ledger, outcome);
+        else
             outcome.unreadable = present.error();
-            return nullptr;
-        }
-        return storeFresh(defaults, key, item, ledger, outcome);
+        return;
     }
     if (present.value()) {
         NSLog("SharedItemManager, saveItem: item already exists, album = " + describe(item.albumNames) +
               ", fake = " + std::string(sela::describe(item.fake)) + ", file = " + item.fileName +
               ", key = " + key + "]");
-        return nullptr;
+        return;
     }
     const std::optional<Data> grown = SharedItemLedger::adding(*ledger, key, item);
     if (!grown) {
         NSLog("SharedItemManager, saveItem: falied to encode sharedItemsDictionary 2");
         outcome.unencoded = encodingError();
-        return nullptr;
+        return;
     }
-    return defaults.setData(sharedItemsKey, *grown);
+    settings.setData(sharedItemsKey, *grown);
 }
 
 } // namespace
@@ -97,17 +95,18 @@ void updateLedger(const SharedItem& item, const SharedItemManager::Completion& c
         if (completion)
             completion(error);
     };
-    std::optional<UserDefaults> defaults = sharedDefaults();
-    if (!defaults) {
-        NSLog("saveItem: userDefaults is nil");
-        const ErrorRef error = ShareExtensionError::make("UserDefaults is nil");
-        observer.tellEnd(SaveEnd::Kind::failed, error);
-        report(error);
-        return;
-    }
     Outcome outcome;
-    const auto attempt = [&](bool replaceUnreadable) {
-        return defaults->transaction([&] { return record(*defaults, item, replaceUnreadable, outcome); });
+    const auto attempt = [&](bool replaceUnreadable) -> ErrorRef {
+        std::optional<UserDefaults> defaults = sharedDefaults();
+        if (!defaults) {
+            NSLog("saveItem: userDefaults is nil");
+            return ShareExtensionError::make("UserDefaults is nil");
+        }
+        Result<SettingsTransaction> settings = SettingsTransaction::begin(std::move(*defaults));
+        if (!settings)
+            return settings.error();
+        record(settings.value(), item, replaceUnreadable, outcome);
+        return settings.value().commit();
     };
     ErrorRef failure = attempt(false);
     if (!failure && outcome.unreadable) {

@@ -59,12 +59,12 @@ Result<bool> hasSameContent(const URL& first, const URL& second) {
             return false;
     if (firstAttributes.value().isSameFile(secondAttributes.value()))
         return true;
-    const Result<std::unique_ptr<InputStream>> firstStream = files.inputStream(first);
-    const Result<std::unique_ptr<InputStream>> secondStream = files.inputStream(second);
+    Result<InputStream> firstStream = files.inputStream(first);
+    Result<InputStream> secondStream = files.inputStream(second);
     for (const auto* const stream : {&firstStream, &secondStream})
         if (ErrorRef error = stream->error())
             return error;
-    return haveSameBytes(*firstStream.value(), *secondStream.value());
+    return haveSameBytes(firstStream.value(), secondStream.value());
 }
 
 } // namespace sela

@@ -192,20 +192,18 @@ URL Import::temporaryCopy() const {
 ErrorRef Import::copyTo(const URL& source, const URL& target) {
     FileManager& files = FileManager::defaultManager();
     const URL temporary = temporaryCopy();
-    const Result<std::unique_ptr<InputStream>> input = files.inputStream(source);
+    Result<InputStream> input = files.inputStream(source);
     if (!input)
         return input.error();
-    const Result<std::unique_ptr<OutputStream>> output =
-        files.outputStream(temporary, input.value()->expectedSize());
+    Result<OutputStream> output = files.outputStream(temporary, input.value().expectedSize());
     if (!output)
         return output.error();
     std::vector<std::byte> buffer(copyBlockSize);
     std::int64_t count = 0;
-    while ((count = input.value()->read(buffer)) > 0)
-        if (output.value()->write(DataView(buffer).first(static_cast<std::size_t>(count))) < 0)
+    while ((count = input.value().read(buffer)) > 0)
+        if (output.value().write(DataView(buffer).first(static_cast<std::size_t>(count))) < 0)
             break;
-    ErrorRef error = count < 0 ? input.value()->streamError() : output.value()->synchronize();
-    output.value()->close();
+    ErrorRef error = count < 0 ? input.value().streamError() : output.value().synchronize();
     if (!error)
         error = files.moveItem(temporary.path(), target.path());
     if (error)
@@ -229,16 +227,20 @@ ErrorRef Import::takeOutOfLedger(const SharedItemLedger::Entry& entry) {
     std::optional<UserDefaults> defaults = sharedDefaults();
     if (!defaults)
         return ShareExtensionError::make("UserDefaults is nil");
-    return defaults->transaction([&]() -> ErrorRef {
-        const Result<std::optional<Data>> ledger = defaults->readData(sharedItemsKey);
-        if (!ledger || !ledger.value())
-            return ledger.error();
-        const Result<std::optional<Data>> rest = SharedItemLedger::removing(*ledger.value(), entry);
-        if (!rest)
-            return rest.error();
-        return rest.value() ? defaults->setData(sharedItemsKey, *rest.value())
-                            : defaults->removeObject(sharedItemsKey);
-    });
+    Result<SettingsTransaction> settings = SettingsTransaction::begin(std::move(*defaults));
+    if (!settings)
+        return settings.error();
+    const Result<std::optional<Data>> ledger = settings.value().readData(sharedItemsKey);
+    if (!ledger || !ledger.value())
+        return ledger.error();
+    const Result<std::optional<Data>> rest = SharedItemLedger::removing(*ledger.value(), entry);
+    if (!rest)
+        return rest.error();
+    if (rest.value())
+        settings.value().setData(sharedItemsKey, *rest.value());
+    else
+        settings.value().removeObject(sharedItemsKey);
+    return settings.value().commit();
 }
 
 ErrorRef Import::findUnrecorded() {

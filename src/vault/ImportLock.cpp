@@ -1,6 +1,6 @@
 #include "vault/ImportLock.h"
 
-#include "platform/foundation/SystemCall.h"
+#include "platform/foundation/Disk.h"
 #include "store/ShareExtensionError.h"
 
 #include <cerrno>
@@ -10,13 +10,12 @@
 namespace sela {
 
 Result<ImportLock> ImportLock::take(const URL& container) {
-    FileDescriptor folder(retryingInterrupted(
-        [&] { return ::open(container.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
-    if (!folder.isOpen())
-        return NSError::posix(errno, "open");
-    if (retryingInterrupted([&] { return ::flock(folder.get(), LOCK_EX | LOCK_NB); }) != 0)
-        return errno == EWOULDBLOCK ? ShareExtensionError::make("another import of this group is running")
-                                    : NSError::posix(errno, "flock");
+    FileDescriptor folder(Disk::inUse().open(container.path(), O_RDONLY | O_DIRECTORY));
+    const int result = folder.isOpen() ? Disk::inUse().flock(folder.get(), LOCK_EX | LOCK_NB) : folder.get();
+    if (result == -EWOULDBLOCK)
+        return ShareExtensionError::make("another import of this group is running");
+    if (result < 0)
+        return NSError::posix(-result, container.path());
     return ImportLock(std::move(folder));
 }
 

@@ -1,7 +1,6 @@
 #include "vault/PasscodeFile.h"
 
 #include "platform/foundation/FileManager.h"
-#include "platform/foundation/PosixStreams.h"
 #include "platform/foundation/SystemCall.h"
 #include "platform/foundation/UTF8.h"
 
@@ -56,7 +55,7 @@ Result<Data> readStandardInput() {
     const bool typed = ::isatty(STDIN_FILENO) != 0;
     if (typed)
         awaitUnseenLine();
-    PosixInputStream input(FileDescriptor(::dup(STDIN_FILENO)), 0);
+    InputStream input(FileDescriptor(::dup(STDIN_FILENO)), "standard input");
     Data content;
     std::array<std::byte, largestFile> block;
     while (true) {
@@ -70,7 +69,7 @@ Result<Data> readStandardInput() {
         if (typed && std::ranges::find(content, std::byte{'\n'}) != content.end())
             return content;
         if (static_cast<std::int64_t>(content.size()) > largestFile)
-            return NSError::posix(EFBIG, "read");
+            return NSError::posix(EFBIG, "standard input");
     }
 }
 
@@ -86,7 +85,7 @@ Result<std::string> readPasscode(const std::string& path) {
     if (line.ends_with('\r'))
         line.remove_suffix(1);
     if (!isValidUTF8(line))
-        return NSError::posix(EILSEQ, "passcode");
+        return NSError::posix(EILSEQ, path == "-" ? "standard input" : path);
     return std::string(line);
 }
 

@@ -70,7 +70,7 @@ ErrorRef copyCovers(const std::set<std::string>& names, const URL& from, const U
         const Result<Data> cover =
             files.contentsOfFile(from.appendingPathComponent(name).path(), largestCover);
         if (!cover) {
-            warnings.push_back("cover " + name + ": " + cover.error()->localizedDescription());
+            warnings.push_back(cover.error()->localizedDescription() + "; this cover is not published");
             continue;
         }
         if (ErrorRef error = files.writeAtomically(cover.value(), to.appendingPathComponent(name)))
@@ -95,16 +95,15 @@ ErrorRef store(const Publication& publication, const Data& catalogue) {
     std::optional<UserDefaults> defaults = sharedDefaults();
     if (!defaults)
         return ShareExtensionError::make("UserDefaults is nil");
-    return defaults->transaction([&]() -> ErrorRef {
-        if (ErrorRef error = defaults->setData(sharedAlbumsKey, catalogue))
-            return error;
-        if (publication.passcode)
-            if (ErrorRef error = defaults->setString(sharedPasswordKey, *publication.passcode))
-                return error;
-        if (publication.decoyPasscode)
-            return defaults->setString(sharedFakePasswordKey, *publication.decoyPasscode);
-        return nullptr;
-    });
+    Result<SettingsTransaction> settings = SettingsTransaction::begin(std::move(*defaults));
+    if (!settings)
+        return settings.error();
+    settings.value().setData(sharedAlbumsKey, catalogue);
+    if (publication.passcode)
+        settings.value().setString(sharedPasswordKey, *publication.passcode);
+    if (publication.decoyPasscode)
+        settings.value().setString(sharedFakePasswordKey, *publication.decoyPasscode);
+    return settings.value().commit();
 }
 
 } // namespace

@@ -66,7 +66,7 @@ int publish(const Arguments& arguments) {
             continue;
         const sela::Result<std::string> read = sela::readPasscode(*file);
         if (!read)
-            return fail(*file + ": " + read.error()->localizedDescription());
+            return fail(read.error());
         *passcode = read.value();
     }
     const sela::Result<sela::PublicationWarnings> warnings = sela::publish(publication);

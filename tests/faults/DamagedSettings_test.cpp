@@ -1,5 +1,4 @@
 #include "faults/FaultyGroup.h"
-#include "faults/TracedProcess.h"
 #include "platform/foundation/Data.h"
 #include "store/SharedFolder.h"
 #include "support/TemporaryHome.h"
@@ -24,7 +23,6 @@ protected:
 
     FaultyGroup group;
     std::string whole;
-    URL source = group.source("3.5new.jpg", 10);
 
     void SetUp() override {
         group.reset(2);
@@ -32,22 +30,23 @@ protected:
         ASSERT_GT(whole.size(), 65'536u);
     }
 
-    /// A share, a listing and an import on damaged settings end by themselves; a share that was reported done
-    /// is recorded; one that failed leaves the file as it was.
+    /// A share and an import on damaged settings end by themselves; a share that was reported done is
+    /// recorded; one that failed leaves the file as it was.
     void tryWith(const std::string& damaged, const std::string& what) {
-        std::filesystem::remove(group.home() / "data/sela/groups/group.sela.vault/Items/3.5new.jpg");
+        const std::string name = "3.5new.jpg";
+        std::filesystem::remove(group.items() / name);
+        std::filesystem::remove(group.settingsFile());
         std::ofstream(group.settingsFile(), std::ios::binary) << damaged;
-        const std::string end = runApart([&]() -> std::string {
-            if (!FaultyGroup::save("3.5new.jpg", source))
-                return contentOf(group.settingsFile()) == damaged ? "" : "a failed save changed the file";
-            const std::optional<UserDefaults> defaults = sharedDefaults();
-            const std::optional<Data> ledger = defaults ? defaults->data(sharedItemsKey) : std::nullopt;
-            if (!ledger || asText(*ledger).find("3.5new.jpg") == std::string_view::npos)
-                return "a save was reported done and is not recorded";
-            group.import();
-            return "";
-        });
-        EXPECT_EQ(end, "") << what;
+        if (!group.save(name, 10)) {
+            EXPECT_TRUE(contentOf(group.settingsFile()) == damaged)
+                << "a failed save changed the file: " << what;
+            return;
+        }
+        const std::optional<UserDefaults> defaults = sharedDefaults();
+        const std::optional<Data> ledger = defaults ? defaults->data(sharedItemsKey) : std::nullopt;
+        EXPECT_TRUE(ledger && asText(*ledger).find(name) != std::string_view::npos)
+            << "a save was reported done and is not recorded: " << what;
+        group.import();
     }
 };
 

@@ -1,19 +1,16 @@
 #pragma once
 
-#include "platform/foundation/URL.h"
-#include "store/SharedItem.h"
-#include "store/SharedItemLedger.h"
+#include "support/LogCapture.h"
 
 #include <filesystem>
 #include <map>
+#include <set>
 #include <string>
-#include <vector>
 
 namespace sela {
 
 /// A group in a home of its own, always at the same path, that faults are made to and that is looked at
-/// afterwards. Everything that uses the store runs in processes apart (see TracedProcess.h), so that the
-/// settings are opened afresh each time; this object only knows what was put in.
+/// afterwards.
 class FaultyGroup {
 public:
     FaultyGroup();
@@ -22,56 +19,47 @@ public:
     FaultyGroup& operator=(const FaultyGroup&) = delete;
 
     const std::filesystem::path& home() const { return home_; }
-    std::filesystem::path settingsFile() const;
-    std::filesystem::path into() const { return home_ / "into"; }
+    std::filesystem::path settingsFile() const { return home_ / "config/sela/group.sela.vault.sqlite3"; }
+    std::filesystem::path items() const { return home_ / "data/sela/groups/group.sela.vault/Items"; }
 
     /// Two long records are more than a page of the settings.
     enum class Records { usual, longOnes };
 
-    /// Makes the group anew: provisioned; with `entries`, that many files recorded before.
+    /// Makes the group anew: provisioned; with `entries`, that many files recorded before and a publication.
     void reset(int entries, Records records = Records::usual);
 
     /// The content of an item: of this size, and of no other item.
     const std::string& content(const std::string& fileName, std::size_t size);
 
-    /// Writes a source of that content, outside of the home.
-    URL source(const std::string& fileName, std::size_t size);
+    /// Each as a new process would do it, with its main loop. Whether it was reported done.
+    bool save(const std::string& fileName, std::size_t size);
+    bool saveData(const std::string& fileName, std::size_t size);
 
-    /// The record of a file; a long one where the name tells.
-    static SharedItem item(const std::string& fileName);
-
-    // In a process apart:
-
-    /// One save with its main loop; whether it was reported done.
-    static bool save(const std::string& fileName, const URL& source);
-    static bool saveData(const std::string& fileName, const std::string& bytes);
-
-    /// One import into `into()`; whether it imported everything. Without `links` every file is copied, as to
-    /// another disk.
+    /// Without `links` every file is copied, as to another disk.
     bool import(bool links = true) const;
 
-    /// Publishes the album catalogue of that number, with its passcode and its cover.
+    /// The album catalogue of that number, with its passcode and its cover.
     bool publish(int number) const;
 
     /// What is wrong with the group, empty for nothing: an entry without its whole file; an entry of before
     /// that went without having been placed by an import; a `saved` item that is not recorded; a `published`
     /// number (0: not known) that is not what readers see, or a catalogue and passcode of different numbers;
-    /// and then a share or an import that does not work any more.
+    /// and then a share, an import or a publication that does not work any more.
     std::string wrong(const std::string& saved, int published);
 
 private:
-    std::string wrongNow(const std::string& saved, int published);
-    std::string wrongAfterNextRun();
+    /// Adds the file names that the ledger records; what is wrong with it or with one of the files.
+    std::string readLedger(std::multiset<std::string>& recorded) const;
     std::string wrongPublication(int published) const;
 
-    /// The names of items whose content was placed below `into()`; a file there that holds something else is
-    /// "torn".
-    std::vector<std::string> placed() const;
+    /// The names of items whose content was placed by imports; a file that holds something else is "torn".
+    std::multiset<std::string> placed() const;
 
+    LogCapture log_; ///< keeps the log away
     std::filesystem::path top_;
     std::filesystem::path home_;
     std::map<std::string, std::string> contents_; ///< by file name
-    std::vector<std::string> before_;             ///< names of the files recorded by `reset`
+    std::set<std::string> before_;                ///< names of the files recorded by `reset`
 };
 
 } // namespace sela

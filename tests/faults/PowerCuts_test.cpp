@@ -1,13 +1,18 @@
 #include "faults/FaultyGroup.h"
-#include "faults/RecordedDisk.h"
+#include "faults/RecordingDisk.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
+#include <functional>
 #include <gtest/gtest.h>
-#include <set>
-#include <sys/syscall.h>
+#include <memory>
+#include <optional>
 
 namespace sela {
 namespace {
+
+using Survival = RecordingDisk::Survival;
 
 /// How many states are made at random behind each change, besides the four extremes.
 int randomStates() {
@@ -18,37 +23,33 @@ int randomStates() {
 struct Operation {
     const char* name;
     std::function<bool()> run;
-    std::string saves; ///< the item that is recorded when it has succeeded
-    int publishes = 0; ///< the catalogue that is published then
+    std::string saves = {}; ///< the item that is recorded when it has succeeded
+    int publishes = 0;      ///< the catalogue that is published then
 };
 
-/// Kills a process at its n-th call.
-class KillAt : public SystemCallObserver {
+/// Nothing that a program does reaches the disk any more from one call on, as if it were killed there.
+class Kill : public DiskWrapper {
 public:
-    explicit KillAt(int calls) : left_(calls) {}
-    bool killed() const { return left_ < 0; }
-    Intervention entering(const TracedCall& call) override {
-        if (call.number == SYS_exit_group || --left_ >= 0)
-            return {};
-        return {Intervention::Kind::kill};
-    }
+    /// At the call behind so many.
+    explicit Kill(int calls) : left_(calls) {}
+
+    /// At the first flush behind a truncation.
+    Kill() = default;
+
+    bool struck = false;
 
 private:
-    int left_;
-};
-
-/// Kills a process between the truncation of a file and its flush.
-class KillBehindTruncation : public SystemCallObserver {
-public:
-    Intervention entering(const TracedCall& call) override {
-        if (truncates_ && (call.number == SYS_fsync || call.number == SYS_fdatasync))
-            return {Intervention::Kind::kill};
-        truncates_ |= call.number == SYS_ftruncate;
-        return {};
+    int refusal(const char* call) override {
+        if (left_)
+            struck |= (*left_)-- == 0;
+        else
+            struck |= truncated_ && std::strcmp(call, "fdatasync") == 0;
+        truncated_ |= std::strcmp(call, "ftruncate") == 0;
+        return struck ? -EIO : 0;
     }
 
-private:
-    bool truncates_ = false;
+    std::optional<int> left_;
+    bool truncated_ = false;
 };
 
 class PowerCuts : public testing::Test {
@@ -61,115 +62,112 @@ protected:
     FaultyGroup group;
     std::mt19937 chance{20'240'817};
     int states = 0;
+    RecordingDisk::State last; ///< that was looked at
 
     void TearDown() override { std::printf("%d states\n", states); }
 
-    /// Looks at one state, unless the same was looked at before.
-    void look(const RecordedDisk& disk, std::set<std::size_t>& seen, std::size_t changes,
-              RecordedDisk::Survival contents, RecordedDisk::Survival entries, const Operation& operation) {
-        const RecordedDisk::State state = disk.state(changes, contents, entries, chance);
-        std::size_t hash = changes == disk.changes();
-        for (const auto& [path, item] : state.items)
-            hash = hash * 31 + std::hash<std::string>()(path) + 7 * std::hash<std::string>()(item.content);
-        if (!seen.insert(hash).second)
-            return;
-        disk.restore(state);
+    /// Looks at one state, unless the same was looked at just before.
+    void look(const RecordingDisk& disk, std::size_t changes, Survival contents, Survival entries,
+              const Operation& operation) {
+        const RecordingDisk::State state = disk.stateAfter(changes, contents, entries, chance);
         const bool succeeded = changes == disk.changes();
+        if (!succeeded && state == last)
+            return;
+        last = state;
+        disk.restore(state);
         ++states;
         EXPECT_EQ(group.wrong(succeeded ? operation.saves : "", succeeded ? operation.publishes : 0), "")
             << operation.name << ", cut behind change " << changes << " of " << disk.changes()
             << ", contents " << static_cast<int>(contents) << ", entries " << static_cast<int>(entries);
     }
 
+    /// Records an operation on the group as it stands.
+    static std::unique_ptr<RecordingDisk> record(const FaultyGroup& on, const Operation& operation) {
+        auto disk = std::make_unique<RecordingDisk>(on.home());
+        EXPECT_TRUE(operation.run()) << operation.name;
+        disk->takeOutOfUse();
+        return disk;
+    }
+
     void cutEverywhere(const Operation& operation, int entries,
                        FaultyGroup::Records records = FaultyGroup::Records::usual) {
-        using enum RecordedDisk::Survival;
         group.reset(entries, records);
-        RecordedDisk disk(group.home());
-        ASSERT_TRUE(runTraced([&] { return operation.run() ? 0 : 1; }, disk).succeeded());
-        std::set<std::size_t> seen;
-        for (std::size_t changes = 0; changes <= disk.changes(); ++changes) {
-            if (!takesTime && changes % 3 != 0 && changes != disk.changes())
+        const std::unique_ptr<RecordingDisk> disk = record(group, operation);
+        for (std::size_t changes = 0; changes <= disk->changes(); ++changes) {
+            if (!takesTime && changes % 3 != 0 && changes != disk->changes())
                 continue;
-            for (const auto contents : {nothing, everything})
-                for (const auto survivingEntries : {nothing, everything})
-                    look(disk, seen, changes, contents, survivingEntries, operation);
+            for (const auto contents : {Survival::nothing, Survival::everything})
+                for (const auto entriesThen : {Survival::nothing, Survival::everything})
+                    look(*disk, changes, contents, entriesThen, operation);
             for (int i = 0; i < randomStates(); ++i)
-                for (const auto survival : {start, some})
-                    look(disk, seen, changes, survival, survival, operation);
+                for (const auto survival : {Survival::start, Survival::some})
+                    look(*disk, changes, survival, survival, operation);
         }
     }
 
-    /// A kill first, then a run to the end on what it left in the memory of the system, then the cut.
-    void cutAfterAKill(const Operation& operation, const Operation& again, int entries) {
-        using enum RecordedDisk::Survival;
-        for (int call = 0;; call += takesTime ? 3 : 13) {
-            group.reset(entries);
-            RecordedDisk disk(group.home());
-            KillAt killer(call);
-            disk.companion = &killer;
-            runTraced([&] { return operation.run() ? 0 : 1; }, disk);
-            if (!killer.killed())
-                return;
-            disk.companion = nullptr;
-            const std::size_t before = disk.changes();
-            ASSERT_TRUE(runTraced([&] { return again.run() ? 0 : 1; }, disk).succeeded()) << call;
-            std::set<std::size_t> seen;
-            look(disk, seen, disk.changes(), nothing, nothing, again);
-            for (int i = 0; i < randomStates(); ++i)
-                look(disk, seen, before + chance() % (disk.changes() - before + 1), some, some, again);
+    /// Lets a kill strike, which `makeKill` makes, then another run go to its end on what that left in the
+    /// memory of the system, then the power fail. False when the first run ended before the kill.
+    template<class MakeKill>
+    bool cutAfterAKill(MakeKill makeKill, const Operation& operation, const Operation& again, int entries,
+                       std::size_t laterChanges, Survival entriesThen) {
+        group.reset(entries);
+        auto disk = std::make_unique<RecordingDisk>(group.home());
+        bool struck = false;
+        {
+            const auto kill = makeKill();
+            operation.run();
+            struck = kill->struck;
         }
+        const std::size_t before = disk->changes();
+        EXPECT_TRUE(again.run());
+        disk->takeOutOfUse();
+        look(*disk, disk->changes(), Survival::nothing, Survival::nothing, again);
+        for (std::size_t i = 0; struck && i < laterChanges; ++i)
+            for (int j = 0; j < randomStates(); ++j)
+                look(*disk, std::min(before + i, disk->changes()), Survival::some, entriesThen, again);
+        return struck;
+    }
+
+    void cutAfterKillsEverywhere(const Operation& operation, const Operation& again, int entries) {
+        const int step = takesTime ? 3 : 13;
+        for (int calls = 0; cutAfterAKill([&] { return std::make_unique<Kill>(calls); }, operation, again,
+                                          entries, 12, Survival::some);)
+            calls += step;
     }
 };
 
 TEST_F(PowerCuts, Save) {
     const std::string name = "3.5new.jpg";
     const std::string other = "4.5other.jpg";
-    const URL source = group.source(name, size);
-    const URL otherSource = group.source(other, 1000);
-    const std::string bytes = group.content(name, size);
-    const Operation file{"save of a file", [&] { return FaultyGroup::save(name, source); }, name};
-    const Operation data{"save of data", [&] { return FaultyGroup::saveData(name, bytes); }, name};
-    const Operation again{"save after a kill", [&] { return FaultyGroup::save(other, otherSource); }, other};
+    const Operation file{"save of a file", [&] { return group.save(name, size); }, name};
+    const Operation data{"save of data", [&] { return group.saveData(name, size); }, name};
+    const Operation again{"save after a kill", [&] { return group.save(other, 1000); }, other};
     for (const int entries : {0, 2}) {
         cutEverywhere(file, entries);
         cutEverywhere(data, entries);
     }
     cutEverywhere(file, 2, FaultyGroup::Records::longOnes);
-    cutAfterAKill(data, again, 0);
+    cutAfterKillsEverywhere(data, again, 0);
 }
 
 TEST_F(PowerCuts, Import) {
-    const Operation linking{"import", [&] { return group.import(); }, ""};
-    const Operation copying{"import to another disk", [&] { return group.import(false); }, ""};
+    const Operation linking{"import", [&] { return group.import(); }};
     cutEverywhere(linking, 2);
-    cutEverywhere(copying, 2);
+    cutEverywhere({"import to another disk", [&] { return group.import(false); }}, 2);
     // Of four the first leaves blanks behind.
     cutEverywhere(linking, 4, FaultyGroup::Records::longOnes);
-    cutAfterAKill(linking, linking, 2);
+    cutAfterKillsEverywhere(linking, linking, 2);
 }
 
 TEST_F(PowerCuts, AfterAKillThatLeftTheJournalTruncatedAndUnflushed) {
-    using enum RecordedDisk::Survival;
-    const Operation operation{"import", [&] { return group.import(); }, ""};
-    group.reset(2);
-    RecordedDisk disk(group.home());
-    KillBehindTruncation killer;
-    disk.companion = &killer;
-    ASSERT_FALSE(runTraced([&] { return operation.run() ? 0 : 1; }, disk).succeeded());
-    disk.companion = nullptr;
-    const std::size_t before = disk.changes();
-    ASSERT_TRUE(runTraced([&] { return operation.run() ? 0 : 1; }, disk).succeeded());
-    std::set<std::size_t> seen;
-    // The next transaction begins here.
-    for (std::size_t changes = before; changes < before + 12; ++changes)
-        for (int i = 0; i < 20; ++i)
-            look(disk, seen, changes, some, everything, operation);
+    const Operation linking{"import", [&] { return group.import(); }};
+    for (int i = 0; i < 20; ++i)
+        EXPECT_TRUE(cutAfterAKill([] { return std::make_unique<Kill>(); }, linking, linking, 2, 12,
+                                  Survival::everything));
 }
 
 TEST_F(PowerCuts, Publish) {
-    const Operation publish{"publish", [&] { return group.publish(2); }, "", 2};
-    cutEverywhere(publish, 2);
+    cutEverywhere({"publish", [&] { return group.publish(2); }, "", 2}, 2);
 }
 
 } // namespace

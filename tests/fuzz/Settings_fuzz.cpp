@@ -33,7 +33,10 @@ void fuzz(sela::DataView input) {
         for (const char* key : {"sharedAlbums", "sharedPassword", "sharedItems"})
             (void)database.value()->read(key, kind);
     (void)database.value()->keys("sharedItems.unreadable.");
-    database.value()->transaction(
-        [&] { return database.value()->write("sharedItems", "data", sela::asData("{}")); });
-    database.value()->remove("sharedAlbums");
+    if (database.value()->begin())
+        return;
+    sela::ErrorRef failure = database.value()->write("sharedItems", "data", sela::asData("{}"));
+    if (!failure)
+        failure = database.value()->remove("sharedAlbums");
+    database.value()->end(failure);
 }

@@ -139,7 +139,8 @@ TEST_F(AttachmentIntakeTest, TheRunTellsWhatBecameOfEachAttachmentWhereTheComple
         std::string standing;
     } cases[] = {
         {"{}", "A", file("empty.jpg", ""), "stuck: the file is empty, -"},
-        {"{}", "A", gone, "ended: open: No such file or directory, -"},
+        {"{}", "A", gone,
+         "ended: " + (home.path() / "source/gone.jpg").string() + ": No such file or directory, -"},
         {"not JSON", "A", file("a.jpg"), "ended: recorded, recorded"},
         {std::nullopt, "\xFF", file("a.jpg"), "ended: " + unencodable + ", " + unencodable},
     };

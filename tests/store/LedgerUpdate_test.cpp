@@ -31,13 +31,12 @@ void workOnLedger(unsigned seed, const std::string& mark, const std::string& jou
         }
         std::vector<SharedItemLedger::Entry> taken;
         std::optional<UserDefaults> defaults = sharedDefaults();
-        const ErrorRef error = defaults->transaction([&]() -> ErrorRef {
-            const std::optional<Data> ledger = defaults->data(sharedItemsKey);
-            if (!ledger)
-                return nullptr;
-            taken = SharedItemLedger::decode(*ledger).value();
-            return defaults->removeObject(sharedItemsKey);
-        });
+        Result<SettingsTransaction> settings = SettingsTransaction::begin(std::move(*defaults));
+        if (const Result<std::optional<Data>> ledger = settings.value().readData(sharedItemsKey);
+            ledger.value())
+            taken = SharedItemLedger::decode(*ledger.value()).value();
+        settings.value().removeObject(sharedItemsKey);
+        const ErrorRef error = settings.value().commit();
         if (!error)
             for (const auto& [key, item] : taken)
                 journal << "-" << item.fileName << "\n";

@@ -3,7 +3,7 @@
 #include "store/SharedFolder.h"
 #include "store/SharedItemLedger.h"
 #include "store/SharedItemManager.h"
-#include "support/FaultyStreams.h"
+#include "support/DiskWrapper.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryHome.h"
 #include "support/VirtualMainLoop.h"
@@ -154,15 +154,43 @@ TEST_F(SharedItemManagerTest, StreamsThatCannotBeMadeAreReportedInTheBackground)
     EXPECT_EQ(ledger(), "none");
 }
 
+constexpr std::int64_t unlimited = std::int64_t(1) << 40;
+
+/// A disk on which so many bytes can be read from files, and written to "Items".
+class LimitedDisk : public DiskWrapper {
+public:
+    std::int64_t readable = unlimited;
+    std::int64_t writable = unlimited;
+
+    std::int64_t read(int descriptor, std::span<std::byte> buffer) override {
+        if (readable == 0)
+            return -EIO;
+        const std::int64_t count = DiskWrapper::read(
+            descriptor, buffer.first(std::min(buffer.size(), static_cast<std::size_t>(readable))));
+        readable -= count;
+        return count;
+    }
+    std::int64_t pwrite(int descriptor, DataView bytes, std::int64_t offset) override {
+        if (pathOf(descriptor).find("/Items/") == std::string::npos)
+            return DiskWrapper::pwrite(descriptor, bytes, offset);
+        if (writable == 0)
+            return -ENOSPC;
+        const std::int64_t count = DiskWrapper::pwrite(
+            descriptor, bytes.first(std::min(bytes.size(), static_cast<std::size_t>(writable))), offset);
+        writable -= count;
+        return count;
+    }
+};
+
 TEST_F(SharedItemManagerTest, AStreamThatFailsAnywhereRecordsNothingAndLeavesNothing) {
     home.provision();
-    FaultyStreams files;
+    LimitedDisk disk;
     const std::string content = patternedBytes(2 * block);
     for (const std::int64_t limit : {std::int64_t(0), block - 1, block, block + 1}) {
         for (const bool reading : {true, false}) {
             calls.clear();
-            files.readLimit = reading ? limit : -1;
-            files.writeLimit = reading ? -1 : limit;
+            disk.readable = reading ? limit : unlimited;
+            disk.writable = reading ? unlimited : limit;
             saveFile("a.jpg", content);
             EXPECT_THAT(calls, ElementsAre(HasSubstr(reading ? "Input/output error" : "No space left")));
             EXPECT_TRUE(calledOnMain);
@@ -172,18 +200,16 @@ TEST_F(SharedItemManagerTest, AStreamThatFailsAnywhereRecordsNothingAndLeavesNot
             EXPECT_EQ(ledger(), "none");
         }
     }
-    files.readLimit = files.writeLimit = -1;
+    disk.readable = disk.writable = unlimited;
     saveFile("a.jpg", content);
     EXPECT_EQ(calls.back(), "ok");
     EXPECT_TRUE(contentOf(items() / "a.jpg") == content);
 }
 
 TEST_F(SharedItemManagerTest, AttributesThatCannotBeReadEndTheCopy) {
-    class NoAttributes : public FileManagerWrapper {
-        Result<FileAttributes> attributesOfItem(const std::string& path) const override {
-            if (path.ends_with("source/a.jpg"))
-                return NSError::posix(EACCES, "stat");
-            return FileManagerWrapper::attributesOfItem(path);
+    class NoAttributes : public DiskWrapper {
+        int stat(const std::string& path, struct stat& status) override {
+            return path.ends_with("source/a.jpg") ? -EACCES : DiskWrapper::stat(path, status);
         }
     };
     home.provision();
@@ -195,18 +221,21 @@ TEST_F(SharedItemManagerTest, AttributesThatCannotBeReadEndTheCopy) {
 }
 
 /// A source whose length is not what its attributes say, as when another program writes it meanwhile.
-class ChangingSource : public FileManagerWrapper {
+class ChangingSource : public DiskWrapper {
 public:
     std::int64_t claimedSize = 0;
 
-    Result<FileAttributes> attributesOfItem(const std::string& path) const override {
-        Result<FileAttributes> attributes = FileManagerWrapper::attributesOfItem(path);
-        if (attributes && path.ends_with("source/a.jpg"))
-            attributes.value().size = claimedSize;
-        return attributes;
+    int stat(const std::string& path, struct stat& status) override {
+        const int result = DiskWrapper::stat(path, status);
+        if (path.ends_with("source/a.jpg"))
+            status.st_size = claimedSize;
+        return result;
     }
-    Result<std::unique_ptr<OutputStream>> outputStream(const URL& destination, std::int64_t) override {
-        return FileManagerWrapper::outputStream(destination, claimedSize);
+    int fstat(int descriptor, struct stat& status) override {
+        const int result = DiskWrapper::fstat(descriptor, status);
+        if (pathOf(descriptor).ends_with("source/a.jpg"))
+            status.st_size = claimedSize;
+        return result;
     }
 };
 

@@ -68,11 +68,11 @@ std::string_view identifierOfExtension(std::string_view extension) {
 /// What libmagic makes of the first bytes. They are handed over in memory, so a hostile file meets only its
 /// matching rules; decoders of the kinds found run in the sandboxed helper.
 std::string_view identifierOfContent(const URL& file) {
-    Result<std::unique_ptr<InputStream>> stream = FileManager::defaultManager().inputStream(file);
+    Result<InputStream> stream = FileManager::defaultManager().inputStream(file);
     if (!stream)
         return {};
     std::array<std::byte, 4096> start;
-    const std::int64_t count = stream.value()->read(start);
+    const std::int64_t count = stream.value().read(start);
     if (count <= 0)
         return {};
     const std::unique_ptr<magic_set, void (*)(magic_t)> magic(::magic_open(magicFlags), &::magic_close);

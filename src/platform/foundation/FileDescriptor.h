@@ -5,7 +5,8 @@
 
 namespace sela {
 
-/// A POSIX descriptor that is closed with its owner. Moves; used by one thread at a time.
+/// A POSIX descriptor that is closed with its owner; a negative number is none. Moves; used by one thread at
+/// a time.
 class FileDescriptor {
 public:
     explicit FileDescriptor(int descriptor = -1) : descriptor_(descriptor) {}
@@ -21,6 +22,9 @@ public:
 
     bool isOpen() const { return descriptor_ >= 0; }
     int get() const { return descriptor_; }
+
+    /// Gives the descriptor away, to be closed by whoever takes it.
+    int release() { return std::exchange(descriptor_, -1); }
 
     void reset() {
         if (isOpen())

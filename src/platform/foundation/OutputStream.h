@@ -2,34 +2,41 @@
 
 #include "platform/foundation/Data.h"
 #include "platform/foundation/Error.h"
+#include "platform/foundation/FileDescriptor.h"
 
 #include <cstdint>
+#include <string>
 
 namespace sela {
 
 /// Writes the bytes of one file from its start. Made by `FileManager::outputStream`, which is where a file
-/// that cannot be made, or has no room on its disk, fails; used by one thread at a time; closed by its
-/// destructor at the latest.
+/// that cannot be made, or has no room on its disk, fails. Each block's way to the disk begins when it is
+/// written, so that `synchronize` has little left to wait for. Used by one thread at a time.
 class OutputStream {
 public:
-    virtual ~OutputStream() = default;
+    /// Of an open descriptor of an empty file, which lies at `path`.
+    OutputStream(FileDescriptor descriptor, std::string path);
 
-    /// Readies the stream for writing. Never fails: what can fail has failed when the stream was made.
-    virtual void open() = 0;
+    /// Writes all of `bytes`, going on after short writes, and returns their number; -1 on failure, which
+    /// `streamError` then tells. After a failure nothing more is written.
+    std::int64_t write(DataView bytes);
 
-    /// Writes all of `bytes`, going on after short writes and interruptions, and returns their number; -1 on
-    /// failure, which `streamError` then tells. After a failure nothing more is written.
-    virtual std::int64_t write(DataView bytes) = 0;
-
-    /// Ends the file after the last byte written and brings it to the disk, its folder's entry included.
-    /// Returns null only when everything written is safe on the disk; the error of an earlier failed write
-    /// counts.
-    virtual ErrorRef synchronize() = 0;
+    /// Ends the file after the last byte written and flushes it, its folder's entry included. Returns null
+    /// only when everything written is safe on the disk; the error of an earlier failed write counts.
+    ErrorRef synchronize();
 
     /// The first error of this stream; null when there is none.
-    virtual ErrorRef streamError() const = 0;
+    ErrorRef streamError() const { return error_; }
 
-    virtual void close() = 0;
+private:
+    FileDescriptor descriptor_;
+    std::string path_;
+    std::int64_t written_ = 0;
+    ErrorRef error_;
 };
+
+/// Writes all of `bytes` from `offset` on, going on after short writes. `name` is what an error calls the
+/// file.
+ErrorRef writeFully(int descriptor, DataView bytes, std::int64_t offset, const std::string& name);
 
 } // namespace sela

@@ -1,15 +1,16 @@
 #include "platform/foundation/SettingsDatabase.h"
 
+#include "platform/foundation/Disk.h"
 #include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/FileManager.h"
-#include "platform/foundation/SystemCall.h"
+#include "platform/foundation/SQLiteDisk.h"
 
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
-#include <map>
+#include <mutex>
 #include <sqlite3.h>
-#include <sys/stat.h>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -66,33 +67,48 @@ struct SettingsDatabase::Statement {
     int result;
 };
 
-Result<std::shared_ptr<SettingsDatabase>> SettingsDatabase::open(const std::string& path) {
-    // One object per file for the life of the process: SQLite's locks are dropped when a second connection of
-    // the same process is closed behind its back.
-    static std::mutex mutex;
-    static auto* const databases = new std::map<std::string, std::shared_ptr<SettingsDatabase>>;
-    std::shared_ptr<SettingsDatabase> database;
+namespace {
+
+/// The connection that was given back last.
+struct KeptConnection {
+    std::mutex mutex;
+    std::unique_ptr<SettingsDatabase> database;
+};
+
+KeptConnection& kept() {
+    // Never destroyed: threads may use the settings until the process ends.
+    static auto* const connection = new KeptConnection;
+    return *connection;
+}
+
+} // namespace
+
+Result<std::unique_ptr<SettingsDatabase>> SettingsDatabase::open(const std::string& path) {
+    std::unique_ptr<SettingsDatabase> database;
     {
-        const std::lock_guard lock(mutex);
-        std::shared_ptr<SettingsDatabase>& known = (*databases)[path];
-        if (!known)
-            known = std::make_shared<SettingsDatabase>(path);
-        database = known;
+        const std::lock_guard lock(kept().mutex);
+        database = std::move(kept().database);
     }
-    const std::lock_guard lock(database->mutex_);
+    if (database && database->path_ == path && database->isConnectedToFile())
+        return database;
+    database = std::make_unique<SettingsDatabase>(path);
     if (ErrorRef error = database->connect())
         return error;
     return database;
 }
 
-SettingsDatabase::SettingsDatabase(std::string path) : path_(std::move(path)) {}
+void SettingsDatabase::giveBack(std::unique_ptr<SettingsDatabase> database) {
+    if (!database || database->failed_)
+        return;
+    const std::lock_guard lock(kept().mutex);
+    kept().database.swap(database);
+}
 
 SettingsDatabase::~SettingsDatabase() {
-    disconnect();
+    sqlite3_close(connection_);
 }
 
 Result<std::optional<Data>> SettingsDatabase::read(std::string_view key, std::string_view kind) {
-    const std::lock_guard lock(mutex_);
     const Result<bool> any = holdsSettings();
     if (!any)
         return any.error();
@@ -109,12 +125,11 @@ Result<std::optional<Data>> SettingsDatabase::read(std::string_view key, std::st
     case SQLITE_DONE:
         return std::optional<Data>();
     default:
-        return failure("read a setting");
+        return failure("a setting cannot be read");
     }
 }
 
 Result<std::vector<std::string>> SettingsDatabase::keys(std::string_view prefix) {
-    const std::lock_guard lock(mutex_);
     std::vector<std::string> found;
     const Result<bool> any = holdsSettings();
     if (!any)
@@ -129,16 +144,41 @@ Result<std::vector<std::string>> SettingsDatabase::keys(std::string_view prefix)
     for (; result == SQLITE_ROW; result = statement.step())
         found.emplace_back(asText(statement.column(0)));
     if (result != SQLITE_DONE)
-        return failure("list the settings");
+        return failure("the settings cannot be listed");
     return found;
 }
 
-ErrorRef SettingsDatabase::write(std::string_view key, std::string_view kind, DataView value) {
-    const std::lock_guard lock(mutex_);
-    if (!inTransaction_)
-        return transaction([&] { return write(key, kind, value); });
-    if (ErrorRef error = create())
+ErrorRef SettingsDatabase::begin() {
+    if (!connection_)
+        if (ErrorRef error = createFile())
+            return error;
+    const Result<bool> made = holdsSettings();
+    if (!made)
+        return made.error();
+    if (!made.value())
+        if (ErrorRef error = createTable())
+            return error;
+    if (ErrorRef error = execute("BEGIN IMMEDIATE"))
         return error;
+    ErrorRef error = flushJournalOfOthers();
+    return error ? end(error) : nullptr;
+}
+
+ErrorRef SettingsDatabase::end(ErrorRef failure) {
+    if (!failure)
+        failure = execute("COMMIT");
+    if (failure)
+        rollBack();
+    return failure;
+}
+
+void SettingsDatabase::rollBack() {
+    // After some failures SQLite has done so already.
+    if (!sqlite3_get_autocommit(connection_))
+        execute("ROLLBACK");
+}
+
+ErrorRef SettingsDatabase::write(std::string_view key, std::string_view kind, DataView value) {
     Statement statement(connection_,
                         "INSERT INTO settings(key, kind, value) VALUES(?1, ?2, ?3) "
                         "ON CONFLICT(key) DO UPDATE SET kind = excluded.kind, value = excluded.value");
@@ -146,8 +186,17 @@ ErrorRef SettingsDatabase::write(std::string_view key, std::string_view kind, Da
     statement.bind(2, kind);
     statement.bind(3, value);
     if (statement.step() != SQLITE_DONE)
-        return failure("store a setting");
+        return failure("a setting cannot be stored");
     return checkStored(key, kind, value);
+}
+
+ErrorRef SettingsDatabase::remove(std::string_view key) {
+    const Result<bool> any = holdsSettings();
+    if (!any || !any.value())
+        return any.error();
+    Statement statement(connection_, "DELETE FROM settings NOT INDEXED WHERE key = ?1");
+    statement.bind(1, key);
+    return statement.step() == SQLITE_DONE ? nullptr : failure("a setting cannot be removed");
 }
 
 ErrorRef SettingsDatabase::checkStored(std::string_view key, std::string_view kind, DataView value) {
@@ -164,44 +213,12 @@ ErrorRef SettingsDatabase::checkStored(std::string_view key, std::string_view ki
     case SQLITE_ROW:
         return nullptr;
     case SQLITE_DONE:
-        return noted(std::make_shared<NSError>(sqliteErrorDomain, SQLITE_CORRUPT,
-                                               path_ + ": what was stored cannot be read back"));
+        failed_ = true;
+        return std::make_shared<NSError>(sqliteErrorDomain, SQLITE_CORRUPT,
+                                         path_ + ": what was stored cannot be read back");
     default:
-        return failure("read a setting back");
+        return failure("a setting cannot be read back");
     }
-}
-
-ErrorRef SettingsDatabase::remove(std::string_view key) {
-    const std::lock_guard lock(mutex_);
-    const Result<bool> any = holdsSettings();
-    if (!any || !any.value())
-        return any.error();
-    if (!inTransaction_)
-        return transaction([&] { return remove(key); });
-    Statement statement(connection_, "DELETE FROM settings NOT INDEXED WHERE key = ?1");
-    statement.bind(1, key);
-    return statement.step() == SQLITE_DONE ? nullptr : failure("remove a setting");
-}
-
-ErrorRef SettingsDatabase::transaction(const std::function<ErrorRef()>& body) {
-    const std::lock_guard lock(mutex_);
-    if (ErrorRef error = create())
-        return error;
-    if (ErrorRef error = execute("BEGIN IMMEDIATE"))
-        return error;
-    inTransaction_ = true;
-    ErrorRef error = flushJournalOfOthers();
-    if (!error)
-        error = body();
-    inTransaction_ = false;
-    const ErrorRef failureInside = std::exchange(transactionFailure_, nullptr);
-    if (!error)
-        error = failureInside;
-    if (!error)
-        error = execute("COMMIT");
-    if (error && !sqlite3_get_autocommit(connection_))
-        execute("ROLLBACK");
-    return error;
 }
 
 ErrorRef SettingsDatabase::flushJournalOfOthers() {
@@ -211,36 +228,26 @@ ErrorRef SettingsDatabase::flushJournalOfOthers() {
     if (version.value() == journalFlushedAt_)
         return nullptr;
     const std::string path = path_ + "-journal";
-    const FileDescriptor journal(
-        retryingInterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC); }));
-    if (!journal.isOpen() && errno != ENOENT)
-        return noted(NSError::posix(errno, path));
-    if (journal.isOpen() && retryingInterrupted([&] { return ::fdatasync(journal.get()); }) != 0)
-        return noted(NSError::posix(errno, path));
+    const FileDescriptor journal(Disk::inUse().open(path, O_RDONLY | O_NOFOLLOW));
+    const int result = journal.isOpen() ? Disk::inUse().fdatasync(journal.get()) : journal.get();
+    if (result < 0 && result != -ENOENT)
+        return NSError::posix(-result, path);
     journalFlushedAt_ = version.value();
     return nullptr;
 }
 
 ErrorRef SettingsDatabase::connect() {
-    if (inTransaction_ || isConnectedToFile())
-        return nullptr;
-    disconnect();
     struct stat status = {};
-    if (::stat(path_.c_str(), &status) != 0)
-        return errno == ENOENT ? nullptr : NSError::posix(errno, path_);
+    if (const int result = Disk::inUse().stat(path_, status); result < 0)
+        return result == -ENOENT ? nullptr : NSError::posix(-result, path_);
     constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE;
-    ErrorRef error;
-    if (sqlite3_open_v2(path_.c_str(), &connection_, flags, nullptr) != SQLITE_OK)
-        error = failure("open " + path_);
-    else
-        error = checkFormat();
-    if (error) {
-        disconnect();
-        return error;
-    }
+    const int result = sqlite3_open_v2(path_.c_str(), &connection_, flags, sqliteDiskName());
+    ErrorRef error = result == SQLITE_OK ? checkFormat() : failure("the settings cannot be opened");
+    if (error)
+        sqlite3_close(std::exchange(connection_, nullptr));
     device_ = status.st_dev;
     inode_ = status.st_ino;
-    return nullptr;
+    return error;
 }
 
 void SettingsDatabase::distrustSchema() {
@@ -265,42 +272,35 @@ ErrorRef SettingsDatabase::checkFormat() {
                                              std::to_string(formatVersion));
     // A rollback journal that is truncated rather than deleted: with synchronous FULL its end is flushed, so
     // a committed step survives a power cut, and no file is made and removed at each step.
-    if (ErrorRef error = execute("PRAGMA journal_mode = TRUNCATE"))
-        return error;
-    return execute("PRAGMA synchronous = FULL");
+    for (const char* const sql :
+         {"PRAGMA journal_mode = TRUNCATE", "PRAGMA synchronous = FULL", "PRAGMA temp_store = MEMORY"})
+        if (ErrorRef error = execute(sql))
+            return error;
+    return nullptr;
 }
 
-ErrorRef SettingsDatabase::create() {
-    if (inTransaction_)
-        return transactionFailure_;
-    if (ErrorRef error = connect())
+ErrorRef SettingsDatabase::createFile() {
+    const std::string folder = URL::fileURL(path_).deletingLastPathComponent().path();
+    FileManager& files = FileManager::defaultManager();
+    if (ErrorRef error = files.createDirectory(folder))
         return error;
-    if (!connection_) {
-        const std::string folder = URL::fileURL(path_).deletingLastPathComponent().path();
-        if (ErrorRef error = FileManager::defaultManager().createDirectory(folder))
-            return error;
-        // Made beforehand so that neither the file nor its journal is ever readable by others.
-        FileDescriptor file(retryingInterrupted(
-            [&] { return ::open(path_.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600); }));
-        if (!file.isOpen())
-            return NSError::posix(errno, path_);
-        file.reset();
-        if (ErrorRef error = FileManager::defaultManager().synchronizeDirectory(folder))
-            return error;
-        if (ErrorRef error = connect())
-            return error;
-    }
-    const Result<bool> made = holdsSettings();
-    if (!made || made.value())
-        return made.error();
+    // Made here, since a connection makes none: a file that goes while one is open must not come back empty.
+    const FileDescriptor file(Disk::inUse().open(path_, O_RDWR | O_CREAT | O_NOFOLLOW, 0600));
+    if (!file.isOpen())
+        return NSError::posix(-file.get(), path_);
+    if (ErrorRef error = files.synchronizeDirectory(folder))
+        return error;
+    return connect();
+}
+
+ErrorRef SettingsDatabase::createTable() {
     // Large pages: the ledger is one long value, and fewer pages are fewer writes (docs/libraries.md).
     for (const char* const sql : {"PRAGMA page_size = 65536", "BEGIN IMMEDIATE",
                                   "CREATE TABLE IF NOT EXISTS settings(key TEXT PRIMARY KEY, "
                                   "kind TEXT NOT NULL CHECK(kind IN ('text','data')), value BLOB NOT NULL)",
                                   "PRAGMA user_version = 1", "COMMIT"}) {
         if (ErrorRef error = execute(sql)) {
-            if (!sqlite3_get_autocommit(connection_))
-                execute("ROLLBACK");
+            rollBack();
             return error;
         }
     }
@@ -308,8 +308,6 @@ ErrorRef SettingsDatabase::create() {
 }
 
 Result<bool> SettingsDatabase::holdsSettings() {
-    if (transactionFailure_)
-        return transactionFailure_;
     if (!connection_ || tableSeen_)
         return connection_ != nullptr;
     const Result<std::int64_t> tables = readInteger(tableCountQuery);
@@ -319,15 +317,9 @@ Result<bool> SettingsDatabase::holdsSettings() {
     return tableSeen_;
 }
 
-void SettingsDatabase::disconnect() {
-    tableSeen_ = false;
-    journalFlushedAt_.reset();
-    sqlite3_close(std::exchange(connection_, nullptr));
-}
-
 bool SettingsDatabase::isConnectedToFile() const {
     struct stat status = {};
-    return connection_ && ::stat(path_.c_str(), &status) == 0 && status.st_dev == device_ &&
+    return connection_ && Disk::inUse().stat(path_, status) == 0 && status.st_dev == device_ &&
            status.st_ino == inode_;
 }
 
@@ -345,16 +337,12 @@ Result<std::int64_t> SettingsDatabase::readInteger(const char* sql) {
 }
 
 ErrorRef SettingsDatabase::failure(std::string_view what) {
-    std::string description(what);
-    description += ": ";
-    description += sqlite3_errmsg(connection_);
-    return noted(std::make_shared<NSError>(sqliteErrorDomain, sqlite3_errcode(connection_), description));
-}
-
-ErrorRef SettingsDatabase::noted(ErrorRef error) {
-    if (inTransaction_ && !transactionFailure_)
-        transactionFailure_ = error;
-    return error;
+    failed_ = true;
+    const int code = sqlite3_errcode(connection_);
+    std::string description = path_ + ": " + std::string(what) + ": " + sqlite3_errmsg(connection_);
+    if (const int reason = sqlite3_system_errno(connection_); reason != 0 && code != SQLITE_FULL)
+        description += " (" + std::generic_category().message(reason) + ")";
+    return std::make_shared<NSError>(sqliteErrorDomain, code, std::move(description));
 }
 
 } // namespace sela

@@ -3,57 +3,69 @@
 #include "platform/foundation/Data.h"
 #include "platform/foundation/Error.h"
 
-#include <functional>
+#include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 struct sqlite3;
-struct sqlite3_stmt;
 
 namespace sela {
 
-/// The SQLite file behind `UserDefaults`: one connection per process and file, kept open. Thread-safe.
+/// A connection to the SQLite file behind `UserDefaults`. Used by one thread at a time; any number may lead
+/// to one file.
 class SettingsDatabase {
 public:
-    /// The database of the file at `path`, connected if the file exists; the error when it cannot be used.
-    static Result<std::shared_ptr<SettingsDatabase>> open(const std::string& path);
+    /// A connection to the file at `path`; the error when it cannot be used. Without a file there is no
+    /// error, and it is made when a transaction begins.
+    static Result<std::unique_ptr<SettingsDatabase>> open(const std::string& path);
 
-    explicit SettingsDatabase(std::string path);
+    /// Keeps a connection for the next `open`, in place of one that was kept before, unless something failed
+    /// in it. A connection knows what it flushed, and need not flush it again.
+    static void giveBack(std::unique_ptr<SettingsDatabase> database);
+
+    explicit SettingsDatabase(std::string path) : path_(std::move(path)) {}
     ~SettingsDatabase();
     SettingsDatabase(const SettingsDatabase&) = delete;
     SettingsDatabase& operator=(const SettingsDatabase&) = delete;
 
+    /// Whether there is a file with its table in it; the error when that cannot be told.
+    Result<bool> holdsSettings();
+
     /// The value of that kind ("text" or "data") under a key.
     Result<std::optional<Data>> read(std::string_view key, std::string_view kind);
 
+    /// The keys that begin with `prefix`, sorted by their bytes.
     Result<std::vector<std::string>> keys(std::string_view prefix);
 
+    /// Begins a transaction, making the file where it is missing. Nobody else can store anything until its
+    /// end.
+    ErrorRef begin();
+
+    /// Stores or removes a value inside a transaction.
     ErrorRef write(std::string_view key, std::string_view kind, DataView value);
     ErrorRef remove(std::string_view key);
 
-    ErrorRef transaction(const std::function<ErrorRef()>& body);
+    /// Ends the transaction: with all of it on the disk, or with nothing of it when there is a `failure` or
+    /// one of ending it, which is returned.
+    ErrorRef end(ErrorRef failure);
+
+    /// Ends a transaction, if one is under way, with nothing of it.
+    void rollBack();
 
 private:
     struct Statement;
 
-    /// Connects to the file if it exists and the connection is not to it already. Without a file there is no
-    /// connection and no error.
+    /// Connects to the file if it exists.
     ErrorRef connect();
     ErrorRef checkFormat();
     void distrustSchema();
+    ErrorRef createFile();
+    ErrorRef createTable();
 
-    /// Makes the file and its table where they are missing, then connects.
-    ErrorRef create();
-
-    /// Whether there is a file with its table in it; the error when that cannot be told, or when the
-    /// transaction around has failed.
-    Result<bool> holdsSettings();
-
-    void disconnect();
     bool isConnectedToFile() const;
 
     ErrorRef execute(const char* sql);
@@ -67,23 +79,16 @@ private:
     /// Reads back what was just stored: a damaged index takes in a row that nothing finds again.
     ErrorRef checkStored(std::string_view key, std::string_view kind, DataView value);
 
-    /// The error of the connection's last failed call, noted.
+    /// The error of the connection's last failed call.
     ErrorRef failure(std::string_view what);
 
-    /// Lets a transaction around it fail too.
-    ErrorRef noted(ErrorRef error);
-
     const std::string path_;
-    std::recursive_mutex mutex_;
     sqlite3* connection_ = nullptr;
     unsigned long long device_ = 0;
     unsigned long long inode_ = 0;
     bool tableSeen_ = false;
-    bool inTransaction_ = false;
+    bool failed_ = false;
     std::optional<std::int64_t> journalFlushedAt_; ///< the connection's data_version then
-    /// The first failure inside the transaction. After one nothing more is read or stored in it: SQLite may
-    /// have rolled it back already, and what came then would stand on its own.
-    ErrorRef transactionFailure_;
 };
 
 } // namespace sela

@@ -5,6 +5,8 @@
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/SettingsDatabase.h"
 
+#include <utility>
+
 namespace sela {
 
 namespace {
@@ -19,7 +21,25 @@ std::optional<Data> valueOrLog(Result<std::optional<Data>> value) {
     return std::nullopt;
 }
 
+/// One change as a step of its own.
+template<class Change>
+ErrorRef alone(SettingsDatabase& database, Change change) {
+    if (ErrorRef error = database.begin())
+        return error;
+    return database.end(change());
+}
+
 } // namespace
+
+UserDefaults::UserDefaults(std::unique_ptr<SettingsDatabase> database) : database_(std::move(database)) {}
+
+UserDefaults::UserDefaults(UserDefaults&&) noexcept = default;
+
+UserDefaults& UserDefaults::operator=(UserDefaults&&) noexcept = default;
+
+UserDefaults::~UserDefaults() {
+    SettingsDatabase::giveBack(std::move(database_));
+}
 
 std::optional<UserDefaults> UserDefaults::withSuiteName(std::string_view suiteName) {
     const std::optional<URL> config = BaseDirectories::config();
@@ -29,7 +49,7 @@ std::optional<UserDefaults> UserDefaults::withSuiteName(std::string_view suiteNa
     }
     const URL file =
         config->appendingPathComponent("sela").appendingPathComponent(std::string(suiteName) + ".sqlite3");
-    Result<std::shared_ptr<SettingsDatabase>> database = SettingsDatabase::open(file.path());
+    Result<std::unique_ptr<SettingsDatabase>> database = SettingsDatabase::open(file.path());
     if (!database) {
         NSLog("UserDefaults: settings cannot be used, error = " + database.error()->localizedDescription());
         return std::nullopt;
@@ -57,19 +77,58 @@ Result<std::vector<std::string>> UserDefaults::keys(std::string_view prefix) con
 }
 
 ErrorRef UserDefaults::setData(std::string_view key, DataView value) {
-    return database_->write(key, dataKind, value);
+    return alone(*database_, [&] { return database_->write(key, dataKind, value); });
 }
 
 ErrorRef UserDefaults::setString(std::string_view key, std::string_view value) {
-    return database_->write(key, textKind, asData(value));
+    return alone(*database_, [&] { return database_->write(key, textKind, asData(value)); });
 }
 
 ErrorRef UserDefaults::removeObject(std::string_view key) {
-    return database_->remove(key);
+    const Result<bool> any = database_->holdsSettings();
+    if (!any || !any.value())
+        return any.error();
+    return alone(*database_, [&] { return database_->remove(key); });
 }
 
-ErrorRef UserDefaults::transaction(const std::function<ErrorRef()>& body) {
-    return database_->transaction(body);
+SettingsTransaction::SettingsTransaction(UserDefaults settings) : settings_(std::move(settings)) {}
+
+Result<SettingsTransaction> SettingsTransaction::begin(UserDefaults settings) {
+    if (ErrorRef error = settings.database_->begin())
+        return error;
+    return SettingsTransaction(std::move(settings));
+}
+
+SettingsTransaction::~SettingsTransaction() {
+    if (settings_.database_)
+        settings_.database_->rollBack();
+}
+
+Result<std::optional<Data>> SettingsTransaction::readData(std::string_view key) {
+    if (failure_)
+        return failure_;
+    Result<std::optional<Data>> value = settings_.database_->read(key, dataKind);
+    failure_ = value.error();
+    return value;
+}
+
+void SettingsTransaction::setData(std::string_view key, DataView value) {
+    if (!failure_)
+        failure_ = settings_.database_->write(key, dataKind, value);
+}
+
+void SettingsTransaction::setString(std::string_view key, std::string_view value) {
+    if (!failure_)
+        failure_ = settings_.database_->write(key, textKind, asData(value));
+}
+
+void SettingsTransaction::removeObject(std::string_view key) {
+    if (!failure_)
+        failure_ = settings_.database_->remove(key);
+}
+
+ErrorRef SettingsTransaction::commit() {
+    return settings_.database_->end(std::exchange(failure_, nullptr));
 }
 
 } // namespace sela

@@ -3,12 +3,10 @@
 #include "platform/foundation/Data.h"
 #include "platform/foundation/Error.h"
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace sela {
@@ -18,15 +16,19 @@ class SettingsDatabase;
 /// The settings that the programs of a group share: texts and data by key, in one SQLite file,
 /// `<config>/sela/<suiteName>.sqlite3` (docs/formats.md describes it).
 ///
-/// A handle is opened at each use and thrown away; the connection behind it is kept for the life of the
-/// process. Thread-safe: operations of one process take turns, those of several are kept apart by the file's
-/// locks, waiting up to ten seconds for each other.
+/// A handle is opened at each use and thrown away; the last connection behind one is kept for the next. Each
+/// handle is used by one thread at a time. Handles, of one process or of several, are kept apart by the
+/// file's locks, waiting up to ten seconds for each other. No handle crosses a fork.
 class UserDefaults {
 public:
     /// Opens the settings of a suite. Absent (and the reason logged) when they cannot be used: the file is
     /// unreadable, no database, locked for too long, or of a later format. A file that does not exist is no
     /// failure: it holds nothing, and the first value stored makes it.
     static std::optional<UserDefaults> withSuiteName(std::string_view suiteName);
+
+    ~UserDefaults();
+    UserDefaults(UserDefaults&&) noexcept;
+    UserDefaults& operator=(UserDefaults&&) noexcept;
 
     /// The data under a key; absent when there is none, when a text stands there, or when reading fails
     /// (which is logged).
@@ -50,16 +52,45 @@ public:
     /// Removes the value under a key, if there is one.
     ErrorRef removeObject(std::string_view key);
 
-    /// Runs `body` on the calling thread as one step: nobody else changes the settings meanwhile, and either
-    /// all that it stored is on the disk afterwards or nothing is. Nothing is kept when `body` returns an
-    /// error, or when any reading or storing inside failed, even if the body took no notice. Returns that
-    /// error; null when the step is done. `body` must not wait for another thread that uses the settings.
-    ErrorRef transaction(const std::function<ErrorRef()>& body);
+private:
+    friend class SettingsTransaction;
+
+    explicit UserDefaults(std::unique_ptr<SettingsDatabase> database);
+
+    std::unique_ptr<SettingsDatabase> database_;
+};
+
+/// Changes to the settings that are one step: nobody else changes them from `begin` to the end, and
+/// afterwards either all of it is on the disk or nothing is. What is read, stored and removed as part of the
+/// step takes the transaction.
+///
+/// The first failure is kept: after it nothing more is read or stored, and `commit` returns it, so that the
+/// calls between need not be looked at one by one. Used by one thread at a time.
+class SettingsTransaction {
+public:
+    /// Begins a step, for which it takes the handle over; or why it cannot be begun.
+    static Result<SettingsTransaction> begin(UserDefaults settings);
+
+    /// Takes back what was not committed.
+    ~SettingsTransaction();
+    SettingsTransaction(SettingsTransaction&&) noexcept = default;
+    SettingsTransaction& operator=(SettingsTransaction&&) = delete;
+
+    /// The data under a key as this step has left them, if there are any; the first failure after one.
+    Result<std::optional<Data>> readData(std::string_view key);
+
+    void setData(std::string_view key, DataView value);
+    void setString(std::string_view key, std::string_view value);
+    void removeObject(std::string_view key);
+
+    /// Ends the step. Null when all of it is on the disk; otherwise the first failure, and nothing is kept.
+    ErrorRef commit();
 
 private:
-    explicit UserDefaults(std::shared_ptr<SettingsDatabase> database) : database_(std::move(database)) {}
+    explicit SettingsTransaction(UserDefaults settings);
 
-    std::shared_ptr<SettingsDatabase> database_;
+    UserDefaults settings_;
+    ErrorRef failure_;
 };
 
 } // namespace sela

@@ -1,5 +1,6 @@
 #include "platform/media/MediaServiceClient.h"
 
+#include "platform/foundation/FileManager.h"
 #include "platform/foundation/MonotonicClock.h"
 #include "platform/media/AVError.h"
 #include "platform/media/MediaHelperProcess.h"
@@ -34,19 +35,6 @@ std::string locateProgram(const std::string& directory, std::string_view name) {
     return own.parent_path() / "libexec" / "sela-share" / name;
 }
 
-Result<FileDescriptor> openRegularFile(const std::string& path) {
-    // A pipe without a writer must not block the open.
-    FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    if (!file.isOpen())
-        return NSError::posix(errno, "open");
-    struct stat status {};
-    if (::fstat(file.get(), &status) != 0)
-        return NSError::posix(errno, "fstat");
-    if (!S_ISREG(status.st_mode))
-        return NSError::posix(EINVAL, "not a regular file");
-    return file;
-}
-
 ErrorRef mediaError(int code, std::string description) {
     return std::make_shared<NSError>(AVFoundationErrorDomain, code, std::move(description));
 }
@@ -74,14 +62,14 @@ MediaServiceClient::~MediaServiceClient() = default;
 
 Result<MediaServiceClient::Answer> MediaServiceClient::perform(const std::string& path,
                                                                MediaRequest request) {
-    const Result<FileDescriptor> file = openRegularFile(path);
+    const auto file = FileManager::defaultManager().openRegularFile(path);
     if (!file)
         return file.error();
     const std::lock_guard lock(mutex_);
     if (request.asset != 0 && request.asset == costlyAsset_)
         return helperWasReset();
     request.number = ++requests_;
-    return performLocked(file.value().get(), request);
+    return performLocked(file.value().descriptor.get(), request);
 }
 
 std::optional<pid_t> MediaServiceClient::helperProcessIdentifier(MediaOperation operation) const {

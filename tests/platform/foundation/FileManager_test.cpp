@@ -73,13 +73,10 @@ TEST_F(FileManagerTest, OnlyRegularFilesAreReadWithoutEverBlocking) {
 TEST_F(FileManagerTest, AnOutputStreamWritesExactlyWhatItWasGiven) {
     for (const std::int64_t reserved : {0, 3, 100'000}) {
         home.write("out", "what was there before");
-        const auto opened = files.outputStream(at("out"), reserved);
-        OutputStream* const stream = opened.value().get();
-        stream->open();
-        EXPECT_EQ(stream->write(asData("hello")), 5);
-        EXPECT_EQ(stream->write(asData(" world")), 6);
-        EXPECT_FALSE(stream->synchronize());
-        stream->close();
+        Result<OutputStream> stream = files.outputStream(at("out"), reserved);
+        EXPECT_EQ(stream.value().write(asData("hello")), 5);
+        EXPECT_EQ(stream.value().write(asData(" world")), 6);
+        EXPECT_FALSE(stream.value().synchronize());
         EXPECT_EQ(contentOf(home.path() / "out"), "hello world") << reserved;
     }
 }

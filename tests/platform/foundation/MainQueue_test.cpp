@@ -3,6 +3,7 @@
 #include <atomic>
 #include <gtest/gtest.h>
 #include <latch>
+#include <sys/resource.h>
 #include <thread>
 
 namespace sela {
@@ -32,6 +33,17 @@ TEST(ThreadPoolQueue, ASuspendedQueueBeginsNothing) {
     second.wait();
     EXPECT_EQ(ran, 2);
 }
+
+#ifndef __SANITIZE_ADDRESS__ // which needs room itself
+TEST(ThreadPoolQueueDeathTest, AQueueThatCanHaveNoThreadStopsTheProcess) {
+    const auto makeQueueWithoutRoom = [] {
+        const rlimit none = {0, 0};
+        ::setrlimit(RLIMIT_AS, &none);
+        const ThreadPoolQueue queue(1);
+    };
+    EXPECT_DEATH(makeQueueWithoutRoom(), "a queue can have no thread");
+}
+#endif
 
 } // namespace
 } // namespace sela

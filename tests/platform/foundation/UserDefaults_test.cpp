@@ -36,8 +36,9 @@ protected:
     static UserDefaults open() {
         std::optional<UserDefaults> defaults = UserDefaults::withSuiteName(suite);
         EXPECT_TRUE(defaults);
-        return *defaults;
+        return std::move(*defaults);
     }
+    static SettingsTransaction begin() { return std::move(SettingsTransaction::begin(open()).value()); }
 };
 
 TEST_F(UserDefaultsTest, ValuesAreKeptByKind) {
@@ -60,17 +61,19 @@ TEST_F(UserDefaultsTest, KeysAreFoundByTheirStart) {
 
 TEST_F(UserDefaultsTest, ATransactionIsKeptWholeOrNotAtAll) {
     EXPECT_FALSE(open().setString("a", "1"));
-    UserDefaults defaults = open();
-    const ErrorRef refused = NSError::posix(EIO, "test");
-    EXPECT_EQ(defaults.transaction([&] {
-        EXPECT_FALSE(open().setString("a", "2"));
-        EXPECT_EQ(open().string("a"), "2");
-        return refused;
-    }),
-              refused);
-    EXPECT_EQ(open().string("a"), "1");
-    EXPECT_FALSE(defaults.transaction([&] { return open().setString("a", "3"); }));
-    EXPECT_EQ(open().string("a"), "3");
+    EXPECT_FALSE(open().setData("b", asData("1")));
+    for (const bool committed : {false, true}) {
+        SettingsTransaction settings = begin();
+        settings.removeObject("a");
+        settings.setData("b", asData("2"));
+        EXPECT_EQ(settings.readData("b").value(), toData("2"));
+        EXPECT_EQ(open().data("b"), toData("1")) << "nobody else sees it before its end";
+        if (committed) {
+            EXPECT_FALSE(settings.commit());
+        }
+    }
+    EXPECT_FALSE(open().string("a"));
+    EXPECT_EQ(open().data("b"), toData("2"));
 }
 
 TEST_F(UserDefaultsTest, AFailureInsideATransactionUndoesItEvenIfNobodyLooks) {
@@ -81,17 +84,15 @@ TEST_F(UserDefaultsTest, AFailureInsideATransactionUndoesItEvenIfNobodyLooks) {
                "CREATE TABLE settings(key TEXT PRIMARY KEY, kind TEXT, value BLOB,"
                " one TEXT AS (iif(key = 'bad', 'a', key)) UNIQUE ON CONFLICT ABORT,"
                " two TEXT AS (iif(key = 'worse', 'a', key)) UNIQUE ON CONFLICT ROLLBACK)");
-    UserDefaults defaults = open();
-    EXPECT_FALSE(defaults.setString("a", "1"));
+    EXPECT_FALSE(open().setString("a", "1"));
     for (const char* const key : {"bad", "worse"}) {
-        const ErrorRef error = defaults.transaction([&]() -> ErrorRef {
-            defaults.setString("a", "2");
-            defaults.setString(key, "x");
-            EXPECT_FALSE(defaults.readData("a"));
-            defaults.setString("a", "3");
-            defaults.removeObject("a");
-            return nullptr;
-        });
+        SettingsTransaction settings = begin();
+        settings.setString("a", "2");
+        settings.setString(key, "x");
+        EXPECT_FALSE(settings.readData("a"));
+        settings.setString("a", "3");
+        settings.removeObject("a");
+        const ErrorRef error = settings.commit();
         ASSERT_TRUE(error);
         EXPECT_THAT(error->localizedDescription(), testing::HasSubstr("UNIQUE"));
         EXPECT_EQ(open().string("a"), "1");
@@ -175,6 +176,10 @@ TEST_F(UserDefaultsTest, AFileThatIsReplacedIsSeen) {
     EXPECT_FALSE(open().string("a"));
     EXPECT_FALSE(open().setString("a", "2"));
     EXPECT_EQ(open().string("a"), "2");
+    fs::rename(home.path() / "moved", home.settingsFile());
+    EXPECT_EQ(open().string("a"), "1");
+    EXPECT_FALSE(open().setString("b", "3"));
+    EXPECT_THAT(contentOf(home.settingsFile()), testing::HasSubstr("btext3"));
 }
 
 TEST_F(UserDefaultsTest, ALockHeldForTooLongIsAnErrorAndChangesNothing) {

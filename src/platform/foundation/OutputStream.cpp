@@ -1,0 +1,52 @@
+#include "platform/foundation/OutputStream.h"
+
+#include "platform/foundation/Disk.h"
+#include "platform/foundation/FileManager.h"
+
+#include <cerrno>
+#include <utility>
+
+namespace sela {
+
+OutputStream::OutputStream(FileDescriptor descriptor, std::string path)
+    : descriptor_(std::move(descriptor)), path_(std::move(path)) {}
+
+std::int64_t OutputStream::write(DataView bytes) {
+    if (error_)
+        return -1;
+    error_ = writeFully(descriptor_.get(), bytes, written_, path_);
+    if (error_)
+        return -1;
+    const auto count = static_cast<std::int64_t>(bytes.size());
+    // Only a hint: what it cannot do, the flush at the end does.
+    Disk::inUse().syncFileRange(descriptor_.get(), written_, count);
+    written_ += count;
+    return count;
+}
+
+ErrorRef OutputStream::synchronize() {
+    if (error_)
+        return error_;
+    Disk& disk = Disk::inUse();
+    // The reservation may have made the file longer than what was written.
+    int result = disk.ftruncate(descriptor_.get(), written_);
+    if (result == 0)
+        result = disk.fsync(descriptor_.get());
+    error_ = result < 0 ? NSError::posix(-result, path_)
+                        : FileManager::defaultManager().synchronizeDirectory(
+                              URL::fileURL(path_).deletingLastPathComponent().path());
+    return error_;
+}
+
+ErrorRef writeFully(int descriptor, DataView bytes, std::int64_t offset, const std::string& name) {
+    while (!bytes.empty()) {
+        const std::int64_t count = Disk::inUse().pwrite(descriptor, bytes, offset);
+        if (count <= 0)
+            return NSError::posix(count < 0 ? static_cast<int>(-count) : EIO, name);
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+        offset += count;
+    }
+    return nullptr;
+}
+
+} // namespace sela

@@ -1,0 +1,141 @@
+#include "faults/FaultyGroup.h"
+#include "support/DiskWrapper.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <functional>
+#include <gtest/gtest.h>
+#include <mutex>
+
+namespace sela {
+namespace {
+
+constexpr std::size_t block = 2'097'152;
+
+/// Whether every call meets every fault, rather than the faults in turn.
+bool everything() {
+    return std::getenv("SELA_ALL_FAULTS") != nullptr;
+}
+
+/// What happens to one call, and whether it goes on happening to all that follow. EIO that goes on is what a
+/// kill does to the disk: nothing of the program reaches it any more.
+struct Fault {
+    int error; ///< 0: half of what was to be read or written is, or one byte
+    bool goesOn;
+};
+
+/// Makes a fault to the call of that number.
+class FaultAt : public DiskWrapper {
+public:
+    FaultAt(std::size_t place, const Fault& fault) : place_(place), fault_(fault) {}
+
+    /// The call that met the fault; empty when there were fewer calls.
+    std::string struck;
+
+    std::int64_t read(int descriptor, std::span<std::byte> buffer) override {
+        return DiskWrapper::read(descriptor, shortened(buffer));
+    }
+    std::int64_t pread(int descriptor, std::span<std::byte> buffer, std::int64_t offset) override {
+        return DiskWrapper::pread(descriptor, shortened(buffer), offset);
+    }
+    std::int64_t pwrite(int descriptor, DataView bytes, std::int64_t offset) override {
+        return DiskWrapper::pwrite(descriptor, shortened(bytes), offset);
+    }
+
+private:
+    bool meets(std::size_t call) const { return call == place_ || (call > place_ && fault_.goesOn); }
+
+    int refusal(const char* name) override {
+        const bool met = meets(count_++);
+        if (met && struck.empty())
+            struck = name;
+        return met ? -fault_.error : 0;
+    }
+    template<class Bytes>
+    std::span<Bytes> shortened(std::span<Bytes> bytes) const {
+        const bool isShort = fault_.error == 0 && meets(count_) && bytes.size() > 1;
+        return isShort ? bytes.first(bytes.size() / 2) : bytes;
+    }
+
+    const std::size_t place_;
+    const Fault fault_;
+    std::size_t count_ = 0;
+};
+
+struct Operation {
+    std::string name;
+    int entries; ///< recorded before
+    std::function<bool(FaultyGroup&)> run;
+    std::string saves = {}; ///< the item that is recorded when it succeeds
+    int publishes = 0;
+    FaultyGroup::Records records = FaultyGroup::Records::usual;
+};
+
+class FailingCalls : public testing::Test {
+protected:
+    FaultyGroup group;
+
+    /// Makes a fault to the first call, then to the second, and so on until the operation ends before its
+    /// turn comes.
+    void sweep(const Operation& operation) {
+        int runs = 0;
+        std::vector<Fault> faults;
+        for (const int error : {EIO, ENOSPC, EMFILE, ENOMEM, 0})
+            faults.insert(faults.end(), {{error, false}, {error, true}});
+        std::size_t place = 0;
+        for (bool met = true; met; ++place) {
+            ASSERT_LT(place, 5000u);
+            met = false;
+            for (std::size_t i = 0; i < faults.size(); ++i)
+                if (everything() || place % faults.size() == i) {
+                    met |= meets(operation, place, faults[i]);
+                    ++runs;
+                }
+        }
+        std::printf("%s: %zu calls, %d runs\n", operation.name.c_str(), place - 1, runs);
+    }
+
+    /// Whether the operation made so many calls that the fault met one.
+    bool meets(const Operation& operation, std::size_t place, const Fault& fault) {
+        group.reset(operation.entries, operation.records);
+        bool succeeded = false;
+        std::string struck;
+        {
+            FaultAt disk(place, fault);
+            succeeded = operation.run(group);
+            struck = disk.struck;
+        }
+        EXPECT_TRUE(!struck.empty() || succeeded) << operation.name;
+        EXPECT_EQ(group.wrong(succeeded ? operation.saves : "", succeeded ? operation.publishes : 0), "")
+            << operation.name << ": error " << fault.error << (fault.goesOn ? " from" : " at") << " call "
+            << place << ", " << struck;
+        return !struck.empty();
+    }
+};
+
+TEST_F(FailingCalls, Save) {
+    const std::string name = "3.5new.jpg";
+    const std::vector<std::size_t> sizes =
+        everything() ? std::vector<std::size_t>{1, block - 1, block, block + 1, 5 << 20}
+                     : std::vector<std::size_t>{block + 1};
+    for (const std::size_t size : sizes)
+        for (const int entries : {0, 2}) {
+            sweep({"file", entries, [&](FaultyGroup& on) { return on.save(name, size); }, name});
+            sweep({"data", entries, [&](FaultyGroup& on) { return on.saveData(name, size); }, name});
+        }
+}
+
+TEST_F(FailingCalls, Import) {
+    using enum FaultyGroup::Records;
+    sweep({"import", 2, [](const FaultyGroup& on) { return on.import(); }});
+    sweep({"import to another disk", 2, [](const FaultyGroup& on) { return on.import(false); }});
+    sweep(
+        {"import from a long ledger", 4, [](const FaultyGroup& on) { return on.import(); }, "", 0, longOnes});
+}
+
+TEST_F(FailingCalls, Publish) {
+    sweep({"publish", 1, [](const FaultyGroup& on) { return on.publish(2); }, "", 2});
+}
+
+} // namespace
+} // namespace sela
