@@ -1,6 +1,8 @@
-# The Debian package: `scripts/package makes it. It holds what Install.cmake installs.
+# The Debian package: scripts/package makes it. It holds what Install.cmake installs.
 
 set(CPACK_GENERATOR DEB)
+# Without it quotation marks are lost.
+set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_PACKAGE_NAME sela-share)
 set(CPACK_PACKAGE_VENDOR "The developers of Sela Share")
 set(CPACK_PACKAGE_CONTACT "The developers of Sela Share <developers@sela.xyz>")
@@ -13,6 +15,10 @@ press Add.
 This package holds the card, \"Add to Sela\" for the menus of file managers and
 desktops, and sela-vault, the companion of the vault's main application.")
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
+# What is built on a later release replaces what was built on an earlier one, as the libraries do.
+file(STRINGS /etc/os-release release REGEX "^VERSION_ID=")
+string(REGEX REPLACE "[^0-9.]" "" release "${release}")
+set(CPACK_DEBIAN_PACKAGE_VERSION ${PROJECT_VERSION}+deb${release})
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-roboto-unhinted, fonts-noto-core, qt6-wayland, python3:any")
