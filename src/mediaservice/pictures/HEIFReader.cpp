@@ -151,21 +151,19 @@ public:
 
     bool exists() const { return samples_ && width_ > 0 && height_ > 0 && bits_ >= 8 && bits_ <= 16; }
 
-    /// Writes row `y` of `fullHeight` into every fourth byte of `out`, stretched to its pixels.
+    /// Writes row `y` of a picture of that size into every fourth byte of `out`, stretched to its pixels.
     void copyRow(int y, PictureSize full, std::uint8_t* out) const {
         const int row = std::min(static_cast<int>(std::int64_t{y} * height_ / full.height), height_ - 1);
         const std::uint8_t* samples = samples_ + static_cast<std::ptrdiff_t>(row) * stride_;
         const int shift = width_ < full.width ? 1 : 0;
         if (bits_ == 8) {
-            for (int x = 0; x < full.width; ++x)
-                out[4 * x] = samples[std::min(x >> shift, width_ - 1)];
+            for (int x = 0; x < full.width; ++x, out += 4)
+                *out = samples[std::min(x >> shift, width_ - 1)];
             return;
         }
-        for (int x = 0; x < full.width; ++x) {
-            std::uint16_t sample = 0;
-            __builtin_memcpy(&sample, samples + 2 * std::min(x >> shift, width_ - 1), sizeof sample);
-            out[4 * x] = static_cast<std::uint8_t>(sample >> (bits_ - 8));
-        }
+        const auto* wide = reinterpret_cast<const std::uint16_t*>(samples);
+        for (int x = 0; x < full.width; ++x, out += 4)
+            *out = static_cast<std::uint8_t>(wide[std::min(x >> shift, width_ - 1)] >> (bits_ - 8));
     }
 
     PictureSize size() const { return {width_, height_}; }

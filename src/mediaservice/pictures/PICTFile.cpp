@@ -50,7 +50,7 @@ private:
     bool isAtEnd_ = false;
 };
 
-// Operations that are looked at or whose size is not in the table.
+// Operations that are looked at.
 enum Operation : std::uint32_t {
     bitsRectangle = 0x90,
     bitsRegion = 0x91,
@@ -58,7 +58,6 @@ enum Operation : std::uint32_t {
     packedBitsRegion = 0x99,
     directBitsRectangle = 0x9A,
     directBitsRegion = 0x9B,
-    longComment = 0xA1,
     endOfPicture = 0xFF,
     compressedQuickTime = 0x8200,
 };
@@ -87,52 +86,61 @@ void skipRegion(Cursor& cursor) {
     cursor.skip(std::max<std::int64_t>(0, std::int64_t{cursor.word()} - 2));
 }
 
-/// Passes over what belongs to an operation that draws no pixels; false when it is none that can be passed
-/// over.
-bool skipOperation(Cursor& cursor, std::uint32_t operation) {
-    // Sizes of what follows operations 0x00 to 0x23.
-    constexpr std::array<std::int8_t, 0x24> sizes{0,  -1, 8,  2, 1, 2, 4, 4, 2, 8, 8, 4, 4, 2, 4, 4, 8, 1,
-                                                  -2, -2, -2, 2, 2, 0, 0, 0, 6, 6, 0, 6, 0, 6, 8, 4, 6, 2};
-    if (operation < sizes.size()) {
-        const int size = sizes[operation];
-        if (size == -1)
-            skipRegion(cursor);
-        else
-            cursor.skip(std::max(0, size));
-        return size != -2; // patterns of pixels
-    }
-    if (operation >= 0x8100) {
-        skipSized(cursor, 4);
-    } else if (operation >= 0x8000) {
-    } else if (operation >= 0x100) {
+/// What follows an operation that draws no pixels.
+struct Operands {
+    enum class Rest { none, sized8, sized16, sized32, region, pattern };
+
+    std::uint32_t first; ///< of the operations of which this is true, up to those of the next row
+    int bytes;
+    Rest rest = Rest::none; ///< behind those bytes
+};
+
+constexpr auto operandsOfOperations = [] {
+    using enum Operands::Rest;
+    return std::to_array<Operands>({
+        {0x00, 0},          {0x01, 0, region},  {0x02, 8},          {0x03, 2},
+        {0x04, 1},          {0x05, 2},          {0x06, 4},          {0x08, 2},
+        {0x09, 8},          {0x0B, 4},          {0x0D, 2},          {0x0E, 4},
+        {0x10, 8},          {0x11, 1},          {0x12, 0, pattern}, {0x15, 2},
+        {0x17, 0},          {0x1A, 6},          {0x1C, 0},          {0x1D, 6},
+        {0x1E, 0},          {0x1F, 6},          {0x20, 8},          {0x21, 4},
+        {0x22, 6},          {0x23, 2},          {0x24, 0, sized16}, {0x28, 4, sized8},
+        {0x29, 1, sized8},  {0x2B, 2, sized8},  {0x2C, 0, sized16}, {0x30, 8},
+        {0x38, 0},          {0x40, 8},          {0x48, 0},          {0x50, 8},
+        {0x58, 0},          {0x60, 12},         {0x68, 4},          {0x70, 0, region},
+        {0x78, 0},          {0x80, 0, region},  {0x88, 0},          {0x90, 0, sized16},
+        {0xA0, 2},          {0xA1, 2, sized16}, {0xA2, 0, sized16}, {0xB0, 0},
+        {0xD0, 0, sized32}, {0x100, 0},         {0x8000, 0},        {0x8100, 0, sized32},
+    });
+}();
+
+/// Passes over what follows an operation; false when it cannot be passed over.
+bool skipOperands(Cursor& cursor, std::uint32_t operation) {
+    // The upper byte of these counts words.
+    if (operation >= 0x100 && operation < 0x8000)
         cursor.skip(std::int64_t{2} * (operation >> 8));
-    } else if (operation >= 0xD0) {
-        skipSized(cursor, 4);
-    } else if (operation >= 0xB0) {
-    } else if (operation >= 0xA2) {
-        skipSized(cursor, 2);
-    } else if (operation == longComment) {
-        cursor.skip(2);
-        skipSized(cursor, 2);
-    } else if (operation == 0xA0) {
-        cursor.skip(2);
-    } else if (operation >= 0x90) {
-        skipSized(cursor, 2);
-    } else if (operation >= 0x70) {
-        if ((operation & 8) == 0)
-            skipRegion(cursor);
-    } else if (operation >= 0x60) {
-        cursor.skip((operation & 8) == 0 ? 12 : 4);
-    } else if (operation >= 0x30) {
-        cursor.skip((operation & 8) == 0 ? 8 : 0);
-    } else if (operation >= 0x2C || operation < 0x28) {
-        skipSized(cursor, 2);
-    } else { // texts: what stands before them
-        constexpr std::array before{4, 1, 1, 2};
-        cursor.skip(before[operation - 0x28]);
+    const auto next = std::ranges::upper_bound(operandsOfOperations, operation, {}, &Operands::first);
+    const Operands& operands = *(next - 1);
+    cursor.skip(operands.bytes);
+    switch (operands.rest) {
+    case Operands::Rest::none:
+        return true;
+    case Operands::Rest::sized8:
         skipSized(cursor, 1);
+        return true;
+    case Operands::Rest::sized16:
+        skipSized(cursor, 2);
+        return true;
+    case Operands::Rest::sized32:
+        skipSized(cursor, 4);
+        return true;
+    case Operands::Rest::region:
+        skipRegion(cursor);
+        return true;
+    case Operands::Rest::pattern: // of pixels, with a description of its own
+        return false;
     }
-    return true;
+    return false;
 }
 
 void readPalette(Cursor& cursor, PICTBitmap& bitmap) {
@@ -302,7 +310,7 @@ std::optional<PICTFile> PICTFile::read(const InputFile& file) {
                 picture.bitmap.reset();
             }
         }
-        if (!skipOperation(cursor, operation))
+        if (!skipOperands(cursor, operation))
             break;
     }
     return largest > 0 ? std::optional(std::move(picture)) : std::nullopt;

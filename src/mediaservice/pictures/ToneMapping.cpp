@@ -85,7 +85,7 @@ public:
 
     float operator()(float light) const {
         const float root = std::sqrt(std::sqrt(std::clamp(light / largest_, 0.0F, 1.0F)));
-        return values_[static_cast<std::size_t>(root * static_cast<float>(values_.size() - 1) + 0.5F)];
+        return values_[static_cast<std::size_t>(std::lround(root * static_cast<float>(values_.size() - 1)))];
     }
 
 private:
@@ -124,7 +124,7 @@ public:
         const float strongest = std::max({seen[0], seen[1], seen[2], 1e-6F});
         const float gain = screenLight_(strongest) / strongest;
         for (std::size_t i = 0; i < 3; ++i)
-            to[i] = static_cast<std::uint8_t>(encoded_(seen[i] * gain) + 0.5F);
+            to[i] = static_cast<std::uint8_t>(std::lround(encoded_(seen[i] * gain)));
     }
 
 private:

@@ -20,7 +20,7 @@ constexpr int inputBufferSize = 64 << 10;
 
 // What is read of a file before it counts as unknown, in bytes and in microseconds.
 constexpr std::int64_t probeSize = 5 << 20;
-constexpr std::int64_t probeDuration = 5 * AV_TIME_BASE;
+constexpr std::int64_t probeDuration = std::int64_t{5} * AV_TIME_BASE;
 constexpr int mostTracks = 64;
 
 // A longer video is taken for one with a damaged header.
