@@ -9,33 +9,12 @@ import unittest
 
 from harness import BIN, HomeTest, Screen, WindowTest
 
-BLOCK = 2 * 1024 * 1024
-
 
 class Headless(HomeTest):
     def setUp(self):
         super().setUp()
         self.provision()
         self.photo = self.write("photo.jpg", b"\xff\xd8 no real picture")
-
-    def test_files_arrive_byte_for_byte_and_are_imported(self):
-        contents = {"photo.jpg": os.urandom(BLOCK + 1), "video.mov": os.urandom(5), "song.MP3": os.urandom(BLOCK)}
-        files = [self.write(name, content) for name, content in contents.items()]
-        result = self.add(files[0], "file://" + files[1], files[2])
-        self.assertNotIn("Adding", result.stderr)
-        ledger = self.ledger()
-        self.assertEqual([entry["preferredName"] for entry in ledger.values()], list(contents))
-        for key, entry in ledger.items():
-            self.assertEqual(entry["albumNames"], ["Default Album"])
-            self.assertIs(entry["fake"], False)
-            self.assertEqual(key, "Default Album-normal" + entry["fileName"])
-            self.assertRegex(entry["fileName"], r"^\d{10}\.\d+" + entry["preferredName"])
-            self.assertEqual((self.items / entry["fileName"]).read_bytes(), contents[entry["preferredName"]])
-        self.vault("import", "--into", self.home / "into")
-        for name, content in contents.items():
-            self.assertEqual((self.home / "into/vault/Default Album" / name).read_bytes(), content)
-        self.assertEqual(self.ledger(), {})
-        self.assertEqual(list(self.items.iterdir()), [])
 
     def test_what_waits_for_nothing_strikes_between_the_stages(self):
         trees = [self.home / str(number) for number in range(3)]

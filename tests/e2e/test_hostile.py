@@ -129,15 +129,6 @@ class SomebodyElsesGroup(HostileTest):
 class Attachments(HostileTest):
     """Files that are no plain file, or do not stay the file they were."""
 
-    def test_links_are_followed(self):
-        source = self.write("source/real.jpg", b"content")
-        os.symlink(source, self.home / "link.jpg")
-        os.link(source, self.home / "hard.jpg")
-        self.add(self.home / "link.jpg", self.home / "hard.jpg")
-        self.assertEqual([(self.items / entry["fileName"]).read_bytes() for entry in self.ledger().values()],
-                         [b"content"] * 2)
-        self.assertTrue((self.home / "link.jpg").is_symlink())
-
     def test_files_without_a_size_or_without_an_end_stop_nothing(self):
         running = []
         for number, target in enumerate(["/proc/cpuinfo", "/proc/self/mem", "/proc/kmsg", "/proc/kcore",

@@ -20,7 +20,8 @@ CARD = [("card",)]
 KEYPAD = [("keypad", "--tap", "albumButton")]
 WALK = CARD + KEYPAD + [("albums", "--type", "123456", "--tap", "showChildButton:1"),
                         ("password", "--tap", "showChildButton:2", "--type", "25"),
-                        ("adding", "--tap", "backButton", "--tap", "row:1:1", "--tap", "addButton")]
+                        ("unlocked", "--type", "80"),
+                        ("adding", "--tap", "row:1:1", "--tap", "addButton")]
 # The name of each walk, the arguments and the environment that it takes, how many files are shared, and its steps.
 WALKS = ([(size, ["--screen", size], {}, 3, WALK) for size in SIZES]
          + [("rtl", [], {"LANGUAGE": "ar"}, 3, WALK)]
@@ -84,14 +85,17 @@ class Screens(HomeTest):
             with self.subTest(name):
                 self.compare(name, text)
 
-    def test_dots_for_passcodes_of_every_length(self):
+    def test_what_is_asked_for_first(self):
+        shown = "titleLabel|indicator|keypadView|tableView|launchMainAppLabel"
         text = ""
-        for passcode in ("", "1", "1234", "12345", "123456", "1234567", "\u0661\u0662\u0663\u0664\u0665\u0666"):
+        for catalogue, passcode in [("[]", ""), ("[]", "1"), ("[]", "1234"), ("[]", "12345"), ("[]", "123456"),
+                                    ("[]", "1234567"), ("[]", "\u0661\u0662\u0663\u0664\u0665\u0666"), ("[{}]", "1234"), ("[{}]", "")]:
+            self.put_setting("sharedAlbums", catalogue)
             self.put_setting("sharedPassword", passcode, "text")
-            [file] = self.walk("passcode", [], {}, 1, KEYPAD).values()
-            text += f"'{passcode}'\n" + "".join(
-                line.strip() + "\n" for line in lines(Screen(file).root) if re.search("indicator|keypadView", line))
-        self.compare("passcodes", text)
+            [file] = self.walk("first", [], {}, 1, KEYPAD).values()
+            text += f"{catalogue} '{passcode}'\n" + "".join(
+                line.strip() + "\n" for line in lines(Screen(file).root) if re.search(shown, line))
+        self.compare("first", text)
 
     def test_texts_of_every_language_fit(self):
         def look(language):

@@ -1,31 +1,31 @@
-"""What people do in a terminal and what they are told: each console block of transcripts/*.md and of the documents named
-here is done again, in a home of its own for each file, and must come out the same. SELA_RENEW_TRANSCRIPTS=1 writes what
-comes out into the files."""
+"""What people do in a terminal and what they are told: the console blocks of transcripts/*.md are done again, in a home of
+its own for each file, and must come out the same. SELA_RENEW_TRANSCRIPTS=1 writes what comes out into the files."""
 
+import difflib
 import os
 import pathlib
 import re
 import subprocess
+import unittest
+from concurrent.futures import ThreadPoolExecutor
 
 from harness import BIN, HomeTest
 
 FILES = sorted((pathlib.Path(__file__).parent / "transcripts").glob("*.md"))
 
 
-class Transcripts(HomeTest):
-    maxDiff = None
-
+class Terminal(HomeTest):
     def run_command(self, command):
         """What a command prints on both streams, followed by its status when that is not 0."""
-        result = subprocess.run(["bash", "-c", command], cwd=self.home, stdin=subprocess.DEVNULL, timeout=120,
-                                env=self.environment | {"PATH": f"{BIN}:{os.environ['PATH']}", "SELA_REDUCED_MOTION": "1"},
-                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        environment = self.environment | {"PATH": f"{BIN}:{os.environ['PATH']}", "SELA_REDUCED_MOTION": "1"}
+        result = subprocess.run(["bash", "-c", command], cwd=self.home, env=environment, stdin=subprocess.DEVNULL,
+                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=120)
         text = result.stdout.decode(errors="backslashreplace").replace(str(self.home), "~")
-        text = re.sub(r"\b\d{10}\.\d+", "TIME", text)
+        text = re.sub(r"(?<!\d)\d{10}\.\d+", "TIME", text)
         return text.splitlines() + ([f"[{result.returncode}]"] if result.returncode else [])
 
     def played(self, text):
-        """The text with its commands done and what they print now."""
+        """The lines of a text, with its commands done and what they print now."""
         in_console = False
         for line in text.splitlines():
             if line.startswith("```"):
@@ -36,11 +36,20 @@ class Transcripts(HomeTest):
             elif not in_console or line.startswith("```"):
                 yield line
 
+
+class Transcripts(unittest.TestCase):
     def test_transcripts(self):
-        for file in FILES:
-            with self.subTest(file.name):
-                self.setUp()
-                text = "\n".join(self.played(file.read_text())) + "\n"
+        def play(file):
+            terminal = Terminal()
+            terminal.setUp()
+            lines = list(terminal.played(file.read_text()))
+            terminal.doCleanups()
+            return lines
+
+        with ThreadPoolExecutor(4) as pool:
+            for file, lines in zip(FILES, pool.map(play, FILES)):
                 if os.environ.get("SELA_RENEW_TRANSCRIPTS"):
-                    file.write_text(text)
-                self.assertEqual(file.read_text().splitlines(), text.splitlines())
+                    file.write_text("\n".join(lines) + "\n")
+                with self.subTest(file.name):
+                    difference = difflib.unified_diff(file.read_text().splitlines(), lines, lineterm="")
+                    self.assertEqual("\n".join(difference), "")

@@ -124,33 +124,6 @@ TEST_F(ShareFlow, WhatIsPastedBeforeAddJoinsTheRequest) {
     EXPECT_EQ(recordedItems().size(), 3u);
 }
 
-TEST_F(ShareFlow, EveryOutcomeLooksLikeDoneAndEndsOnce) {
-    const struct {
-        const char* ledger;
-        std::vector<std::shared_ptr<NSItemProvider>> attachments;
-        std::size_t recorded;
-    } outcomes[] = {{"{}", {}, 0},
-                    {"{}", {file("a.jpg"), file("b.txt"), file("c.jpg")}, 1},
-                    {"not JSON", {file("a.jpg"), file("b.jpg")}, 2},
-                    {"not JSON", {file("a.jpg"), file("b.txt")}, 1}};
-    for (const auto& [ledger, attachments, recorded] : outcomes) {
-        ends.clear();
-        EXPECT_FALSE(sharedDefaults()->setData(sharedItemsKey, asData(ledger)));
-        open(attachments);
-        EXPECT_TRUE(tap("addButton"));
-        loop.advance(0.7);
-        EXPECT_EQ(label("resultLabel").text(), "Done");
-        loop.advance(5);
-        EXPECT_THAT(ends, ElementsAre("completed"));
-        EXPECT_EQ(recordedItems().size(), recorded) << attachments.size() << " attachments";
-        // That of the file which is missing, not that of a ledger which was replaced.
-        const AttachmentOutcome* const problem = screen().saveRun().firstProblem();
-        EXPECT_EQ(problem ? problem->reason->localizedDescription() : "none",
-                  recorded < attachments.size() ? "Unsupported file" : "none");
-    }
-    EXPECT_THAT(log.lines(), Not(Contains("NSExtensionContext: the request has ended already")));
-}
-
 TEST_F(ShareFlow, ARequestThatIsCancelledBeginsNoFurtherFile) {
     // Saving begins at 0.6 seconds: before that no file is under way, then the first one is.
     for (const auto& [moment, recorded] : {std::pair(0.1, 0u), std::pair(0.4, 0u), std::pair(0.6, 1u)}) {

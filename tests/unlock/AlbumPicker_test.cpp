@@ -28,29 +28,6 @@ protected:
     }
 };
 
-TEST_F(AlbumPickerTest, StartsInTheStateThatIsPublished) {
-    const struct {
-        const char* catalogue;
-        Passcode passcode;
-        std::string shown;
-    } states[] = {{nullptr, std::nullopt, launchMessage},
-                  {nullptr, "123456", launchMessage},
-                  {nullptr, "", launchMessage},
-                  {"[{}]", "123456", launchMessage},
-                  {"[]", std::nullopt, launchMessage},
-                  {"[]", "", albumTable},
-                  {"[]", "123456", locked},
-                  {"[]", "1", locked}};
-    for (const auto& [catalogue, passcode, expected] : states) {
-        if (catalogue)
-            publishCatalogue(catalogue);
-        publishPasscode(passcode);
-        openPicker();
-        EXPECT_EQ(shown(), expected) << (catalogue ? catalogue : "nothing") << " "
-                                     << passcode.value_or("none");
-    }
-}
-
 TEST_F(AlbumPickerTest, AWrongEntryShakesTheDotsAndIsGone) {
     publishAlbums({});
     publishPasscode("1234");

@@ -48,29 +48,6 @@ protected:
     }
 };
 
-TEST_F(AlbumTableTest, ALockedAlbumUnfoldsAfterItsPasswordAndStaysUnlocked) {
-    toggle(1);
-    auto* const check = dynamic_cast<SelaSharedAlbumPassCheck*>(&top());
-    ASSERT_TRUE(check);
-    EXPECT_EQ(label("subTitleLabel").text(), "L");
-    const UIBarButtonItem* const back = check->navigationItem().leftBarButtonItem();
-    ASSERT_TRUE(back);
-    EXPECT_EQ(back->image()->assetName(), "Back");
-    type("2468");
-    settle();
-    EXPECT_EQ(&top(), picker_.get());
-    EXPECT_THAT(titles(), ElementsAre("A", "L", "z", "C"));
-    EXPECT_TRUE(isUnfolded(1));
-    EXPECT_TRUE(cell(1, 0).lockIcon().isHidden());
-    EXPECT_FALSE(cell(1, 1).lockIcon().isHidden());
-    toggle(1);
-    toggle(1);
-    EXPECT_THAT(titles(), ElementsAre("A", "L", "z", "C"));
-
-    openPicker();
-    EXPECT_FALSE(cell(1, 0).lockIcon().isHidden()) << "the next picker knows nothing of it";
-}
-
 TEST_F(AlbumTableTest, GoingBackFromTheCheckLeavesTheAlbumLocked) {
     const std::function<void()> waysBack[] = {
         [&] { tap("backButton"); }, [&] { top().navigationItem().leftBarButtonItem()->performAction(); },
@@ -97,24 +74,6 @@ TEST_F(AlbumTableTest, ACheckThatOutlivesItsPickerChangesNothing) {
     settle();
     ASSERT_TRUE(gone.expired());
     report(true);
-}
-
-TEST_F(AlbumTableTest, AChosenRowGoesToTheDelegateAndNeedsNoPassword) {
-    const struct {
-        int section;
-        int row;
-        std::vector<std::string> namePath;
-    } rows[] = {{0, 2, {"A", "y"}}, {1, 0, {"L"}}, {2, 0, {"C"}}};
-    for (const auto& [section, row, namePath] : rows) {
-        openPicker();
-        toggle(0);
-        opener_->titles.clear();
-        EXPECT_TRUE(tap(cell(section, row)));
-        EXPECT_THAT(opener_->titles, ElementsAre(namePath));
-        settle();
-        EXPECT_NE(&top(), picker_.get());
-    }
-    EXPECT_TRUE(opener_->modes.empty());
 }
 
 TEST_F(AlbumTableTest, RowsThatAreNotThereAreBlankAndCannotBeChosen) {

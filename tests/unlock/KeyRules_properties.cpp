@@ -143,45 +143,5 @@ RC_GTEST_FIXTURE_PROP(KeyRules, ThePickerKeepsItsRuleUnderRandomTaps, ()) {
     }
 }
 
-RC_GTEST_FIXTURE_PROP(KeyRules, TheCheckKeepsItsRuleUnderRandomTaps, ()) {
-    const std::string checkPass = (*somePasscode()).value_or("3");
-    publishPasscode(*somePasscode());
-    const auto check = std::make_shared<SelaSharedAlbumPassCheck>(checkPass, "Trips");
-    std::vector<std::optional<bool>> reports;
-    check->setCallback([&](std::optional<bool> result) { reports.push_back(result); });
-    navigation_->pushViewController(check, false);
-    settle();
-
-    std::string entry;
-    double shakesUntil = -1;
-    const int steps = *rc::gen::inRange(1, 60);
-    for (int step = 0; step < steps; ++step) {
-        if (*rc::gen::inRange(0, 4) == 0) {
-            passTime();
-            if (shakesUntil >= 0 && loop_.now() >= shakesUntil) {
-                shakesUntil = -1;
-                entry.clear();
-            }
-        } else {
-            const int digit = someDigit(entry, {checkPass});
-            RC_ASSERT(tap("button" + std::to_string(digit)));
-            if (shakesUntil < 0) {
-                if (!checkPass.empty())
-                    entry += static_cast<char>('0' + digit);
-                if (entry == checkPass) {
-                    RC_ASSERT(reports == std::vector<std::optional<bool>>{true});
-                    RC_ASSERT(&top() == opener_.get());
-                    return;
-                }
-                if (entry.size() == checkPass.size())
-                    shakesUntil = loop_.now() + shakeDuration;
-            }
-        }
-        RC_ASSERT(reports.empty());
-        const auto dots = view("indicatorContainer").subviews().size();
-        RC_ASSERT(litDots() == static_cast<int>(std::min(entry.size(), dots)));
-    }
-}
-
 } // namespace
 } // namespace sela

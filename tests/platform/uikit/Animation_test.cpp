@@ -128,17 +128,6 @@ TEST_F(AnimationTest, WithoutAChangeOrDurationItReportsInTheNextTurn) {
     EXPECT_THAT(reports, ElementsAre(true, true, true));
 }
 
-TEST_F(AnimationTest, AViewThatIsDestroyedEndsItsAnimation) {
-    {
-        UIView shortLived;
-        window.addSubview(shortLived);
-        animate(1, [&] { shortLived.setAlpha(0); });
-        shortLived.layer().add(CAKeyframeAnimation("transform.translation.x"), "shake");
-    }
-    loop.runUntilIdle();
-    EXPECT_THAT(reports, ElementsAre(false));
-}
-
 TEST_F(AnimationTest, AKeyHoldsOneAnimationOfWhatIsShown) {
     shake(0.5, {10, 10});
     loop.advance(0.25);

@@ -60,19 +60,6 @@ TEST_F(HitTest, FindsTheTopmostViewThatTakesTouches) {
     }
 }
 
-TEST_F(HitTest, APointComesBackThroughEveryTransform) {
-    UIView outer({50, 60, 100, 80});
-    UIView inner({10, 20, 40, 30});
-    outer.addSubview(inner);
-    window.addSubview(outer);
-    outer.setTransform(CGAffineTransform::rotation(0.7).concatenating(CGAffineTransform::scale(2, 0.5)));
-    inner.setTransform(CGAffineTransform::translation(5, -3));
-    inner.setBounds({7, 9, 40, 30});
-    const CGPoint back = window.convert(inner.convert(CGPoint{12, 13}, window), inner);
-    EXPECT_NEAR(back.x, 12, 1e-9);
-    EXPECT_NEAR(back.y, 13, 1e-9);
-}
-
 class TouchTest : public ViewTest {
 public:
     TouchTest() {
