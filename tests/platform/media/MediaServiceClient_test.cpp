@@ -153,9 +153,10 @@ TEST_F(MediaServiceClientTest, OnlyRegularFilesAreOpened) {
     MediaServiceClient client({programs});
     const std::string pipe = home.path() / "pipe";
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-    EXPECT_EQ(codeOf(client.perform(home.path() / "missing", pictureRequest()).error()), ENOENT);
-    for (const std::string& path : {pipe, home.path().string(), std::string("/dev/zero")})
-        EXPECT_EQ(codeOf(client.perform(path, pictureRequest()).error()), EINVAL) << path;
+    const std::pair<std::string, int> paths[] = {
+        {home.path() / "missing", ENOENT}, {home.path(), EISDIR}, {pipe, EINVAL}, {"/dev/zero", EINVAL}};
+    for (const auto& [path, code] : paths)
+        EXPECT_EQ(codeOf(client.perform(path, pictureRequest()).error()), code) << path;
     EXPECT_FALSE(client.helperProcessIdentifier(MediaOperation::decodePicture));
 }
 
