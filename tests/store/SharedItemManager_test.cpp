@@ -62,21 +62,6 @@ protected:
     }
 };
 
-TEST_F(SharedItemManagerTest, FilesOfEverySizeArriveWholeAndAreRecorded) {
-    home.provision();
-    std::vector<std::string> names;
-    for (const std::int64_t size : {std::int64_t(1), block - 1, block, block + 1, 5 * block / 2}) {
-        calls.clear();
-        const std::string content = patternedBytes(static_cast<std::size_t>(size));
-        names.push_back(std::to_string(size) + ".jpg");
-        saveFile(names.back(), content);
-        EXPECT_THAT(calls, ElementsAre("ok"));
-        EXPECT_TRUE(calledOnMain);
-        EXPECT_TRUE(contentOf(items() / names.back()) == content) << size;
-        EXPECT_EQ(ledger(), ledgerOf(names));
-    }
-}
-
 TEST_F(SharedItemManagerTest, EachBlockIsLoggedAndProgressIsAFraction) {
     home.provision();
     const fs::path source = home.write("a.mov", patternedBytes(block + 10));
@@ -319,18 +304,6 @@ TEST_F(SharedItemManagerTest, AnItemThatCannotBeEncodedIsReportedByTheStateOfThe
     EXPECT_EQ(log.lines().back(), "SharedItemManager, saveItem: falied to encode sharedItemsDictionary 2");
     EXPECT_EQ(ledger(), ledgerOf({"b.jpg"}));
     EXPECT_TRUE(fs::exists(items() / "a.jpg"));
-}
-
-TEST_F(SharedItemManagerTest, NamesOfEveryKindSurvive) {
-    home.provision();
-    const std::vector<std::string> names = {std::string(251, 'n') + ".jpg", "a\nb.jpg", "a-b%20 c.jpg",
-                                            "本😀.heic", "'\"\\.png"};
-    for (const std::string& name : names)
-        saveFile(name, name);
-    EXPECT_EQ(calls, std::vector<std::string>(names.size(), "ok"));
-    for (const std::string& name : names)
-        EXPECT_EQ(contentOf(items() / name), name);
-    EXPECT_EQ(ledger(), ledgerOf(names));
 }
 
 } // namespace
