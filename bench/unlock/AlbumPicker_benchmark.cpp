@@ -31,7 +31,7 @@ void publish(std::int64_t albums) {
         if (i % 10 > 0)
             album.namePath.push_back("Child " + std::to_string(i));
         if (i % 7 == 0)
-            album.password = "1234";
+            album.password = Secret("1234");
         writeJSONRecord(writer, album);
     }
     writer.endArray();

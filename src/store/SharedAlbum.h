@@ -13,7 +13,7 @@ namespace sela {
 struct SharedAlbum {
     std::vector<std::string> namePath;        ///< names from the top level down to the album itself
     bool fake = false;                        ///< whether it belongs to the decoy vault
-    std::optional<std::string> password;      ///< the album's own password
+    std::optional<Secret> password;           ///< the album's own password
     std::optional<std::string> thumbNailName; ///< its cover's file name in "AlbumThumbnails"
 
     bool operator==(const SharedAlbum&) const = default;

@@ -11,7 +11,7 @@ namespace {
 /// Covers are shown 40 points wide; four pixels a point is more than any screen has today.
 constexpr int coverSidePixels = 160;
 
-std::optional<std::string> sharedText(std::string_view key) {
+std::optional<Secret> sharedSecret(std::string_view key) {
     const std::optional<UserDefaults> defaults = sharedDefaults();
     return defaults ? defaults->string(key) : std::nullopt;
 }
@@ -33,12 +33,12 @@ std::optional<std::vector<SharedAlbum>> SharedAlbumManager::getAlbums() {
     return std::move(albums.value());
 }
 
-std::optional<std::string> SharedAlbumManager::sharedPassword() {
-    return sharedText(sharedPasswordKey);
+std::optional<Secret> SharedAlbumManager::sharedPassword() {
+    return sharedSecret(sharedPasswordKey);
 }
 
-std::optional<std::string> SharedAlbumManager::sharedFakePassword() {
-    return sharedText(sharedFakePasswordKey);
+std::optional<Secret> SharedAlbumManager::sharedFakePassword() {
+    return sharedSecret(sharedFakePasswordKey);
 }
 
 std::optional<UIImage> SharedAlbumManager::thumbnail(const std::optional<std::string>& fileName) {

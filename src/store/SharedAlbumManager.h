@@ -19,10 +19,10 @@ public:
     static std::optional<std::vector<SharedAlbum>> getAlbums();
 
     /// The vault passcode as it is stored; absent when there is none.
-    static std::optional<std::string> sharedPassword();
+    static std::optional<Secret> sharedPassword();
 
     /// The decoy passcode as it is stored; absent when there is none.
-    static std::optional<std::string> sharedFakePassword();
+    static std::optional<Secret> sharedFakePassword();
 
     /// The cover of that file name in "AlbumThumbnails"; absent without a name or a container, when the name
     /// is no single path component, and when there is no such picture. Blocks while the picture is decoded.

@@ -46,7 +46,7 @@ void SelaShareExtensionAlbumsVc::buildViews() {
     const double scale = getUIScale(*this);
     card_.assemble(view(), scale);
     keypad_.assemble(card_.containerView(), scale,
-                     characterCount(SharedAlbumManager::sharedPassword().value_or("")),
+                     characterCount(SharedAlbumManager::sharedPassword().value_or(Secret()).exposed()),
                      {.titleLabel = card_.titleLabel(),
                       .viewAbove = card_.titleLabel(),
                       .backButtonWidth = std::ceil(46 * scale),
@@ -94,14 +94,14 @@ void SelaShareExtensionAlbumsVc::loadAlbums() {
 
 /// The decoy albums exist beside a passcode of one of the two lengths that the vault knows only, although a
 /// decoy code unlocks beside any.
-bool SelaShareExtensionAlbumsVc::entryOpensDecoyAlbums(const std::optional<std::string>& passcode) const {
-    const std::size_t length = characterCount(passcode.value_or(""));
+bool SelaShareExtensionAlbumsVc::entryOpensDecoyAlbums(const std::optional<Secret>& passcode) const {
+    const std::size_t length = characterCount(passcode.value_or(Secret()).exposed());
     return (length == 4 || length == 6) && currentPassword_ == SharedAlbumManager::sharedFakePassword();
 }
 
 void SelaShareExtensionAlbumsVc::refresh() {
-    const std::optional<std::string> passcode = SharedAlbumManager::sharedPassword();
-    const std::optional<std::string> decoyPasscode = SharedAlbumManager::sharedFakePassword();
+    const std::optional<Secret> passcode = SharedAlbumManager::sharedPassword();
+    const std::optional<Secret> decoyPasscode = SharedAlbumManager::sharedFakePassword();
     if (!passcode || albums_.sharedAlbumManagerAlbumNil()) {
         showLaunchMessage();
     } else if (passcode->empty()) {
@@ -141,12 +141,12 @@ void SelaShareExtensionAlbumsVc::showKeypad() {
 void SelaShareExtensionAlbumsVc::onKeyTouched(UIButton& button) {
     if (keypad_.isShaking())
         return;
-    const std::optional<std::string> passcode = SharedAlbumManager::sharedPassword();
-    const std::size_t length = characterCount(passcode.value_or(""));
+    const std::optional<Secret> passcode = SharedAlbumManager::sharedPassword();
+    const std::size_t length = characterCount(passcode.value_or(Secret()).exposed());
     const bool wasDecoy = entryOpensDecoyAlbums(passcode);
     if (currentPassword_.size() < length)
-        currentPassword_ += std::to_string(button.tag());
-    const std::optional<std::string> decoyPasscode = SharedAlbumManager::sharedFakePassword();
+        currentPassword_.append(static_cast<char>('0' + button.tag()));
+    const std::optional<Secret> decoyPasscode = SharedAlbumManager::sharedFakePassword();
 
     // The delegate hears of a change only: what it was told before holds otherwise.
     if (currentPassword_ == passcode) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/foundation/Secret.h"
 #include "platform/uikit/UITableView.h"
 #include "platform/uikit/UIViewController.h"
 #include "unlock/AlbumCovers.h"
@@ -74,7 +75,7 @@ private:
     void showLaunchMessage();
     void showAlbumTable();
     void showKeypad();
-    bool entryOpensDecoyAlbums(const std::optional<std::string>& passcode) const;
+    bool entryOpensDecoyAlbums(const std::optional<Secret>& passcode) const;
     void unlock();
 
     void fill(SelaShareExtensionAlbumCell& cell, const IndexPath& indexPath, const SharedAlbum& album);
@@ -91,7 +92,7 @@ private:
     UITableView tableView_{"tableView"};
     UILabel launchMainAppLabel_{"launchMainAppLabel"};
     AlbumTree albums_;
-    std::string currentPassword_;
+    Secret currentPassword_;
     std::weak_ptr<SelaShareExtensionAlbumsVcDelegate> delegate_;
     std::shared_ptr<AlbumCovers> covers_ = std::make_shared<AlbumCovers>();
 };

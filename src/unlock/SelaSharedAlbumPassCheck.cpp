@@ -14,7 +14,7 @@
 
 namespace sela {
 
-SelaSharedAlbumPassCheck::SelaSharedAlbumPassCheck(std::string checkPass, const std::string& subtitle)
+SelaSharedAlbumPassCheck::SelaSharedAlbumPassCheck(Secret checkPass, const std::string& subtitle)
     : checkPass_(std::move(checkPass)) {
     subTitleLabel_.setText(subtitle);
 }
@@ -36,7 +36,7 @@ void SelaSharedAlbumPassCheck::viewDidLoad() {
     layoutSubTitle(scale);
     // The dots follow the vault passcode, not the album's, whose length is nobody's business.
     keypad_.assemble(card_.containerView(), scale,
-                     characterCount(SharedAlbumManager::sharedPassword().value_or("")),
+                     characterCount(SharedAlbumManager::sharedPassword().value_or(Secret()).exposed()),
                      {.titleLabel = card_.titleLabel(),
                       .viewAbove = subTitleLabel_,
                       .backButtonWidth = 60,
@@ -67,9 +67,9 @@ void SelaSharedAlbumPassCheck::refresh() {
 void SelaSharedAlbumPassCheck::onKeyTouched(UIButton& button) {
     if (keypad_.isShaking())
         return;
-    const std::size_t length = characterCount(checkPass_);
+    const std::size_t length = characterCount(checkPass_.exposed());
     if (currentPassword_.size() < length)
-        currentPassword_ += std::to_string(button.tag());
+        currentPassword_.append(static_cast<char>('0' + button.tag()));
     if (currentPassword_ == checkPass_) {
         finish(true);
         return;

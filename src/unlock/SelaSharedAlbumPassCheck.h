@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/foundation/Secret.h"
 #include "ui/CommonUIViewController.h"
 #include "unlock/PasscodeCard.h"
 #include "unlock/PasscodeKeypad.h"
@@ -15,7 +16,7 @@ namespace sela {
 class SelaSharedAlbumPassCheck : public CommonUIViewController {
 public:
     /// `checkPass` is the password to ask for, `subtitle` a text below the title.
-    SelaSharedAlbumPassCheck(std::string checkPass, const std::string& subtitle);
+    SelaSharedAlbumPassCheck(Secret checkPass, const std::string& subtitle);
 
     /// No archive makes one: both stop the process.
     explicit SelaSharedAlbumPassCheck(const std::optional<std::string>& nibName);
@@ -38,8 +39,8 @@ private:
     PasscodeCard card_;
     UILabel subTitleLabel_{"subTitleLabel"};
     PasscodeKeypad keypad_;
-    std::string currentPassword_;
-    const std::string checkPass_;
+    Secret currentPassword_;
+    const Secret checkPass_;
 };
 
 } // namespace sela

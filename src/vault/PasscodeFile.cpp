@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <iterator>
 #include <poll.h>
 #include <sys/signalfd.h>
@@ -75,8 +76,8 @@ Result<Data> readStandardInput() {
 
 } // namespace
 
-Result<std::string> readPasscode(const std::string& path) {
-    const Result<Data> content =
+Result<Secret> readPasscode(const std::string& path) {
+    Result<Data> content =
         path == "-" ? readStandardInput() : FileManager::defaultManager().contentsOfFile(path, largestFile);
     if (!content)
         return content.error();
@@ -84,9 +85,11 @@ Result<std::string> readPasscode(const std::string& path) {
     line = line.substr(0, line.find('\n'));
     if (line.ends_with('\r'))
         line.remove_suffix(1);
-    if (!isValidUTF8(line))
-        return NSError::posix(EILSEQ, path == "-" ? "standard input" : path);
-    return std::string(line);
+    Result<Secret> passcode = isValidUTF8(line)
+                                  ? Result<Secret>(Secret(line))
+                                  : NSError::posix(EILSEQ, path == "-" ? "standard input" : path);
+    ::explicit_bzero(content.value().data(), content.value().size());
+    return passcode;
 }
 
 } // namespace sela

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/Error.h"
+#include "platform/foundation/Secret.h"
 
 #include <string>
 
@@ -10,6 +11,6 @@ namespace sela {
 /// On a terminal it is asked for, and what is typed is not shown.
 /// Passcodes never come from an argument, where other users of the machine could read them. The error when
 /// the file cannot be read, is larger than 4 KiB, or its line is not UTF-8. One thread.
-Result<std::string> readPasscode(const std::string& path);
+Result<Secret> readPasscode(const std::string& path);
 
 } // namespace sela

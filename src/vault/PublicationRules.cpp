@@ -16,16 +16,16 @@ bool canBeTyped(std::string_view code) {
     return code.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-ErrorRef problemWithPasscode(const std::string& name, const std::string& passcode) {
+ErrorRef problemWithPasscode(const std::string& name, const Secret& passcode) {
     if (passcode.empty())
         return ShareExtensionError::make("the " + name + " is empty, so everybody could open the albums");
-    if (!canBeTyped(passcode))
+    if (!canBeTyped(passcode.exposed()))
         return ShareExtensionError::make("the " + name +
                                          " cannot be typed: the keypad has the digits 0 to 9 only");
     return nullptr;
 }
 
-bool fillsItsDots(const std::string& passcode) {
+bool fillsItsDots(const Secret& passcode) {
     return passcode.size() == 4 || passcode.size() == 6;
 }
 
@@ -43,8 +43,7 @@ std::string fateOf(const SharedAlbum& album, const std::set<std::pair<bool, std:
 
 } // namespace
 
-ErrorRef problemWithPasscodes(const std::optional<std::string>& vault,
-                              const std::optional<std::string>& decoy) {
+ErrorRef problemWithPasscodes(const std::optional<Secret>& vault, const std::optional<Secret>& decoy) {
     if (vault)
         if (ErrorRef problem = problemWithPasscode("vault passcode", *vault))
             return problem;
@@ -56,11 +55,11 @@ ErrorRef problemWithPasscodes(const std::optional<std::string>& vault,
     if (*vault == *decoy)
         return ShareExtensionError::make(
             "both passcodes are the same, so nothing would open the decoy's albums");
-    if (decoy->starts_with(*vault))
+    if (decoy->exposed().starts_with(vault->exposed()))
         return ShareExtensionError::make(
             "the decoy passcode begins with the vault passcode, so typing it would open "
             "the vault");
-    if (vault->starts_with(*decoy))
+    if (vault->exposed().starts_with(decoy->exposed()))
         return ShareExtensionError::make(
             "the vault passcode begins with the decoy passcode, so typing it would open "
             "the decoy's albums");
@@ -82,15 +81,14 @@ ErrorRef problemWithPasswords(const std::vector<SharedAlbum>& albums) {
         const std::string password = "the password of album " + pathText(album);
         if (album.password->empty())
             return ShareExtensionError::make(password + " is empty, so any digit would open it");
-        if (!canBeTyped(*album.password))
+        if (!canBeTyped(album.password->exposed()))
             return ShareExtensionError::make(password +
                                              " cannot be typed: the keypad has the digits 0 to 9 only");
     }
     return nullptr;
 }
 
-std::vector<std::string> warningsOfPasscodes(const std::string& vault,
-                                             const std::optional<std::string>& decoy) {
+std::vector<std::string> warningsOfPasscodes(const Secret& vault, const std::optional<Secret>& decoy) {
     std::vector<std::string> warnings;
     if (!fillsItsDots(vault))
         warnings.push_back("the vault passcode has " + std::to_string(vault.size()) +

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/Error.h"
+#include "platform/foundation/Secret.h"
 #include "store/SharedAlbum.h"
 
 #include <optional>
@@ -15,15 +16,13 @@ namespace sela {
 /// thread.
 
 /// Why these two passcodes (absent: none) must not be published together; null when they may.
-ErrorRef problemWithPasscodes(const std::optional<std::string>& vault,
-                              const std::optional<std::string>& decoy);
+ErrorRef problemWithPasscodes(const std::optional<Secret>& vault, const std::optional<Secret>& decoy);
 
 /// Why an album's password must not be published; null when all may.
 ErrorRef problemWithPasswords(const std::vector<SharedAlbum>& albums);
 
 /// What works with passcodes that may be published, and is rather not meant: a line each.
-std::vector<std::string> warningsOfPasscodes(const std::string& vault,
-                                             const std::optional<std::string>& decoy);
+std::vector<std::string> warningsOfPasscodes(const Secret& vault, const std::optional<Secret>& decoy);
 
 /// The albums that the picker does not show, or shows twice, a line each; at most 20 lines and one with the
 /// number of those left out.

@@ -100,9 +100,9 @@ ErrorRef store(const Publication& publication, const Data& catalogue) {
         return settings.error();
     settings.value().setData(sharedAlbumsKey, catalogue);
     if (publication.passcode)
-        settings.value().setString(sharedPasswordKey, *publication.passcode);
+        settings.value().setString(sharedPasswordKey, publication.passcode->exposed());
     if (publication.decoyPasscode)
-        settings.value().setString(sharedFakePasswordKey, *publication.decoyPasscode);
+        settings.value().setString(sharedFakePasswordKey, publication.decoyPasscode->exposed());
     return settings.value().commit();
 }
 

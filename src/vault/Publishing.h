@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/Error.h"
+#include "platform/foundation/Secret.h"
 
 #include <optional>
 #include <string>
@@ -16,8 +17,8 @@ ErrorRef provisionGroup();
 /// What to publish. Passcodes that are absent leave the stored ones as they are.
 struct Publication {
     std::string cataloguePath;
-    std::optional<std::string> passcode;
-    std::optional<std::string> decoyPasscode;
+    std::optional<Secret> passcode;
+    std::optional<Secret> decoyPasscode;
     std::optional<std::string> coversFolder;
 };
 

@@ -64,7 +64,7 @@ int publish(const Arguments& arguments) {
          {std::pair(passcodeFile, &publication.passcode), std::pair(decoyFile, &publication.decoyPasscode)}) {
         if (!file)
             continue;
-        const sela::Result<std::string> read = sela::readPasscode(*file);
+        const sela::Result<sela::Secret> read = sela::readPasscode(*file);
         if (!read)
             return fail(read.error());
         *passcode = read.value();

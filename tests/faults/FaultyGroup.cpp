@@ -39,8 +39,8 @@ void write(const fs::path& path, const std::string& bytes) {
 }
 
 /// The passcode beside the catalogue of that number: the vault's, or the decoy's with another first digit.
-std::string passcodeOf(int number, char first) {
-    return first + std::to_string(100 + number);
+Secret passcodeOf(int number, char first) {
+    return Secret(first + std::to_string(100 + number));
 }
 
 std::string cover(int number) {

@@ -16,9 +16,8 @@ protected:
         home_.write("data/sela/groups/group.sela.vault/AlbumThumbnails/" + fileName, asText(*picture));
     }
 
-    static SharedAlbum covered(const std::string& name, const std::string& fileName,
-                               std::optional<std::string> password = std::nullopt) {
-        return {{name}, false, std::move(password), fileName};
+    static SharedAlbum covered(const std::string& name, const std::string& fileName, bool locked = false) {
+        return {{name}, false, locked ? std::optional(Secret("1")) : std::nullopt, fileName};
     }
 
     /// An asset's name, the width of a decoded cover, or "none".
@@ -34,7 +33,7 @@ protected:
 TEST_F(AlbumCoversTest, ARowShowsItsAlbumsCoverUnlessThatIsLockedOrMissing) {
     publishCover("a.jpg", 20);
     publishCover("b.jpg", 30);
-    publishAlbums({covered("A", "a.jpg"), covered("Locked", "a.jpg", "1"), covered("B", "b.jpg"),
+    publishAlbums({covered("A", "a.jpg"), covered("Locked", "a.jpg", true), covered("B", "b.jpg"),
                    covered("Missing", "c.jpg"), covered("Outside", "../a.jpg"), album({"Bare"})});
     publishPasscode("");
     openPicker();

@@ -10,7 +10,7 @@ namespace {
 class PassCheckTest : public UnlockTest {
 protected:
     void open(const std::string& checkPass) {
-        check_ = std::make_shared<SelaSharedAlbumPassCheck>(checkPass, "Trips");
+        check_ = std::make_shared<SelaSharedAlbumPassCheck>(Secret(checkPass), "Trips");
         reports_.clear();
         check_->setCallback([this](std::optional<bool> result) {
             reports_ += !result ? "none " : *result ? "true " : "false ";

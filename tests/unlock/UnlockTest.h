@@ -58,8 +58,9 @@ inline void publishAlbums(const std::vector<SharedAlbum>& albums) {
 
 /// An album without a cover.
 inline SharedAlbum album(std::vector<std::string> namePath, bool fake = false,
-                         std::optional<std::string> password = std::nullopt) {
-    return {std::move(namePath), fake, std::move(password), std::nullopt};
+                         std::optional<std::string_view> password = std::nullopt) {
+    return {std::move(namePath), fake, password ? std::optional(Secret(*password)) : std::nullopt,
+            std::nullopt};
 }
 
 /// Records what the picker tells whoever opened it.

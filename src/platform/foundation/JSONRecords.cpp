@@ -83,11 +83,12 @@ public:
     bool on_null(error_code& ec) {
         if (isPassedOver())
             return true;
-        const OptionalText* const place = level_ == 2 ? std::get_if<OptionalText>(&slot_->place) : nullptr;
-        if (!place)
+        if (level_ != 2 || !isOptional(*slot_))
             return wrongType("null", ec);
-        if (*place)
-            (*place)->reset();
+        if (const auto* const text = std::get_if<OptionalText>(&slot_->place); text && *text)
+            (*text)->reset();
+        if (const auto* const secret = std::get_if<OptionalSecret>(&slot_->place); secret && *secret)
+            (*secret)->reset();
         return true;
     }
     bool on_comment_part(string_view, error_code&) { return true; }
@@ -95,7 +96,13 @@ public:
 
 private:
     using OptionalText = std::optional<std::string>*;
+    using OptionalSecret = std::optional<Secret>*;
     using Texts = std::vector<std::string>*;
+
+    static bool isOptional(const JSONSlot& slot) {
+        return std::holds_alternative<OptionalText>(slot.place) ||
+               std::holds_alternative<OptionalSecret>(slot.place);
+    }
 
     /// The key or text that ends with this part, which mostly is all of it.
     std::string_view whole(string_view part) {
@@ -120,6 +127,9 @@ private:
         } else if (const auto* const optional = std::get_if<OptionalText>(&slot_->place)) {
             if (*optional)
                 **optional = text;
+        } else if (const auto* const secret = std::get_if<OptionalSecret>(&slot_->place)) {
+            if (*secret)
+                **secret = Secret(text);
         } else {
             return false;
         }
@@ -177,7 +187,7 @@ private:
 
     bool checkRequired(error_code& ec) {
         for (std::size_t i = 0; i < slots_.size(); ++i)
-            if (!seen_[i] && !std::holds_alternative<OptionalText>(slots_[i].place))
+            if (!seen_[i] && !isOptional(slots_[i]))
                 return fail("\"" + std::string(slots_[i].key) + "\" is missing in record " +
                                 std::to_string(recordCount_ - 1),
                             ec);

@@ -3,6 +3,7 @@
 #include "platform/foundation/Data.h"
 #include "platform/foundation/Error.h"
 #include "platform/foundation/JSONWriter.h"
+#include "platform/foundation/Secret.h"
 
 #include <array>
 #include <functional>
@@ -17,16 +18,16 @@
 namespace sela {
 
 /// One member of a flat JSON record and the data member that keeps its value, whose type says what the value
-/// is: a text (required), a text that may be missing or null, a Boolean (required), a list of texts
-/// (required).
+/// is: a text (required), a text that may be missing or null (one may be a secret), a Boolean (required), a
+/// list of texts (required).
 ///
 /// A record type lists its members once, in the order of writing, as an array that a static `jsonMembers()`
 /// returns; it serves reading and writing alike.
 template<class Record>
 struct JSONMember {
     std::string_view key;
-    std::variant<std::string Record::*, std::optional<std::string> Record::*, bool Record::*,
-                 std::vector<std::string> Record::*>
+    std::variant<std::string Record::*, std::optional<std::string> Record::*, std::optional<Secret> Record::*,
+                 bool Record::*, std::vector<std::string> Record::*>
         member;
 };
 
@@ -34,7 +35,9 @@ struct JSONMember {
 /// only to be checked.
 struct JSONSlot {
     std::string_view key;
-    std::variant<std::string*, std::optional<std::string>*, bool*, std::vector<std::string>*> place;
+    std::variant<std::string*, std::optional<std::string>*, std::optional<Secret>*, bool*,
+                 std::vector<std::string>*>
+        place;
 };
 
 /// Called at the start of each record with its key (empty inside an array). Returns the slots to fill, always

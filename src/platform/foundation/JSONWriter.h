@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/foundation/Secret.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -31,6 +33,9 @@ public:
     JSONWriter& member(std::string_view name, const std::string& text) { return key(name).string(text); }
     JSONWriter& member(std::string_view name, const std::optional<std::string>& text) {
         return text ? key(name).string(*text) : *this;
+    }
+    JSONWriter& member(std::string_view name, const std::optional<Secret>& text) {
+        return text ? key(name).string(text->exposed()) : *this;
     }
     JSONWriter& member(std::string_view name, bool value) { return key(name).boolean(value); }
     JSONWriter& member(std::string_view name, const std::vector<std::string>& texts) {

@@ -5,6 +5,7 @@
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/SettingsDatabase.h"
 
+#include <cstring>
 #include <utility>
 
 namespace sela {
@@ -65,11 +66,13 @@ Result<std::optional<Data>> UserDefaults::readData(std::string_view key) const {
     return database_->read(key, dataKind);
 }
 
-std::optional<std::string> UserDefaults::string(std::string_view key) const {
-    const std::optional<Data> value = valueOrLog(database_->read(key, textKind));
+std::optional<Secret> UserDefaults::string(std::string_view key) const {
+    std::optional<Data> value = valueOrLog(database_->read(key, textKind));
     if (!value)
         return std::nullopt;
-    return std::string(asText(*value));
+    Secret text(asText(*value));
+    ::explicit_bzero(value->data(), value->size());
+    return text;
 }
 
 Result<std::vector<std::string>> UserDefaults::keys(std::string_view prefix) const {

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/Data.h"
 #include "platform/foundation/Error.h"
+#include "platform/foundation/Secret.h"
 
 #include <memory>
 #include <optional>
@@ -38,9 +39,9 @@ public:
     /// any.
     Result<std::optional<Data>> readData(std::string_view key) const;
 
-    /// The text under a key; absent when there is none, when data stand there, or when reading fails (which
-    /// is logged).
-    std::optional<std::string> string(std::string_view key) const;
+    /// The text under a key, which is a passcode in this system; absent when there is none, when data stand
+    /// there, or when reading fails (which is logged).
+    std::optional<Secret> string(std::string_view key) const;
 
     /// The keys that hold a value and begin with `prefix`, sorted by their bytes; or why they cannot be read.
     Result<std::vector<std::string>> keys(std::string_view prefix) const;

@@ -1,0 +1,43 @@
+#include "platform/foundation/Secret.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <optional>
+#include <string>
+
+namespace sela {
+namespace {
+
+TEST(Secret, IsOverwrittenWhereverItWas) {
+    const Secret original("1234567890123456");
+    const auto change = [](std::optional<Secret>& secret, int way) {
+        if (way == 0)
+            secret->append('7');
+        else if (way == 1)
+            secret->clear();
+        else if (way == 2)
+            secret = Secret("0");
+        else
+            secret.reset();
+    };
+    for (int way = 0; way < 4; ++way) {
+        std::optional<Secret> secret = original;
+        const char* const place = secret->exposed().data();
+        change(secret, way);
+        // The allocator keeps its own notes at the start of what is free.
+        EXPECT_EQ(std::string(place + sizeof(void*), place + 16), std::string(16 - sizeof(void*), '\0'))
+            << way;
+    }
+    EXPECT_EQ(original, "1234567890123456");
+}
+
+TEST(Secret, LiesInLockedMemory) {
+    const Secret secret("123456");
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        EXPECT_FALSE(line.starts_with("VmLck:") && line.ends_with(" 0 kB")) << line;
+}
+
+} // namespace
+} // namespace sela
