@@ -5,8 +5,8 @@
 namespace sela {
 
 /// Text metrics that need no font files and are the same everywhere: each character is half the font's size
-/// wide, and a line is 1.2 times its largest font's size high. Lines break at spaces where they can, else
-/// inside a word. Installed for as long as it lives.
+/// wide, and a line is 1.2 times the text's largest font's size high. Lines break wherever they are full.
+/// Installed for as long as it lives.
 class FixedTextMeasurer : public TextMeasurer {
 public:
     static constexpr double widthPerSize = 0.5;

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/BackgroundWork.h"
 
+#include <limits>
 #include <utility>
 
 namespace sela {
@@ -21,19 +22,8 @@ double VirtualMainLoop::now() const {
 
 void VirtualMainLoop::advance(double seconds) {
     const double end = now_ + seconds;
-    runPending();
-    while (true) {
-        {
-            const std::lock_guard lock(BackgroundWork::mutex());
-            const std::optional<double> due = tasks_.nextDueTime();
-            now_ = due && *due <= end ? *due : end;
-        }
-        runPending();
-        const std::lock_guard lock(BackgroundWork::mutex());
-        const std::optional<double> due = tasks_.nextDueTime();
-        if (now_ >= end && !(due && *due <= end))
-            return;
-    }
+    runUpTo(end);
+    now_ = end;
 }
 
 void VirtualMainLoop::runPending() {
@@ -41,22 +31,21 @@ void VirtualMainLoop::runPending() {
 }
 
 void VirtualMainLoop::runUntilIdle() {
+    runUpTo(std::numeric_limits<double>::infinity());
+}
+
+void VirtualMainLoop::runUpTo(double end) {
     runPending();
     while (true) {
         {
             const std::lock_guard lock(BackgroundWork::mutex());
             const std::optional<double> due = tasks_.nextDueTime();
-            if (!due)
+            if (!due || *due > end)
                 return;
             now_ = *due;
         }
         runPending();
     }
-}
-
-bool VirtualMainLoop::isIdle() const {
-    const std::lock_guard lock(BackgroundWork::mutex());
-    return !tasks_.nextDueTime() && BackgroundWork::outstanding() == 0;
 }
 
 } // namespace sela

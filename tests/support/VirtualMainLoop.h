@@ -24,10 +24,9 @@ public:
     /// keeps this from returning.
     void runUntilIdle();
 
-    /// Whether no task is queued, due or not, and no background work is outstanding.
-    bool isIdle() const;
-
 private:
+    void runUpTo(double end);
+
     TaskList tasks_;
     double now_ = 0;
 };
