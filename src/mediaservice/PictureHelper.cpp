@@ -12,7 +12,7 @@ constexpr sela::Sandbox::Limits limits{.addressSpace = std::uint64_t{1536} << 20
 sela::MediaOutcome decode(const sela::MediaRequest& request, const sela::InputFile& file) {
     if (request.operation != sela::MediaOperation::decodePicture)
         return {};
-    auto pixels = sela::decodePicture(file, static_cast<int>(request.maximumSide));
+    auto pixels = sela::decodePicture(file, request.bounds());
     if (!pixels)
         return {};
     sela::MediaOutcome outcome;

@@ -29,9 +29,9 @@ std::int64_t countOf(const auto& list) {
 
 AttachmentIntake::AttachmentIntake() : selectedAlbumName_{Bundle::main().localizedString("Default Album")} {}
 
-void AttachmentIntake::begin(std::shared_ptr<NSExtensionContext> context, int thumbnailSide) {
+void AttachmentIntake::begin(std::shared_ptr<NSExtensionContext> context, PictureBounds thumbnailBounds) {
     extensionContext_ = std::move(context);
-    thumbnailSide_ = thumbnailSide;
+    thumbnailBounds_ = thumbnailBounds;
     itemsCount_ = getItemsCount();
     thumbnailCount_ = 0;
     thumbnails_.clear();
@@ -101,7 +101,7 @@ void AttachmentIntake::addThumbnail(const NSItemProvider::Item& item, const Erro
     const std::string place = "item[" + std::to_string(thumbnailCount_) + "]: ";
     NSLog(place + "fileName = " + file->lastPathComponent());
     NSLog(place + "typeIdentifier = " + typeIdentifier);
-    if (std::optional<UIImage> thumbnail = thumbnailOfSharedFile(*file, typeIdentifier, thumbnailSide_))
+    if (std::optional<UIImage> thumbnail = thumbnailOfSharedFile(*file, typeIdentifier, thumbnailBounds_))
         thumbnails_.push_back(std::move(*thumbnail));
 }
 

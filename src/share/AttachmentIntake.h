@@ -32,8 +32,8 @@ public:
     AttachmentIntake();
 
     /// Takes up a request (null: none): counts its attachments and forgets all thumbnails, which will be
-    /// decoded to `thumbnailSide` pixels on their longer side.
-    void begin(std::shared_ptr<NSExtensionContext> context, int thumbnailSide);
+    /// decoded to `thumbnailBounds`.
+    void begin(std::shared_ptr<NSExtensionContext> context, PictureBounds thumbnailBounds);
 
     /// The number of attachments of the first input item, which is logged; 0 when there is no request, no
     /// such item, or no attachment list.
@@ -119,7 +119,7 @@ private:
     std::int64_t itemsCount_ = 0;
     std::int64_t thumbnailCount_ = 0;
     std::vector<UIImage> thumbnails_;
-    int thumbnailSide_ = 0;
+    PictureBounds thumbnailBounds_ = 0;
     SaveRun saveRun_;
     std::function<void(const SaveRun&)> observer_;
 };

@@ -48,7 +48,7 @@ bool isVideoType(std::string_view typeIdentifier) {
 
 } // namespace
 
-UIImage getVideoCover(const URL& url, int maximumSide) {
+UIImage getVideoCover(const URL& url, PictureBounds bounds) {
     const AVAsset asset = AVAsset::assetWithURL(url);
     const CMTime assetDuration = asset.duration();
     const std::int32_t timescale = assetDuration.timescale;
@@ -60,7 +60,7 @@ UIImage getVideoCover(const URL& url, int maximumSide) {
         time = coverTime(duration);
     }
     AVAssetImageGenerator first(asset);
-    first.maximumSize = maximumSide;
+    first.maximumSize = bounds;
     first.appliesPreferredTrackTransform = true;
     first.requestedTimeToleranceBefore = CMTime::fromSeconds(coverTolerance, timescale);
     first.requestedTimeToleranceAfter = CMTime::fromSeconds(coverTolerance, timescale);
@@ -70,7 +70,7 @@ UIImage getVideoCover(const URL& url, int maximumSide) {
           ", seconds = " + describe(time) + ", duration = " + describe(duration));
 
     AVAssetImageGenerator second(asset);
-    second.maximumSize = maximumSide;
+    second.maximumSize = bounds;
     second.requestedTimeToleranceBefore = kCMTimePositiveInfinity;
     second.requestedTimeToleranceAfter = kCMTimePositiveInfinity;
     if (const auto image = second.copyCGImageAtTime(CMTime::fromSeconds(0, timescale)))
@@ -90,12 +90,12 @@ std::int64_t getFileSize(const URL& url) {
 }
 
 std::optional<UIImage> thumbnailOfSharedFile(const URL& url, std::string_view typeIdentifier,
-                                             int maximumSide) {
+                                             PictureBounds bounds) {
     if (isAudio(typeIdentifier) || isAudio(url.lastPathComponent()))
         return requiredImage("audiosmall");
     if (isVideoType(typeIdentifier))
-        return getVideoCover(url, maximumSide);
-    auto image = UIImage::contentsOfFile(url.path(), maximumSide);
+        return getVideoCover(url, bounds);
+    auto image = UIImage::contentsOfFile(url.path(), bounds);
     if (!image)
         NSLog("loadThumbnails: failed to decode image fileName = " + url.lastPathComponent());
     return image;

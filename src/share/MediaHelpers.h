@@ -10,12 +10,11 @@
 namespace sela {
 
 // What the share screen shows of a shared file. The operations block until the picture is there, keep no
-// state and may be called from any thread; `maximumSide` is the longest side in pixels at which it will be
-// drawn.
+// state and may be called from any thread; `bounds` tells at which size in pixels it will be drawn.
 
 /// The still image that stands for a video: an upright frame from about a quarter of the way in, else the
 /// first frame that can be had, else the image asset "SelaPicture". Each failure is logged.
-UIImage getVideoCover(const URL& url, int maximumSide);
+UIImage getVideoCover(const URL& url, PictureBounds bounds);
 
 /// The size of a file in bytes; 0, and a log line, when its attributes cannot be read.
 std::int64_t getFileSize(const URL& url);
@@ -24,6 +23,6 @@ std::int64_t getFileSize(const URL& url);
 /// cover when its type identifier is one of a video, else the picture in it. Absent, with a log line, when
 /// there is no picture in it that can be decoded.
 std::optional<UIImage> thumbnailOfSharedFile(const URL& url, std::string_view typeIdentifier,
-                                             int maximumSide);
+                                             PictureBounds bounds);
 
 } // namespace sela

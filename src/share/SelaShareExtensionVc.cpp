@@ -23,10 +23,8 @@ constexpr double slideAwaySeconds = 0.2;
 constexpr double growSeconds = 0.3;
 constexpr double doneSeconds = 1.5;
 
-/// The width of the front thumbnail in design points. A picture fills its frame, so one that stands upright
-/// is longer than that; 16:9 is the slimmest that cameras make.
+/// The width of the front thumbnail in design points; it and the other frames are less high than that.
 constexpr double frontFrameWidth = 178;
-constexpr double longestRatio = 16.0 / 9.0;
 
 std::string localized(std::string_view key) {
     return Bundle::main().localizedString(key);
@@ -55,8 +53,8 @@ SelaShareExtensionVc::SelaShareExtensionVc(const NSCoder&) {
 void SelaShareExtensionVc::viewDidLoad() {
     UIViewController::viewDidLoad();
     scale_ = getUIScale(*this);
-    intake_->begin(extensionContext(), static_cast<int>(std::ceil(frontFrameWidth * longestRatio * scale_ *
-                                                                  UIScreen::main().scale())));
+    const double frontPixels = frontFrameWidth * scale_ * UIScreen::main().scale();
+    intake_->begin(extensionContext(), PictureBounds::filling(static_cast<int>(std::ceil(frontPixels))));
     buildTree();
     layoutPanels();
     layoutCard();

@@ -47,7 +47,7 @@ std::optional<UIImage> SharedAlbumManager::thumbnail(const std::optional<std::st
         return std::nullopt;
     const URL file =
         folder->appendingPathComponent(albumThumbnailsFolderName).appendingPathComponent(*fileName);
-    return UIImage::contentsOfFile(file.path(), coverSidePixels);
+    return UIImage::contentsOfFile(file.path(), PictureBounds::filling(coverSidePixels));
 }
 
 } // namespace sela

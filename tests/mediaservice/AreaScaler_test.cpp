@@ -95,6 +95,9 @@ TEST(AreaScaler, FittedSizesKeepTheShapeAndNeverVanishOrGrow) {
     EXPECT_EQ(fitted({534, 10}, 534), (PictureSize{534, 10}));
     EXPECT_EQ(fitted({65535, 1}, 100), (PictureSize{100, 1}));
     EXPECT_EQ(fitted({10, 20}, 1), (PictureSize{1, 1}));
+    EXPECT_EQ(fitted({1080, 10000}, PictureBounds::filling(356)), (PictureSize{356, 3296}));
+    EXPECT_EQ(fitted({1080, 40000}, PictureBounds::filling(356)), (PictureSize{111, 4096}));
+    EXPECT_EQ(fitted({640, 160}, PictureBounds::filling(160)), (PictureSize{640, 160}));
 }
 
 } // namespace

@@ -94,6 +94,15 @@ TEST(Pictures, AreTurnedUpright) {
     }
 }
 
+TEST(Pictures, ThatFillAFrameHaveItsPixelsOnTheirShorterSide) {
+    for (const char* name : {"baseline.jpg", "quarters.png", "lossy.webp", "thumbnail.heic", "preview.dng"}) {
+        const auto image = UIImage::contentsOfFile(sample(name), PictureBounds::filling(90));
+        ASSERT_TRUE(image) << name;
+        EXPECT_EQ(image->width(), 120) << name;
+        EXPECT_EQ(image->height(), 90) << name;
+    }
+}
+
 TEST(Pictures, KeepTransparencyPremultiplied) {
     for (const char* name : {"alpha.png", "alpha.webp", "alpha.heic", "alpha.bmp", "alpha-bits.bmp"}) {
         const auto image = UIImage::contentsOfFile(sample(name), 40);

@@ -40,11 +40,11 @@ bool isDecodableSize(PictureSize size) {
            size.height <= largestSourceSide && std::int64_t{size.width} * size.height <= mostSourcePixels;
 }
 
-PictureSize fitted(PictureSize size, int maximumSide) {
-    const int longer = std::max(size.width, size.height);
-    if (longer <= maximumSide)
-        return size;
-    const double factor = static_cast<double>(maximumSide) / longer;
+PictureSize fitted(PictureSize size, PictureBounds bounds) {
+    const auto [shorter, longer] = std::minmax({size.width, size.height});
+    double factor = std::min(1.0, static_cast<double>(bounds.longerSide) / longer);
+    if (bounds.shorterSide > 0)
+        factor = std::min(factor, static_cast<double>(bounds.shorterSide) / shorter);
     return {std::max(1, static_cast<int>(std::lround(size.width * factor))),
             std::max(1, static_cast<int>(std::lround(size.height * factor)))};
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/media/PictureBounds.h"
 #include "platform/media/UIImage.h"
 
 #include <cstddef>
@@ -23,8 +24,8 @@ inline constexpr int largestSourceSide = 65535;
 /// pixels than the largest that cameras and panoramas make. A file of a few kilobytes can claim any size.
 bool isDecodableSize(PictureSize size);
 
-/// `size` made smaller, keeping its shape, so that no side is longer than `maximumSide`; never made larger.
-PictureSize fitted(PictureSize size, int maximumSide);
+/// `size` made smaller, keeping its shape, so that no side is longer than `bounds`; never made larger.
+PictureSize fitted(PictureSize size, PictureBounds bounds);
 
 /// Scales a picture down while it arrives row by row, so that the whole of it never is in memory: each pixel
 /// of the result is the mean of the area it covers, parts of pixels counted as parts. The four channels of a

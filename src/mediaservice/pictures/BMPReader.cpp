@@ -63,8 +63,8 @@ bool readPlainRows(const InputFile& file, const BMPHeader& header, AreaScaler& s
     return true;
 }
 
-std::optional<DecodedPicture> readRows(const InputFile& file, const BMPHeader& header, int maximumSide) {
-    AreaScaler scaler(header.size, fitted(header.size, maximumSide));
+std::optional<DecodedPicture> readRows(const InputFile& file, const BMPHeader& header, PictureBounds bounds) {
+    AreaScaler scaler(header.size, fitted(header.size, bounds));
     const bool isWhole = header.coding == BMPHeader::Coding::runs
                              ? readBMPRuns(file, header, [&](const std::uint8_t* row) { scaler.addRow(row); })
                              : readPlainRows(file, header, scaler);
@@ -85,17 +85,17 @@ bool isInvisible(const PixelBuffer& pixels) {
 
 } // namespace
 
-std::optional<DecodedPicture> readBMP(const InputFile& file, int maximumSide) {
+std::optional<DecodedPicture> readBMP(const InputFile& file, PictureBounds bounds) {
     auto header = BMPHeader::read(file);
     if (!header)
         return std::nullopt;
     if (header->coding == BMPHeader::Coding::embeddedJPEG)
-        return readJPEG(file, header->pixels, file.size(), maximumSide);
-    auto picture = readRows(file, *header, maximumSide);
+        return readJPEG(file, header->pixels, file.size(), bounds);
+    auto picture = readRows(file, *header, bounds);
     if (picture && header->hasAlpha() && isInvisible(picture->pixels)) {
         // Many writers name the bits of alpha but leave them zero.
         header->channels[3] = BMPChannel();
-        picture = readRows(file, *header, maximumSide);
+        picture = readRows(file, *header, bounds);
     }
     return picture;
 }

@@ -46,21 +46,21 @@ bool isPlainRGB(const TIFFDirectory& directory) {
 
 /// Whether a directory describes a picture that can be shown as it is, not what the sensor saw.
 bool isPreview(const TIFFDirectory& directory) {
-    const auto photometric = directory.number(photometricTag);
-    const PictureSize size = sizeOf(directory);
-    return isDecodableSize(size) &&
-           ((isJPEG(directory) && (photometric == photometricYCbCr || photometric == photometricRGB)) ||
-            (isPlainRGB(directory) && photometric == photometricRGB));
+    const std::uint32_t photometric = directory.number(photometricTag).value_or(0);
+    if (!isDecodableSize(sizeOf(directory)))
+        return false;
+    return photometric == photometricRGB ? isJPEG(directory) || isPlainRGB(directory)
+                                         : photometric == photometricYCbCr && isJPEG(directory);
 }
 
 std::optional<DecodedPicture> readPlainRGB(const InputFile& file, const TIFFDirectory& directory,
-                                           int maximumSide) {
+                                           PictureBounds bounds) {
     const PictureSize size = sizeOf(directory);
     const auto offsets = directory.numbers(stripOffsetsTag);
     const auto sizes = directory.numbers(stripSizesTag);
     if (offsets.size() != sizes.size())
         return std::nullopt;
-    AreaScaler scaler(size, fitted(size, maximumSide));
+    AreaScaler scaler(size, fitted(size, bounds));
     std::vector<std::byte> packed(std::size_t{3} * static_cast<std::size_t>(size.width));
     std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width), 255);
     for (std::size_t strip = 0; strip < offsets.size(); ++strip) {
@@ -85,16 +85,16 @@ std::optional<DecodedPicture> readPlainRGB(const InputFile& file, const TIFFDire
 }
 
 std::optional<DecodedPicture> readPreview(const InputFile& file, const TIFFDirectory& directory,
-                                          int maximumSide) {
+                                          PictureBounds bounds) {
     if (!isJPEG(directory))
-        return readPlainRGB(file, directory, maximumSide);
+        return readPlainRGB(file, directory, bounds);
     const std::int64_t offset = directory.numbers(stripOffsetsTag).front();
-    return readJPEG(file, offset, offset + directory.numbers(stripSizesTag).front(), maximumSide);
+    return readJPEG(file, offset, offset + directory.numbers(stripSizesTag).front(), bounds);
 }
 
 } // namespace
 
-std::optional<DecodedPicture> readDNGPreview(const InputFile& file, int maximumSide) {
+std::optional<DecodedPicture> readDNGPreview(const InputFile& file, PictureBounds bounds) {
     const auto main = TIFFDirectory::first(
         [&file](std::int64_t offset, std::span<std::byte> buffer) { return file.readAt(offset, buffer); });
     if (!main)
@@ -106,13 +106,13 @@ std::optional<DecodedPicture> readDNGPreview(const InputFile& file, int maximumS
         return std::max(sizeOf(directory).width, sizeOf(directory).height);
     };
     std::ranges::sort(previews, {}, longerSide);
-    auto chosen = std::ranges::find_if(
-        previews, [&](const TIFFDirectory& directory) { return longerSide(directory) >= maximumSide; });
     if (previews.empty())
         return std::nullopt;
-    if (chosen == previews.end())
-        --chosen;
-    auto picture = readPreview(file, *chosen, maximumSide);
+    const PictureSize wanted = fitted(sizeOf(previews.back()), bounds);
+    const auto chosen = std::ranges::find_if(previews, [&](const TIFFDirectory& directory) {
+        return longerSide(directory) >= std::max(wanted.width, wanted.height);
+    });
+    auto picture = readPreview(file, *chosen, bounds);
     if (picture)
         picture->orientation = orientationOfNumber(main->number(orientationTag).value_or(1));
     return picture;

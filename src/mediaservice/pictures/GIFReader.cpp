@@ -79,7 +79,7 @@ std::vector<GifPixelType> readIndices(GifFileType* gif) {
 
 } // namespace
 
-std::optional<DecodedPicture> readGIF(const InputFile& file, int maximumSide) {
+std::optional<DecodedPicture> readGIF(const InputFile& file, PictureBounds bounds) {
     Input input{file, 0};
     const std::unique_ptr<GifFileType, Close> gif(DGifOpen(&input, &read, nullptr));
     int transparent = NO_TRANSPARENT_COLOR;
@@ -96,7 +96,7 @@ std::optional<DecodedPicture> readGIF(const InputFile& file, int maximumSide) {
     if (indices.empty())
         return std::nullopt;
 
-    AreaScaler scaler(size, fitted(size, maximumSide));
+    AreaScaler scaler(size, fitted(size, bounds));
     std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width));
     for (int y = 0; y < size.height; ++y) {
         std::ranges::fill(row, std::uint8_t{0});

@@ -7,8 +7,8 @@
 
 namespace sela {
 
-/// Reads the first frame of a GIF picture on its canvas, scaled to fit `maximumSide` pixels. Absent when it
+/// Reads the first frame of a GIF picture on its canvas, scaled to fit `bounds`. Absent when it
 /// is broken or cut.
-std::optional<DecodedPicture> readGIF(const InputFile& file, int maximumSide);
+std::optional<DecodedPicture> readGIF(const InputFile& file, PictureBounds bounds);
 
 } // namespace sela

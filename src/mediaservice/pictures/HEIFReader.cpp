@@ -199,7 +199,7 @@ bool toneMap(PixelBuffer& pixels, const ColourCoding& coding) {
 
 /// Scales the planes as they are and brings the few pixels that are left to RGB: half the memory and less
 /// time than a picture of RGB in full size.
-std::optional<ScaledImage> readPlanes(const Handle& handle, int maximumSide) {
+std::optional<ScaledImage> readPlanes(const Handle& handle, PictureBounds bounds) {
     // Asked for as nearly every encoder stores it, so that the library has nothing to convert.
     const Image image = decode(handle, heif_colorspace_YCbCr, heif_chroma_420);
     if (!image)
@@ -210,7 +210,7 @@ std::optional<ScaledImage> readPlanes(const Handle& handle, int maximumSide) {
     if (!luma.exists())
         return std::nullopt;
     const PictureSize size = luma.size();
-    AreaScaler scaler(size, fitted(size, maximumSide));
+    AreaScaler scaler(size, fitted(size, bounds));
     std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width));
     for (std::size_t i = 0; i < row.size(); i += 4) {
         row[i + 1] = row[i + 2] = 128;
@@ -233,7 +233,7 @@ std::optional<ScaledImage> readPlanes(const Handle& handle, int maximumSide) {
 }
 
 /// Lets the library make RGB of rare kinds of pictures.
-std::optional<ScaledImage> readInterleaved(const Handle& handle, int maximumSide) {
+std::optional<ScaledImage> readInterleaved(const Handle& handle, PictureBounds bounds) {
     const Image image = decode(handle, heif_colorspace_RGB, heif_chroma_interleaved_RGBA);
     int stride = 0;
     const std::uint8_t* rows =
@@ -243,7 +243,7 @@ std::optional<ScaledImage> readInterleaved(const Handle& handle, int maximumSide
     const PictureSize size{heif_image_get_width(image.get(), heif_channel_interleaved),
                            heif_image_get_height(image.get(), heif_channel_interleaved)};
     const bool premultiplied = heif_image_handle_is_premultiplied_alpha(handle.get());
-    AreaScaler scaler(size, fitted(size, maximumSide));
+    AreaScaler scaler(size, fitted(size, bounds));
     std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width));
     for (int y = 0; y < size.height; ++y) {
         std::copy_n(rows + static_cast<std::ptrdiff_t>(y) * stride, row.size(), row.begin());
@@ -265,7 +265,7 @@ Data profileOf(const Handle& handle) {
 }
 
 /// Absent when it cannot be decoded, or is beyond what is decoded.
-std::optional<ScaledImage> readImage(const Handle& handle, int maximumSide) {
+std::optional<ScaledImage> readImage(const Handle& handle, PictureBounds bounds) {
     const PictureSize size = sizeOf(handle);
     if (std::int64_t{size.width} * size.height > mostDecodedPixels)
         return std::nullopt;
@@ -273,12 +273,12 @@ std::optional<ScaledImage> readImage(const Handle& handle, int maximumSide) {
     const ColourCoding coding = colourCoding(handle, nullptr);
     const bool rare = heif_image_handle_has_alpha_channel(handle.get()) ||
                       (coding && coding->matrix_coefficients == identityMatrix);
-    auto image = rare ? std::nullopt : readPlanes(handle, maximumSide);
-    return image ? std::move(image) : readInterleaved(handle, maximumSide);
+    auto image = rare ? std::nullopt : readPlanes(handle, bounds);
+    return image ? std::move(image) : readInterleaved(handle, bounds);
 }
 
-std::optional<DecodedPicture> readMain(const Handle& main, int maximumSide) {
-    auto image = readImage(main, maximumSide);
+std::optional<DecodedPicture> readMain(const Handle& main, PictureBounds bounds) {
+    auto image = readImage(main, bounds);
     if (!image)
         return std::nullopt;
     DecodedPicture picture;
@@ -289,8 +289,9 @@ std::optional<DecodedPicture> readMain(const Handle& main, int maximumSide) {
 }
 
 /// Absent also when the thumbnail has not the size that the file says.
-std::optional<DecodedPicture> readThumbnail(const Handle& thumbnail, const Handle& main, int maximumSide) {
-    auto image = readImage(thumbnail, maximumSide);
+std::optional<DecodedPicture> readThumbnail(const Handle& thumbnail, const Handle& main,
+                                            PictureBounds bounds) {
+    auto image = readImage(thumbnail, bounds);
     if (!image || image->size != sizeOf(thumbnail))
         return std::nullopt;
     DecodedPicture picture;
@@ -305,7 +306,7 @@ std::optional<DecodedPicture> readThumbnail(const Handle& thumbnail, const Handl
 
 } // namespace
 
-std::optional<DecodedPicture> readHEIF(const InputFile& file, int maximumSide) {
+std::optional<DecodedPicture> readHEIF(const InputFile& file, PictureBounds bounds) {
     Input input(file);
     const heif_reader reader = Input::reader();
     const Context context(heif_context_alloc());
@@ -321,16 +322,16 @@ std::optional<DecodedPicture> readHEIF(const InputFile& file, int maximumSide) {
         return std::nullopt;
 
     const std::vector<Handle> thumbnails = thumbnailsOf(main);
-    const int wanted = std::min(maximumSide, longerSide(main));
+    const PictureSize wanted = fitted(sizeOf(main), bounds);
     for (const Handle& thumbnail : thumbnails)
-        if (longerSide(thumbnail) >= wanted)
-            if (auto picture = readThumbnail(thumbnail, main, maximumSide))
+        if (longerSide(thumbnail) >= std::max(wanted.width, wanted.height))
+            if (auto picture = readThumbnail(thumbnail, main, bounds))
                 return picture;
-    if (auto picture = readMain(main, maximumSide))
+    if (auto picture = readMain(main, bounds))
         return picture;
     // Better a blurred picture than none.
     for (auto thumbnail = thumbnails.rbegin(); thumbnail != thumbnails.rend(); ++thumbnail)
-        if (auto picture = readThumbnail(*thumbnail, main, maximumSide))
+        if (auto picture = readThumbnail(*thumbnail, main, bounds))
             return picture;
     return std::nullopt;
 }

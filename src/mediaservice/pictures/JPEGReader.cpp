@@ -254,11 +254,11 @@ Orientation Decompressor::orientation() const {
 } // namespace
 
 std::optional<DecodedPicture> readJPEG(const InputFile& file, std::int64_t offset, std::int64_t end,
-                                       int maximumSide) {
+                                       PictureBounds bounds) {
     const auto decompressor = std::make_unique<Decompressor>(file, offset, end);
     if (!decompressor->readHeader() || !isDecodableSize(decompressor->size()))
         return std::nullopt;
-    const PictureSize target = fitted(decompressor->size(), maximumSide);
+    const PictureSize target = fitted(decompressor->size(), bounds);
     const PictureSize decoded = decompressor->chooseScale(target);
     if (decoded.width < target.width || decoded.height < target.height)
         return std::nullopt;

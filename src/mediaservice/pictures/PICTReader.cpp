@@ -123,8 +123,9 @@ private:
     std::vector<std::byte> unpacked_;
 };
 
-std::optional<DecodedPicture> readBitmap(const InputFile& file, const PICTBitmap& bitmap, int maximumSide) {
-    AreaScaler scaler(bitmap.size, fitted(bitmap.size, maximumSide));
+std::optional<DecodedPicture> readBitmap(const InputFile& file, const PICTBitmap& bitmap,
+                                         PictureBounds bounds) {
+    AreaScaler scaler(bitmap.size, fitted(bitmap.size, bounds));
     std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(bitmap.size.width), 255);
     Rows rows(file, bitmap);
     while (!scaler.isComplete()) {
@@ -139,7 +140,7 @@ std::optional<DecodedPicture> readBitmap(const InputFile& file, const PICTBitmap
 
 } // namespace
 
-std::optional<DecodedPicture> readPICT(const InputFile& file, int maximumSide) {
+std::optional<DecodedPicture> readPICT(const InputFile& file, PictureBounds bounds) {
     const auto picture = PICTFile::read(file);
     if (!picture)
         return std::nullopt;
@@ -148,8 +149,8 @@ std::optional<DecodedPicture> readPICT(const InputFile& file, int maximumSide) {
     if (std::int64_t{2} * size.width * size.height < whole)
         return std::nullopt;
     if (picture->image)
-        return readJPEG(file, picture->image->start, picture->image->end, maximumSide);
-    return readBitmap(file, *picture->bitmap, maximumSide);
+        return readJPEG(file, picture->image->start, picture->image->end, bounds);
+    return readBitmap(file, *picture->bitmap, bounds);
 }
 
 } // namespace sela

@@ -140,7 +140,7 @@ Orientation Decompressor::orientation() {
 
 } // namespace
 
-std::optional<DecodedPicture> readPNG(const InputFile& file, int maximumSide) {
+std::optional<DecodedPicture> readPNG(const InputFile& file, PictureBounds bounds) {
     Decompressor decompressor(file);
     if (!decompressor.readHeader())
         return std::nullopt;
@@ -148,7 +148,7 @@ std::optional<DecodedPicture> readPNG(const InputFile& file, int maximumSide) {
     picture.colours = decompressor.isGray() ? DecodedPicture::Colours::gray : DecodedPicture::Colours::rgb;
     picture.profile = decompressor.profile();
     picture.orientation = decompressor.orientation();
-    AreaScaler scaler(decompressor.size(), fitted(decompressor.size(), maximumSide));
+    AreaScaler scaler(decompressor.size(), fitted(decompressor.size(), bounds));
     if (!decompressor.readRows(scaler))
         return std::nullopt;
     picture.pixels = scaler.take();

@@ -7,8 +7,8 @@
 
 namespace sela {
 
-/// Reads a PNG picture scaled to fit `maximumSide` pixels, row by row; an interlaced one needs all its pixels
+/// Reads a PNG picture scaled to fit `bounds`, row by row; an interlaced one needs all its pixels
 /// in memory. Absent when it is broken or cut.
-std::optional<DecodedPicture> readPNG(const InputFile& file, int maximumSide);
+std::optional<DecodedPicture> readPNG(const InputFile& file, PictureBounds bounds);
 
 } // namespace sela

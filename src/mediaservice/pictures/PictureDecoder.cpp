@@ -15,34 +15,34 @@ namespace sela {
 
 namespace {
 
-std::optional<DecodedPicture> read(const InputFile& file, int maximumSide) {
+std::optional<DecodedPicture> read(const InputFile& file, PictureBounds bounds) {
     switch (pictureKind(file)) {
     case PictureKind::none:
         return std::nullopt;
     case PictureKind::jpeg:
-        return readJPEG(file, 0, file.size(), maximumSide);
+        return readJPEG(file, 0, file.size(), bounds);
     case PictureKind::png:
-        return readPNG(file, maximumSide);
+        return readPNG(file, bounds);
     case PictureKind::gif:
-        return readGIF(file, maximumSide);
+        return readGIF(file, bounds);
     case PictureKind::bmp:
-        return readBMP(file, maximumSide);
+        return readBMP(file, bounds);
     case PictureKind::webp:
-        return readWebP(file, maximumSide);
+        return readWebP(file, bounds);
     case PictureKind::pict:
-        return readPICT(file, maximumSide);
+        return readPICT(file, bounds);
     case PictureKind::heif:
-        return readHEIF(file, maximumSide);
+        return readHEIF(file, bounds);
     case PictureKind::tiff:
-        return readDNGPreview(file, maximumSide);
+        return readDNGPreview(file, bounds);
     }
     return std::nullopt;
 }
 
 } // namespace
 
-std::optional<PixelBuffer> decodePicture(const InputFile& file, int maximumSide) {
-    auto picture = read(file, maximumSide);
+std::optional<PixelBuffer> decodePicture(const InputFile& file, PictureBounds bounds) {
+    auto picture = read(file, bounds);
     if (!picture)
         return std::nullopt;
     const Orientation orientation = picture->orientation;

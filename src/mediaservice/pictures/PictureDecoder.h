@@ -8,8 +8,8 @@
 namespace sela {
 
 /// The picture in a file, whatever the file is called: upright, in sRGB, with no side longer than
-/// `maximumSide` pixels; of an animation its first frame. Absent when the file is of no kind that is read
+/// `bounds`; of an animation its first frame. Absent when the file is of no kind that is read
 /// here, broken or cut.
-std::optional<PixelBuffer> decodePicture(const InputFile& file, int maximumSide);
+std::optional<PixelBuffer> decodePicture(const InputFile& file, PictureBounds bounds);
 
 } // namespace sela

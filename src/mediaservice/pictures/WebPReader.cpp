@@ -75,7 +75,7 @@ Rectangle scaledPlace(const WebPIterator& frame, PictureSize source, PictureSize
 
 } // namespace
 
-std::optional<DecodedPicture> readWebP(const InputFile& file, int maximumSide) {
+std::optional<DecodedPicture> readWebP(const InputFile& file, PictureBounds bounds) {
     const auto content = file.part(0, file.size(), largestFile);
     if (!content)
         return std::nullopt;
@@ -91,7 +91,7 @@ std::optional<DecodedPicture> readWebP(const InputFile& file, int maximumSide) {
                            static_cast<int>(WebPDemuxGetI(demuxer.get(), WEBP_FF_CANVAS_HEIGHT))};
     if (!isDecodableSize(size))
         return std::nullopt;
-    const PictureSize target = fitted(size, maximumSide);
+    const PictureSize target = fitted(size, bounds);
     DecodedPicture picture;
     picture.pixels = {target.width, target.height, {}};
     picture.pixels.bytes.resize(std::size_t{4} * static_cast<std::size_t>(target.width) *

@@ -8,7 +8,7 @@
 namespace sela {
 
 /// Reads a WebP picture, or the first frame of an animated one on its canvas, scaled while decoding to fit
-/// `maximumSide` pixels. Absent when it is broken or cut.
-std::optional<DecodedPicture> readWebP(const InputFile& file, int maximumSide);
+/// `bounds`. Absent when it is broken or cut.
+std::optional<DecodedPicture> readWebP(const InputFile& file, PictureBounds bounds);
 
 } // namespace sela

@@ -117,13 +117,13 @@ bool scale(const AVFrame& frame, PictureSize target, AVPixelFormat format, std::
 
 } // namespace
 
-std::optional<PixelBuffer> convertedFrame(const AVFrame& frame, const AVStream& track, int maximumSide) {
+std::optional<PixelBuffer> convertedFrame(const AVFrame& frame, const AVStream& track, PictureBounds bounds) {
     const PictureSize size = displaySize(frame, track);
     const auto format = static_cast<AVPixelFormat>(frame.format);
     if (frame.width < 1 || frame.height < 1 || std::max(size.width, size.height) > largestSourceSide ||
         !sws_isSupportedInput(format))
         return std::nullopt;
-    const PictureSize target = fitted(size, maximumSide);
+    const PictureSize target = fitted(size, bounds);
     PixelBuffer pixels{target.width, target.height, {}};
     pixels.bytes.resize(std::size_t{4} * static_cast<std::size_t>(target.width) *
                         static_cast<std::size_t>(target.height));

@@ -68,7 +68,7 @@ MediaOutcome VideoDecoder::frame(const MediaRequest& request) {
     const auto read = readFrame(*video_, windowOf(request, *video_));
     if (!read)
         return outcome;
-    auto pixels = convertedFrame(*read->frame, video_->track(), static_cast<int>(request.maximumSide));
+    auto pixels = convertedFrame(*read->frame, video_->track(), request.bounds());
     if (!pixels)
         return outcome;
     if (request.appliesTrackTransform)

@@ -9,8 +9,7 @@ namespace sela {
 Result<UIImage> AVAssetImageGenerator::copyCGImageAtTime(CMTime time, CMTime* actualTime) const {
     MediaRequest request;
     request.operation = MediaOperation::copyFrame;
-    request.maximumSide =
-        std::clamp(static_cast<std::uint32_t>(std::max(maximumSize, 1)), 1u, maximumPictureSide);
+    request.setBounds(maximumSize);
     request.asset = asset_.identifier();
     request.time = time;
     request.toleranceBefore = requestedTimeToleranceBefore;

@@ -19,8 +19,8 @@ public:
     CMTime requestedTimeToleranceBefore = kCMTimePositiveInfinity;
     CMTime requestedTimeToleranceAfter = kCMTimePositiveInfinity;
 
-    /// The largest side of an image in pixels; frames are scaled down to it while they are converted.
-    int maximumSize = 4096;
+    /// How large an image may be; frames are scaled down to it while they are converted.
+    PictureBounds maximumSize = maximumPictureSide;
 
     /// The image at `time`: a key frame within the tolerance, else the first frame that is shown within it.
     /// `actualTime`, when not null, gets the time of the frame taken. Fails when the file is no video that

@@ -1,5 +1,6 @@
 #include "platform/media/MediaMessages.h"
 
+#include <algorithm>
 #include <cstring>
 #include <type_traits>
 
@@ -78,11 +79,18 @@ private:
 
 } // namespace
 
+void MediaRequest::setBounds(PictureBounds bounds) {
+    maximumSide = static_cast<std::uint32_t>(std::clamp(bounds.longerSide, 1, maximumPictureSide));
+    shorterSide =
+        static_cast<std::uint32_t>(std::clamp(bounds.shorterSide, 0, static_cast<int>(maximumSide)));
+}
+
 Data encode(const MediaRequest& request) {
     Writer writer;
     writer.put(request.number);
     writer.put(static_cast<std::uint32_t>(request.operation));
     writer.put(request.maximumSide);
+    writer.put(request.shorterSide);
     writer.put(request.asset);
     writer.put(request.time);
     writer.put(request.toleranceBefore);
@@ -108,6 +116,7 @@ std::optional<MediaRequest> decodeRequest(DataView bytes) {
     reader.get(request.number);
     reader.get(request.operation, MediaOperation::copyFrame);
     reader.get(request.maximumSide);
+    reader.get(request.shorterSide);
     reader.get(request.asset);
     reader.get(request.time);
     reader.get(request.toleranceBefore);
@@ -116,7 +125,7 @@ std::optional<MediaRequest> decodeRequest(DataView bytes) {
 
     const bool wantsPixels = request.operation != MediaOperation::readDuration;
     reader.require(wantsPixels == (request.maximumSide > 0));
-    reader.require(request.maximumSide <= maximumPictureSide);
+    reader.require(request.maximumSide <= maximumPictureSide && request.shorterSide <= request.maximumSide);
     reader.require(!request.time.positiveInfinity);
     if (!reader.isWholeMessage())
         return std::nullopt;

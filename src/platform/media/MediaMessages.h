@@ -2,6 +2,7 @@
 
 #include "platform/foundation/Data.h"
 #include "platform/media/CMTime.h"
+#include "platform/media/PictureBounds.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,9 +12,6 @@ namespace sela {
 /// What the media helpers are asked and what they answer: fixed-size messages, one a packet, in the byte
 /// order of the machine that both ends run on. The reader of a message trusts nothing in it. Values;
 /// thread-safe.
-
-/// The largest side of a picture that a request may ask for, in pixels. It bounds the shared memory.
-inline constexpr std::uint32_t maximumPictureSide = 4096;
 
 /// What a request wants done with its file.
 enum class MediaOperation : std::uint32_t {
@@ -28,11 +26,15 @@ struct MediaRequest {
     std::uint32_t number = 0; ///< repeated in the response
     MediaOperation operation = MediaOperation::decodePicture;
     std::uint32_t maximumSide = 0; ///< of the pixels, 1 to `maximumPictureSide`; 0 for a duration
+    std::uint32_t shorterSide = 0; ///< of the pixels, at most `maximumSide`; 0: as that allows
     std::uint32_t asset = 0;       ///< requests of one number are about the same open video
     CMTime time;                   ///< of the frame, from the start of the video
     CMTime toleranceBefore;
     CMTime toleranceAfter;
     bool appliesTrackTransform = false; ///< whether the frame is turned upright
+
+    PictureBounds bounds() const { return {static_cast<int>(maximumSide), static_cast<int>(shorterSide)}; }
+    void setBounds(PictureBounds bounds);
 
     bool operator==(const MediaRequest&) const = default;
 };

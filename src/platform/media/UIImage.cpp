@@ -38,12 +38,12 @@ std::optional<UIImage> UIImage::named(std::string_view name) {
     return image;
 }
 
-std::optional<UIImage> UIImage::contentsOfFile(const std::string& path, int maximumSide) {
-    if (maximumSide <= 0)
+std::optional<UIImage> UIImage::contentsOfFile(const std::string& path, PictureBounds bounds) {
+    if (bounds.longerSide <= 0)
         return std::nullopt;
     MediaRequest request;
     request.operation = MediaOperation::decodePicture;
-    request.maximumSide = std::min(static_cast<std::uint32_t>(maximumSide), maximumPictureSide);
+    request.setBounds(bounds);
     auto answer = MediaServiceClient::shared().perform(path, request);
     if (!answer)
         return std::nullopt;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/Data.h"
+#include "platform/media/PictureBounds.h"
 
 #include <cstdint>
 #include <memory>
@@ -29,10 +30,10 @@ public:
     /// The asset of that name; absent when the catalogue has none.
     static std::optional<UIImage> named(std::string_view name);
 
-    /// The picture in a file, decoded by the media helper so that its longer side is at most `maximumSide`
-    /// pixels (smaller pictures keep their size), upright, in sRGB. Absent when the file is missing or is no
+    /// The picture in a file, decoded by the media helper within `bounds` (no side above
+    /// `maximumPictureSide`), upright, in sRGB. Absent when the file is missing or is no
     /// picture that can be decoded whole. Blocks; may be called from any thread.
-    static std::optional<UIImage> contentsOfFile(const std::string& path, int maximumSide);
+    static std::optional<UIImage> contentsOfFile(const std::string& path, PictureBounds bounds);
 
     /// A picture from pixels; `pixels.bytes` must hold exactly 4 * width * height bytes, else the process
     /// stops.

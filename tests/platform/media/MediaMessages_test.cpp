@@ -10,6 +10,7 @@ MediaRequest frameRequest() {
     return {.number = 7,
             .operation = MediaOperation::copyFrame,
             .maximumSide = 300,
+            .shorterSide = 200,
             .asset = 9,
             .time = {8792, 600},
             .toleranceBefore = {60, 600},
@@ -55,6 +56,7 @@ TEST(MediaMessages, ThatBreakTheRulesAreRefused) {
         [](auto& request) { request.operation = MediaOperation::readDuration; }, // yet it wants pixels
         [](auto& request) { request.maximumSide = 0; },
         [](auto& request) { request.maximumSide = maximumPictureSide + 1; },
+        [](auto& request) { request.shorterSide = request.maximumSide + 1; },
         [](auto& request) { request.time = kCMTimePositiveInfinity; },
         [](auto& request) { request.toleranceBefore.timescale = 0; },
     };
