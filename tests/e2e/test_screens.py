@@ -128,7 +128,7 @@ class Screens(HomeTest):
                 if RENEW:
                     shutil.copy(file, reference)
                 # Components that are apart by 48 of 255 are seen by anyone; a mean of half a step is seen by nobody.
-                for measure, most in (["-fuzz", "19%", "-metric", "AE"], 500), (["-metric", "MAE"], 130):
+                for measure, most in (["-fuzz", "19%", "-metric", "AE"], 30), (["-metric", "MAE"], 65):
                     result = subprocess.run(["compare", *measure, file, reference, "null:"], capture_output=True,
                                             text=True)
                     self.assertLess(float(result.stderr.split()[0]), most, (name, screen, measure))

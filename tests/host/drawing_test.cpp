@@ -3,7 +3,6 @@
 #include "platform/uikit/UIImageView.h"
 #include "platform/uikit/UILabel.h"
 #include "platform/uikit/UIViewController.h"
-#include "support/RightToLeft.h"
 
 #include <gtest/gtest.h>
 
@@ -157,28 +156,6 @@ TEST(ViewPainter, FillsAStencilWithTheTint) {
     EXPECT_EQ(scene.pixel(14, 14), redPixel);
     EXPECT_EQ(scene.pixel(46, 14), whitePixel);
     EXPECT_EQ(scene.pixel(46, 46), redPixel);
-}
-
-TEST(ViewPainter, MirrorsWhatFollowsReading) {
-    const OffscreenEnvironment environment;
-    ViewPainter painter(environment.measurer);
-    UIWindow window({200, 40});
-    UIImageView arrow({0, 0, 40, 40});
-    arrow.setImage(UIImage::named("Disclosure")->imageFlippedForRightToLeftLayoutDirection());
-    UILabel label({40, 0, 160, 40});
-    label.setText("Trips");
-    window.addSubview(arrow);
-    window.addSubview(label);
-    const QRect arrowArea(0, 0, 40, 40), leftHalf(40, 0, 80, 40), rightHalf(120, 0, 80, 40);
-    const QImage leftToRight = Snapshot::picture(window, painter, 1);
-    const QImage arrowShown = leftToRight.copy(arrowArea), nothing = leftToRight.copy(rightHalf);
-    EXPECT_NE(leftToRight.copy(leftHalf), nothing);
-    EXPECT_NE(arrowShown, arrowShown.mirrored(true, false));
-    const RightToLeft fromRight;
-    const QImage rightToLeft = Snapshot::picture(window, painter, 1);
-    EXPECT_EQ(rightToLeft.copy(leftHalf), nothing);
-    EXPECT_NE(rightToLeft.copy(rightHalf), nothing);
-    EXPECT_EQ(rightToLeft.copy(arrowArea), arrowShown.mirrored(true, false));
 }
 
 } // namespace sela

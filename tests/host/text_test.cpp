@@ -4,7 +4,6 @@
 
 #include <QImage>
 #include <QPainter>
-#include <QRawFont>
 
 namespace sela {
 
@@ -15,25 +14,6 @@ NSAttributedString inFont(std::string_view text, const UIFont& font) {
 }
 
 } // namespace
-
-TEST(FontCache, HoldsTheFontsOfTheScreens) {
-    struct Case {
-        UIFont font;
-        const char* styleName;
-    };
-    const Case cases[] = {{UIFont::systemFont(14), "Regular"},
-                          {UIFont::boldSystemFont(20), "Bold"},
-                          {UIFont::systemFont(16, UIFont::Weight::semibold), "Medium"},
-                          {UIFont::named("Roboto-Light", 28), "Light"},
-                          {UIFont::named("NoSuchFamily", 17), "Regular"}};
-    FontCache fonts;
-    for (const Case& item : cases) {
-        const QRawFont raw = QRawFont::fromFont(fonts.font(item.font));
-        EXPECT_TRUE(raw.familyName().startsWith("Roboto")) << raw.familyName().toStdString();
-        EXPECT_EQ(raw.styleName().toStdString(), item.styleName);
-        EXPECT_DOUBLE_EQ(raw.pixelSize(), item.font.size());
-    }
-}
 
 TEST(QtTextMeasurer, GivesSizesThatTheTextFitsInto) {
     const OffscreenEnvironment environment;
