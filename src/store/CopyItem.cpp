@@ -2,6 +2,7 @@
 #include "platform/foundation/FatalError.h"
 #include "platform/foundation/FileManager.h"
 #include "platform/foundation/NSLog.h"
+#include "platform/foundation/StreamCopy.h"
 #include "store/ShareExtensionError.h"
 #include "store/SharedItemManager.h"
 
@@ -9,14 +10,10 @@
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace sela {
 
 namespace {
-
-/// The size of one block: the format's 2 MiB, large enough that the calls cost nothing beside the copy.
-constexpr std::size_t blockSize = 2'097'152;
 
 /// One copy under way, on one background thread.
 class FileCopy {
@@ -65,18 +62,17 @@ private:
 
     /// Returns what the last read returned.
     std::int64_t copyBlocks(std::int64_t size) {
-        std::vector<std::byte> buffer(blockSize);
+        StreamCopy copy(*input_, *output_);
         std::int64_t total = 0;
-        std::int64_t count = input_->read(buffer);
+        std::int64_t count = copy.copyBlock();
         while (count > 0) {
             // A failed write is kept by the stream and told by synchronize.
-            output_->write(DataView(buffer).first(static_cast<std::size_t>(count)));
             if (__builtin_add_overflow(total, count, &total))
                 fatalError("copyItem: the number of bytes overflows");
             logBlock(count, total);
             observer_.tellCopied(total, size);
             postProgress(static_cast<float>(total) / static_cast<float>(size));
-            count = input_->read(buffer);
+            count = copy.copyBlock();
         }
         if (count == 0)
             logBlock(0, total);

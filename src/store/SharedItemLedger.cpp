@@ -5,6 +5,7 @@
 #include "store/SharedFolder.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 namespace sela::SharedItemLedger {
@@ -156,16 +157,22 @@ std::optional<Data> adding(DataView ledger, std::string_view key, const SharedIt
     return grown;
 }
 
-Result<std::optional<Data>> removing(DataView ledger, const Entry& entry) {
+Result<std::optional<Data>> removing(DataView ledger, const std::vector<Entry>& gone) {
     const Result<std::vector<Entry>> entries = decode(ledger);
     if (!entries)
         return entries.error();
+    std::multimap<std::string_view, const SharedItem*> itemsGone;
+    for (const auto& [key, item] : gone)
+        itemsGone.emplace(key, &item);
     const std::string_view text = asText(ledger);
     const std::vector<Member> members = membersOf(text);
     std::vector<Member> kept;
     std::size_t used = 0;
     for (std::size_t i = 0; i < members.size(); ++i) {
-        if (entries.value()[i] == entry)
+        const Entry& entry = entries.value()[i];
+        const auto [first, last] = itemsGone.equal_range(entry.first);
+        if (std::any_of(first, last,
+                        [&](const auto& candidate) { return *candidate.second == entry.second; }))
             continue;
         kept.push_back(members[i]);
         used += members[i].end - members[i].begin;

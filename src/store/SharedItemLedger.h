@@ -40,9 +40,9 @@ std::optional<Data> fresh(std::string_view key, const SharedItem& item);
 /// the length. Absent when a text of the item is not UTF-8.
 std::optional<Data> adding(DataView ledger, std::string_view key, const SharedItem& item);
 
-/// A ledger without this entry; what else is in it stays byte for byte, and a long ledger mostly keeps its
+/// A ledger without these entries; what else is in it stays byte for byte, and a long ledger mostly keeps its
 /// length. Absent when no entry is left; the error when the text is no ledger.
-Result<std::optional<Data>> removing(DataView ledger, const Entry& entry);
+Result<std::optional<Data>> removing(DataView ledger, const std::vector<Entry>& gone);
 
 /// A ledger of these entries; absent when a text is not UTF-8.
 std::optional<Data> encode(const std::vector<Entry>& entries);

@@ -3,10 +3,12 @@
 #include "platform/foundation/FileManager.h"
 #include "platform/foundation/NSLog.h"
 #include "store/FileKind.h"
+#include "store/ItemsLock.h"
 #include "store/LedgerUpdate.h"
 #include "store/ShareExtensionError.h"
 #include "store/SharedFolder.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -20,10 +22,17 @@ void report(const SharedItemManager::Completion& completion, const ErrorRef& err
         completion(error);
 }
 
+/// Where an item is to go.
+struct Destination {
+    URL file;
+    std::shared_ptr<const ItemsLock> lock; ///< held until the item is recorded
+};
+
 /// The checks that both forms of saving begin with. Returns where the item is to go; absent when the saving
 /// has ended, with `completion` called unless "Items" could not be made.
-std::optional<URL> destinationOf(const SharedItem& item, const SharedItemManager::Completion& completion,
-                                 const SaveObserver& observer) {
+std::optional<Destination> destinationOf(const SharedItem& item,
+                                         const SharedItemManager::Completion& completion,
+                                         const SaveObserver& observer) {
     const auto fail = [&](const char* message) {
         const ErrorRef error = ShareExtensionError::make(message);
         observer.tellEnd(SaveEnd::Kind::failed, error);
@@ -52,6 +61,7 @@ std::optional<URL> destinationOf(const SharedItem& item, const SharedItemManager
             return std::nullopt;
         }
     }
+    auto lock = std::make_shared<const ItemsLock>(ItemsLock::forSaving(items));
     URL destination = items.appendingPathComponent(item.fileName);
     if (files.fileExists(destination.path())) {
         NSLog("File already exists, fileName = " + item.fileName);
@@ -60,31 +70,32 @@ std::optional<URL> destinationOf(const SharedItem& item, const SharedItemManager
         report(completion, nullptr);
         return std::nullopt;
     }
-    return destination;
+    return Destination{std::move(destination), std::move(lock)};
 }
 
 } // namespace
 
 void SharedItemManager::saveItem(const SharedItem& item, const URL& fileUrl, Completion completion,
                                  const SaveObserver& observer) {
-    const std::optional<URL> destination = destinationOf(item, completion, observer);
+    const std::optional<Destination> destination = destinationOf(item, completion, observer);
     if (!destination)
         return;
-    const auto recordAtEnd = [item, completion = std::move(completion), observer](const ErrorRef& error) {
+    const auto recordAtEnd = [item, completion = std::move(completion), observer,
+                              lock = destination->lock](const ErrorRef& error) {
         if (error)
             report(completion, error);
         else
             updateLedger(item, completion, observer);
     };
-    copyItem(fileUrl, *destination, nullptr, recordAtEnd, observer);
+    copyItem(fileUrl, destination->file, nullptr, recordAtEnd, observer);
 }
 
 void SharedItemManager::saveItem(const SharedItem& item, DataView data, const Completion& completion,
                                  const SaveObserver& observer) {
-    const std::optional<URL> destination = destinationOf(item, completion, observer);
+    const std::optional<Destination> destination = destinationOf(item, completion, observer);
     if (!destination)
         return;
-    if (const ErrorRef error = FileManager::defaultManager().writeAtomically(data, *destination)) {
+    if (const ErrorRef error = FileManager::defaultManager().writeAtomically(data, destination->file)) {
         observer.tellEnd(SaveEnd::Kind::failed, error);
         report(completion, error);
         return;

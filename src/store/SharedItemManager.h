@@ -44,12 +44,12 @@ public:
     static void saveItem(const SharedItem& item, DataView data, const Completion& completion,
                          const SaveObserver& observer = {});
 
-    /// Copies a file on the global queue through one buffer of 2 MiB, replacing what `destination` held, and
-    /// brings it to the disk. `progress` (which may be empty) comes on the main queue after each block and
-    /// with 1.0 at the end; `completion` (which may be empty) after it, without an error once everything is
-    /// on the disk, otherwise with the error of reading, writing or flushing; "failed to create stream" comes
-    /// on the background thread. Neither comes when the source is empty. `observer` is told of each block,
-    /// and of the end when it is not a success.
+    /// Copies a file on the global queue in blocks of 2 MiB (`StreamCopy`), replacing what `destination`
+    /// held, and brings it to the disk. `progress` (which may be empty) comes on the main queue after each
+    /// block and with 1.0 at the end; `completion` (which may be empty) after it, without an error once
+    /// everything is on the disk, otherwise with the error of reading, writing or flushing; "failed to create
+    /// stream" comes on the background thread. Neither comes when the source is empty. `observer` is told of
+    /// each block, and of the end when it is not a success.
     static void copyItem(const URL& source, const URL& destination, Progress progress, Completion completion,
                          const SaveObserver& observer = {});
 };

@@ -1,55 +1,76 @@
 #include "vault/Import.h"
 
 #include "platform/foundation/FileManager.h"
-#include "platform/foundation/JSONRecords.h"
+#include "platform/foundation/StreamCopy.h"
+#include "store/ItemsLock.h"
 #include "store/ShareExtensionError.h"
 #include "store/SharedFolder.h"
 #include "vault/ContentComparison.h"
+#include "vault/ImportJournal.h"
 #include "vault/ImportLock.h"
-#include "vault/ImportPlace.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <set>
 #include <utility>
 
 namespace sela {
 
 namespace {
 
-constexpr std::string_view journalKey = "importJournal";
 constexpr double dayInSeconds = 86'400;
-constexpr std::size_t copyBlockSize = 2'097'152;
 
-bool isError(const ErrorRef& error, int code) {
+/// How much of an import may be under way at once: so many flushes fewer, and so little to do again.
+constexpr std::size_t largestBatch = 256;
+constexpr std::int64_t largestBatchSize = 64 << 20;
+
+template<std::size_t count>
+bool isOneOf(const ErrorRef& error, const std::array<int, count>& codes) {
     const auto* const posix = dynamic_cast<const NSError*>(error.get());
-    return posix && posix->domain() == NSPOSIXErrorDomain && posix->code() == code;
+    return posix && posix->domain() == NSPOSIXErrorDomain &&
+           std::ranges::find(codes, posix->code()) != codes.end();
 }
 
 /// Whether a file system says that it cannot give this file a second name there.
 bool cannotLink(const ErrorRef& error) {
-    return std::ranges::any_of(std::array{EXDEV, EPERM, EOPNOTSUPP, EMLINK, ENOSYS},
-                               [&](int code) { return isError(error, code); });
+    return isOneOf(error, std::array{EXDEV, EPERM, EOPNOTSUPP, EMLINK, ENOSYS});
+}
+
+/// Whether a file system says that it cannot hold such a name.
+bool refusesName(const ErrorRef& error) {
+    return isOneOf(error, std::array{EINVAL, EILSEQ, ENAMETOOLONG});
 }
 
 double secondsSince1970() {
     return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
+std::string folderOf(const URL& file) {
+    return file.deletingLastPathComponent().path();
+}
+
+ErrorRef takeOutOfLedger(const std::vector<SharedItemLedger::Entry>& gone) {
+    std::optional<UserDefaults> defaults = sharedDefaults();
+    if (!defaults)
+        return ShareExtensionError::make("UserDefaults is nil");
+    Result<SettingsTransaction> settings = SettingsTransaction::begin(std::move(*defaults));
+    if (!settings)
+        return settings.error();
+    const Result<std::optional<Data>> ledger = settings.value().readData(sharedItemsKey);
+    if (!ledger || !ledger.value())
+        return ledger.error();
+    const Result<std::optional<Data>> rest = SharedItemLedger::removing(*ledger.value(), gone);
+    if (!rest)
+        return rest.error();
+    if (rest.value())
+        settings.value().setData(sharedItemsKey, *rest.value());
+    else
+        settings.value().removeObject(sharedItemsKey);
+    return settings.value().commit();
+}
+
 } // namespace
-
-struct Import::Journal {
-    std::string key;
-    std::string fileName;
-    std::string target; ///< a file URL, since a path need not be text
-
-    static constexpr auto jsonMembers() {
-        return std::array<JSONMember<Journal>, 3>{
-            {{"key", &Journal::key}, {"fileName", &Journal::fileName}, {"target", &Journal::target}}};
-    }
-};
 
 Result<Import::Report> Import::run() {
     container_ = sharedFolderUrl();
@@ -64,117 +85,142 @@ Result<Import::Report> Import::run() {
     FileManager::defaultManager().removeItem(temporaryCopy().path());
     if (ErrorRef error = recover())
         return error;
-    const Result<std::vector<SharedItemLedger::Entry>> entries = SharedItemLedger::entries();
+    Result<std::vector<Entry>> entries = SharedItemLedger::entries();
     if (!entries)
         return entries.error();
-    for (const SharedItemLedger::Entry& entry : entries.value()) {
-        const ErrorRef error = importEntry(entry);
-        if (!error)
-            continue;
-        report_.problems.push_back(entry.second.fileName + ": " + error->localizedDescription());
-        // Its place is noted and perhaps taken; the next import must find that note to finish it.
-        if (journalNoted_)
-            return std::move(report_);
-    }
-    if (ErrorRef error = findUnrecorded())
-        return error;
+    ErrorRef error = importAll(std::move(entries.value()));
+    if (!error)
+        error = findUnrecorded();
+    if (error)
+        report_.problems.push_back(error->localizedDescription());
     return std::move(report_);
 }
 
 ErrorRef Import::recover() {
-    std::optional<UserDefaults> defaults = sharedDefaults();
-    if (!defaults)
-        return ShareExtensionError::make("UserDefaults is nil");
-    const Result<std::optional<Data>> text = defaults->readData(journalKey);
-    if (!text)
-        return text.error();
-    if (!text.value())
-        return nullptr;
-    // One that cannot be read is of no use to anybody.
-    if (const Result<std::vector<Journal>> notes = decodeJSONArray<Journal>(*text.value()))
-        for (const Journal& note : notes.value())
-            if (const std::optional<URL> target = URL::parse(note.target);
-                target && isSinglePathComponent(note.fileName))
-                if (ErrorRef error = finish(note, *target))
-                    return error;
-    return defaults->removeObject(journalKey);
-}
-
-ErrorRef Import::finish(const Journal& journal, const URL& target) {
-    const URL source = itemURL(journal.fileName);
-    // The target is ours only if it holds the very content: somebody else may have made a file there.
-    const Result<bool> placed = hasSameContent(source, target);
-    if (!placed)
-        return placed.error();
-    if (!placed.value())
-        return nullptr;
-    FileManager& files = FileManager::defaultManager();
-    if (ErrorRef error = files.synchronizeDirectory(target.deletingLastPathComponent().path()))
-        return error;
-    const Result<std::vector<SharedItemLedger::Entry>> entries = SharedItemLedger::entries();
+    const Result<std::vector<ImportJournal::Note>> notes = ImportJournal::read();
+    if (!notes || notes.value().empty())
+        return notes ? ImportJournal::clear() : notes.error();
+    const Result<std::vector<Entry>> entries = SharedItemLedger::entries();
     if (!entries)
         return entries.error();
-    for (const SharedItemLedger::Entry& entry : entries.value())
-        if (entry.first == journal.key && entry.second.fileName == journal.fileName)
-            if (ErrorRef error = takeOutOfLedger(entry))
-                return error;
-    if (ErrorRef error = files.removeItem(source.path()))
+    std::vector<Placement> placed;
+    for (const ImportJournal::Note& note : notes.value()) {
+        const std::optional<URL> target = URL::parse(note.target);
+        if (!target || !isSinglePathComponent(note.fileName))
+            continue;
+        // The target is ours only if it holds the very content: somebody else may have made a file there.
+        const URL source = itemURL(note.fileName);
+        const Result<bool> isPlaced = hasSameContent(source, *target);
+        if (!isPlaced)
+            return isPlaced.error();
+        if (!isPlaced.value())
+            continue;
+        const auto entry = std::ranges::find_if(entries.value(), [&](const Entry& candidate) {
+            return candidate.first == note.key && candidate.second.fileName == note.fileName;
+        });
+        // One that left the ledger already only has to leave "Items".
+        placed.push_back({entry == entries.value().end() ? Entry() : *entry, source, *target});
+    }
+    if (ErrorRef error = takeOut(placed, {}))
         return error;
-    report_.imported.push_back(target.path());
-    return nullptr;
+    return ImportJournal::clear();
 }
 
-URL Import::itemURL(const std::string& fileName) const {
-    return container_->appendingPathComponent(itemsFolderName).appendingPathComponent(fileName);
+ErrorRef Import::importAll(std::vector<Entry> entries) {
+    while (!entries.empty()) {
+        std::vector<Entry> again;
+        Batch batch;
+        for (const Entry& entry : entries) {
+            if (ErrorRef error = plan(entry, batch))
+                addProblem(entry.second, error);
+            if (batch.placements.size() < largestBatch && batch.bytes < largestBatchSize)
+                continue;
+            if (ErrorRef error = finish(std::exchange(batch, {}), again))
+                return error;
+        }
+        if (ErrorRef error = finish(std::move(batch), again))
+            return error;
+        entries = std::move(again);
+    }
+    return journalNoted_ ? ImportJournal::clear() : nullptr;
 }
 
-ErrorRef Import::importEntry(const SharedItemLedger::Entry& entry) {
+ErrorRef Import::plan(const Entry& entry, Batch& batch) {
     const SharedItem& item = entry.second;
     if (!isSinglePathComponent(item.fileName))
-        return ShareExtensionError::make("the file name leads elsewhere");
-    FileManager& files = FileManager::defaultManager();
+        return ShareExtensionError::make("the name of its file leads elsewhere");
     const URL source = itemURL(item.fileName);
-    const Result<FileAttributes> attributes = files.attributesOfEntry(source.path());
+    const Result<FileAttributes> attributes = FileManager::defaultManager().attributesOfEntry(source.path());
+    if (isOneOf(attributes.error(), std::array{ENOENT})) {
+        if (!options_.dropMissing || options_.keep)
+            return ShareExtensionError::make("its file is missing; --drop-missing drops such entries");
+        batch.missing.push_back(entry);
+        return nullptr;
+    }
     if (!attributes)
         return attributes.error();
     if (attributes.value().type != FileAttributes::Type::regular)
-        return ShareExtensionError::make("not a file");
-    const URL folder = importFolder(options_.into, item);
-    if (!madeFolders_.contains(folder.path()))
-        if (ErrorRef error = files.createDirectory(folder.path()))
-            return error;
-    madeFolders_.insert(folder.path());
-    const Result<URL> target = place(entry, source, folder);
-    if (!target)
-        return target.error();
-    if (!options_.keep) {
-        if (ErrorRef error = takeOutOfLedger(entry))
-            return error;
-        if (ErrorRef error = files.removeItem(source.path()))
-            return error;
-        if (std::optional<UserDefaults> defaults = sharedDefaults())
-            if (ErrorRef error = defaults->removeObject(journalKey))
-                return error;
-        journalNoted_ = false;
-    }
-    report_.imported.push_back(target.value().path());
+        return ShareExtensionError::make("what the group has under its name is no file");
+    const Result<URL> folder = makeFolder(item);
+    if (!folder)
+        return folder.error();
+    batch.placements.push_back({entry, source, freePlace(folder.value(), item)});
+    batch.bytes += attributes.value().size;
     return nullptr;
 }
 
-Result<URL> Import::place(const SharedItemLedger::Entry& entry, const URL& source, const URL& folder) {
-    for (int attempt = 1;; ++attempt) {
-        const URL target = folder.appendingPathComponent(importName(entry.second, attempt));
-        if (FileManager::defaultManager().attributesOfEntry(target.path()))
-            continue;
-        if (!options_.keep)
-            if (ErrorRef error = noteJournal({entry.first, entry.second.fileName, target.absoluteString()}))
-                return error;
-        const ErrorRef error = putAt(source, target);
-        if (!error)
-            return target;
-        if (!isError(error, EEXIST))
-            return error;
+Result<URL> Import::makeFolder(const SharedItem& item) {
+    const URL folder = importFolder(options_.into, item.fake, defaultAlbum_.pathOf(item.albumNames), form_);
+    if (madeFolders_.contains(folder.path()))
+        return folder;
+    const ErrorRef error = FileManager::defaultManager().createDirectory(folder.path());
+    if (refusesName(error) && form_ == NameForm::own) {
+        form_ = NameForm::portable;
+        return makeFolder(item);
     }
+    if (error)
+        return error;
+    madeFolders_.insert(folder.path());
+    return folder;
+}
+
+URL Import::freePlace(const URL& folder, const SharedItem& item) {
+    int& attempt = attempts_[folder.appendingPathComponent(importName(item, 1, form_)).path()];
+    URL place = folder;
+    do
+        place = folder.appendingPathComponent(importName(item, ++attempt, form_));
+    while (FileManager::defaultManager().attributesOfEntry(place.path()));
+    return place;
+}
+
+ErrorRef Import::finish(Batch batch, std::vector<Entry>& again) {
+    if (!options_.keep && !batch.placements.empty()) {
+        std::vector<ImportJournal::Note> notes;
+        for (const auto& [entry, source, target] : batch.placements)
+            notes.push_back({entry.first, entry.second.fileName, target.absoluteString()});
+        if (ErrorRef error = ImportJournal::write(notes))
+            return error;
+        journalNoted_ = true;
+    }
+    return takeOut(putInPlace(batch, again), batch.missing);
+}
+
+std::vector<Import::Placement> Import::putInPlace(const Batch& batch, std::vector<Entry>& again) {
+    std::vector<Placement> placed;
+    for (const Placement& placement : batch.placements) {
+        const ErrorRef error = putAt(placement.source, placement.target);
+        if (!error) {
+            placed.push_back(placement);
+        } else if (isOneOf(error, std::array{EEXIST})) {
+            again.push_back(placement.entry);
+        } else if (refusesName(error) && form_ == NameForm::own) {
+            form_ = NameForm::portable;
+            again.push_back(placement.entry);
+        } else {
+            addProblem(placement.entry.second, error);
+        }
+    }
+    return placed;
 }
 
 ErrorRef Import::putAt(const URL& source, const URL& target) {
@@ -182,11 +228,6 @@ ErrorRef Import::putAt(const URL& source, const URL& target) {
         return copyTo(source, target);
     ErrorRef error = FileManager::defaultManager().linkItem(source.path(), target.path());
     return cannotLink(error) ? copyTo(source, target) : error;
-}
-
-URL Import::temporaryCopy() const {
-    // Named after the group, since imports of two groups may go to one folder.
-    return options_.into.appendingPathComponent(".sela-import-" + container_->lastPathComponent());
 }
 
 ErrorRef Import::copyTo(const URL& source, const URL& target) {
@@ -198,12 +239,12 @@ ErrorRef Import::copyTo(const URL& source, const URL& target) {
     Result<OutputStream> output = files.outputStream(temporary, input.value().expectedSize());
     if (!output)
         return output.error();
-    std::vector<std::byte> buffer(copyBlockSize);
+    StreamCopy copy(input.value(), output.value());
     std::int64_t count = 0;
-    while ((count = input.value().read(buffer)) > 0)
-        if (output.value().write(DataView(buffer).first(static_cast<std::size_t>(count))) < 0)
-            break;
-    ErrorRef error = count < 0 ? input.value().streamError() : output.value().synchronize();
+    do
+        count = copy.copyBlock();
+    while (count > 0 && !output.value().streamError());
+    ErrorRef error = count < 0 ? input.value().streamError() : output.value().synchronizeContent();
     if (!error)
         error = files.moveItem(temporary.path(), target.path());
     if (error)
@@ -211,36 +252,43 @@ ErrorRef Import::copyTo(const URL& source, const URL& target) {
     return error;
 }
 
-ErrorRef Import::noteJournal(const Journal& journal) {
-    JSONWriter writer;
-    writer.beginArray();
-    writeJSONRecord(writer, journal);
-    writer.endArray();
-    std::optional<UserDefaults> defaults = sharedDefaults();
-    if (!defaults)
-        return ShareExtensionError::make("UserDefaults is nil");
-    journalNoted_ = true;
-    return defaults->setData(journalKey, asData(writer.text()));
+ErrorRef Import::takeOut(const std::vector<Placement>& placed, const std::vector<Entry>& missing) {
+    FileManager& files = FileManager::defaultManager();
+    std::set<std::string> folders;
+    std::vector<Entry> gone = missing;
+    for (const Placement& placement : placed) {
+        folders.insert(folderOf(placement.target));
+        gone.push_back(placement.entry);
+    }
+    for (const std::string& folder : folders)
+        if (ErrorRef error = files.synchronizeDirectory(folder))
+            return error;
+    if (!options_.keep && !gone.empty())
+        if (ErrorRef error = takeOutOfLedger(gone))
+            return error;
+    for (const auto& [entry, source, target] : placed) {
+        report_.imported.push_back(target.path());
+        const ErrorRef error = options_.keep ? nullptr : files.removeItem(source.path());
+        if (error)
+            report_.problems.push_back(error->localizedDescription());
+    }
+    for (const Entry& entry : missing)
+        report_.dropped.push_back(entry.second.preferredName.value_or(entry.second.fileName));
+    return nullptr;
 }
 
-ErrorRef Import::takeOutOfLedger(const SharedItemLedger::Entry& entry) {
-    std::optional<UserDefaults> defaults = sharedDefaults();
-    if (!defaults)
-        return ShareExtensionError::make("UserDefaults is nil");
-    Result<SettingsTransaction> settings = SettingsTransaction::begin(std::move(*defaults));
-    if (!settings)
-        return settings.error();
-    const Result<std::optional<Data>> ledger = settings.value().readData(sharedItemsKey);
-    if (!ledger || !ledger.value())
-        return ledger.error();
-    const Result<std::optional<Data>> rest = SharedItemLedger::removing(*ledger.value(), entry);
-    if (!rest)
-        return rest.error();
-    if (rest.value())
-        settings.value().setData(sharedItemsKey, *rest.value());
-    else
-        settings.value().removeObject(sharedItemsKey);
-    return settings.value().commit();
+URL Import::temporaryCopy() const {
+    // Named after the group, since imports of two groups may go to one folder.
+    return options_.into.appendingPathComponent(".sela-import-" + container_->lastPathComponent());
+}
+
+URL Import::itemURL(const std::string& fileName) const {
+    return container_->appendingPathComponent(itemsFolderName).appendingPathComponent(fileName);
+}
+
+void Import::addProblem(const SharedItem& item, const ErrorRef& error) {
+    report_.problems.push_back(item.preferredName.value_or(item.fileName) + ": " +
+                               error->localizedDescription());
 }
 
 ErrorRef Import::findUnrecorded() {
@@ -248,16 +296,23 @@ ErrorRef Import::findUnrecorded() {
     const URL items = container_->appendingPathComponent(itemsFolderName);
     if (!files.fileExists(items.path()))
         return nullptr;
+    bool prune = options_.prune;
+    std::optional<ItemsLock> lock;
+    if (prune) {
+        lock = ItemsLock::forRemoving(items);
+        prune = lock.has_value();
+        if (!lock)
+            report_.problems.emplace_back("nothing is pruned while something is being shared");
+    }
     // The names first: a file that is recorded in between then counts as recorded.
     const Result<std::vector<std::string>> names = files.contentsOfDirectory(items.path());
     if (!names)
         return names.error();
-    const Result<std::vector<SharedItemLedger::Entry>> entries = SharedItemLedger::entries();
+    const Result<std::vector<Entry>> entries = SharedItemLedger::entries();
     if (!entries)
         return entries.error();
     const std::optional<UserDefaults> defaults = sharedDefaults();
-    bool prune = false;
-    if (options_.prune && defaults) {
+    if (prune && defaults) {
         const Result<std::vector<std::string>> keptLedgers = defaults->keys(unreadableItemsKeyPrefix);
         if (!keptLedgers)
             return keptLedgers.error();
@@ -265,7 +320,7 @@ ErrorRef Import::findUnrecorded() {
         prune = keptLedgers.value().empty();
     }
     std::set<std::string_view> recorded;
-    for (const SharedItemLedger::Entry& entry : entries.value())
+    for (const Entry& entry : entries.value())
         recorded.insert(entry.second.fileName);
     for (const std::string& name : names.value()) {
         if (recorded.contains(name))
@@ -275,7 +330,7 @@ ErrorRef Import::findUnrecorded() {
         if (!attributes)
             continue;
         const bool old = secondsSince1970() - attributes.value().modificationDate > dayInSeconds;
-        if (prune && old && !files.removeItem(path))
+        if (prune && defaults && old && !files.removeItem(path))
             report_.pruned.push_back(name);
         else
             report_.unrecorded.push_back(name);

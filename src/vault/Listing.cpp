@@ -2,6 +2,7 @@
 
 #include "platform/foundation/FileManager.h"
 #include "platform/foundation/NSLog.h"
+#include "store/DefaultAlbum.h"
 #include "store/ShareExtensionError.h"
 #include "store/SharedAlbum.h"
 #include "store/SharedFolder.h"
@@ -86,9 +87,11 @@ Result<std::string> ledgerTable() {
     const Result<std::vector<SharedItemLedger::Entry>> entries = SharedItemLedger::entries();
     if (!entries)
         return entries.error();
+    DefaultAlbum defaultAlbum;
     std::vector<Row> rows = {{"VAULT", "BYTES", "ALBUM", "NAME", "FILE"}};
     for (const auto& [key, item] : entries.value())
-        rows.push_back({item.fake ? "decoy" : "vault", sizeOf(item), pathText(item.albumNames),
+        rows.push_back({item.fake ? "decoy" : "vault", sizeOf(item),
+                        pathText(defaultAlbum.pathOf(item.albumNames)),
                         escapedForLog(item.preferredName.value_or("-")), escapedForLog(item.fileName)});
     std::string text = table(rows);
     if (const std::optional<UserDefaults> defaults = sharedDefaults()) {

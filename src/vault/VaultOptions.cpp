@@ -45,7 +45,8 @@ OptionTable makeTable() {
                       .completion = Completion::folders},
                      {.name = "--keep", .help = "copy, and leave the ledger as it is"},
                      {.name = "--prune",
-                      .help = "remove files that no entry knows, a day after they were left"}},
+                      .help = "remove files that no entry knows, a day after they were left"},
+                     {.name = "--drop-missing", .help = "drop entries whose file is missing"}},
          .detail =
              "No file is ever overwritten, and an entry leaves the ledger only after its file is safely in "
              "place."}};

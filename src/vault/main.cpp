@@ -89,13 +89,18 @@ int import(const Arguments& arguments) {
     const std::string into = arguments.valueOf("--into").value_or("");
     if (into.empty())
         return misuse("import needs --into FOLDER");
-    sela::Import run({sela::URL::fileURL(into), arguments.has("--keep"), arguments.has("--prune")});
+    sela::Import run({.into = sela::URL::fileURL(into),
+                      .keep = arguments.has("--keep"),
+                      .prune = arguments.has("--prune"),
+                      .dropMissing = arguments.has("--drop-missing")});
     const sela::Result<sela::Import::Report> result = run.run();
     if (!result)
         return fail(result.error());
     const sela::Import::Report& report = result.value();
     for (const std::string& file : report.imported)
         std::printf("%s\n", sela::escapedForLog(file).c_str());
+    for (const std::string& name : report.dropped)
+        std::printf("dropped, its file is missing: %s\n", sela::escapedForLog(name).c_str());
     for (const std::string& name : report.pruned)
         std::printf("removed from Items, recorded nowhere: %s\n", sela::escapedForLog(name).c_str());
     for (const std::string& name : report.unrecorded)

@@ -38,6 +38,10 @@ public:
     std::int64_t pread(int descriptor, std::span<std::byte> buffer, std::int64_t offset) override {
         return DiskWrapper::pread(descriptor, shortened(buffer), offset);
     }
+    std::int64_t copyFileRange(int from, int to, std::int64_t offset, std::int64_t length) override {
+        const bool isShort = fault_.error == 0 && meets(count_) && length > 1;
+        return DiskWrapper::copyFileRange(from, to, offset, isShort ? length / 2 : length);
+    }
     std::int64_t pwrite(int descriptor, DataView bytes, std::int64_t offset) override {
         return DiskWrapper::pwrite(descriptor, shortened(bytes), offset);
     }

@@ -142,8 +142,7 @@ bool FaultyGroup::import(bool links) const {
     std::optional<NoLinks> noLinks;
     if (!links)
         noLinks.emplace();
-    const Result<Import::Report> report =
-        Import({URL::fileURL((home_ / "into").string()), false, false}).run();
+    const Result<Import::Report> report = Import({.into = URL::fileURL((home_ / "into").string())}).run();
     return report && report.value().problems.empty();
 }
 

@@ -105,34 +105,41 @@ protected:
         }
     }
 
-    /// Lets a kill strike, which `makeKill` makes, then another run go to its end on what that left in the
-    /// memory of the system, then the power fail. False when the first run ended before the kill.
-    template<class MakeKill>
-    bool cutAfterAKill(MakeKill makeKill, const Operation& operation, const Operation& again, int entries,
-                       std::size_t laterChanges, Survival entriesThen) {
+    /// What was recorded of a run that was killed and another that then went to its end.
+    struct TwoRuns {
+        std::unique_ptr<RecordingDisk> disk;
+        std::size_t killedAt; ///< behind so many changes
+    };
+
+    /// Lets a kill strike and then another run go to its end on what that left in the memory of the system.
+    /// Absent when the first run ended before the kill.
+    template<class... Place>
+    std::optional<TwoRuns> runAfterAKill(const Operation& operation, const Operation& again, int entries,
+                                         Place... place) {
         group.reset(entries);
-        auto disk = std::make_unique<RecordingDisk>(group.home());
-        bool struck = false;
+        TwoRuns runs{std::make_unique<RecordingDisk>(group.home()), 0};
         {
-            const auto kill = makeKill();
+            const Kill kill(place...);
             operation.run();
-            struck = kill->struck;
+            if (!kill.struck)
+                return std::nullopt;
         }
-        const std::size_t before = disk->changes();
+        runs.killedAt = runs.disk->changes();
         EXPECT_TRUE(again.run());
-        disk->takeOutOfUse();
-        look(*disk, disk->changes(), Survival::nothing, Survival::nothing, again);
-        for (std::size_t i = 0; struck && i < laterChanges; ++i)
-            for (int j = 0; j < randomStates(); ++j)
-                look(*disk, std::min(before + i, disk->changes()), Survival::some, entriesThen, again);
-        return struck;
+        runs.disk->takeOutOfUse();
+        return runs;
     }
 
     void cutAfterKillsEverywhere(const Operation& operation, const Operation& again, int entries) {
-        const int step = takesTime ? 3 : 13;
-        for (int calls = 0; cutAfterAKill([&] { return std::make_unique<Kill>(calls); }, operation, again,
-                                          entries, 12, Survival::some);)
-            calls += step;
+        for (int calls = 0;; calls += takesTime ? 1 : 3) {
+            const std::optional<TwoRuns> runs = runAfterAKill(operation, again, entries, calls);
+            if (!runs)
+                return;
+            const std::size_t later = runs->disk->changes() - runs->killedAt + 1;
+            look(*runs->disk, runs->disk->changes(), Survival::nothing, Survival::nothing, again);
+            for (int i = 0; i < randomStates(); ++i)
+                look(*runs->disk, runs->killedAt + chance() % later, Survival::some, Survival::some, again);
+        }
     }
 };
 
@@ -161,9 +168,12 @@ TEST_F(PowerCuts, Import) {
 
 TEST_F(PowerCuts, AfterAKillThatLeftTheJournalTruncatedAndUnflushed) {
     const Operation linking{"import", [&] { return group.import(); }};
-    for (int i = 0; i < 20; ++i)
-        EXPECT_TRUE(cutAfterAKill([] { return std::make_unique<Kill>(); }, linking, linking, 2, 12,
-                                  Survival::everything));
+    const std::optional<TwoRuns> runs = runAfterAKill(linking, linking, 2);
+    ASSERT_TRUE(runs);
+    // The next transaction begins here.
+    for (std::size_t changes = runs->killedAt; changes < runs->killedAt + 12; ++changes)
+        for (int i = 0; i < 20; ++i)
+            look(*runs->disk, changes, Survival::some, Survival::everything, linking);
 }
 
 TEST_F(PowerCuts, Publish) {

@@ -6,6 +6,8 @@
 #include <fcntl.h>
 #include <fstream>
 #include <functional>
+#include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace sela {
 
@@ -95,6 +97,17 @@ std::int64_t RecordingDisk::pwrite(int descriptor, DataView bytes, std::int64_t 
                             static_cast<std::size_t>(offset),
                             std::string(asText(bytes.first(static_cast<std::size_t>(count)))),
                             {}});
+    return count;
+}
+
+std::int64_t RecordingDisk::copyFileRange(int from, int to, std::int64_t offset, std::int64_t length) {
+    const std::int64_t count = DiskWrapper::copyFileRange(from, to, offset, length);
+    if (const auto file = open_.find(to); count > 0 && file != open_.end()) {
+        std::string bytes(static_cast<std::size_t>(count), 0);
+        EXPECT_EQ(::pread(from, bytes.data(), bytes.size(), ::lseek(from, 0, SEEK_CUR) - count), count);
+        changes_.push_back(
+            {Change::Kind::write, file->second, static_cast<std::size_t>(offset), std::move(bytes), {}});
+    }
     return count;
 }
 

@@ -44,6 +44,7 @@ public:
 
     int open(const std::string& path, int flags, mode_t mode) override;
     std::int64_t pwrite(int descriptor, DataView bytes, std::int64_t offset) override;
+    std::int64_t copyFileRange(int from, int to, std::int64_t offset, std::int64_t length) override;
     int ftruncate(int descriptor, std::int64_t length) override;
     int fallocate(int descriptor, std::int64_t length) override;
     int fsync(int descriptor) override;

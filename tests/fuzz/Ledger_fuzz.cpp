@@ -21,7 +21,7 @@ void fuzz(sela::DataView input) {
     const sela::URL into = sela::URL::fileURL("/into");
     for (const auto& [entryKey, item] : entries.value()) {
         std::size_t folders = 1 + item.albumNames.size();
-        sela::URL folder = sela::importFolder(into, item);
+        sela::URL folder = sela::importFolder(into, item.fake, item.albumNames);
         while (folders-- > 0) {
             require(sela::isSinglePathComponent(folder.lastPathComponent()));
             folder = folder.deletingLastPathComponent();
@@ -38,7 +38,7 @@ void fuzz(sela::DataView input) {
 
     const Ledger::Entry gone = entries.value().front();
     std::erase(entries.value(), gone);
-    const auto left = Ledger::removing(*grown, gone);
+    const auto left = Ledger::removing(*grown, {gone});
     require(left && left.value().has_value() == !entries.value().empty());
     require(!left.value() || Ledger::decode(*left.value()).value() == entries.value());
 }

@@ -85,11 +85,11 @@ TEST(SharedItemLedger, WhatIsLeftStaysByteForByte) {
         {"{" + old + "," + entry + "," + old + "}", "{" + old + "," + old + "}"},
     };
     for (const auto& [before, after] : cases) {
-        const Result<std::optional<Data>> left = SharedItemLedger::removing(asData(before), {"k", item});
+        const Result<std::optional<Data>> left = SharedItemLedger::removing(asData(before), {{"k", item}});
         ASSERT_TRUE(left) << before;
         EXPECT_EQ(left.value() ? asText(*left.value()) : std::string_view(), after);
     }
-    EXPECT_TRUE(SharedItemLedger::removing(asData("{]"), {"k", item}).error());
+    EXPECT_TRUE(SharedItemLedger::removing(asData("{]"), {{"k", item}}).error());
 }
 
 SharedItemLedger::Entry numbered(int number) {
@@ -124,7 +124,7 @@ TEST(SharedItemLedger, ALongOneChangesInOnePlace) {
     ASSERT_TRUE(SharedItemLedger::decode(ledger).value() == model);
     while (!model.empty()) {
         const auto gone = model.begin() + static_cast<std::ptrdiff_t>(model.size() * 7 / 10);
-        const std::optional<Data> left = SharedItemLedger::removing(ledger, *gone).value();
+        const std::optional<Data> left = SharedItemLedger::removing(ledger, {*gone}).value();
         model.erase(gone);
         ASSERT_EQ(left.has_value(), !model.empty());
         if (!left)

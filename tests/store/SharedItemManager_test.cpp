@@ -1,5 +1,6 @@
 #include "platform/foundation/HeadlessMainLoop.h"
 #include "platform/foundation/ScopedMainQueue.h"
+#include "store/ItemsLock.h"
 #include "store/SharedFolder.h"
 #include "store/SharedItemLedger.h"
 #include "store/SharedItemManager.h"
@@ -61,6 +62,47 @@ protected:
         return std::string(asText(*SharedItemLedger::encode(entries)));
     }
 };
+
+TEST_F(SharedItemManagerTest, WhatTheSystemDoesNotCopyIsReadAndWritten) {
+    class NoCopying : public DiskWrapper {
+    public:
+        int answer = 0;
+        std::int64_t copyFileRange(int, int, std::int64_t, std::int64_t) override { return answer; }
+    };
+    home.provision();
+    NoCopying disk;
+    const std::string content = patternedBytes(block + 5000);
+    for (const int answer : {0, -EXDEV, -EIO}) {
+        disk.answer = answer;
+        saveFile(std::to_string(answer) + ".jpg", content);
+        EXPECT_EQ(calls.back(), "ok");
+        EXPECT_TRUE(contentOf(items() / (std::to_string(answer) + ".jpg")) == content) << answer;
+    }
+}
+
+TEST_F(SharedItemManagerTest, ItemsIsLockedUntilTheItemIsRecorded) {
+    /// Asks at each flush of the settings.
+    class Asking : public DiskWrapper {
+    public:
+        explicit Asking(URL items) : items_(std::move(items)) {}
+        int asked = 0;
+        int fdatasync(int descriptor) override {
+            ++asked;
+            EXPECT_FALSE(ItemsLock::forRemoving(items_));
+            return DiskWrapper::fdatasync(descriptor);
+        }
+
+    private:
+        const URL items_;
+    };
+    home.provision();
+    const URL folder = URL::fileURL(items().string());
+    Asking disk(folder);
+    saveFile("a.jpg", "x");
+    SharedItemManager::saveItem(item("b.jpg"), asData("x"), noting());
+    EXPECT_GT(disk.asked, 3);
+    EXPECT_TRUE(ItemsLock::forRemoving(folder));
+}
 
 TEST_F(SharedItemManagerTest, EachBlockIsLoggedAndProgressIsAFraction) {
     home.provision();
@@ -153,6 +195,15 @@ public:
         const std::int64_t count = DiskWrapper::read(
             descriptor, buffer.first(std::min(buffer.size(), static_cast<std::size_t>(readable))));
         readable -= count;
+        return count;
+    }
+    std::int64_t copyFileRange(int from, int to, std::int64_t offset, std::int64_t length) override {
+        const std::int64_t count =
+            DiskWrapper::copyFileRange(from, to, offset, std::min({length, readable, writable}));
+        if (count > 0) {
+            readable -= count;
+            writable -= count;
+        }
         return count;
     }
     std::int64_t pwrite(int descriptor, DataView bytes, std::int64_t offset) override {

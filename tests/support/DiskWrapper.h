@@ -31,6 +31,10 @@ public:
     std::int64_t pwrite(int descriptor, DataView bytes, std::int64_t offset) override {
         return unlessRefused("pwrite", [&] { return target_.pwrite(descriptor, bytes, offset); });
     }
+    std::int64_t copyFileRange(int from, int to, std::int64_t offset, std::int64_t length) override {
+        return unlessRefused("copyFileRange",
+                             [&] { return target_.copyFileRange(from, to, offset, length); });
+    }
     int ftruncate(int descriptor, std::int64_t length) override {
         return unlessRefused("ftruncate", [&] { return target_.ftruncate(descriptor, length); });
     }

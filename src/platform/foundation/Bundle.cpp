@@ -65,23 +65,40 @@ Bundle::Bundle() {
     std::error_code error;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
     resourcePath_ = (program.parent_path().parent_path() / "share").string();
-    for (const std::string& name : preferredLocalizations())
-        addTable(name);
+    for (const std::string& name : preferredLocalizations()) {
+        std::optional<StringTable> table = readTable(name);
+        if (!table)
+            continue;
+        if (tables_.empty())
+            preferredLocalization_ = name;
+        tables_.push_back(std::move(*table));
+    }
 }
 
-void Bundle::addTable(const std::string& language) {
+std::optional<StringTable> Bundle::readTable(const std::string& language) const {
     const std::string path = resourcePath_ + "/locale/" + language + "/LC_MESSAGES/sela-share.mo";
     FileManager& files = FileManager::defaultManager();
     // Most languages that are asked for have no table, which is nobody's mistake.
     if (!isSinglePathComponent(language) || !files.fileExists(path))
-        return;
+        return std::nullopt;
     const Result<Data> content = files.contentsOfFile(path, maximumTableSize);
     Result<StringTable> table = content ? StringTable::parse(content.value(), path) : content.error();
-    if (!table)
-        return NSLog("Bundle: " + table.error()->localizedDescription());
-    if (tables_.empty())
-        preferredLocalization_ = language;
-    tables_.push_back(std::move(table.value()));
+    if (table)
+        return std::move(table.value());
+    NSLog("Bundle: " + table.error()->localizedDescription());
+    return std::nullopt;
+}
+
+std::vector<std::string> Bundle::localizedStringsOfAllLanguages(std::string_view key) const {
+    std::vector<std::string> texts;
+    const Result<std::vector<std::string>> languages =
+        FileManager::defaultManager().contentsOfDirectory(resourcePath_ + "/locale");
+    if (languages)
+        for (const std::string& language : languages.value())
+            if (const std::optional<StringTable> table = readTable(language))
+                if (const std::optional<std::string_view> text = table->text(key))
+                    texts.emplace_back(*text);
+    return texts;
 }
 
 const Bundle& Bundle::main() {

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/StringTable.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,9 @@ public:
     /// key itself. No locale need be installed for it. A damaged table is logged and passed over.
     std::string localizedString(std::string_view key) const;
 
+    /// The text of a key in every language that there is a table of, in no order, read afresh.
+    std::vector<std::string> localizedStringsOfAllLanguages(std::string_view key) const;
+
     /// The language of the first of those tables, such as "de" or "zh_CN"; empty where no table is found.
     const std::string& preferredLocalization() const { return preferredLocalization_; }
 
@@ -29,7 +33,7 @@ public:
 
 private:
     Bundle();
-    void addTable(const std::string& language);
+    std::optional<StringTable> readTable(const std::string& language) const;
 
     std::string resourcePath_;
     std::string preferredLocalization_;

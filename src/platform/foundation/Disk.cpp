@@ -46,6 +46,12 @@ public:
     std::int64_t pwrite(int descriptor, DataView bytes, std::int64_t offset) override {
         return resultOf([&] { return ::pwrite(descriptor, bytes.data(), bytes.size(), offset); });
     }
+    std::int64_t copyFileRange(int from, int to, std::int64_t offset, std::int64_t length) override {
+        return resultOf([&] {
+            off_t place = offset;
+            return ::copy_file_range(from, nullptr, to, &place, static_cast<std::size_t>(length), 0);
+        });
+    }
     int ftruncate(int descriptor, std::int64_t length) override {
         return resultOf([&] { return ::ftruncate(descriptor, length); });
     }

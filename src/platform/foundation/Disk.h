@@ -31,6 +31,10 @@ public:
     virtual std::int64_t read(int descriptor, std::span<std::byte> buffer) = 0;
     virtual std::int64_t pread(int descriptor, std::span<std::byte> buffer, std::int64_t offset) = 0;
     virtual std::int64_t pwrite(int descriptor, DataView bytes, std::int64_t offset) = 0;
+
+    /// Copies from where a descriptor stands, which moves on, to an offset of another; the file systems may
+    /// share the bytes instead.
+    virtual std::int64_t copyFileRange(int from, int to, std::int64_t offset, std::int64_t length) = 0;
     virtual int ftruncate(int descriptor, std::int64_t length) = 0;
 
     /// Reserves the first `length` bytes of a file.

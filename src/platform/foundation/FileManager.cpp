@@ -156,22 +156,20 @@ ErrorRef FileManager::removeItem(const std::string& path) {
 }
 
 ErrorRef FileManager::linkItem(const std::string& from, const std::string& to) {
-    if (ErrorRef error = errorOf(Disk::inUse().link(from, to), to))
-        return error;
-    return synchronizeDirectory(folderOf(to));
+    return errorOf(Disk::inUse().link(from, to), to);
 }
 
 ErrorRef FileManager::moveItem(const std::string& from, const std::string& to) {
     int result = Disk::inUse().rename(from, to, RENAME_NOREPLACE);
     // Some network file systems cannot rename without replacing; a second name never replaces either.
     if (result == -EINVAL || result == -ENOSYS) {
-        result = Disk::inUse().link(from, to);
-        if (result == 0)
+        const int linked = Disk::inUse().link(from, to);
+        if (linked == 0)
             result = Disk::inUse().unlink(from);
+        else if (linked == -EEXIST)
+            result = linked;
     }
-    if (ErrorRef error = errorOf(result, to))
-        return error;
-    return synchronizeDirectory(folderOf(to));
+    return errorOf(result, to);
 }
 
 ErrorRef FileManager::synchronizeDirectory(const std::string& path) {

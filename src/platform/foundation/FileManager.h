@@ -67,11 +67,9 @@ public:
     /// Removes a file (a link itself, not what it leads to).
     ErrorRef removeItem(const std::string& path);
 
-    /// Gives a file a second name, which must not exist yet (EEXIST otherwise), and flushes that.
+    /// Gives a file a second name, or another one, which must not exist yet (EEXIST otherwise) and lies in
+    /// the same file system (EXDEV otherwise). It is safe once the folder of `to` was flushed.
     ErrorRef linkItem(const std::string& from, const std::string& to);
-
-    /// Gives a file another name, which must not exist yet (EEXIST otherwise), and flushes that.
-    /// Both names lie in one file system (EXDEV otherwise).
     ErrorRef moveItem(const std::string& from, const std::string& to);
 
     /// Flushes the entries of a folder. A file system that has no such operation is no error.

@@ -21,6 +21,9 @@ public:
     /// the end of the source; -1 on failure, which `streamError` then tells.
     std::int64_t read(std::span<std::byte> buffer);
 
+    /// Where it stands, for whoever lets the system copy from there.
+    int descriptor() const { return descriptor_.get(); }
+
     /// The error of the last failed read; null when there is none.
     ErrorRef streamError() const { return error_; }
 

@@ -18,23 +18,41 @@ std::int64_t OutputStream::write(DataView bytes) {
     if (error_)
         return -1;
     const auto count = static_cast<std::int64_t>(bytes.size());
-    // Only a hint: what it cannot do, the flush at the end does.
-    Disk::inUse().syncFileRange(descriptor_.get(), written_, count);
-    written_ += count;
+    advance(count);
     return count;
 }
 
+std::int64_t OutputStream::copy(int descriptor, std::int64_t size) {
+    if (error_)
+        return -1;
+    const std::int64_t count = Disk::inUse().copyFileRange(descriptor, descriptor_.get(), written_, size);
+    if (count > 0)
+        advance(count);
+    return count;
+}
+
+void OutputStream::advance(std::int64_t count) {
+    // Only a hint: what it cannot do, the flush at the end does.
+    Disk::inUse().syncFileRange(descriptor_.get(), written_, count);
+    written_ += count;
+}
+
 ErrorRef OutputStream::synchronize() {
+    if (ErrorRef error = synchronizeContent())
+        return error;
+    error_ = FileManager::defaultManager().synchronizeDirectory(
+        URL::fileURL(path_).deletingLastPathComponent().path());
+    return error_;
+}
+
+ErrorRef OutputStream::synchronizeContent() {
     if (error_)
         return error_;
-    Disk& disk = Disk::inUse();
     // The reservation may have made the file longer than what was written.
-    int result = disk.ftruncate(descriptor_.get(), written_);
+    int result = Disk::inUse().ftruncate(descriptor_.get(), written_);
     if (result == 0)
-        result = disk.fsync(descriptor_.get());
-    error_ = result < 0 ? NSError::posix(-result, path_)
-                        : FileManager::defaultManager().synchronizeDirectory(
-                              URL::fileURL(path_).deletingLastPathComponent().path());
+        result = Disk::inUse().fsync(descriptor_.get());
+    error_ = result < 0 ? NSError::posix(-result, path_) : nullptr;
     return error_;
 }
 

@@ -21,14 +21,23 @@ public:
     /// `streamError` then tells. After a failure nothing more is written.
     std::int64_t write(DataView bytes);
 
+    /// Lets the system copy at most `size` bytes from where a descriptor stands, and returns their number; 0
+    /// or less, and nothing is changed, when it does not.
+    std::int64_t copy(int descriptor, std::int64_t size);
+
     /// Ends the file after the last byte written and flushes it, its folder's entry included. Returns null
     /// only when everything written is safe on the disk; the error of an earlier failed write counts.
     ErrorRef synchronize();
+
+    /// The same without the folder's entry.
+    ErrorRef synchronizeContent();
 
     /// The first error of this stream; null when there is none.
     ErrorRef streamError() const { return error_; }
 
 private:
+    void advance(std::int64_t count);
+
     FileDescriptor descriptor_;
     std::string path_;
     std::int64_t written_ = 0;

@@ -63,7 +63,10 @@ URL URL::fileURL(std::string_view path) {
         return URL(std::string(path));
     std::error_code error;
     std::string absolute = std::filesystem::current_path(error).string();
-    if (absolute.empty() || absolute.back() != '/')
+    // One that was removed has no name any more; by this one nothing can be made in it.
+    if (error)
+        absolute = "/proc/self/cwd";
+    if (absolute.back() != '/')
         absolute += '/';
     return URL(absolute.append(path));
 }

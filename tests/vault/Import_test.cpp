@@ -1,0 +1,90 @@
+#include "vault/Import.h"
+
+#include "store/ItemsLock.h"
+#include "store/SharedFolder.h"
+#include "support/DiskWrapper.h"
+#include "support/TemporaryHome.h"
+
+#include <cerrno>
+#include <chrono>
+#include <gmock/gmock.h>
+
+namespace sela {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::IsEmpty;
+
+class ImportTest : public testing::Test {
+protected:
+    TemporaryHome home;
+    const fs::path into = home.path() / "into";
+
+    ImportTest() { home.provision(); }
+
+    /// Records a file for each of these names.
+    void record(const std::vector<std::string>& names) const {
+        std::vector<SharedItemLedger::Entry> entries;
+        for (const std::string& name : names) {
+            const SharedItem item{std::to_string(entries.size()) + ".5.jpg", {"A: b"}, false, name};
+            home.write("data/sela/groups/group.sela.vault/Items/" + item.fileName, name);
+            entries.emplace_back(SharedItemLedger::key(item), item);
+        }
+        EXPECT_FALSE(sharedDefaults()->setData(sharedItemsKey, *SharedItemLedger::encode(entries)));
+    }
+
+    Import::Report import(bool prune = false) const {
+        return Import({.into = URL::fileURL(into.string()), .prune = prune}).run().value();
+    }
+};
+
+/// Another disk, of another system, that is full for the files of one name.
+class ForeignDisk : public DiskWrapper {
+    int link(const std::string&, const std::string&) override { return -EXDEV; }
+    int mkdir(const std::string& path, mode_t mode) override {
+        return path.find(':') == std::string::npos ? DiskWrapper::mkdir(path, mode) : -EINVAL;
+    }
+    int rename(const std::string& from, const std::string& to, unsigned flags) override {
+        if (to.ends_with("full.jpg"))
+            return -ENOSPC;
+        return to.find_first_of(":?") == std::string::npos ? DiskWrapper::rename(from, to, flags) : -EINVAL;
+    }
+};
+
+TEST_F(ImportTest, AFileThatTheTargetRefusesKeepsItsEntryAndTheOthersGoOnUnderNamesThatItHolds) {
+    record({"1.jpg", "full.jpg", "what?.jpg"});
+    {
+        const ForeignDisk disk;
+        const Import::Report report = import();
+        EXPECT_THAT(report.imported,
+                    ElementsAre(EndsWith("vault/A_ b/1.jpg"), EndsWith("vault/A_ b/what_.jpg")));
+        EXPECT_THAT(report.problems, ElementsAre(EndsWith("full.jpg: No space left on device")));
+    }
+    EXPECT_EQ(contentOf(into / "vault/A_ b/what_.jpg"), "what?.jpg");
+    EXPECT_THAT(import().imported, ElementsAre(EndsWith("vault/A: b/full.jpg")));
+    EXPECT_THAT(import().imported, IsEmpty());
+}
+
+TEST_F(ImportTest, FilesOfOneNameAreNumberedAcrossBatches) {
+    record(std::vector<std::string>(600, "a.jpg"));
+    EXPECT_EQ(import().imported.size(), 600u);
+    EXPECT_TRUE(fs::exists(into / "vault/A: b/a (600).jpg"));
+    EXPECT_TRUE(fs::is_empty(home.container() / "Items"));
+}
+
+TEST_F(ImportTest, NothingIsPrunedWhileSomebodyShares) {
+    const fs::path old = home.write("data/sela/groups/group.sela.vault/Items/old.jpg", "x");
+    fs::last_write_time(old, fs::file_time_type::clock::now() - std::chrono::hours(25));
+    {
+        const ItemsLock saving = ItemsLock::forSaving(URL::fileURL(old.parent_path().string()));
+        const Import::Report report = import(true);
+        EXPECT_THAT(report.unrecorded, ElementsAre("old.jpg"));
+        EXPECT_THAT(report.problems, ElementsAre("nothing is pruned while something is being shared"));
+    }
+    EXPECT_THAT(import(true).pruned, ElementsAre("old.jpg"));
+}
+
+} // namespace
+} // namespace sela
