@@ -236,7 +236,9 @@ ErrorRef Import::copyTo(const URL& source, const URL& target) {
     Result<InputStream> input = files.inputStream(source);
     if (!input)
         return input.error();
-    Result<OutputStream> output = files.outputStream(temporary, input.value().expectedSize());
+    // A file that stands there is another's, who could read along.
+    Result<OutputStream> output =
+        files.outputStream(temporary, input.value().expectedSize(), WhenThere::fail);
     if (!output)
         return output.error();
     StreamCopy copy(input.value(), output.value());

@@ -10,7 +10,7 @@ import sqlite3
 import subprocess
 import time
 
-from harness import BIN, HomeTest
+from harness import BIN, CATALOGUE, PNG, HomeTest
 
 # What a terminal obeys, what ends a line, and what turns the direction of text.
 HARMFUL = re.compile("[\x00-\x09\x0b-\x1f\x7f-\x9f\u200e\u200f\u061c\u2028-\u202e\u2066-\u2069]")
@@ -221,7 +221,7 @@ class Privacy(HostileTest):
             self.assertEqual(int(mode[1], 8) & ~mask & 0o077, 0, line)
         self.assertGreater(made, 10)
         # Whether the kernel has them or not, the helper asks for them.
-        for layer in ("unshare(CLONE_NEWUSER|CLONE_NEWNET)", "landlock_create_ruleset("):
+        for layer in ("unshare(CLONE_NEWUSER|CLONE_NEWNET", "landlock_create_ruleset("):
             self.assertIn(layer, trace.read_text())
         for path in [self.home / name for name in ("screen.png", "tree.json", "data/sela", "config/sela", "into")]:
             for each in [path, *path.rglob("*")]:
@@ -265,6 +265,26 @@ class Privacy(HostileTest):
         shown += [self.vault(*command).stdout for command in (["albums"], ["ledger"], ["ledger", "--json"])]
         for secret in ("91827", "64534", "is not on the screen: button", "button9", "2580"):
             self.assertNotIn(secret, "".join(shown))
+
+    def test_both_sides_look_the_same(self):
+        self.write("covers/c.png", PNG)
+        albums = [album | {"fake": fake, "thumbNailName": "c.png"} for fake in (False, True) for album in CATALOGUE[:5]]
+        self.vault("publish", self.write("same.json", json.dumps(albums).encode()), "--covers", self.home / "covers",
+                   "--passcode-file", self.write("passcode", b"918273"),
+                   "--decoy-passcode-file", self.write("decoy", b"645342"))
+        photo = self.write("a.png", PNG)
+
+        def walk(code):
+            screens = [self.home / f"{code}-{number}" for number in range(12)]
+            looks = iter(screens)
+            look = lambda: ("--tree", next(looks), "--snapshot", next(looks))
+            log = self.share("--tap", "albumButton", "--type", code[:5], *look(), "--type", code[5:], *look(),
+                             "--tap", "showChildButton:1", *look(), "--tap", "showChildButton:2", *look(),
+                             "--type", "2580", *look(), "--tap", "row:2:1", *look(), "--tap", "addButton", photo).stderr
+            return [screen.read_bytes() for screen in screens], re.sub("[0-9]+", "0", log)
+
+        self.assertEqual(walk("918273"), walk("645342"))
+        self.assertEqual([entry["fake"] for entry in self.ledger().values()], [False, True])
 
     def test_each_side_shows_nothing_of_the_other(self):
         self.provision(passcode="918273", decoy="645342")

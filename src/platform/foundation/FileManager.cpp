@@ -199,8 +199,10 @@ Result<InputStream> FileManager::inputStream(const URL& source) {
     return InputStream(std::move(opened.value().descriptor), source.path(), opened.value().size);
 }
 
-Result<OutputStream> FileManager::outputStream(const URL& destination, std::int64_t expectedSize) {
-    constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
+Result<OutputStream> FileManager::outputStream(const URL& destination, std::int64_t expectedSize,
+                                               WhenThere whenThere) {
+    const int flags = O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY |
+                      (whenThere == WhenThere::fail ? O_EXCL : O_TRUNC);
     FileDescriptor descriptor(Disk::inUse().open(destination.path(), flags, 0600));
     if (!descriptor.isOpen())
         return NSError::posix(-descriptor.get(), destination.path());

@@ -29,6 +29,9 @@ struct FileAttributes {
     }
 };
 
+/// What to do about a file that stands where one is to be made.
+enum class WhenThere { overwrite, fail };
+
 /// The file system, as the programs of the group use it: what they do with files is put together here from
 /// the calls of the `Disk` in use.
 ///
@@ -89,8 +92,10 @@ public:
 
     /// Opens a file for writing from its start, making it if it is missing, and reserves `expectedSize` bytes
     /// of the disk where the file system can. A symbolic link at that place is not followed but is an error;
-    /// so is a disk without room, in which case the file that was made is removed again.
-    Result<OutputStream> outputStream(const URL& destination, std::int64_t expectedSize);
+    /// so is a file where none may be, and a disk without room, in which case the file that was made is
+    /// removed again.
+    Result<OutputStream> outputStream(const URL& destination, std::int64_t expectedSize,
+                                      WhenThere whenThere = WhenThere::overwrite);
 
     /// Writes a whole file in one step: into a temporary file of the same folder, which is flushed
     /// and then takes the file's name. On an error nothing temporary is left and the destination is as

@@ -272,8 +272,9 @@ ErrorRef SettingsDatabase::checkFormat() {
                                              std::to_string(formatVersion));
     // A rollback journal that is truncated rather than deleted: with synchronous FULL its end is flushed, so
     // a committed step survives a power cut, and no file is made and removed at each step.
-    for (const char* const sql :
-         {"PRAGMA journal_mode = TRUNCATE", "PRAGMA synchronous = FULL", "PRAGMA temp_store = MEMORY"})
+    // What is removed is overwritten, whatever the library was built to do by itself.
+    for (const char* const sql : {"PRAGMA journal_mode = TRUNCATE", "PRAGMA synchronous = FULL",
+                                  "PRAGMA temp_store = MEMORY", "PRAGMA secure_delete = ON"})
         if (ErrorRef error = execute(sql))
             return error;
     return nullptr;

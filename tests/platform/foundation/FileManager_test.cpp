@@ -81,12 +81,13 @@ TEST_F(FileManagerTest, AnOutputStreamWritesExactlyWhatItWasGiven) {
     }
 }
 
-TEST_F(FileManagerTest, AnOutputStreamNeverFollowsALink) {
+TEST_F(FileManagerTest, AnOutputStreamFollowsNoLinkAndTakesOverNoFileWhereNoneMayBe) {
     home.write("victim", "content");
     fs::create_symlink(at("victim").path(), at("link").path());
     fs::create_symlink(at("nowhere").path(), at("dangling").path());
     for (const char* const name : {"link", "dangling", "missing folder/file"})
         EXPECT_TRUE(files.outputStream(at(name), 0).error()) << name;
+    EXPECT_EQ(posixCode(files.outputStream(at("victim"), 0, WhenThere::fail).error()), EEXIST);
     EXPECT_EQ(contentOf(home.path() / "victim"), "content");
     EXPECT_FALSE(fs::exists(home.path() / "nowhere"));
 }
