@@ -1,26 +1,27 @@
 #include "host/HeadlessRun.h"
 
-#include <utility>
-
 namespace sela {
 
-HeadlessRun::HeadlessRun(QtApplication& application, const CommandLine& line,
-                         std::shared_ptr<NSExtensionContext> context, std::int64_t totalSize)
-    : application_(application), pixelsPerPoint_(line.scale), session_(line, loop_, std::move(context)) {
+HeadlessRun::HeadlessRun(QtApplication& application, const CommandLine& line, const Attachments& attachments)
+    : application_(application), pixelsPerPoint_(line.scale), session_(line, loop_, attachments) {
     if (line.output != CommandLine::Output::normal || !TerminalProgress::isPossible())
         return;
-    progress_.emplace(totalSize);
+    progress_.emplace(attachments.totalSize);
     session_.screen().setSaveObserver([this](const SaveRun& run) { progress_->show(run); });
 }
 
-RunResult HeadlessRun::run() {
+SaveReport HeadlessRun::run() {
     application_.waitForFonts();
     session_.takeSteps(pixelsPerPoint_, {});
     loop_.run();
     if (session_.screen().saveRun().hasBegun())
         session_.giveUp();
+    const bool isUntouched = !session_.hasEnded();
     session_.cancel("Nothing is left to be done.");
-    return session_.result();
+    SaveReport report = session_.report();
+    if (isUntouched)
+        report.problem = "nothing was added, since no step pressed a button that ends the request; see --tap";
+    return report;
 }
 
 } // namespace sela

@@ -5,8 +5,6 @@
 #include "host/TerminalProgress.h"
 #include "platform/foundation/HeadlessMainLoop.h"
 
-#include <cstdint>
-#include <memory>
 #include <optional>
 
 namespace sela {
@@ -15,13 +13,12 @@ namespace sela {
 /// them. On a terminal, a line says how far saving has come. Main thread only.
 class HeadlessRun {
 public:
-    /// `application` must outlive this; `totalSize` is what is known of the size of the files, in bytes.
-    HeadlessRun(QtApplication& application, const CommandLine& line,
-                std::shared_ptr<NSExtensionContext> context, std::int64_t totalSize);
+    /// `application` must outlive this.
+    HeadlessRun(QtApplication& application, const CommandLine& line, const Attachments& attachments);
 
     /// Takes the steps and returns when nothing is under way any more. A request that is left then is
     /// cancelled, or given up when a save run had begun.
-    RunResult run();
+    SaveReport run();
 
 private:
     QtApplication& application_;

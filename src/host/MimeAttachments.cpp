@@ -1,7 +1,5 @@
 #include "host/MimeAttachments.h"
 
-#include "host/ShareRequest.h"
-
 #include <QMimeData>
 #include <QUrl>
 
@@ -51,24 +49,18 @@ MimeAttachments MimeAttachments::in(const QMimeData* data) {
     MimeAttachments found;
     if (!data)
         return found;
-    const auto take = [&](Attachment attachment) {
-        if (auto* const problem = std::get_if<std::string>(&attachment))
-            found.problems.push_back(std::move(*problem));
-        else
-            found.attachments.push_back(std::get<0>(std::move(attachment)));
-    };
     const QString picture = pictureFormat(*data);
     for (const std::string& file : filesIn(*data)) {
         // A picture that is dragged out of a page comes with its address there.
         if (picture.isEmpty() || file.starts_with("file:"))
-            take(attachmentOfFile(file));
+            found.attachments.addFile(file);
     }
-    if (found.attachments.empty() && found.problems.empty() && !picture.isEmpty()) {
+    if (found.attachments.isEmpty() && !picture.isEmpty()) {
         const QByteArray bytes = data->data(picture);
-        take(attachmentOfPicture(asData({bytes.constData(), static_cast<std::size_t>(bytes.size())}),
-                                 picture.toStdString()));
+        found.attachments.addPicture(asData({bytes.constData(), static_cast<std::size_t>(bytes.size())}),
+                                     picture.toStdString());
     }
-    found.onlyText = found.attachments.empty() && found.problems.empty() && data->hasText();
+    found.onlyText = found.attachments.isEmpty() && data->hasText();
     return found;
 }
 

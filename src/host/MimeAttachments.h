@@ -1,9 +1,6 @@
 #pragma once
 
-#include "platform/extension/NSExtensionItem.h"
-
-#include <string>
-#include <vector>
+#include "host/ShareRequest.h"
 
 class QMimeData;
 
@@ -12,9 +9,8 @@ namespace sela {
 /// What a clipboard or a drop holds for a share request: the files it names, by `text/uri-list` or as a file
 /// manager copies them, or else its picture.
 struct MimeAttachments {
-    NSExtensionItem::Attachments attachments;
-    std::vector<std::string> problems; ///< a line for each thing that cannot be used
-    bool onlyText = false;             ///< there is text and nothing else that could be used
+    Attachments attachments;
+    bool onlyText = false; ///< there is text and nothing else that could be used
 
     /// Takes in the data (null: an empty clipboard); files are looked at, and a picture is decoded by the
     /// helper, while the caller waits. Main thread.

@@ -81,12 +81,12 @@ OptionTable makeTable() {
         {"What there is",
          {{.name = "--help", .help = "this text", .letter = 'h'},
           {.name = "--version", .help = "the version"}}}};
-    table.statuses = {
-        {0, "completed: Add was pressed; a file that could not be added is told on standard error"},
-        {3, "cancelled: by Cancel, by closing the window, or because no step pressed Add"},
-        {4, "stuck: saving stopped half-way at a file and can never end"},
-        {64, "nothing was tried: wrong options, unusable files, or no display"},
-        {65, "a step failed, and the request was cancelled unless it had ended before"}};
+    table.statuses = {{0, "everything was added"},
+                      {1, "at least one file was not added, which is told on standard error"},
+                      {3, "nothing was added: cancelled, or no step pressed Add"},
+                      {4, "stuck: saving stopped half-way at a file and can never end"},
+                      {64, "nothing was tried: wrong options, unusable files, or no display"},
+                      {65, "a step failed, and the request was cancelled unless it had ended before"}};
     return table;
 }
 

@@ -1,13 +1,14 @@
 #include "host/ShareRequest.h"
 
-#include "platform/extension/NSExtensionItem.h"
+#include "platform/extension/TypeIdentifier.h"
 #include "platform/foundation/FileManager.h"
+#include "store/FileKind.h"
+#include "store/ShareExtensionError.h"
 
 #include <cerrno>
 #include <optional>
 #include <sys/mman.h>
 #include <unistd.h>
-#include <utility>
 
 namespace sela {
 
@@ -17,45 +18,51 @@ namespace {
 /// this.
 constexpr int largestPictureSide = 16'384;
 
-/// Decodes what `file` holds.
-Attachment pictureIn(const FileDescriptor& file, const std::string& origin) {
-    const std::string path = "/proc/self/fd/" + std::to_string(file.get());
-    const std::optional<UIImage> picture = UIImage::contentsOfFile(path, largestPictureSide);
-    if (!picture)
-        return origin + " holds no picture that can be read; to add another kind of file, name it";
-    return NSItemProvider::ofImage(*picture);
-}
+/// The most that is taken from standard input, in bytes: a picture of half a gigapixel fits.
+constexpr std::int64_t largestInput = 512 << 20;
+
+constexpr const char* noPicture =
+    "there is no picture that can be read; to add another kind of file, name it";
 
 /// A file without a name; not open when there can be none.
 FileDescriptor memoryFile() {
     return FileDescriptor(::memfd_create("picture", MFD_CLOEXEC));
 }
 
-/// Everything on standard input.
+/// Why what starts with these bytes is no picture to wait for; null when it may be one.
+ErrorRef problemWithStart(DataView start) {
+    const std::string type = mediaTypeOfContent(start);
+    if (type.starts_with("image/"))
+        return nullptr;
+    if (type.starts_with("video/") || type.starts_with("audio/"))
+        return ShareExtensionError::make("it is no picture but " + type + "; save it as a file and add that");
+    return ShareExtensionError::make(noPicture);
+}
+
+/// Everything on standard input, if its start looks like a picture.
 Result<FileDescriptor> memoryFileOfStandardInput() {
     FileDescriptor file = memoryFile();
     if (!file.isOpen())
         return NSError::posix(errno, "memfd_create");
     InputStream input(FileDescriptor(::dup(STDIN_FILENO)), "standard input");
     std::vector<std::byte> block(1 << 20);
-    for (std::int64_t offset = 0;;) {
+    for (std::int64_t total = 0;;) {
         const std::int64_t count = input.read(block);
         if (count < 0)
             return input.streamError();
         if (count == 0)
             return file;
         const DataView bytes = DataView(block).first(static_cast<std::size_t>(count));
-        if (ErrorRef error = writeFully(file.get(), bytes, offset, "standard input"))
+        if (total == 0)
+            if (ErrorRef problem = problemWithStart(bytes))
+                return problem;
+        if (total + count > largestInput)
+            return ShareExtensionError::make(
+                "there are more than 512 MiB, too much for a picture; save it as a file and add that");
+        if (ErrorRef error = writeFully(file.get(), bytes, total, "standard input"))
             return error;
-        offset += count;
+        total += count;
     }
-}
-
-Attachment pictureOfStandardInput() {
-    const Result<FileDescriptor> file = memoryFileOfStandardInput();
-    if (!file)
-        return "standard input: " + file.error()->localizedDescription();
-    return pictureIn(file.value(), "standard input");
 }
 
 /// The file that an argument names; absent when it is empty or a URL of something else.
@@ -66,61 +73,102 @@ std::optional<URL> fileURLOf(const std::string& argument) {
     return isURL ? URL::parse(argument) : URL::fileURL(argument);
 }
 
+/// Whether the store takes a file of that name, behind which it puts the time.
+bool isKept(const std::string& name) {
+    return fileKind("0" + name) != FileKind::other;
+}
+
+/// The size of a file that can be added.
+Result<std::int64_t> sizeOfUsableFile(const URL& file) {
+    FileManager& files = FileManager::defaultManager();
+    const Result<FileAttributes> attributes = files.attributesOfItem(file.path());
+    if (!attributes)
+        return attributes.error();
+    if (attributes.value().type == FileAttributes::Type::directory)
+        return ShareExtensionError::make("it is a folder; name the files in it");
+    if (attributes.value().type != FileAttributes::Type::regular)
+        return ShareExtensionError::make(
+            "it is no ordinary file; only files with a content of their own can be added");
+    if (const ErrorRef error = files.inputStream(file).error())
+        return error;
+    if (!isKept(file.lastPathComponent()))
+        return ShareExtensionError::make(
+            "files of this kind cannot be added, only pictures, videos and audio files");
+    return attributes.value().size;
+}
+
+ErrorRef problemWith(const std::string& name, const ErrorRef& error) {
+    return ShareExtensionError::make(name + ": " + error->localizedFailureReason());
+}
+
+/// Decodes the picture that `file` holds.
+Result<std::shared_ptr<NSItemProvider>> pictureIn(const FileDescriptor& file) {
+    const std::string path = "/proc/self/fd/" + std::to_string(file.get());
+    const std::optional<UIImage> picture = UIImage::contentsOfFile(path, largestPictureSide);
+    if (!picture)
+        return ShareExtensionError::make(noPicture);
+    return NSItemProvider::ofImage(*picture);
+}
+
 } // namespace
 
-Attachment attachmentOfPicture(DataView bytes, const std::string& origin) {
+void Attachments::addFile(const std::string& argument) {
+    const std::optional<URL> file = fileURLOf(argument);
+    if (!file) {
+        problems.push_back(ShareExtensionError::make(
+            "\"" + argument + "\" is no file of this computer; save it as a file and add that"));
+        return;
+    }
+    const Result<std::int64_t> size = sizeOfUsableFile(*file);
+    if (!size) {
+        problems.push_back(problemWith(argument, size.error()));
+        return;
+    }
+    providers.push_back(NSItemProvider::ofFile(*file));
+    totalSize += size.value();
+}
+
+void Attachments::addPicture(DataView bytes, const std::string& origin) {
     const FileDescriptor file = memoryFile();
     const ErrorRef error =
         file.isOpen() ? writeFully(file.get(), bytes, 0, origin) : NSError::posix(errno, "memfd_create");
-    return error ? Attachment(origin + ": " + error->localizedDescription()) : pictureIn(file, origin);
+    const auto picture = error ? Result<std::shared_ptr<NSItemProvider>>(error) : pictureIn(file);
+    if (picture)
+        providers.push_back(picture.value());
+    else
+        problems.push_back(problemWith(origin, picture.error()));
 }
 
-Attachment attachmentOfFile(const std::string& argument) {
-    const std::optional<URL> file = fileURLOf(argument);
-    if (!file)
-        return "\"" + argument + "\" is no file of this computer; save it as a file and add that";
-    FileManager& files = FileManager::defaultManager();
-    const Result<FileAttributes> attributes = files.attributesOfItem(file->path());
-    if (!attributes)
-        return attributes.error()->localizedDescription();
-    if (attributes.value().type == FileAttributes::Type::directory)
-        return argument + " is a folder; name the files in it";
-    if (attributes.value().type != FileAttributes::Type::regular)
-        return argument + " is no ordinary file; only files with a content of their own can be added";
-    if (const ErrorRef error = files.inputStream(*file).error())
-        return error->localizedDescription();
-    return NSItemProvider::ofFile(*file);
+void Attachments::addStandardInput() {
+    const Result<FileDescriptor> file = memoryFileOfStandardInput();
+    const auto picture =
+        file ? pictureIn(file.value()) : Result<std::shared_ptr<NSItemProvider>>(file.error());
+    if (picture)
+        providers.push_back(picture.value());
+    else
+        problems.push_back(problemWith("standard input", picture.error()));
 }
 
-std::variant<std::shared_ptr<NSExtensionContext>, std::vector<std::string>>
-makeShareRequest(const std::vector<std::string>& arguments) {
-    NSExtensionItem::Attachments attachments;
-    std::vector<std::string> problems;
+void Attachments::append(const Attachments& more) {
+    providers.insert(providers.end(), more.providers.begin(), more.providers.end());
+    totalSize += more.totalSize;
+    problems.insert(problems.end(), more.problems.begin(), more.problems.end());
+}
+
+Attachments attachmentsOf(const std::vector<std::string>& arguments) {
+    Attachments attachments;
     for (const std::string& argument : arguments) {
-        Attachment attachment = argument == "-" ? pictureOfStandardInput() : attachmentOfFile(argument);
-        if (auto* const problem = std::get_if<std::string>(&attachment))
-            problems.push_back(std::move(*problem));
+        if (argument == "-")
+            attachments.addStandardInput();
         else
-            attachments.push_back(std::get<0>(std::move(attachment)));
+            attachments.addFile(argument);
     }
-    if (!problems.empty())
-        return problems;
-    return std::make_shared<NSExtensionContext>(
-        std::vector<std::shared_ptr<NSObject>>{std::make_shared<NSExtensionItem>(std::move(attachments))});
+    return attachments;
 }
 
-std::int64_t sizeOfFiles(const std::vector<std::string>& arguments) {
-    std::int64_t sum = 0;
-    for (const std::string& argument : arguments) {
-        const std::optional<URL> file = argument == "-" ? std::nullopt : fileURLOf(argument);
-        if (!file)
-            continue;
-        const Result<FileAttributes> attributes =
-            FileManager::defaultManager().attributesOfItem(file->path());
-        if (attributes)
-            sum += attributes.value().size;
-    }
-    return sum;
+std::shared_ptr<NSExtensionContext> makeShareRequest(const Attachments& attachments) {
+    return std::make_shared<NSExtensionContext>(
+        std::vector<std::shared_ptr<NSObject>>{std::make_shared<NSExtensionItem>(attachments.providers)});
 }
 
 } // namespace sela

@@ -1,38 +1,49 @@
 #pragma once
 
 #include "platform/extension/NSExtensionContext.h"
+#include "platform/extension/NSExtensionItem.h"
 #include "platform/extension/NSItemProvider.h"
 #include "platform/foundation/Data.h"
+#include "platform/foundation/Error.h"
 
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <variant>
 #include <vector>
 
 namespace sela {
 
-/// An attachment, or a line that says why there can be none.
-using Attachment = std::variant<std::shared_ptr<NSItemProvider>, std::string>;
+/// What was named for a share request: what can be added, and why the rest cannot. A value.
+struct Attachments {
+    NSExtensionItem::Attachments providers;
 
-/// The attachment of an ordinary file that can be read, named by its path or URL.
-Attachment attachmentOfFile(const std::string& argument);
+    /// The size of the files among them together, in bytes; pictures without a file count nothing.
+    std::int64_t totalSize = 0;
 
-/// A picture in memory, decoded from the bytes of a picture file of any kind; `origin` says in a problem's
-/// line where they came from. Called on the main thread, which waits for the decoding.
-Attachment attachmentOfPicture(DataView bytes, const std::string& origin);
+    /// One for each thing that cannot be added, whose description names it.
+    std::vector<ErrorRef> problems;
 
-/// Builds the request of a command line: one input item with one attachment per argument, in their order.
-/// Each argument is the path of a file, a file URL, or "-" for a picture that is read from standard input
-/// now.
-///
-/// The other alternative has a line for each argument that cannot be used: it names nothing, a folder, a
-/// device, a FIFO or a socket, cannot be read, or is no picture ("-"). Called on the main thread.
-std::variant<std::shared_ptr<NSExtensionContext>, std::vector<std::string>>
-makeShareRequest(const std::vector<std::string>& arguments);
+    bool isEmpty() const { return providers.empty() && problems.empty(); }
 
-/// The size of the files among the arguments of a request together, in bytes; a picture on standard input
-/// counts nothing, nor does a file that is gone by now. Main thread.
-std::int64_t sizeOfFiles(const std::vector<std::string>& arguments);
+    /// Takes in an ordinary file, named by its path or URL. It is a problem when it names nothing, a folder,
+    /// a device, a FIFO or a socket, cannot be read, or is of a kind that the vault does not keep.
+    void addFile(const std::string& argument);
+
+    /// Takes in a picture that has no file, from the bytes of a picture file of any kind; `origin` says in a
+    /// problem where they came from. Called on the main thread, which waits for the decoding.
+    void addPicture(DataView bytes, const std::string& origin);
+
+    /// Takes in a picture that is read from standard input now.
+    void addStandardInput();
+
+    void append(const Attachments& more);
+};
+
+/// What a command line names, in its order: the paths of files, file URLs, or "-" for a picture on standard
+/// input. Called on the main thread.
+Attachments attachmentsOf(const std::vector<std::string>& arguments);
+
+/// The request: one input item with these attachments.
+std::shared_ptr<NSExtensionContext> makeShareRequest(const Attachments& attachments);
 
 } // namespace sela

@@ -6,14 +6,14 @@
 
 namespace sela {
 
-ShareSession::ShareSession(const CommandLine& line, DispatchQueue& loop,
-                           std::shared_ptr<NSExtensionContext> context)
-    : line_(line), scope_(line, loop), context_(std::move(context)),
+ShareSession::ShareSession(const CommandLine& line, DispatchQueue& loop, const Attachments& attachments)
+    : line_(line), scope_(line, loop), context_(makeShareRequest(attachments)),
       root_(makePrincipalViewController(principalClassName)) {
     root_->setExtensionContext(context_);
     root_->loadViewIfNeeded();
     screen_ = shareScreenOf(*root_);
     scope_.window().setRootViewController(root_);
+    report_.leftOut = attachments.problems;
     context_->onEnd = [this](const ErrorRef& cancellation) { requestEnded(cancellation); };
 }
 
@@ -25,8 +25,8 @@ void ShareSession::requestEnded(const ErrorRef& cancellation) {
     // Pictures that come after the last step show the request's end, and may fail.
     if (steps_)
         steps_->requestEnded();
-    if (result_.status != ExitStatus::stepFailed)
-        result_.status = cancellation ? ExitStatus::cancelled : ExitStatus::completed;
+    if (report_.end != ExitStatus::stepFailed)
+        report_.end = cancellation ? ExitStatus::cancelled : ExitStatus::completed;
     if (endHandler_)
         endHandler_();
 }
@@ -44,10 +44,10 @@ void ShareSession::takeSteps(double pixelsPerPoint, std::function<void()> taken)
                 taken();
             return;
         }
-        result_.status = ExitStatus::stepFailed;
-        result_.problem = *failure;
+        report_.end = ExitStatus::stepFailed;
+        report_.problem = *failure;
         if (context_->hasEnded())
-            *result_.problem += "; the request had ended before";
+            *report_.problem += "; the request had ended before";
         else
             cancel(*failure);
     });
@@ -59,18 +59,23 @@ void ShareSession::cancel(const std::string& why) {
             std::make_shared<NSError>(NSCocoaErrorDomain, NSUserCancelledError, why));
 }
 
+void ShareSession::complete() {
+    if (!hasEnded())
+        context_->completeRequestReturningItems({}, nullptr);
+}
+
 void ShareSession::giveUp() {
     if (hasEnded())
         return;
-    result_.status = ExitStatus::cannotEnd;
+    report_.end = ExitStatus::cannotEnd;
     if (endHandler_)
         endHandler_();
 }
 
-RunResult ShareSession::result() const {
-    RunResult result = result_;
-    result.saveRun = screen_->saveRun();
-    return result;
+SaveReport ShareSession::report() const {
+    SaveReport report = report_;
+    report.run = screen_->saveRun();
+    return report;
 }
 
 } // namespace sela

@@ -1,8 +1,9 @@
 #pragma once
 
 #include "host/CommandLine.h"
-#include "host/ExitStatus.h"
 #include "host/HostScope.h"
+#include "host/SaveReport.h"
+#include "host/ShareRequest.h"
 #include "host/StepRunner.h"
 #include "platform/extension/NSExtensionContext.h"
 #include "share/SelaShareExtensionVc.h"
@@ -15,23 +16,13 @@
 
 namespace sela {
 
-/// How a run of the extension ended, for whoever started it.
-struct RunResult {
-    ExitStatus status = ExitStatus::cancelled;
-
-    /// The step that failed and why, in a line; absent when none did.
-    std::optional<std::string> problem;
-
-    SaveRun saveRun;
-};
-
 /// One share request on the extension's screens, from its start to its end, with or without a window: what a
 /// `WindowedRun` and a `HeadlessRun` have in common. Main thread only.
 class ShareSession {
 public:
-    /// Starts the principal screen with the request and sets it into the scope's window. `loop` becomes the
-    /// main queue and must outlive this.
-    ShareSession(const CommandLine& line, DispatchQueue& loop, std::shared_ptr<NSExtensionContext> context);
+    /// Starts the principal screen with a request of these attachments and sets it into the scope's window.
+    /// `loop` becomes the main queue and must outlive this.
+    ShareSession(const CommandLine& line, DispatchQueue& loop, const Attachments& attachments);
     ~ShareSession();
     ShareSession(const ShareSession&) = delete;
     ShareSession& operator=(const ShareSession&) = delete;
@@ -40,7 +31,7 @@ public:
     SelaShareExtensionVc& screen() { return *screen_; }
 
     /// Whether the request has ended, or was given up.
-    bool hasEnded() const { return context_->hasEnded() || result_.status == ExitStatus::cannotEnd; }
+    bool hasEnded() const { return context_->hasEnded() || report_.end == ExitStatus::cannotEnd; }
 
     /// Called once, when the request ends or is given up.
     void setEndHandler(std::function<void()> handler) { endHandler_ = std::move(handler); }
@@ -53,11 +44,14 @@ public:
     /// Cancels the request for a reason; nothing happens when it has ended or was given up.
     void cancel(const std::string& why);
 
+    /// Completes the request before the screen does; nothing happens when it has ended or was given up.
+    void complete();
+
     /// Leaves the request as it is, since nothing can end it any more; nothing happens when it has ended.
     void giveUp();
 
-    /// What is to be told, once the main loop has come to its end.
-    RunResult result() const;
+    /// What was done with the files, as it stands now.
+    SaveReport report() const;
 
 private:
     void requestEnded(const ErrorRef& cancellation);
@@ -69,7 +63,7 @@ private:
     SelaShareExtensionVc* screen_ = nullptr; ///< inside `root_`
     std::unique_ptr<StepRunner> steps_;
     std::function<void()> endHandler_;
-    RunResult result_;
+    SaveReport report_; ///< without the run
 };
 
 } // namespace sela

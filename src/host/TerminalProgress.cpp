@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -17,6 +18,9 @@ namespace {
 
 /// Seconds between two drawings of the line.
 constexpr double drawInterval = 0.1;
+
+/// Seconds of saving after which its rate says how long the rest takes.
+constexpr double rateSeconds = 1;
 
 constexpr const char* wiping = "\r\x1b[K";
 
@@ -35,6 +39,17 @@ std::string sizeText(double bytes) {
     char text[32];
     std::snprintf(text, sizeof text, unit == 0 ? "%.0f %s" : "%.1f %s", bytes, units[unit]);
     return text;
+}
+
+/// A length of time as people read it: "12 s", "3 min", "2 h 5 min".
+std::string timeText(double seconds) {
+    const auto whole = static_cast<std::int64_t>(std::ceil(seconds));
+    if (whole < 100)
+        return std::to_string(whole) + " s";
+    const std::int64_t minutes = (whole + 59) / 60;
+    if (minutes < 100)
+        return std::to_string(minutes) + " min";
+    return std::to_string(minutes / 60) + " h " + std::to_string(minutes % 60) + " min";
 }
 
 } // namespace
@@ -64,8 +79,12 @@ void TerminalProgress::draw(const SaveRun& run, double now) {
                        std::to_string(run.outcomes.size()) + ": " + sizeText(static_cast<double>(bytes));
     if (totalSize_ >= bytes)
         text += " of " + sizeText(static_cast<double>(totalSize_));
-    if (now > start_)
-        text += ", " + sizeText(static_cast<double>(bytes) / (now - start_)) + "/s";
+    if (now > start_) {
+        const double rate = static_cast<double>(bytes) / (now - start_);
+        text += ", " + sizeText(rate) + "/s";
+        if (now > start_ + rateSeconds && totalSize_ >= bytes)
+            text += ", " + timeText(static_cast<double>(totalSize_ - bytes) / rate) + " left";
+    }
     text.resize(std::min(text.size(), terminalWidth() - 1));
     std::fputs((wiping + text).c_str(), stderr);
     drawn_ = now;

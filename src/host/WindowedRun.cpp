@@ -3,8 +3,6 @@
 #include "host/MimeAttachments.h"
 #include "platform/foundation/Bundle.h"
 
-#include <utility>
-
 namespace sela {
 
 namespace {
@@ -15,20 +13,19 @@ constexpr double longestWaitForFrame = 0.5;
 
 } // namespace
 
-WindowedRun::WindowedRun(QtApplication& application, const CommandLine& line,
-                         std::shared_ptr<NSExtensionContext> context)
-    : application_(application), line_(line), session_(line, loop_, std::move(context)),
+WindowedRun::WindowedRun(QtApplication& application, const CommandLine& line, const Attachments& attachments)
+    : application_(application), line_(line), session_(line, loop_, attachments),
       notice_(session_.scope().window()),
       window_(session_.scope().window(), session_.scope().painter(), line) {
     session_.setEndHandler([this] { end(); });
-    window_.setCloseHandler([this] { session_.cancel("The window was closed."); });
+    window_.setCloseHandler([this] { close(); });
     window_.setContentHandler({[this] { return !session_.screen().saveRun().hasBegun(); },
                                [this](const QMimeData* data) { take(data); }});
     // The helpers' start would take the processors from the card's.
     window_.setFirstFrameHandler([this] { session_.scope().loading().open(); });
 }
 
-RunResult WindowedRun::run() {
+SaveReport WindowedRun::run() {
     loop_.asyncAfter(longestWaitForFrame, [this] { session_.scope().loading().open(); });
     window_.open();
     application_.waitForFonts();
@@ -42,18 +39,29 @@ RunResult WindowedRun::run() {
     });
     loop_.run();
     session_.cancel("The display was closed.");
-    return session_.result();
+    return session_.report();
+}
+
+void WindowedRun::close() {
+    const SaveRun::State state = session_.screen().saveRun().state;
+    if (state == SaveRun::State::ended)
+        session_.complete();
+    else if (state == SaveRun::State::stuck)
+        session_.giveUp();
+    else
+        session_.cancel("The window was closed.");
 }
 
 void WindowedRun::take(const QMimeData* data) {
     const MimeAttachments found = MimeAttachments::in(data);
-    if (!found.attachments.empty())
-        session_.screen().append(found.attachments);
-    if (!found.problems.empty())
+    const Attachments& attachments = found.attachments;
+    if (!attachments.providers.empty())
+        session_.screen().append(attachments.providers);
+    if (!attachments.problems.empty())
         notice_.show(Bundle::main().localizedString("Some files cannot be added."));
     else if (found.onlyText)
         notice_.show(Bundle::main().localizedString("Text cannot be added, only files and pictures."));
-    else if (found.attachments.empty())
+    else if (attachments.providers.empty())
         notice_.show(Bundle::main().localizedString("There is nothing to add on the clipboard."));
 }
 

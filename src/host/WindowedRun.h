@@ -6,8 +6,6 @@
 #include "host/ShareSession.h"
 #include "host/ShareWindow.h"
 
-#include <memory>
-
 class QMimeData;
 
 namespace sela {
@@ -17,15 +15,16 @@ namespace sela {
 class WindowedRun {
 public:
     /// `application` must outlive this.
-    WindowedRun(QtApplication& application, const CommandLine& line,
-                std::shared_ptr<NSExtensionContext> context);
+    WindowedRun(QtApplication& application, const CommandLine& line, const Attachments& attachments);
 
     /// Shows the card and returns when the request has ended and nothing is under way any more. Closing the
-    /// window cancels the request. Saving that is stuck ends the run only when there were steps and the last
-    /// one was taken.
-    RunResult run();
+    /// window cancels the request while something can still be added, and completes it after that. Saving
+    /// that is stuck ends the run when the window is closed, or the last of the command line's steps was
+    /// taken.
+    SaveReport run();
 
 private:
+    void close();
     void take(const QMimeData* data);
     void end();
 

@@ -1,6 +1,7 @@
 #include "host/CommandLine.h"
 #include "host/HeadlessRun.h"
 #include "host/MimeAttachments.h"
+#include "host/SaveReport.h"
 #include "host/ShareOptions.h"
 #include "host/ShareRequest.h"
 #include "host/ShareWindow.h"
@@ -8,20 +9,20 @@
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Dumpable.h"
 #include "platform/foundation/Heap.h"
+#include "platform/foundation/LogOutput.h"
 #include "platform/foundation/NSLog.h"
+#include "store/ShareExtensionError.h"
 #include "store/SharedFolder.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 
-#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <optional>
 #include <string>
 #include <sys/stat.h>
-#include <variant>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -30,7 +31,7 @@ namespace {
 constexpr std::size_t heapOfFirstFrame = 4 << 20;
 
 void tell(const std::string& message) {
-    std::fprintf(stderr, "sela-share: %s\n", sela::escapedForLog(message).c_str());
+    sela::printToStandardError("sela-share: " + sela::escapedForLog(message));
 }
 
 int fail(sela::ExitStatus status, const std::string& message) {
@@ -48,66 +49,47 @@ bool hasDisplay() {
     return std::getenv("WAYLAND_DISPLAY") || std::getenv("DISPLAY") || std::getenv("QT_QPA_PLATFORM");
 }
 
-/// Tells on standard error what a run did not do.
-void tellProblems(const sela::RunResult& result) {
-    const sela::SaveRun& run = result.saveRun;
-    const std::size_t count = run.outcomes.size();
-    const auto problem = std::ranges::find(run.outcomes, sela::AttachmentOutcome::Kind::failed,
-                                           &sela::AttachmentOutcome::kind);
-    if (result.problem)
-        tell(*result.problem);
-    if (result.status == sela::ExitStatus::cancelled || problem == run.outcomes.end())
-        return;
-    const std::size_t index = static_cast<std::size_t>(problem - run.outcomes.begin());
-    const std::string place = "file " + std::to_string(index + 1) + " of " + std::to_string(count);
-    const std::string reason = problem->reason->localizedDescription();
-    if (result.status == sela::ExitStatus::cannotEnd)
-        tell(place + " will never be reported as saved, so the request cannot end: " + reason);
-    else
-        tell(place + " was not added: " + reason +
-             (index + 1 < count ? "; those after it were not tried" : ""));
+/// Tells on standard error what became of the files; on a terminal also when all is well.
+void tell(const sela::SaveReport& report, const sela::CommandLine& line) {
+    const std::vector<std::string> problems = report.problems();
+    for (const std::string& problem : problems)
+        tell(problem);
+    const bool isWanted =
+        line.output != sela::CommandLine::Output::quiet && (::isatty(STDERR_FILENO) || !problems.empty());
+    if (const std::string success = report.success(); isWanted && !success.empty())
+        tell(success);
 }
 
-/// Why the clipboard gives nothing to share; absent when it does.
-std::optional<std::string> problemWith(const sela::MimeAttachments& pasted) {
-    if (!pasted.problems.empty())
-        return pasted.problems.front();
-    if (pasted.onlyText)
-        return "the clipboard holds text; only files and pictures can be added";
-    if (pasted.attachments.empty())
-        return "there is nothing on the clipboard that can be added";
-    return std::nullopt;
+/// What is on the clipboard.
+sela::Attachments pastedAttachments() {
+    sela::MimeAttachments pasted = sela::MimeAttachments::in(QGuiApplication::clipboard()->mimeData());
+    if (pasted.attachments.isEmpty())
+        pasted.attachments.problems.push_back(sela::ShareExtensionError::make(
+            pasted.onlyText ? "the clipboard holds text; only files and pictures can be added"
+                            : "there is nothing on the clipboard that can be added"));
+    return std::move(pasted.attachments);
 }
 
 int share(const sela::CommandLine& line) {
     if (!line.headless && !hasDisplay())
         return fail(sela::ExitStatus::badArguments, "there is no display; use --headless with steps such as "
                                                     "--tap addButton");
-    const auto request = sela::makeShareRequest(line.attachments);
-    if (const auto* const problems = std::get_if<std::vector<std::string>>(&request)) {
-        for (const std::string& problem : *problems)
-            fail(sela::ExitStatus::badArguments, problem);
+    sela::Attachments attachments = sela::attachmentsOf(line.attachments);
+    sela::QtApplication application(line);
+    if (line.paste && sela::ShareWindow::isClipboardOpen())
+        attachments.append(pastedAttachments());
+    for (const sela::ErrorRef& problem : attachments.problems)
+        tell(problem->localizedDescription());
+    if (attachments.providers.empty() && !attachments.problems.empty())
         return static_cast<int>(sela::ExitStatus::badArguments);
-    }
     // The card opens all the same: the picker says so too, and the log what it means for each file.
     if (!sela::sharedFolderUrl())
         tell("there is no vault to add to yet; start the main Sela application once, or run \"sela-vault "
              "init\"");
-    const auto context = std::get<0>(request);
-    sela::QtApplication application(line);
-    if (line.paste && sela::ShareWindow::isClipboardOpen()) {
-        const sela::MimeAttachments pasted =
-            sela::MimeAttachments::in(QGuiApplication::clipboard()->mimeData());
-        if (const std::optional<std::string> problem = problemWith(pasted))
-            return fail(sela::ExitStatus::badArguments, *problem);
-        static_cast<sela::NSExtensionItem&>(*context->inputItems.front()).append(pasted.attachments);
-    }
-    const sela::RunResult result =
-        line.headless
-            ? sela::HeadlessRun(application, line, context, sela::sizeOfFiles(line.attachments)).run()
-            : sela::WindowedRun(application, line, context).run();
-    tellProblems(result);
-    return static_cast<int>(result.status);
+    const sela::SaveReport report = line.headless ? sela::HeadlessRun(application, line, attachments).run()
+                                                  : sela::WindowedRun(application, line, attachments).run();
+    tell(report, line);
+    return static_cast<int>(report.status());
 }
 
 } // namespace

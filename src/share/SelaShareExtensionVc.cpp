@@ -26,6 +26,10 @@ constexpr double doneSeconds = 1.5;
 /// The width of the front thumbnail in design points; it and the other frames are less high than that.
 constexpr double frontFrameWidth = 178;
 
+/// What stands for the album's name until the rest of the title is filled: the character for an object that
+/// is none of the text, which no translation has.
+constexpr std::string_view albumStandIn = "\xEF\xBF\xBC";
+
 std::string localized(std::string_view key) {
     return Bundle::main().localizedString(key);
 }
@@ -122,12 +126,16 @@ void SelaShareExtensionVc::updateTitle() {
     const UIFont font = UIFont::systemFont(std::ceil(14 * scale_));
     const NSAttributedString::Attributes plain{UIColor::named("AppTextSecond"), font};
     const NSAttributedString::Attributes highlight{UIColor::named("AppTint"), font};
-    const NSAttributedString album(albumText(intake_->selectedAlbumName()), highlight);
+    // Arguments are read again for places to fill, and an album may be called "%@".
+    const NSAttributedString standIn(albumStandIn, highlight);
     const std::int64_t count = intake_->itemsCount();
-    const NSAttributedString title =
-        count == 1 ? NSAttributedString(localized("Add 1 file to xxx"), plain).format({album})
+    NSAttributedString title =
+        count == 1 ? NSAttributedString(localized("Add 1 file to xxx"), plain).format({standIn})
                    : NSAttributedString(localized("Add xxx files to xxx"), plain)
-                         .format({NSAttributedString(std::to_string(count), highlight), album});
+                         .format({NSAttributedString(std::to_string(count), highlight), standIn});
+    if (const std::size_t place = title.string().find(albumStandIn); place != std::string::npos)
+        title.replace(place, albumStandIn.size(),
+                      NSAttributedString(albumText(intake_->selectedAlbumName()), highlight));
     albumButton_.setTitleFont(font);
     albumButton_.setAttributedTitle(title);
     albumButton_.setAccessibilityValue(title.string());

@@ -1,6 +1,7 @@
 """The whole flow through the built programs, headless by steps and in a real window."""
 
 import ctypes
+import fcntl
 import os
 import shutil
 import subprocess
@@ -75,3 +76,14 @@ class Lifetime(WindowTest):
         time.sleep(0.5)
         configuration.write_text("<fontconfig><dir>/usr/share/fonts</dir></fontconfig>")
         self.assertEqual(process.wait(30), 64)
+
+
+class Log(HomeTest):
+    def test_a_standard_error_that_nobody_reads_stops_nothing(self):
+        self.provision()
+        reader, writer = os.pipe()
+        self.addCleanup(os.close, reader)
+        os.write(writer, bytes(fcntl.fcntl(writer, fcntl.F_SETPIPE_SZ, 4096)))
+        process = self.start_share(self.write("a.jpg", b"x"), "--tap", "addButton", stderr=writer)
+        os.close(writer)
+        self.assertEqual(process.wait(30), 0)

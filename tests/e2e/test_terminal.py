@@ -7,6 +7,7 @@ import fcntl
 import os
 import pty
 import re
+import resource
 import shutil
 import signal
 import struct
@@ -26,12 +27,12 @@ class Terminal(HomeTest):
         self.files = [self.write("a.jpg", b"x" * 1000), self.write("b.mov", b"")]
         os.truncate(self.files[1], 41_999_000)
 
-    def on_terminal(self, *arguments, columns=80, kind="xterm", expect=0):
+    def on_terminal(self, *arguments, columns=80, kind="xterm", expect=0, preexec_fn=None):
         """What sela-share writes to a terminal, as it writes it."""
         master, slave = pty.openpty()
         fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
         process = subprocess.Popen([BIN / "sela-share", "--headless", "--tap", "addButton", *arguments], stderr=slave,
-                                   env=self.environment | {"TERM": kind})
+                                   env=self.environment | {"TERM": kind}, preexec_fn=preexec_fn)
         os.close(slave)
         output = b""
         try:
@@ -46,10 +47,10 @@ class Terminal(HomeTest):
     def test_the_line_tells_how_far_it_is_and_goes(self):
         output = self.on_terminal(*self.files)
         drawn = output.split(WIPE)
-        self.assertEqual((drawn[0], drawn[-1]), ("", ""))
+        self.assertEqual((drawn[0], drawn[-1]), ("", "sela-share: 2 files added to Default Album\r\n"))
         self.assertRegex(drawn[1], r"^Adding file 1 of 2: 1\.0 kB of 42\.0 MB, [\d.]+ [kM]?B/s$")
         for line in drawn[2:-1]:
-            self.assertRegex(line, r"^Adding file 2 of 2: [\d.]+ MB of 42\.0 MB, [\d.]+ [kMG]?B/s$")
+            self.assertRegex(line, r"^Adding file 2 of 2: [\d.]+ MB of 42\.0 MB, [\d.]+ [kMG]?B/s(, \d+ s left)?$")
         self.assertEqual(len(self.ledger()), 2)
 
     def test_options_and_terminals_that_want_none_of_it(self):
@@ -57,18 +58,22 @@ class Terminal(HomeTest):
             runs = [pool.submit(self.on_terminal, option, *self.files, kind=kind)
                     for option, kind in [("--quiet", "xterm"), ("--headless", "dumb"), ("--verbose", "xterm")]]
         quiet, dumb, verbose = [run.result() for run in runs]
-        self.assertEqual((quiet, dumb), ("", ""))
+        self.assertEqual((quiet, dumb), ("", "sela-share: 2 files added to Default Album\r\n"))
         self.assertIn("copyItem: readBytes = 0, totalReadBytes = 41999000\r\n", verbose)
         self.assertNotIn("Adding", verbose)
 
     def test_what_went_wrong_is_told_after_the_line_is_gone(self):
-        files = [self.files[1], self.write("c.txt", b"x"), self.files[0]]
-        drawn = self.on_terminal(*files, columns=20).split(WIPE)
-        self.assertEqual(drawn[1], "Adding file 1 of 3:")
-        self.assertEqual(
-            drawn[-1], "sela-share: file 2 of 3 was not added: Unsupported file; those after it were not tried\r\n")
+        files = [self.files[1], self.write("c.mov", b""), *[self.write(f"{i}.jpg", b"x") for i in range(12)]]
+        os.truncate(files[1], 60_000_000)
+        drawn = self.on_terminal(*files, self.home, columns=20, expect=1, preexec_fn=lambda: resource.setrlimit(
+            resource.RLIMIT_FSIZE, (50_000_000, 50_000_000))).split(WIPE)
+        self.assertEqual(drawn[0], f"sela-share: {self.home}: it is a folder; name the files in it\r\n")
+        self.assertEqual(drawn[1], "Adding file 1 of 14")
+        self.assertEqual(drawn[-1], "sela-share: c.mov was not added: File too large\r\n"
+                         f"sela-share: not tried: {', '.join(f'{i}.jpg' for i in range(10))} and 2 more\r\n"
+                         "sela-share: 1 of 15 files added to Default Album\r\n")
         failed = self.on_terminal(*files, "--tap", "noButton", expect=65)
-        self.assertRegex(failed.split(WIPE)[-1], r"^sela-share: [^\r\n]*noButton[^\r\n]*\r\n$")
+        self.assertRegex(failed.split(WIPE)[-1], r"^sela-share: noButton is not on the screen")
 
 
 class Passcode(HomeTest):

@@ -38,12 +38,12 @@ TEST(MimeAttachments, FindsFilesAndPicturesAndSaysWhatCannotBeUsed) {
         for (auto entry = entries.begin(); entry != entries.end(); ++entry)
             data.setData(entry.key(), entry.value());
         const MimeAttachments found = MimeAttachments::in(&data);
-        EXPECT_EQ(found.attachments.size(), attachments) << name;
-        EXPECT_EQ(found.problems.size(), problems) << name;
+        EXPECT_EQ(found.attachments.providers.size(), attachments) << name;
+        EXPECT_EQ(found.attachments.problems.size(), problems) << name;
         EXPECT_EQ(found.onlyText, name == std::string_view("only text")) << name;
         EXPECT_EQ(MimeAttachments::areIn(data), attachments + problems > 0) << name;
     }
-    EXPECT_TRUE(MimeAttachments::in(nullptr).attachments.empty());
+    EXPECT_TRUE(MimeAttachments::in(nullptr).attachments.isEmpty());
 }
 
 } // namespace sela

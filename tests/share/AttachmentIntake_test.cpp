@@ -1,9 +1,9 @@
 #include "share/AttachmentIntake.h"
 
 #include "share/ShareTest.h"
+#include "store/ShareExtensionError.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <utility>
 
 namespace sela {
@@ -26,7 +26,7 @@ protected:
     static Provider failing() {
         return std::make_shared<NSItemProvider>(std::vector<std::string>{"public.jpeg"},
                                                 [](const std::string&) -> Result<NSItemProvider::Item> {
-                                                    return NSError::posix(EACCES, "load");
+                                                    return ShareExtensionError::make("not loaded");
                                                 });
     }
 
@@ -63,7 +63,7 @@ protected:
             if (outcome.kind == AttachmentOutcome::Kind::recorded)
                 text += "recorded";
             else
-                text += outcome.reason ? outcome.reason->localizedDescription() : "-";
+                text += outcome.reason ? outcome.reason->localizedFailureReason() : "-";
         }
         return text;
     }
@@ -107,7 +107,7 @@ TEST_F(AttachmentIntakeTest, TheFirstFailureEndsTheWalk) {
         const char* error;
     } cases[] = {
         {untyped(), "No type indentifier"},
-        {failing(), "load: Permission denied"},
+        {failing(), "not loaded"},
         {NSItemProvider::ofText("text"), "Unsupported shared item"},
         {NSItemProvider::ofData(toData("data"), "public.data"), "Unsupported shared item"},
         {NSItemProvider::ofImage(*UIImage::named("Success")), "Failed to encode image"},
@@ -124,7 +124,7 @@ TEST_F(AttachmentIntakeTest, TheFirstFailureEndsTheWalk) {
         EXPECT_EQ(intake->currentAttachmentIndex(), 1);
         EXPECT_EQ(standing(intake->saveRun()), std::string("ended: recorded, ") + error + ", -");
     }
-    EXPECT_THAT(log.lines(), Contains("error: load: Permission denied"));
+    EXPECT_THAT(log.lines(), Contains("error: not loaded"));
     EXPECT_THAT(log.lines(), Contains("saveItem, error: Unsupported file"));
 }
 
@@ -139,8 +139,7 @@ TEST_F(AttachmentIntakeTest, TheRunTellsWhatBecameOfEachAttachmentWhereTheComple
         std::string standing;
     } cases[] = {
         {"{}", "A", file("empty.jpg", ""), "stuck: the file is empty, -"},
-        {"{}", "A", gone,
-         "ended: " + (home.path() / "source/gone.jpg").string() + ": No such file or directory, -"},
+        {"{}", "A", gone, "ended: No such file or directory, -"},
         {"not JSON", "A", file("a.jpg"), "ended: recorded, recorded"},
         {std::nullopt, "\xFF", file("a.jpg"), "ended: " + unencodable + ", " + unencodable},
     };
@@ -203,7 +202,7 @@ TEST_F(AttachmentIntakeTest, ThreePlacesAreLookedAtUpToAnAttachmentWithoutAType)
     EXPECT_THAT(log.lines(),
                 ElementsAre("getItemsCount count = 5", "loadThumbnails inputItems count = 2",
                             "item[0]: fileName = a.mp3", "item[0]: typeIdentifier = public.mp3",
-                            "loadThumbnails inputItems count = 2", "error: load: Permission denied",
+                            "loadThumbnails inputItems count = 2", "error: not loaded",
                             "loadThumbnails inputItems count = 2", "loadThumbnails inputItems count = 2"));
 
     share({file("a.mp3"), untyped(), file("c.mp3")});

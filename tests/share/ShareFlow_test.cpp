@@ -64,8 +64,9 @@ protected:
 TEST_F(ShareFlow, TheTitleNamesAnAlbumOfOneOrTwoNamesInFullAndElseItsFirst) {
     using Names = std::vector<std::string>;
     open({file("a.mp3")});
-    for (const auto& [album, name] :
-         {std::pair(Names{"Holidays", "Trips"}, "Holidays/Trips"), {{"A", "b", "c"}, "A"}}) {
+    for (const auto& [album, name] : {std::pair(Names{"Holidays", "Trips"}, "Holidays/Trips"),
+                                      {{"A", "b", "c"}, "A"},
+                                      {{"100%@"}, "100%@"}}) {
         screen().setSelectedAlbumName(album);
         screen().updateTitle();
         EXPECT_EQ(title(), std::string("Add 1 file to ") + name);

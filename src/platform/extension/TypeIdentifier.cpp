@@ -65,8 +65,6 @@ std::string_view identifierOfExtension(std::string_view extension) {
     return {};
 }
 
-/// What libmagic makes of the first bytes. They are handed over in memory, so a hostile file meets only its
-/// matching rules; decoders of the kinds found run in the sandboxed helper.
 std::string_view identifierOfContent(const URL& file) {
     Result<InputStream> stream = FileManager::defaultManager().inputStream(file);
     if (!stream)
@@ -75,13 +73,9 @@ std::string_view identifierOfContent(const URL& file) {
     const std::int64_t count = stream.value().read(start);
     if (count <= 0)
         return {};
-    const std::unique_ptr<magic_set, void (*)(magic_t)> magic(::magic_open(magicFlags), &::magic_close);
-    if (!magic || ::magic_load(magic.get(), nullptr) != 0)
-        return {};
-    const char* const found = ::magic_buffer(magic.get(), start.data(), static_cast<std::size_t>(count));
-    const std::string_view mimeType = found ? found : "";
+    const std::string mediaType = mediaTypeOfContent(DataView(start).first(static_cast<std::size_t>(count)));
     for (const Type& type : types)
-        if (!mimeType.empty() && type.mimeType == mimeType)
+        if (!mediaType.empty() && type.mimeType == mediaType)
             return type.identifier;
     return {};
 }
@@ -94,6 +88,17 @@ std::string typeIdentifierOfFile(const URL& file) {
     if (identifier.empty())
         identifier = identifierOfContent(file);
     return std::string(identifier.empty() ? anyData : identifier);
+}
+
+/// The bytes are handed to libmagic in memory, so a hostile file meets only its matching rules; decoders of
+/// the kinds found run in the sandboxed helper.
+std::string mediaTypeOfContent(DataView start) {
+    const std::unique_ptr<magic_set, void (*)(magic_t)> magic(::magic_open(magicFlags), &::magic_close);
+    if (!magic || ::magic_load(magic.get(), nullptr) != 0)
+        return {};
+    const char* const found = ::magic_buffer(magic.get(), start.data(), start.size());
+    const std::string type = found ? found : "";
+    return type == "application/octet-stream" ? "" : type;
 }
 
 } // namespace sela

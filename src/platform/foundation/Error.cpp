@@ -10,4 +10,8 @@ ErrorRef NSError::posix(int code, std::string_view what) {
     return std::make_shared<NSError>(NSPOSIXErrorDomain, code, std::move(description));
 }
 
+std::string NSError::localizedFailureReason() const {
+    return domain_ == NSPOSIXErrorDomain ? std::generic_category().message(code_) : description_;
+}
+
 } // namespace sela

@@ -18,6 +18,9 @@ public:
 
     /// One line for a log or a person, in English; never empty.
     virtual std::string localizedDescription() const = 0;
+
+    /// The cause alone, for a person who is told what failed anyway.
+    virtual std::string localizedFailureReason() const { return localizedDescription(); }
 };
 
 /// An optional error: null means success. Completions and operations that return nothing else use it.
@@ -46,6 +49,9 @@ public:
     const std::string& domain() const { return domain_; }
     int code() const { return code_; }
     std::string localizedDescription() const override { return description_; }
+
+    /// For a failed system call what the system says of its errno.
+    std::string localizedFailureReason() const override;
 
 private:
     std::string domain_;

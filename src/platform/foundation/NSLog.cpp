@@ -4,7 +4,10 @@
 #include "platform/foundation/UTF8.h"
 
 #include <cstdio>
+#include <fcntl.h>
 #include <mutex>
+#include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -51,16 +54,23 @@ std::string escape(char32_t c) {
     }
 }
 
-void printToStandardError(std::string line) {
-    // One write per line, so that lines of two processes on one terminal do not mix.
-    line += '\n';
-    std::size_t written = 0;
-    while (written < line.size()) {
-        const ssize_t count = ::write(STDERR_FILENO, line.data() + written, line.size() - written);
-        if (count <= 0)
-            return;
-        written += static_cast<std::size_t>(count);
-    }
+/// Standard error, as a description of its own that does not block where it is a pipe or a terminal: the flag
+/// on the inherited description would hold for the programs that share it, too. A file does not block.
+int standardError() {
+    static const int descriptor = [] {
+        struct stat status {};
+        const bool canBlock =
+            ::fstat(STDERR_FILENO, &status) == 0 && (S_ISFIFO(status.st_mode) || S_ISCHR(status.st_mode));
+        const int own =
+            canBlock ? ::open("/proc/self/fd/2", O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC) : -1;
+        return own >= 0 ? own : STDERR_FILENO;
+    }();
+    return descriptor;
+}
+
+bool hasRoom(int descriptor) {
+    pollfd waited{descriptor, POLLOUT, 0};
+    return ::poll(&waited, 1, 0) == 1;
 }
 
 } // namespace
@@ -89,6 +99,19 @@ void NSLog(std::string_view text) {
     ::syslog(LOG_USER | LOG_NOTICE, "%s", line.c_str());
     if (isLogPrinted)
         printToStandardError(line);
+}
+
+void printToStandardError(std::string line) {
+    // One write per line, so that lines of two processes on one terminal do not mix.
+    line += '\n';
+    const int descriptor = standardError();
+    std::size_t written = 0;
+    while (written < line.size() && hasRoom(descriptor)) {
+        const ssize_t count = ::write(descriptor, line.data() + written, line.size() - written);
+        if (count <= 0)
+            return;
+        written += static_cast<std::size_t>(count);
+    }
 }
 
 void setLogPrinted(bool printed) {

@@ -1,0 +1,75 @@
+#include "host/SaveReport.h"
+
+#include <algorithm>
+
+namespace sela {
+
+namespace {
+
+using Kind = AttachmentOutcome::Kind;
+
+/// Names told at most where files were not tried.
+constexpr std::int64_t mostNames = 10;
+
+std::string nameOf(const AttachmentOutcome& outcome) {
+    return outcome.name.empty() ? "a picture without a name" : outcome.name;
+}
+
+/// "a.jpg, b.jpg and 7 more"; empty for none.
+std::string notTried(const SaveRun& run) {
+    std::string names;
+    std::int64_t told = 0;
+    for (const AttachmentOutcome& outcome : run.outcomes) {
+        if (outcome.kind != Kind::notTried || told == mostNames)
+            continue;
+        names += (told++ > 0 ? ", " : "") + nameOf(outcome);
+    }
+    const std::int64_t more = run.count(Kind::notTried) - told;
+    return more > 0 ? names + " and " + std::to_string(more) + " more" : names;
+}
+
+} // namespace
+
+ExitStatus SaveReport::status() const {
+    const std::int64_t recorded = run.count(Kind::recorded);
+    const bool isAll = recorded == static_cast<std::int64_t>(run.outcomes.size()) && leftOut.empty();
+    if (end == ExitStatus::completed || (end == ExitStatus::cancelled && recorded > 0))
+        return isAll ? ExitStatus::completed : ExitStatus::notAll;
+    return end;
+}
+
+std::vector<std::string> SaveReport::problems() const {
+    std::vector<std::string> lines;
+    if (problem)
+        lines.push_back(*problem);
+    for (const AttachmentOutcome& outcome : run.outcomes) {
+        if (outcome.kind != Kind::failed)
+            continue;
+        lines.push_back(nameOf(outcome) + " was not added: " + outcome.reason->localizedFailureReason());
+        if (run.state == SaveRun::State::stuck)
+            lines.back() += "; the end of this is never reported, so the request cannot end";
+    }
+    if (const std::string names = notTried(run); !names.empty())
+        lines.push_back("not tried: " + names);
+    return lines;
+}
+
+std::string SaveReport::success() const {
+    const std::int64_t recorded = run.count(Kind::recorded);
+    if (recorded == 0)
+        return {};
+    const std::size_t all = run.outcomes.size() + leftOut.size();
+    std::string text = std::to_string(recorded);
+    if (recorded < static_cast<std::int64_t>(all))
+        text += " of " + std::to_string(all);
+    text += all == 1 ? " file added to " : " files added to ";
+    const auto first = std::ranges::find(run.outcomes, Kind::recorded, &AttachmentOutcome::kind);
+    const char* separator = "";
+    for (const std::string& name : first->item->albumNames) {
+        text += separator + name;
+        separator = "/";
+    }
+    return text;
+}
+
+} // namespace sela

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "host/ExitStatus.h"
+#include "platform/foundation/Error.h"
+#include "share/SaveRun.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sela {
+
+/// What a run did with the files that it was given. A value.
+struct SaveReport {
+    /// How the request ended: `completed`, `cancelled`, `cannotEnd` or `stepFailed`.
+    ExitStatus end = ExitStatus::cancelled;
+
+    /// Why it ended so, in a line, where the save run does not tell; absent when there is nothing to say.
+    std::optional<std::string> problem;
+
+    SaveRun run;
+
+    /// Why other files were not even in the request; each names its file.
+    std::vector<ErrorRef> leftOut;
+
+    /// What the process tells by its status: `completed` only when everything was added, `notAll` when a file
+    /// was not, `cancelled` when the request was and nothing was added.
+    ExitStatus status() const;
+
+    /// Lines for standard error, in English: each file that failed, with the reason, and those that were not
+    /// tried. Files that were left out were told at the start.
+    std::vector<std::string> problems() const;
+
+    /// "3 files added to Family"; empty when none was.
+    std::string success() const;
+};
+
+} // namespace sela
