@@ -41,7 +41,15 @@ void unpack(const BMPHeader& header, const std::byte* from, std::span<std::uint8
     }
 }
 
-bool readPlainRows(const InputFile& file, const BMPHeader& header, AreaScaler& scaler) {
+bool hasVisiblePixel(std::span<const std::uint8_t> row) {
+    for (std::size_t i = 3; i < row.size(); i += 4)
+        if (row[i] != 0)
+            return true;
+    return false;
+}
+
+/// Hands the rows over; `isVisible` becomes whether any pixel of them is.
+bool readPlainRows(const InputFile& file, const BMPHeader& header, PictureTarget& target, bool& isVisible) {
     const std::size_t bits =
         static_cast<std::size_t>(header.size.width) * static_cast<std::size_t>(header.bitsPerPixel);
     std::vector<std::byte> packed((bits + 31) / 32 * 4);
@@ -56,48 +64,36 @@ bool readPlainRows(const InputFile& file, const BMPHeader& header, AreaScaler& s
         if (file.readAt(header.pixels + rowSize * y, packed) < leastRowSize)
             return false;
         unpack(header, packed.data(), row);
+        isVisible = isVisible || hasVisiblePixel(row);
         if (header.hasAlpha())
             premultiply(row);
-        scaler.addRow(row.data());
+        target.addRow(row.data());
     }
-    return true;
-}
-
-std::optional<DecodedPicture> readRows(const InputFile& file, const BMPHeader& header, PictureBounds bounds) {
-    AreaScaler scaler(header.size, fitted(header.size, bounds));
-    const bool isWhole = header.coding == BMPHeader::Coding::runs
-                             ? readBMPRuns(file, header, [&](const std::uint8_t* row) { scaler.addRow(row); })
-                             : readPlainRows(file, header, scaler);
-    if (!isWhole)
-        return std::nullopt;
-    DecodedPicture picture;
-    picture.pixels = scaler.take();
-    picture.orientation = header.fromTop ? Orientation::up : Orientation::downMirrored;
-    return picture;
-}
-
-bool isInvisible(const PixelBuffer& pixels) {
-    for (std::size_t i = 3; i < pixels.bytes.size(); i += 4)
-        if (pixels.bytes[i] != 0)
-            return false;
     return true;
 }
 
 } // namespace
 
-std::optional<DecodedPicture> readBMP(const InputFile& file, PictureBounds bounds) {
+bool readBMP(const InputFile& file, PictureTarget& target) {
     auto header = BMPHeader::read(file);
     if (!header)
-        return std::nullopt;
+        return false;
     if (header->coding == BMPHeader::Coding::embeddedJPEG)
-        return readJPEG(file, header->pixels, file.size(), bounds);
-    auto picture = readRows(file, *header, bounds);
-    if (picture && header->hasAlpha() && isInvisible(picture->pixels)) {
-        // Many writers name the bits of alpha but leave them zero.
-        header->channels[3] = BMPChannel();
-        picture = readRows(file, *header, bounds);
-    }
-    return picture;
+        return readJPEG(file, header->pixels, file.size(), target);
+    PictureRows rows = PictureRows::of(header->size);
+    rows.orientation = header->fromTop ? Orientation::up : Orientation::downMirrored;
+    target.begin(rows);
+    if (header->coding == BMPHeader::Coding::runs)
+        return readBMPRuns(file, *header, [&](const std::uint8_t* row) { target.addRow(row); });
+    bool isVisible = false;
+    if (!readPlainRows(file, *header, target, isVisible))
+        return false;
+    if (isVisible)
+        return true;
+    // Many writers name the bits of alpha but leave them zero.
+    header->channels[3] = BMPChannel();
+    target.begin(rows);
+    return readPlainRows(file, *header, target, isVisible);
 }
 
 } // namespace sela

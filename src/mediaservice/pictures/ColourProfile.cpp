@@ -12,55 +12,58 @@ namespace sela {
 namespace {
 
 using Profile = std::unique_ptr<void, decltype(&cmsCloseProfile)>;
-using Transform = std::unique_ptr<void, decltype(&cmsDeleteTransform)>;
+using Transform = std::shared_ptr<void>;
 
-/// The transform from the picture's colours to red, green, blue and an unchanged fourth byte; null when its
+/// The transform from a file's colours to red, green, blue and an unchanged fourth byte; null when the
 /// profile does not fit.
-Transform transformToSRGB(const DecodedPicture& picture) {
-    const Profile source(
-        cmsOpenProfileFromMem(picture.profile.data(), static_cast<cmsUInt32Number>(picture.profile.size())),
-        &cmsCloseProfile);
+Transform transformToSRGB(PixelColours colours, const Data& bytes) {
+    if (bytes.empty())
+        return nullptr;
+    const Profile source(cmsOpenProfileFromMem(bytes.data(), static_cast<cmsUInt32Number>(bytes.size())),
+                         &cmsCloseProfile);
     const Profile target(cmsCreate_sRGBProfile(), &cmsCloseProfile);
     if (!source || !target)
-        return {nullptr, &cmsDeleteTransform};
+        return nullptr;
     const cmsColorSpaceSignature space = cmsGetColorSpace(source.get());
     cmsUInt32Number format = 0;
-    if (picture.colours == DecodedPicture::Colours::cmyk && space == cmsSigCmykData)
+    if (colours == PixelColours::cmyk && space == cmsSigCmykData)
         format = TYPE_CMYK_8;
-    else if (picture.colours != DecodedPicture::Colours::cmyk && space == cmsSigRgbData)
+    else if (colours != PixelColours::cmyk && space == cmsSigRgbData)
         format = TYPE_RGBA_8;
-    else if (picture.colours == DecodedPicture::Colours::gray && space == cmsSigGrayData)
+    else if (colours == PixelColours::gray && space == cmsSigGrayData)
         format = COLORSPACE_SH(PT_GRAY) | EXTRA_SH(3) | CHANNELS_SH(1) | BYTES_SH(1);
     else
-        return {nullptr, &cmsDeleteTransform};
-    return {cmsCreateTransform(source.get(), format, target.get(), TYPE_RGBA_8, INTENT_RELATIVE_COLORIMETRIC,
-                               cmsFLAGS_BLACKPOINTCOMPENSATION),
-            &cmsDeleteTransform};
+        return nullptr;
+    const cmsHTRANSFORM made =
+        cmsCreateTransform(source.get(), format, target.get(), TYPE_RGBA_8, INTENT_RELATIVE_COLORIMETRIC,
+                           cmsFLAGS_BLACKPOINTCOMPENSATION);
+    return made ? Transform(made, &cmsDeleteTransform) : nullptr;
+}
+
+/// In place, which equal pixel sizes allow; alpha is not touched.
+void apply(const Transform& transform, std::span<std::uint8_t> pixels) {
+    cmsDoTransform(transform.get(), pixels.data(), pixels.data(),
+                   static_cast<cmsUInt32Number>(pixels.size() / 4));
 }
 
 } // namespace
 
-PixelBuffer convertedToSRGB(DecodedPicture picture) {
-    PixelBuffer& pixels = picture.pixels;
-    const bool inks = picture.colours == DecodedPicture::Colours::cmyk;
-    const Transform transform =
-        picture.profile.empty() ? Transform(nullptr, &cmsDeleteTransform) : transformToSRGB(picture);
-    if (!transform) {
-        if (inks)
-            convertPressInks(pixels);
-        return std::move(pixels);
-    }
-    if (!inks)
-        unpremultiply(pixels.bytes);
-    // In place, which equal pixel sizes allow; alpha is not touched.
-    cmsDoTransform(transform.get(), pixels.bytes.data(), pixels.bytes.data(),
-                   static_cast<cmsUInt32Number>(pixels.bytes.size() / 4));
+PixelConversion conversionToSRGB(PixelColours colours, const Data& profile) {
+    const Transform transform = transformToSRGB(colours, profile);
+    const bool inks = colours == PixelColours::cmyk;
+    if (!transform)
+        return inks ? PixelConversion(convertPressInks) : PixelConversion();
     if (inks)
-        for (std::size_t i = 3; i < pixels.bytes.size(); i += 4)
-            pixels.bytes[i] = 255;
-    else
-        premultiply(pixels.bytes);
-    return std::move(pixels);
+        return [transform](std::span<std::uint8_t> pixels) {
+            apply(transform, pixels);
+            for (std::size_t i = 3; i < pixels.size(); i += 4)
+                pixels[i] = 255;
+        };
+    return [transform](std::span<std::uint8_t> pixels) {
+        unpremultiply(pixels);
+        apply(transform, pixels);
+        premultiply(pixels);
+    };
 }
 
 } // namespace sela

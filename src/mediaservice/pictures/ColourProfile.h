@@ -1,11 +1,22 @@
 #pragma once
 
-#include "mediaservice/pictures/DecodedPicture.h"
+#include "mediaservice/pictures/PictureTarget.h"
+#include "platform/foundation/Data.h"
 
 namespace sela {
 
-/// The picture's pixels in sRGB. A profile that is absent, broken or made for another kind of colours counts
-/// as sRGB (for CMYK: as that of a common press, see `convertPressInks`).
-PixelBuffer convertedToSRGB(DecodedPicture picture);
+/// What the four bytes of a pixel are, as a file holds it.
+enum class PixelColours {
+    rgb,  ///< red, green, blue, alpha, the colours premultiplied
+    gray, ///< the same with red, green and blue equal; the profile is one of gray
+    cmyk, ///< cyan, magenta, yellow, black; 255 is full ink
+};
+
+/// The largest ICC profile that is looked at, in bytes. Those of presses reach two megabytes.
+inline constexpr std::size_t largestProfile = 4 << 20;
+
+/// How pixels of those colours and that ICC profile come to sRGB. A profile that is absent, broken or made
+/// for another kind of colours counts as sRGB (for CMYK: as that of a common press, see `convertPressInks`).
+PixelConversion conversionToSRGB(PixelColours colours, const Data& profile);
 
 } // namespace sela

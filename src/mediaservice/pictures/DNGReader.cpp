@@ -53,52 +53,41 @@ bool isPreview(const TIFFDirectory& directory) {
                                          : photometric == photometricYCbCr && isJPEG(directory);
 }
 
-std::optional<DecodedPicture> readPlainRGB(const InputFile& file, const TIFFDirectory& directory,
-                                           PictureBounds bounds) {
+bool readPlainRGB(const InputFile& file, const TIFFDirectory& directory, Orientation orientation,
+                  PictureTarget& target) {
     const PictureSize size = sizeOf(directory);
     const auto offsets = directory.numbers(stripOffsetsTag);
     const auto sizes = directory.numbers(stripSizesTag);
     if (offsets.size() != sizes.size())
-        return std::nullopt;
-    AreaScaler scaler(size, fitted(size, bounds));
+        return false;
+    target.begin({size, size, orientation, {}});
+    int rows = 0;
     std::vector<std::byte> packed(std::size_t{3} * static_cast<std::size_t>(size.width));
     std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width), 255);
     for (std::size_t strip = 0; strip < offsets.size(); ++strip) {
         const std::int64_t end = std::int64_t{offsets[strip]} + sizes[strip];
         const auto rowSize = static_cast<std::int64_t>(packed.size());
         for (std::int64_t offset = offsets[strip]; offset + rowSize <= end; offset += rowSize) {
-            if (scaler.isComplete())
-                break;
+            if (rows++ == size.height)
+                return true;
             if (file.readAt(offset, packed) != packed.size())
-                return std::nullopt;
+                return false;
             for (std::size_t from = 0, to = 0; from < packed.size(); from += 3, to += 4)
                 for (std::size_t channel = 0; channel < 3; ++channel)
                     row[to + channel] = std::to_integer<std::uint8_t>(packed[from + channel]);
-            scaler.addRow(row.data());
+            target.addRow(row.data());
         }
     }
-    if (!scaler.isComplete())
-        return std::nullopt;
-    DecodedPicture picture;
-    picture.pixels = scaler.take();
-    return picture;
-}
-
-std::optional<DecodedPicture> readPreview(const InputFile& file, const TIFFDirectory& directory,
-                                          PictureBounds bounds) {
-    if (!isJPEG(directory))
-        return readPlainRGB(file, directory, bounds);
-    const std::int64_t offset = directory.numbers(stripOffsetsTag).front();
-    return readJPEG(file, offset, offset + directory.numbers(stripSizesTag).front(), bounds);
+    return rows == size.height;
 }
 
 } // namespace
 
-std::optional<DecodedPicture> readDNGPreview(const InputFile& file, PictureBounds bounds) {
+bool readDNGPreview(const InputFile& file, PictureTarget& target) {
     const auto main = TIFFDirectory::first(
         [&file](std::int64_t offset, std::span<std::byte> buffer) { return file.readAt(offset, buffer); });
     if (!main)
-        return std::nullopt;
+        return false;
     std::vector<TIFFDirectory> previews = main->subdirectories();
     previews.push_back(*main);
     std::erase_if(previews, [](const TIFFDirectory& directory) { return !isPreview(directory); });
@@ -107,15 +96,16 @@ std::optional<DecodedPicture> readDNGPreview(const InputFile& file, PictureBound
     };
     std::ranges::sort(previews, {}, longerSide);
     if (previews.empty())
-        return std::nullopt;
-    const PictureSize wanted = fitted(sizeOf(previews.back()), bounds);
+        return false;
+    const PictureSize wanted = fitted(sizeOf(previews.back()), target.bounds());
     const auto chosen = std::ranges::find_if(previews, [&](const TIFFDirectory& directory) {
         return longerSide(directory) >= std::max(wanted.width, wanted.height);
     });
-    auto picture = readPreview(file, *chosen, bounds);
-    if (picture)
-        picture->orientation = orientationOfNumber(main->number(orientationTag).value_or(1));
-    return picture;
+    const Orientation orientation = orientationOfNumber(main->number(orientationTag).value_or(1));
+    if (!isJPEG(*chosen))
+        return readPlainRGB(file, *chosen, orientation, target);
+    const std::int64_t offset = chosen->numbers(stripOffsetsTag).front();
+    return readJPEG(file, offset, offset + chosen->numbers(stripSizesTag).front(), target, orientation);
 }
 
 } // namespace sela

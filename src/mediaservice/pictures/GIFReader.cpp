@@ -1,7 +1,5 @@
 #include "mediaservice/pictures/GIFReader.h"
 
-#include "mediaservice/pictures/AreaScaler.h"
-
 #include <algorithm>
 #include <array>
 #include <memory>
@@ -79,24 +77,24 @@ std::vector<GifPixelType> readIndices(GifFileType* gif) {
 
 } // namespace
 
-std::optional<DecodedPicture> readGIF(const InputFile& file, PictureBounds bounds) {
+bool readGIF(const InputFile& file, PictureTarget& target) {
     Input input{file, 0};
     const std::unique_ptr<GifFileType, Close> gif(DGifOpen(&input, &read, nullptr));
     int transparent = NO_TRANSPARENT_COLOR;
     if (!gif || !findFirstFrame(gif.get(), transparent))
-        return std::nullopt;
+        return false;
     const GifImageDesc& frame = gif->Image;
     const ColorMapObject* colours = frame.ColorMap ? frame.ColorMap : gif->SColorMap;
     // A frame may reach beyond the canvas that the file claims.
     const PictureSize size{std::max(gif->SWidth, frame.Left + frame.Width),
                            std::max(gif->SHeight, frame.Top + frame.Height)};
     if (!colours || frame.Width < 1 || frame.Height < 1 || !isDecodableSize(size))
-        return std::nullopt;
+        return false;
     const std::vector<GifPixelType> indices = readIndices(gif.get());
     if (indices.empty())
-        return std::nullopt;
+        return false;
 
-    AreaScaler scaler(size, fitted(size, bounds));
+    target.begin(PictureRows::of(size));
     std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width));
     for (int y = 0; y < size.height; ++y) {
         std::ranges::fill(row, std::uint8_t{0});
@@ -113,11 +111,9 @@ std::optional<DecodedPicture> readGIF(const InputFile& file, PictureBounds bound
                 out[3] = 255;
             }
         }
-        scaler.addRow(row.data());
+        target.addRow(row.data());
     }
-    DecodedPicture picture;
-    picture.pixels = scaler.take();
-    return picture;
+    return true;
 }
 
 } // namespace sela

@@ -1,14 +1,11 @@
 #pragma once
 
 #include "mediaservice/InputFile.h"
-#include "mediaservice/pictures/DecodedPicture.h"
-
-#include <optional>
+#include "mediaservice/pictures/PictureTarget.h"
 
 namespace sela {
 
-/// Reads the first frame of a GIF picture on its canvas, scaled to fit `bounds`. Absent when it
-/// is broken or cut.
-std::optional<DecodedPicture> readGIF(const InputFile& file, PictureBounds bounds);
+/// Reads the first frame of a GIF picture on its canvas. False when it is broken or cut.
+bool readGIF(const InputFile& file, PictureTarget& target);
 
 } // namespace sela

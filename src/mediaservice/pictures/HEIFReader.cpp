@@ -1,6 +1,6 @@
 #include "mediaservice/pictures/HEIFReader.h"
 
-#include "mediaservice/pictures/AreaScaler.h"
+#include "mediaservice/pictures/ColourProfile.h"
 #include "mediaservice/pictures/HEIFReferences.h"
 #include "mediaservice/pictures/Premultiplication.h"
 #include "mediaservice/pictures/ToneMapping.h"
@@ -176,83 +176,12 @@ private:
     const std::uint8_t* samples_;
 };
 
-/// The pixels of an image, scaled, and the size from which they were.
-struct ScaledImage {
-    PictureSize size;
-    PixelBuffer pixels;
-    bool isSRGB = false; ///< whatever profile the image has
+/// Where an image's pixels go.
+struct Destination {
+    PictureTarget& target;
+    Data profile;                          ///< of the image
+    std::optional<PictureSize> onlyOfSize; ///< an image that turns out to have another is not handed over
 };
-
-/// Brings pixels of a high dynamic range to sRGB; false when they are none.
-bool toneMap(PixelBuffer& pixels, const ColourCoding& coding) {
-    const auto colours = coding ? HDRColours::of(static_cast<int>(coding->transfer_characteristics),
-                                                 static_cast<int>(coding->color_primaries))
-                                : std::nullopt;
-    if (!colours)
-        return false;
-    std::vector<std::uint16_t> signals(pixels.bytes.size());
-    std::ranges::transform(pixels.bytes, signals.begin(),
-                           [](std::uint8_t value) { return static_cast<std::uint16_t>(value * 257); });
-    sela::toneMap(signals, *colours, pixels.bytes);
-    return true;
-}
-
-/// Scales the planes as they are and brings the few pixels that are left to RGB: half the memory and less
-/// time than a picture of RGB in full size.
-std::optional<ScaledImage> readPlanes(const Handle& handle, PictureBounds bounds) {
-    // Asked for as nearly every encoder stores it, so that the library has nothing to convert.
-    const Image image = decode(handle, heif_colorspace_YCbCr, heif_chroma_420);
-    if (!image)
-        return std::nullopt;
-    const Plane luma(image.get(), heif_channel_Y);
-    const Plane blue(image.get(), heif_channel_Cb);
-    const Plane red(image.get(), heif_channel_Cr);
-    if (!luma.exists())
-        return std::nullopt;
-    const PictureSize size = luma.size();
-    AreaScaler scaler(size, fitted(size, bounds));
-    std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width));
-    for (std::size_t i = 0; i < row.size(); i += 4) {
-        row[i + 1] = row[i + 2] = 128;
-        row[i + 3] = 255;
-    }
-    for (int y = 0; y < size.height; ++y) {
-        luma.copyRow(y, size, row.data());
-        if (blue.exists() && red.exists()) {
-            blue.copyRow(y, size, row.data() + 1);
-            red.copyRow(y, size, row.data() + 2);
-        }
-        scaler.addRow(row.data());
-    }
-    PixelBuffer pixels = scaler.take();
-    const ColourCoding coding = colourCoding(handle, image.get());
-    convertYCbCr(pixels.bytes, coding ? static_cast<int>(coding->matrix_coefficients) : 6,
-                 !coding || coding->full_range_flag);
-    const bool isSRGB = toneMap(pixels, coding);
-    return ScaledImage{size, std::move(pixels), isSRGB};
-}
-
-/// Lets the library make RGB of rare kinds of pictures.
-std::optional<ScaledImage> readInterleaved(const Handle& handle, PictureBounds bounds) {
-    const Image image = decode(handle, heif_colorspace_RGB, heif_chroma_interleaved_RGBA);
-    int stride = 0;
-    const std::uint8_t* rows =
-        image ? heif_image_get_plane_readonly(image.get(), heif_channel_interleaved, &stride) : nullptr;
-    if (!rows)
-        return std::nullopt;
-    const PictureSize size{heif_image_get_width(image.get(), heif_channel_interleaved),
-                           heif_image_get_height(image.get(), heif_channel_interleaved)};
-    const bool premultiplied = heif_image_handle_is_premultiplied_alpha(handle.get());
-    AreaScaler scaler(size, fitted(size, bounds));
-    std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width));
-    for (int y = 0; y < size.height; ++y) {
-        std::copy_n(rows + static_cast<std::ptrdiff_t>(y) * stride, row.size(), row.begin());
-        if (!premultiplied)
-            premultiply(row);
-        scaler.addRow(row.data());
-    }
-    return ScaledImage{size, scaler.take()};
-}
 
 Data profileOf(const Handle& handle) {
     const std::size_t size = heif_image_handle_get_raw_color_profile_size(handle.get());
@@ -264,76 +193,133 @@ Data profileOf(const Handle& handle) {
     return profile;
 }
 
-/// Absent when it cannot be decoded, or is beyond what is decoded.
-std::optional<ScaledImage> readImage(const Handle& handle, PictureBounds bounds) {
+/// From luma and differences to sRGB, by the coding that the file tells (null: that of JPEG), and by the
+/// profile unless that coding is of a high dynamic range.
+PixelConversion conversion(const heif_color_profile_nclx* coding, const Data& profile) {
+    const int matrix = coding ? static_cast<int>(coding->matrix_coefficients) : 6;
+    const bool fullRange = !coding || coding->full_range_flag;
+    const auto hdr = coding ? HDRColours::of(static_cast<int>(coding->transfer_characteristics),
+                                             static_cast<int>(coding->color_primaries))
+                            : std::nullopt;
+    const PixelConversion byProfile = hdr ? PixelConversion() : conversionToSRGB(PixelColours::rgb, profile);
+    return [=](std::span<std::uint8_t> pixels) {
+        convertYCbCr(pixels, matrix, fullRange);
+        if (hdr) {
+            std::vector<std::uint16_t> signals(pixels.size());
+            std::ranges::transform(pixels, signals.begin(), [](std::uint8_t value) {
+                return static_cast<std::uint16_t>(value * 257);
+            });
+            toneMap(signals, *hdr, pixels);
+        } else if (byProfile) {
+            byProfile(pixels);
+        }
+    };
+}
+
+/// Hands over the planes as they are, to be brought to RGB when they are scaled: half the memory and less
+/// time than a picture of RGB in full size.
+bool readPlanes(const Handle& handle, const Destination& destination) {
+    // Asked for as nearly every encoder stores it, so that the library has nothing to convert.
+    const Image image = decode(handle, heif_colorspace_YCbCr, heif_chroma_420);
+    if (!image)
+        return false;
+    const Plane luma(image.get(), heif_channel_Y);
+    const Plane blue(image.get(), heif_channel_Cb);
+    const Plane red(image.get(), heif_channel_Cr);
+    if (!luma.exists() || luma.size() != destination.onlyOfSize.value_or(luma.size()))
+        return false;
+    const PictureSize size = luma.size();
+    const ColourCoding coding = colourCoding(handle, image.get());
+    destination.target.begin(PictureRows::of(size, conversion(coding.get(), destination.profile)));
+    std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width));
+    for (std::size_t i = 0; i < row.size(); i += 4) {
+        row[i + 1] = row[i + 2] = 128;
+        row[i + 3] = 255;
+    }
+    for (int y = 0; y < size.height; ++y) {
+        luma.copyRow(y, size, row.data());
+        if (blue.exists() && red.exists()) {
+            blue.copyRow(y, size, row.data() + 1);
+            red.copyRow(y, size, row.data() + 2);
+        }
+        destination.target.addRow(row.data());
+    }
+    return true;
+}
+
+/// Lets the library make RGB of rare kinds of pictures.
+bool readInterleaved(const Handle& handle, const Destination& destination) {
+    const Image image = decode(handle, heif_colorspace_RGB, heif_chroma_interleaved_RGBA);
+    int stride = 0;
+    const std::uint8_t* rows =
+        image ? heif_image_get_plane_readonly(image.get(), heif_channel_interleaved, &stride) : nullptr;
+    if (!rows)
+        return false;
+    const PictureSize size{heif_image_get_width(image.get(), heif_channel_interleaved),
+                           heif_image_get_height(image.get(), heif_channel_interleaved)};
+    if (size != destination.onlyOfSize.value_or(size))
+        return false;
+    const bool premultiplied = heif_image_handle_is_premultiplied_alpha(handle.get());
+    destination.target.begin(PictureRows::of(size, conversionToSRGB(PixelColours::rgb, destination.profile)));
+    std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width));
+    for (int y = 0; y < size.height; ++y) {
+        std::copy_n(rows + static_cast<std::ptrdiff_t>(y) * stride, row.size(), row.begin());
+        if (!premultiplied)
+            premultiply(row);
+        destination.target.addRow(row.data());
+    }
+    return true;
+}
+
+/// False when it cannot be decoded, or is beyond what is decoded.
+bool readImage(const Handle& handle, const Destination& destination) {
     const PictureSize size = sizeOf(handle);
     if (std::int64_t{size.width} * size.height > mostDecodedPixels)
-        return std::nullopt;
+        return false;
     constexpr auto identityMatrix = heif_matrix_coefficients_RGB_GBR;
     const ColourCoding coding = colourCoding(handle, nullptr);
     const bool rare = heif_image_handle_has_alpha_channel(handle.get()) ||
                       (coding && coding->matrix_coefficients == identityMatrix);
-    auto image = rare ? std::nullopt : readPlanes(handle, bounds);
-    return image ? std::move(image) : readInterleaved(handle, bounds);
+    return (!rare && readPlanes(handle, destination)) || readInterleaved(handle, destination);
 }
 
-std::optional<DecodedPicture> readMain(const Handle& main, PictureBounds bounds) {
-    auto image = readImage(main, bounds);
-    if (!image)
-        return std::nullopt;
-    DecodedPicture picture;
-    picture.pixels = std::move(image->pixels);
-    if (!image->isSRGB)
-        picture.profile = profileOf(main);
-    return picture;
-}
-
-/// Absent also when the thumbnail has not the size that the file says.
-std::optional<DecodedPicture> readThumbnail(const Handle& thumbnail, const Handle& main,
-                                            PictureBounds bounds) {
-    auto image = readImage(thumbnail, bounds);
-    if (!image || image->size != sizeOf(thumbnail))
-        return std::nullopt;
-    DecodedPicture picture;
-    picture.pixels = std::move(image->pixels);
-    if (image->isSRGB)
-        return picture;
-    picture.profile = profileOf(thumbnail);
-    if (picture.profile.empty())
-        picture.profile = profileOf(main);
-    return picture;
+bool readThumbnail(const Handle& thumbnail, const Handle& main, PictureTarget& target) {
+    Data profile = profileOf(thumbnail);
+    if (profile.empty())
+        profile = profileOf(main);
+    return readImage(thumbnail, {target, std::move(profile), sizeOf(thumbnail)});
 }
 
 } // namespace
 
-std::optional<DecodedPicture> readHEIF(const InputFile& file, PictureBounds bounds) {
+bool readHEIF(const InputFile& file, PictureTarget& target) {
     Input input(file);
     const heif_reader reader = Input::reader();
     const Context context(heif_context_alloc());
     heif_context_set_maximum_image_size_limit(context.get(), libraryLimitSide);
     heif_context_set_max_decoding_threads(context.get(), decodingThreads);
     if (heif_context_read_from_reader(context.get(), &reader, &input, nullptr).code != heif_error_Ok)
-        return std::nullopt;
+        return false;
     heif_image_handle* opened = nullptr;
     if (heif_context_get_primary_image_handle(context.get(), &opened).code != heif_error_Ok)
-        return std::nullopt;
+        return false;
     const Handle main(opened);
     if (!isDecodableSize(sizeOf(main)))
-        return std::nullopt;
+        return false;
 
     const std::vector<Handle> thumbnails = thumbnailsOf(main);
-    const PictureSize wanted = fitted(sizeOf(main), bounds);
+    const PictureSize wanted = fitted(sizeOf(main), target.bounds());
     for (const Handle& thumbnail : thumbnails)
-        if (longerSide(thumbnail) >= std::max(wanted.width, wanted.height))
-            if (auto picture = readThumbnail(thumbnail, main, bounds))
-                return picture;
-    if (auto picture = readMain(main, bounds))
-        return picture;
+        if (longerSide(thumbnail) >= std::max(wanted.width, wanted.height) &&
+            readThumbnail(thumbnail, main, target))
+            return true;
+    if (readImage(main, {target, profileOf(main), std::nullopt}))
+        return true;
+    if (target.wantsWhole())
+        return false;
     // Better a blurred picture than none.
-    for (auto thumbnail = thumbnails.rbegin(); thumbnail != thumbnails.rend(); ++thumbnail)
-        if (auto picture = readThumbnail(*thumbnail, main, bounds))
-            return picture;
-    return std::nullopt;
+    return std::any_of(thumbnails.rbegin(), thumbnails.rend(),
+                       [&](const Handle& thumbnail) { return readThumbnail(thumbnail, main, target); });
 }
 
 } // namespace sela

@@ -1,6 +1,6 @@
 #include "mediaservice/pictures/JPEGReader.h"
 
-#include "mediaservice/pictures/AreaScaler.h"
+#include "mediaservice/pictures/ColourProfile.h"
 #include "mediaservice/pictures/EXIF.h"
 
 #include <algorithm>
@@ -35,13 +35,13 @@ public:
     /// Chooses how to decode for a result of `target` and returns the size of the rows to come.
     PictureSize chooseScale(PictureSize target);
 
-    /// Hands the rows to `scaler`, down to where the data ends. Returns how many there were.
-    int readRows(AreaScaler& scaler);
+    /// Hands the rows to `target`, down to where the data ends. Returns how many there were.
+    int readRows(PictureTarget& target);
 
     PictureSize size() const {
         return {static_cast<int>(decompressor_.image_width), static_cast<int>(decompressor_.image_height)};
     }
-    DecodedPicture::Colours colours() const;
+    PixelColours colours() const;
     bool inksAreInverted() const { return decompressor_.saw_Adobe_marker; }
     Data profile();
     Orientation orientation() const;
@@ -138,7 +138,7 @@ bool Decompressor::readHeader() {
 PictureSize Decompressor::chooseScale(PictureSize target) {
     if (setjmp(failure_) != 0)
         return {};
-    const bool inks = colours() == DecodedPicture::Colours::cmyk;
+    const bool inks = colours() == PixelColours::cmyk;
     decompressor_.out_color_space = inks ? JCS_CMYK : JCS_EXT_RGBA;
     decompressor_.scale_denom = 8;
     // The library rounds up, and fills the last row and column from beyond the picture's edge: they do not
@@ -201,7 +201,7 @@ int Decompressor::roughestAverage() const {
     return most;
 }
 
-int Decompressor::readRows(AreaScaler& scaler) {
+int Decompressor::readRows(PictureTarget& target) {
     row_.resize(std::size_t{4} * decompressor_.output_width);
     JSAMPROW row = row_.data();
     if (setjmp(failure_) != 0)
@@ -212,21 +212,21 @@ int Decompressor::readRows(AreaScaler& scaler) {
             break;
         if (dataIsMissing_ && !decompressor_.buffered_image)
             break;
-        scaler.addRow(row);
+        target.addRow(row);
         ++rowsRead_;
     }
     return rowsRead_;
 }
 
-DecodedPicture::Colours Decompressor::colours() const {
+PixelColours Decompressor::colours() const {
     switch (decompressor_.jpeg_color_space) {
     case JCS_CMYK:
     case JCS_YCCK:
-        return DecodedPicture::Colours::cmyk;
+        return PixelColours::cmyk;
     case JCS_GRAYSCALE:
-        return DecodedPicture::Colours::gray;
+        return PixelColours::gray;
     default:
-        return DecodedPicture::Colours::rgb;
+        return PixelColours::rgb;
     }
 }
 
@@ -251,35 +251,41 @@ Orientation Decompressor::orientation() const {
     return Orientation::up;
 }
 
+/// How the pixels come to sRGB; some files hold inks as what they leave of the light.
+PixelConversion conversion(PixelColours colours, const Data& profile, bool inksAreInverted) {
+    PixelConversion toSRGB = conversionToSRGB(colours, profile);
+    if (!inksAreInverted)
+        return toSRGB;
+    return [toSRGB = std::move(toSRGB)](std::span<std::uint8_t> pixels) {
+        for (std::uint8_t& ink : pixels)
+            ink = static_cast<std::uint8_t>(255 - ink);
+        toSRGB(pixels);
+    };
+}
+
 } // namespace
 
-std::optional<DecodedPicture> readJPEG(const InputFile& file, std::int64_t offset, std::int64_t end,
-                                       PictureBounds bounds) {
+bool readJPEG(const InputFile& file, std::int64_t offset, std::int64_t end, PictureTarget& target,
+              std::optional<Orientation> orientation) {
     const auto decompressor = std::make_unique<Decompressor>(file, offset, end);
     if (!decompressor->readHeader() || !isDecodableSize(decompressor->size()))
-        return std::nullopt;
-    const PictureSize target = fitted(decompressor->size(), bounds);
-    const PictureSize decoded = decompressor->chooseScale(target);
-    if (decoded.width < target.width || decoded.height < target.height)
-        return std::nullopt;
-    DecodedPicture picture;
-    picture.colours = decompressor->colours();
-    picture.profile = decompressor->profile();
-    picture.orientation = decompressor->orientation();
-    AreaScaler scaler(decoded, target);
-    const int rows = decompressor->readRows(scaler);
-    if (rows * leastReadable < decoded.height)
-        return std::nullopt;
-    const bool inverted = decompressor->inksAreInverted() && picture.colours == DecodedPicture::Colours::cmyk;
+        return false;
+    const PictureSize wanted = fitted(decompressor->size(), target.bounds());
+    const PictureSize decoded = decompressor->chooseScale(wanted);
+    if (decoded.width < wanted.width || decoded.height < wanted.height)
+        return false;
+    const PixelColours colours = decompressor->colours();
+    const bool inverted = decompressor->inksAreInverted() && colours == PixelColours::cmyk;
+    target.begin({decoded, decompressor->size(), orientation.value_or(decompressor->orientation()),
+                  conversion(colours, decompressor->profile(), inverted)});
+    const int rows = decompressor->readRows(target);
+    if (target.wantsWhole() ? rows < decoded.height : rows * leastReadable < decoded.height)
+        return false;
     const std::vector<std::uint8_t> nothing(std::size_t{4} * static_cast<std::size_t>(decoded.width),
                                             inverted ? 255 : 0);
-    while (!scaler.isComplete())
-        scaler.addRow(nothing.data());
-    picture.pixels = scaler.take();
-    if (inverted)
-        for (std::uint8_t& ink : picture.pixels.bytes)
-            ink = static_cast<std::uint8_t>(255 - ink);
-    return picture;
+    for (int row = rows; row < decoded.height; ++row)
+        target.addRow(nothing.data());
+    return true;
 }
 
 } // namespace sela

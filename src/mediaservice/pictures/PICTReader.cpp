@@ -123,34 +123,31 @@ private:
     std::vector<std::byte> unpacked_;
 };
 
-std::optional<DecodedPicture> readBitmap(const InputFile& file, const PICTBitmap& bitmap,
-                                         PictureBounds bounds) {
-    AreaScaler scaler(bitmap.size, fitted(bitmap.size, bounds));
+bool readBitmap(const InputFile& file, const PICTBitmap& bitmap, PictureTarget& target) {
+    target.begin(PictureRows::of(bitmap.size));
     std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(bitmap.size.width), 255);
     Rows rows(file, bitmap);
-    while (!scaler.isComplete()) {
+    for (int y = 0; y < bitmap.size.height; ++y) {
         if (!rows.next(row))
-            return std::nullopt;
-        scaler.addRow(row.data());
+            return false;
+        target.addRow(row.data());
     }
-    DecodedPicture picture;
-    picture.pixels = scaler.take();
-    return picture;
+    return true;
 }
 
 } // namespace
 
-std::optional<DecodedPicture> readPICT(const InputFile& file, PictureBounds bounds) {
+bool readPICT(const InputFile& file, PictureTarget& target) {
     const auto picture = PICTFile::read(file);
     if (!picture)
-        return std::nullopt;
+        return false;
     const PictureSize size = picture->image ? picture->image->size : picture->bitmap->size;
     const std::int64_t whole = std::int64_t{picture->frame.width} * picture->frame.height;
     if (std::int64_t{2} * size.width * size.height < whole)
-        return std::nullopt;
+        return false;
     if (picture->image)
-        return readJPEG(file, picture->image->start, picture->image->end, bounds);
-    return readBitmap(file, *picture->bitmap, bounds);
+        return readJPEG(file, picture->image->start, picture->image->end, target);
+    return readBitmap(file, *picture->bitmap, target);
 }
 
 } // namespace sela

@@ -1,6 +1,6 @@
 #include "mediaservice/pictures/PNGReader.h"
 
-#include "mediaservice/pictures/AreaScaler.h"
+#include "mediaservice/pictures/ColourProfile.h"
 #include "mediaservice/pictures/EXIF.h"
 #include "mediaservice/pictures/Premultiplication.h"
 
@@ -30,7 +30,7 @@ public:
     Decompressor& operator=(const Decompressor&) = delete;
 
     bool readHeader();
-    bool readRows(AreaScaler& scaler);
+    bool readRows(PictureTarget& target);
 
     PictureSize size() const {
         return {static_cast<int>(png_get_image_width(png_, info_)),
@@ -44,7 +44,7 @@ private:
     [[noreturn]] static void fail(png_structp png, png_const_charp) { png_longjmp(png, 1); }
     static void read(png_structp png, png_bytep buffer, png_size_t size);
 
-    void addRow(AreaScaler& scaler, std::uint8_t* row);
+    void addRow(PictureTarget& target, std::uint8_t* row);
 
     const InputFile& file_;
     std::int64_t offset_ = 0;
@@ -89,7 +89,7 @@ bool Decompressor::readHeader() {
     return true;
 }
 
-bool Decompressor::readRows(AreaScaler& scaler) {
+bool Decompressor::readRows(PictureTarget& target) {
     const bool interlaced = png_get_interlace_type(png_, info_) != PNG_INTERLACE_NONE;
     const auto height = static_cast<std::size_t>(size().height);
     const std::size_t rowSize = std::size_t{4} * static_cast<std::size_t>(size().width);
@@ -102,21 +102,21 @@ bool Decompressor::readRows(AreaScaler& scaler) {
     if (interlaced) {
         png_read_image(png_, rows_.data());
         for (const png_bytep row : rows_)
-            addRow(scaler, row);
+            addRow(target, row);
         return true;
     }
     png_start_read_image(png_);
     for (std::size_t y = 0; y < height; ++y) {
         png_read_row(png_, pixels_.data(), nullptr);
-        addRow(scaler, pixels_.data());
+        addRow(target, pixels_.data());
     }
     return true;
 }
 
-void Decompressor::addRow(AreaScaler& scaler, std::uint8_t* row) {
+void Decompressor::addRow(PictureTarget& target, std::uint8_t* row) {
     if (hasAlpha_)
         premultiply({row, std::size_t{4} * static_cast<std::size_t>(size().width)});
-    scaler.addRow(row);
+    target.addRow(row);
 }
 
 Data Decompressor::profile() {
@@ -140,19 +140,14 @@ Orientation Decompressor::orientation() {
 
 } // namespace
 
-std::optional<DecodedPicture> readPNG(const InputFile& file, PictureBounds bounds) {
+bool readPNG(const InputFile& file, PictureTarget& target) {
     Decompressor decompressor(file);
     if (!decompressor.readHeader())
-        return std::nullopt;
-    DecodedPicture picture;
-    picture.colours = decompressor.isGray() ? DecodedPicture::Colours::gray : DecodedPicture::Colours::rgb;
-    picture.profile = decompressor.profile();
-    picture.orientation = decompressor.orientation();
-    AreaScaler scaler(decompressor.size(), fitted(decompressor.size(), bounds));
-    if (!decompressor.readRows(scaler))
-        return std::nullopt;
-    picture.pixels = scaler.take();
-    return picture;
+        return false;
+    const PixelColours colours = decompressor.isGray() ? PixelColours::gray : PixelColours::rgb;
+    target.begin({decompressor.size(), decompressor.size(), decompressor.orientation(),
+                  conversionToSRGB(colours, decompressor.profile())});
+    return decompressor.readRows(target);
 }
 
 } // namespace sela

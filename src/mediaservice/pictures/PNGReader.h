@@ -1,14 +1,12 @@
 #pragma once
 
 #include "mediaservice/InputFile.h"
-#include "mediaservice/pictures/DecodedPicture.h"
-
-#include <optional>
+#include "mediaservice/pictures/PictureTarget.h"
 
 namespace sela {
 
-/// Reads a PNG picture scaled to fit `bounds`, row by row; an interlaced one needs all its pixels
-/// in memory. Absent when it is broken or cut.
-std::optional<DecodedPicture> readPNG(const InputFile& file, PictureBounds bounds);
+/// Reads a PNG picture row by row; an interlaced one needs all its pixels in memory. False when it is broken
+/// or cut.
+bool readPNG(const InputFile& file, PictureTarget& target);
 
 } // namespace sela

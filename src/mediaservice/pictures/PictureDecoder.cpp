@@ -1,7 +1,6 @@
 #include "mediaservice/pictures/PictureDecoder.h"
 
 #include "mediaservice/pictures/BMPReader.h"
-#include "mediaservice/pictures/ColourProfile.h"
 #include "mediaservice/pictures/DNGReader.h"
 #include "mediaservice/pictures/GIFReader.h"
 #include "mediaservice/pictures/HEIFReader.h"
@@ -13,40 +12,35 @@
 
 namespace sela {
 
-namespace {
-
-std::optional<DecodedPicture> read(const InputFile& file, PictureBounds bounds) {
+bool readPicture(const InputFile& file, PictureTarget& target) {
     switch (pictureKind(file)) {
     case PictureKind::none:
-        return std::nullopt;
+        return false;
     case PictureKind::jpeg:
-        return readJPEG(file, 0, file.size(), bounds);
+        return readJPEG(file, 0, file.size(), target);
     case PictureKind::png:
-        return readPNG(file, bounds);
+        return readPNG(file, target);
     case PictureKind::gif:
-        return readGIF(file, bounds);
+        return readGIF(file, target);
     case PictureKind::bmp:
-        return readBMP(file, bounds);
+        return readBMP(file, target);
     case PictureKind::webp:
-        return readWebP(file, bounds);
+        return readWebP(file, target);
     case PictureKind::pict:
-        return readPICT(file, bounds);
+        return readPICT(file, target);
     case PictureKind::heif:
-        return readHEIF(file, bounds);
+        return readHEIF(file, target);
     case PictureKind::tiff:
-        return readDNGPreview(file, bounds);
+        return readDNGPreview(file, target);
     }
-    return std::nullopt;
+    return false;
 }
 
-} // namespace
-
 std::optional<PixelBuffer> decodePicture(const InputFile& file, PictureBounds bounds) {
-    auto picture = read(file, bounds);
-    if (!picture)
+    ScaledPicture picture(bounds);
+    if (!readPicture(file, picture))
         return std::nullopt;
-    const Orientation orientation = picture->orientation;
-    return upright(convertedToSRGB(std::move(*picture)), orientation);
+    return picture.take();
 }
 
 } // namespace sela

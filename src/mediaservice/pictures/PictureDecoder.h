@@ -1,7 +1,7 @@
 #pragma once
 
 #include "mediaservice/InputFile.h"
-#include "platform/media/UIImage.h"
+#include "mediaservice/pictures/PictureTarget.h"
 
 #include <optional>
 
@@ -11,5 +11,8 @@ namespace sela {
 /// `bounds`; of an animation its first frame. Absent when the file is of no kind that is read
 /// here, broken or cut.
 std::optional<PixelBuffer> decodePicture(const InputFile& file, PictureBounds bounds);
+
+/// Hands the rows of that picture to `target`; false when it is of no kind that is read here, broken or cut.
+bool readPicture(const InputFile& file, PictureTarget& target);
 
 } // namespace sela

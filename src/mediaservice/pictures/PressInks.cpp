@@ -20,14 +20,14 @@ constexpr std::array<Colour, 16> overprints{
 
 } // namespace
 
-void convertPressInks(PixelBuffer& pixels) {
-    for (std::size_t i = 0; i + 4 <= pixels.bytes.size(); i += 4) {
+void convertPressInks(std::span<std::uint8_t> pixels) {
+    for (std::size_t i = 0; i + 4 <= pixels.size(); i += 4) {
         // The shares of the paper that each overprint covers when dots of ink fall independently
         // (Neugebauer).
         std::array<float, 16> shares{1};
         std::size_t count = 1;
         for (std::size_t ink = 0; ink < 4; ++ink, count *= 2) {
-            const float covered = static_cast<float>(pixels.bytes[i + ink]) / 255;
+            const float covered = static_cast<float>(pixels[i + ink]) / 255;
             for (std::size_t each = 0; each < count; ++each) {
                 shares[count + each] = shares[each] * covered;
                 shares[each] *= 1 - covered;
@@ -37,9 +37,9 @@ void convertPressInks(PixelBuffer& pixels) {
             float level = 0.5F;
             for (std::size_t each = 0; each < overprints.size(); ++each)
                 level += shares[each] * static_cast<float>(overprints[each][channel]);
-            pixels.bytes[i + channel] = static_cast<std::uint8_t>(level);
+            pixels[i + channel] = static_cast<std::uint8_t>(level);
         }
-        pixels.bytes[i + 3] = 255;
+        pixels[i + 3] = 255;
     }
 }
 

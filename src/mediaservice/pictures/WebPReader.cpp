@@ -1,6 +1,6 @@
 #include "mediaservice/pictures/WebPReader.h"
 
-#include "mediaservice/pictures/AreaScaler.h"
+#include "mediaservice/pictures/ColourProfile.h"
 #include "mediaservice/pictures/EXIF.h"
 
 #include <algorithm>
@@ -75,34 +75,36 @@ Rectangle scaledPlace(const WebPIterator& frame, PictureSize source, PictureSize
 
 } // namespace
 
-std::optional<DecodedPicture> readWebP(const InputFile& file, PictureBounds bounds) {
+bool readWebP(const InputFile& file, PictureTarget& target) {
     const auto content = file.part(0, file.size(), largestFile);
     if (!content)
-        return std::nullopt;
+        return false;
     const WebPData data{reinterpret_cast<const std::uint8_t*>(content->data()), content->size()};
     // A file that is cut cannot be taken apart whole.
     const std::unique_ptr<WebPDemuxer, Free> demuxer(WebPDemux(&data));
     WebPIterator frame;
     if (!demuxer || !WebPDemuxGetFrame(demuxer.get(), 1, &frame))
-        return std::nullopt;
+        return false;
     const std::unique_ptr<WebPIterator, decltype(&WebPDemuxReleaseIterator)> owned(&frame,
                                                                                    &WebPDemuxReleaseIterator);
     const PictureSize size{static_cast<int>(WebPDemuxGetI(demuxer.get(), WEBP_FF_CANVAS_WIDTH)),
                            static_cast<int>(WebPDemuxGetI(demuxer.get(), WEBP_FF_CANVAS_HEIGHT))};
     if (!isDecodableSize(size))
-        return std::nullopt;
-    const PictureSize target = fitted(size, bounds);
-    DecodedPicture picture;
-    picture.pixels = {target.width, target.height, {}};
-    picture.pixels.bytes.resize(std::size_t{4} * static_cast<std::size_t>(target.width) *
-                                static_cast<std::size_t>(target.height));
-    if (!decodeFrame(frame.fragment, picture.pixels, scaledPlace(frame, size, target)))
-        return std::nullopt;
-    picture.profile = chunk(demuxer.get(), "ICCP");
-    if (picture.profile.size() > largestProfile)
-        picture.profile.clear();
-    picture.orientation = orientationOfEXIF(chunk(demuxer.get(), "EXIF"));
-    return picture;
+        return false;
+    const PictureSize scaled = fitted(size, target.bounds());
+    PixelBuffer pixels{scaled.width, scaled.height, {}};
+    const std::size_t rowSize = std::size_t{4} * static_cast<std::size_t>(scaled.width);
+    pixels.bytes.resize(rowSize * static_cast<std::size_t>(scaled.height));
+    if (!decodeFrame(frame.fragment, pixels, scaledPlace(frame, size, scaled)))
+        return false;
+    Data profile = chunk(demuxer.get(), "ICCP");
+    if (profile.size() > largestProfile)
+        profile.clear();
+    target.begin({scaled, size, orientationOfEXIF(chunk(demuxer.get(), "EXIF")),
+                  conversionToSRGB(PixelColours::rgb, profile)});
+    for (std::size_t start = 0; start < pixels.bytes.size(); start += rowSize)
+        target.addRow(pixels.bytes.data() + start);
+    return true;
 }
 
 } // namespace sela

@@ -1,14 +1,12 @@
 #pragma once
 
 #include "mediaservice/InputFile.h"
-#include "mediaservice/pictures/DecodedPicture.h"
-
-#include <optional>
+#include "mediaservice/pictures/PictureTarget.h"
 
 namespace sela {
 
-/// Reads a WebP picture, or the first frame of an animated one on its canvas, scaled while decoding to fit
-/// `bounds`. Absent when it is broken or cut.
-std::optional<DecodedPicture> readWebP(const InputFile& file, PictureBounds bounds);
+/// Reads a WebP picture, or the first frame of an animated one on its canvas, scaled while decoding.
+/// False when it is broken or cut.
+bool readWebP(const InputFile& file, PictureTarget& target);
 
 } // namespace sela
