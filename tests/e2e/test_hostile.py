@@ -9,6 +9,7 @@ import signal
 import sqlite3
 import subprocess
 import time
+import unittest
 
 from harness import BIN, CATALOGUE, PNG, HomeTest
 
@@ -265,6 +266,32 @@ class Privacy(HostileTest):
         shown += [self.vault(*command).stdout for command in (["albums"], ["ledger"], ["ledger", "--json"])]
         for secret in ("91827", "64534", "is not on the screen: button", "button9", "2580"):
             self.assertNotIn(secret, "".join(shown))
+
+    @unittest.skipUnless(os.geteuid() == 0, "nobody else may look")
+    def test_memory_holds_one_side_only(self):
+        def memory(process):
+            with open(f"/proc/{process.pid}/maps") as maps, open(f"/proc/{process.pid}/mem", "rb", 0) as content:
+                for begin, end in re.findall(r"^(\w+)-(\w+) rw.* 0 *(?:\[(?:heap|stack)\])?$", maps.read(), re.MULTILINE):
+                    content.seek(int(begin, 16))
+                    yield content.read(int(end, 16) - int(begin, 16))
+
+        sides = {"918273": b"vaultside", "645342": b"decoyside"}
+        albums = [{"namePath": [f"{name.decode()} {'x' * length}"], "fake": name == b"decoyside", "password": "7193846"}
+                  for name in sides.values() for length in (1, 30)]
+        self.vault("publish", self.write("c.json", json.dumps(albums).encode()),
+                   "--passcode-file", self.write("passcode", b"918273"),
+                   "--decoy-passcode-file", self.write("decoy", b"645342"))
+        for code, other in [("918273", "645342"), ("645342", "918273")]:
+            tree = self.home / code
+            process = self.start_share("--tap", "albumButton", "--type", code, "--tree", tree, "--wait", "60",
+                                       self.write("a.jpg", b"x"))
+            while not tree.exists():
+                time.sleep(0.05)
+            held = b"".join(memory(process))
+            self.assertIn(sides[code], held)
+            for secret in (sides[other], other.encode()):
+                self.assertEqual(held.count(secret), 0, (code, secret))
+            process.kill()
 
     def test_both_sides_look_the_same(self):
         self.write("covers/c.png", PNG)

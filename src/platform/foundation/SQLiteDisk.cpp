@@ -4,6 +4,7 @@
 #include "platform/foundation/FatalError.h"
 #include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/OutputStream.h"
+#include "platform/foundation/SQLiteMemory.h"
 #include "platform/foundation/URL.h"
 
 #include <algorithm>
@@ -295,6 +296,8 @@ const char* sqliteDiskName() {
         made.xGetLastError = [](sqlite3_vfs*, int, char*) { return lastError; };
         return made;
     }();
+    // Registering starts SQLite up.
+    wipeSQLiteMemory();
     static const bool known = sqlite3_vfs_register(&layer, 0) == SQLITE_OK;
     if (!known)
         fatalError("SQLite takes no file layer");
