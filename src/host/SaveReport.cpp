@@ -1,6 +1,10 @@
 #include "host/SaveReport.h"
 
+#include "platform/foundation/Bundle.h"
+#include "platform/uikit/NSAttributedString.h"
+
 #include <algorithm>
+#include <string_view>
 
 namespace sela {
 
@@ -10,6 +14,9 @@ using Kind = AttachmentOutcome::Kind;
 
 /// Names told at most where files were not tried.
 constexpr std::int64_t mostNames = 10;
+
+/// Reasons told at most in a summary.
+constexpr int mostReasons = 3;
 
 std::string nameOf(const AttachmentOutcome& outcome) {
     return outcome.name.empty() ? "a picture without a name" : outcome.name;
@@ -26,6 +33,13 @@ std::string notTried(const SaveRun& run) {
     }
     const std::int64_t more = run.count(Kind::notTried) - told;
     return more > 0 ? names + " and " + std::to_string(more) + " more" : names;
+}
+
+/// The text of a key whose "%@" is a number.
+std::string localized(std::string_view key, std::size_t number) {
+    return NSAttributedString(Bundle::main().localizedString(key))
+        .format({NSAttributedString(std::to_string(number))})
+        .string();
 }
 
 } // namespace
@@ -69,6 +83,25 @@ std::string SaveReport::success() const {
         text += separator + name;
         separator = "/";
     }
+    return text;
+}
+
+bool SaveReport::isIncomplete() const {
+    const bool isTried = run.count(Kind::recorded) > 0 || run.count(Kind::failed) > 0;
+    return run.count(Kind::failed) > 0 || (isTried && (run.count(Kind::notTried) > 0 || !leftOut.empty()));
+}
+
+std::string SaveReport::summary() const {
+    const auto recorded = static_cast<std::size_t>(run.count(Kind::recorded));
+    const std::size_t missing = run.outcomes.size() - recorded + leftOut.size();
+    std::string text = localized("Added: %@", recorded);
+    if (missing > 0)
+        text += "\n" + localized("Not added: %@", missing);
+    int reasons = 0;
+    for (const AttachmentOutcome& outcome : run.outcomes)
+        if (outcome.kind == Kind::failed && ++reasons <= mostReasons)
+            text += "\n" + (outcome.name.empty() ? "" : outcome.name + ": ") +
+                    Bundle::main().localizedString(outcome.reason->localizedFailureReason());
     return text;
 }
 

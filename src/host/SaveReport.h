@@ -33,6 +33,13 @@ struct SaveReport {
 
     /// "3 files added to Family"; empty when none was.
     std::string success() const;
+
+    /// Whether a file was not added that should have been: not one that was cancelled before any was tried.
+    bool isIncomplete() const;
+
+    /// The same in short and in the user's language, for the card and for notifications: how many were added,
+    /// how many not, and the first reasons, a line each.
+    std::string summary() const;
 };
 
 } // namespace sela

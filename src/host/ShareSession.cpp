@@ -8,11 +8,13 @@ namespace sela {
 
 ShareSession::ShareSession(const CommandLine& line, DispatchQueue& loop, const Attachments& attachments)
     : line_(line), scope_(line, loop), context_(makeShareRequest(attachments)),
-      root_(makePrincipalViewController(principalClassName)) {
+      root_(makePrincipalViewController(principalClassName)),
+      signals_([this] { interruptHandler_(); }, [this] { screen_->stopCopying(); }) {
     root_->setExtensionContext(context_);
     root_->loadViewIfNeeded();
     screen_ = shareScreenOf(*root_);
     scope_.window().setRootViewController(root_);
+    interruptHandler_ = [this] { leave("The process was asked to end."); };
     report_.leftOut = attachments.problems;
     context_->onEnd = [this](const ErrorRef& cancellation) { requestEnded(cancellation); };
 }
@@ -59,17 +61,24 @@ void ShareSession::cancel(const std::string& why) {
             std::make_shared<NSError>(NSCocoaErrorDomain, NSUserCancelledError, why));
 }
 
-void ShareSession::complete() {
-    if (!hasEnded())
-        context_->completeRequestReturningItems({}, nullptr);
-}
-
 void ShareSession::giveUp() {
     if (hasEnded())
         return;
     report_.end = ExitStatus::cannotEnd;
     if (endHandler_)
         endHandler_();
+}
+
+void ShareSession::leave(const std::string& why) {
+    if (hasEnded())
+        return;
+    const SaveRun::State state = screen_->saveRun().state;
+    if (state == SaveRun::State::ended)
+        context_->completeRequestReturningItems({}, nullptr);
+    else if (state == SaveRun::State::stuck)
+        giveUp();
+    else
+        cancel(why);
 }
 
 SaveReport ShareSession::report() const {

@@ -5,6 +5,7 @@
 #include "host/SaveReport.h"
 #include "host/ShareRequest.h"
 #include "host/StepRunner.h"
+#include "host/TerminationSignals.h"
 #include "platform/extension/NSExtensionContext.h"
 #include "share/SelaShareExtensionVc.h"
 
@@ -44,11 +45,17 @@ public:
     /// Cancels the request for a reason; nothing happens when it has ended or was given up.
     void cancel(const std::string& why);
 
-    /// Completes the request before the screen does; nothing happens when it has ended or was given up.
-    void complete();
-
     /// Leaves the request as it is, since nothing can end it any more; nothing happens when it has ended.
     void giveUp();
+
+    /// Ends the request now, for a reason, in the way that fits how saving stands: completes it when the run
+    /// has ended, gives it up when that is stuck, and cancels it otherwise. Nothing happens when it has
+    /// ended.
+    void leave(const std::string& why);
+
+    /// Called on the main queue when a signal asks the process to end; by default the session is left. A
+    /// second later the copy that is still under way is stopped.
+    void setInterruptHandler(std::function<void()> handler) { interruptHandler_ = std::move(handler); }
 
     /// What was done with the files, as it stands now.
     SaveReport report() const;
@@ -63,7 +70,9 @@ private:
     SelaShareExtensionVc* screen_ = nullptr; ///< inside `root_`
     std::unique_ptr<StepRunner> steps_;
     std::function<void()> endHandler_;
+    std::function<void()> interruptHandler_;
     SaveReport report_; ///< without the run
+    TerminationSignals signals_;
 };
 
 } // namespace sela

@@ -2,6 +2,11 @@
 
 #include "host/MimeAttachments.h"
 #include "platform/foundation/Bundle.h"
+#include "store/SharedAlbumManager.h"
+#include "store/SharedFolder.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace sela {
 
@@ -11,18 +16,33 @@ namespace {
 /// behind others or on another desktop.
 constexpr double longestWaitForFrame = 0.5;
 
+/// Seconds of saving before its progress is shown, so that a short run shows none.
+constexpr double progressDelay = 0.5;
+
+/// Seconds of saving after which the window can be put aside.
+constexpr double longSaving = 5;
+
+std::string localized(std::string_view key) {
+    return Bundle::main().localizedString(key);
+}
+
 } // namespace
 
 WindowedRun::WindowedRun(QtApplication& application, const CommandLine& line, const Attachments& attachments)
-    : application_(application), line_(line), session_(line, loop_, attachments),
-      notice_(session_.scope().window()),
+    : application_(application), line_(line), totalSize_(attachments.totalSize),
+      session_(line, loop_, attachments), notice_(session_.scope().window()),
       window_(session_.scope().window(), session_.scope().painter(), line) {
-    session_.setEndHandler([this] { end(); });
+    session_.setEndHandler([this] { requestEnded(); });
+    session_.setInterruptHandler([this] { leave(); });
+    session_.screen().setSaveObserver([this](const SaveRun& run) { showSaving(run); });
     window_.setCloseHandler([this] { close(); });
     window_.setContentHandler({[this] { return !session_.screen().saveRun().hasBegun(); },
                                [this](const QMimeData* data) { take(data); }});
     // The helpers' start would take the processors from the card's.
-    window_.setFirstFrameHandler([this] { session_.scope().loading().open(); });
+    window_.setFirstFrameHandler([this] {
+        session_.scope().loading().open();
+        showNextStep();
+    });
 }
 
 SaveReport WindowedRun::run() {
@@ -30,44 +50,137 @@ SaveReport WindowedRun::run() {
     window_.open();
     application_.waitForFonts();
     session_.takeSteps(line_.hasScale ? line_.scale : window_.pixelsPerPoint(), [this] {
-        const auto giveUpIfStuck = [this](const SaveRun& run) {
-            if (run.state == SaveRun::State::stuck)
-                session_.giveUp();
-        };
-        session_.screen().setSaveObserver(giveUpIfStuck);
-        giveUpIfStuck(session_.screen().saveRun());
+        endsWhenStuck_ = true;
+        showSaving(session_.screen().saveRun());
     });
     loop_.run();
     session_.cancel("The display was closed.");
     return session_.report();
 }
 
+bool WindowedRun::isSavingForLong() const {
+    return savingStart_ > 0 && loop_.now() >= savingStart_ + longSaving;
+}
+
+/// Says at once what is to be done when files, vault or albums are missing.
+void WindowedRun::showNextStep() {
+    if (!sharedFolderUrl())
+        notice_.keep({.text = localized("Please launch the main Sela app first.")});
+    else if (session_.screen().intake().itemsCount() == 0)
+        notice_.keep({.text = localized("Paste or drop the files that you want to add.")});
+    else if (!session_.report().leftOut.empty())
+        notice_.show(localized("Some files cannot be added."));
+    else if (SharedAlbumManager::getAlbums().value_or(std::vector<SharedAlbum>()).empty())
+        notice_.show(localized("There are no albums yet. Files go to the default album."));
+}
+
 void WindowedRun::close() {
-    const SaveRun::State state = session_.screen().saveRun().state;
-    if (state == SaveRun::State::ended)
-        session_.complete();
-    else if (state == SaveRun::State::stuck)
-        session_.giveUp();
+    if (session_.screen().saveRun().state == SaveRun::State::saving && isSavingForLong())
+        putAside();
     else
-        session_.cancel("The window was closed.");
+        leave();
+}
+
+/// Ends the run without waiting for anybody to read anything.
+void WindowedRun::leave() {
+    isOutcomeRead_ = true;
+    if (session_.hasEnded())
+        finish();
+    else
+        session_.leave("The window was closed.");
 }
 
 void WindowedRun::take(const QMimeData* data) {
     const MimeAttachments found = MimeAttachments::in(data);
     const Attachments& attachments = found.attachments;
-    if (!attachments.providers.empty())
-        session_.screen().append(attachments.providers);
+    if (!attachments.providers.empty() && session_.screen().append(attachments.providers)) {
+        totalSize_ += attachments.totalSize;
+        notice_.hide();
+    }
     if (!attachments.problems.empty())
-        notice_.show(Bundle::main().localizedString("Some files cannot be added."));
+        notice_.show(localized("Some files cannot be added."));
     else if (found.onlyText)
-        notice_.show(Bundle::main().localizedString("Text cannot be added, only files and pictures."));
+        notice_.show(localized("Text cannot be added, only files and pictures."));
     else if (attachments.providers.empty())
-        notice_.show(Bundle::main().localizedString("There is nothing to add on the clipboard."));
+        notice_.show(localized("There is nothing to add on the clipboard."));
 }
 
-/// The loop waits for loading that is under way, which needs the gate to be open.
-void WindowedRun::end() {
+void WindowedRun::showSaving(const SaveRun& run) {
+    switch (run.state) {
+    case SaveRun::State::waiting:
+        break;
+    case SaveRun::State::saving:
+        if (savingStart_ == 0)
+            savingStart_ = loop_.now();
+        if (!isAside_ && loop_.now() >= savingStart_ + progressDelay)
+            showProgress(run);
+        break;
+    case SaveRun::State::stuck:
+        if (endsWhenStuck_)
+            session_.giveUp();
+        else
+            notice_.keep({.text = session_.report().summary(),
+                          .button = localized("Close"),
+                          .action = [this] { session_.giveUp(); }});
+        break;
+    case SaveRun::State::ended:
+        // In the next turn, since a run may go on after an end that is told.
+        loop_.async([this] { showEnd(); });
+        break;
+    }
+}
+
+/// "2 / 5 · 43 %", which needs no translation.
+void WindowedRun::showProgress(const SaveRun& run) {
+    const double bytes = static_cast<double>(run.savedBytes + run.copiedBytes);
+    // A file that grows while it is copied, or a picture without one, may bring more than was known.
+    const double part = totalSize_ > 0 ? std::min(bytes / static_cast<double>(totalSize_), 1.0) : 0;
+    const auto count = static_cast<std::int64_t>(run.outcomes.size());
+    const std::int64_t number = std::min(run.currentAttachmentIndex + 1, count);
+    Notice::Content content{.text = std::to_string(number) + " / " + std::to_string(count) + "  ·  " +
+                                    std::to_string(static_cast<int>(part * 100)) + " %",
+                            .progress = part};
+    if (isSavingForLong()) {
+        content.button = localized("Continue in Background");
+        content.action = [this] { putAside(); };
+    }
+    notice_.keep(content);
+}
+
+/// The screen says "Done" whatever came of it, and ends the request soon; when files were not added, the
+/// window stays for as long as that is read.
+void WindowedRun::showEnd() {
+    if (session_.screen().saveRun().state != SaveRun::State::ended || std::exchange(isEndShown_, true))
+        return;
+    notice_.hide();
+    if (isAside_ || session_.hasEnded() || !session_.report().isIncomplete())
+        return;
+    isOutcomeRead_ = false;
+    const auto read = [this] {
+        notice_.hide();
+        isOutcomeRead_ = true;
+        if (session_.hasEnded())
+            finish();
+    };
+    notice_.keep({.text = session_.report().summary(), .button = localized("Close"), .action = read});
+    loop_.asyncAfter(Notice::duration, read);
+}
+
+/// Saving goes on without the window.
+void WindowedRun::putAside() {
+    isAside_ = true;
+    notice_.hide();
+    window_.hide();
+}
+
+void WindowedRun::requestEnded() {
+    // The loop waits for loading that is under way, which needs the gate to be open.
     session_.scope().loading().open();
+    if (isOutcomeRead_)
+        finish();
+}
+
+void WindowedRun::finish() {
     window_.hide();
     loop_.finish();
 }

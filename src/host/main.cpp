@@ -1,4 +1,5 @@
 #include "host/CommandLine.h"
+#include "host/DesktopNotification.h"
 #include "host/HeadlessRun.h"
 #include "host/MimeAttachments.h"
 #include "host/SaveReport.h"
@@ -60,6 +61,14 @@ void tell(const sela::SaveReport& report, const sela::CommandLine& line) {
         tell(success);
 }
 
+/// Tells the desktop what nobody would notice otherwise: files that were not added where standard error goes
+/// to no terminal, and the end of a run whose window was put aside.
+void notify(const sela::SaveReport& report, const sela::CommandLine& line, bool wasPutAside) {
+    const bool isUnseen = report.isIncomplete() && !::isatty(STDERR_FILENO);
+    if (line.output != sela::CommandLine::Output::quiet && (isUnseen || wasPutAside))
+        sela::showDesktopNotification("Sela", report.summary());
+}
+
 /// What is on the clipboard.
 sela::Attachments pastedAttachments() {
     sela::MimeAttachments pasted = sela::MimeAttachments::in(QGuiApplication::clipboard()->mimeData());
@@ -86,10 +95,16 @@ int share(const sela::CommandLine& line) {
     if (!sela::sharedFolderUrl())
         tell("there is no vault to add to yet; start the main Sela application once, or run \"sela-vault "
              "init\"");
-    const sela::SaveReport report = line.headless ? sela::HeadlessRun(application, line, attachments).run()
-                                                  : sela::WindowedRun(application, line, attachments).run();
-    tell(report, line);
-    return static_cast<int>(report.status());
+    const auto finish = [&](const sela::SaveReport& report, bool wasPutAside) {
+        tell(report, line);
+        notify(report, line, wasPutAside);
+        return static_cast<int>(report.status());
+    };
+    if (line.headless)
+        return finish(sela::HeadlessRun(application, line, attachments).run(), false);
+    sela::WindowedRun run(application, line, attachments);
+    const sela::SaveReport report = run.run();
+    return finish(report, run.wasPutAside());
 }
 
 } // namespace

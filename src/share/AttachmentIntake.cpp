@@ -204,7 +204,11 @@ SaveObserver AttachmentIntake::observing(std::int64_t index, const SharedItem& i
                 run.state = SaveRun::State::stuck;
         });
     };
-    return {copied, ended};
+    const auto shouldStop = [weak] {
+        const std::shared_ptr<AttachmentIntake> self = weak.lock();
+        return self && self->stopsCopying_;
+    };
+    return {copied, ended, shouldStop};
 }
 
 AttachmentIntake::Completion AttachmentIntake::advancing(std::int64_t index, const Completion& completion) {

@@ -8,6 +8,7 @@
 #include "share/SaveRun.h"
 #include "store/SaveObserver.h"
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -58,6 +59,9 @@ public:
     /// with the error that ended the walk. It comes twice when the store reports an error and then success
     /// for one attachment, and never when the store never reports back.
     void saveAttachments(const Completion& completion);
+
+    /// Ends the copy that is under way, and each that begins later, with an error. Any thread.
+    void stopCopying() { stopsCopying_ = true; }
 
     /// How saving stands. When `saveAttachments` hops to the main queue at its completion, this is up to
     /// date.
@@ -120,6 +124,7 @@ private:
     std::int64_t thumbnailCount_ = 0;
     std::vector<UIImage> thumbnails_;
     PictureBounds thumbnailBounds_ = 0;
+    std::atomic<bool> stopsCopying_ = false;
     SaveRun saveRun_;
     std::function<void(const SaveRun&)> observer_;
 };

@@ -58,6 +58,9 @@ public:
     /// How saving stands. Once it has begun only its end ends the request.
     const SaveRun& saveRun() const { return intake_->saveRun(); }
 
+    /// Ends the copy that is under way with an error, so that its partial file goes. Any thread.
+    void stopCopying() { intake_->stopCopying(); }
+
     /// Called on the main queue whenever `saveRun` has changed.
     void setSaveObserver(std::function<void(const SaveRun&)> observer) {
         intake_->setSaveObserver(std::move(observer));

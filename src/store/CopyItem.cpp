@@ -38,7 +38,11 @@ public:
         }
         // An empty source is never reported: there is nothing to record.
         if (const std::int64_t size = attributes.value().size; size > 0) {
-            end(copyBlocks(size));
+            const std::int64_t lastRead = copyBlocks(size);
+            if (lastRead > 0)
+                abandon(ShareExtensionError::make("the copy was interrupted"));
+            else
+                end(lastRead);
         } else {
             output_->synchronize();
             observer_.tellEnd(SaveEnd::Kind::silent, ShareExtensionError::make("the file is empty"));
@@ -60,7 +64,7 @@ private:
         return nullptr;
     }
 
-    /// Returns what the last read returned.
+    /// Returns what the last read returned: 0 at the end of the file, more when the copy is to stop.
     std::int64_t copyBlocks(std::int64_t size) {
         StreamCopy copy(*input_, *output_);
         std::int64_t total = 0;
@@ -72,6 +76,8 @@ private:
             logBlock(count, total);
             observer_.tellCopied(total, size);
             postProgress(static_cast<float>(total) / static_cast<float>(size));
+            if (observer_.wantsStop())
+                return count;
             count = copy.copyBlock();
         }
         if (count == 0)

@@ -30,6 +30,10 @@ struct SaveObserver {
     /// Once for each item, before the last call of its completion.
     std::function<void(const SaveEnd& end)> ended;
 
+    /// Asked before each block of a file: true ends the copy with an error and removes what there is of it.
+    std::function<bool()> shouldStop;
+
+    bool wantsStop() const { return shouldStop && shouldStop(); }
     void tellCopied(std::int64_t bytes, std::int64_t size) const {
         if (copied)
             copied(bytes, size);

@@ -4,11 +4,12 @@ import ctypes
 import fcntl
 import os
 import shutil
+import signal
 import subprocess
 import time
 import unittest
 
-from harness import BIN, HomeTest, Screen, WindowTest
+from harness import BIN, FAST_CLOCK, HomeTest, Screen, WindowTest
 
 
 class Headless(HomeTest):
@@ -54,6 +55,64 @@ class Window(WindowTest):
         compared = subprocess.run(["compare", "-metric", "RMSE", picture, screenshot, "null:"],
                                   capture_output=True, text=True)
         self.assertLess(float(compared.stderr.split("(")[1].rstrip(")")), 0.02)
+
+
+class Outcome(WindowTest):
+    def add_in_window(self, *arguments, **options):
+        process = self.open_card(*arguments, stderr=subprocess.PIPE, **options)
+        self.focus()
+        self.keys("Return")
+        return process
+
+    def ended(self, process, status):
+        told = process.communicate(timeout=30)[1].decode()
+        self.assertEqual(process.returncode, status, told)
+        return told
+
+    def test_a_run_that_is_stuck_says_where_and_can_be_left(self):
+        process = self.add_in_window(self.write("empty.jpg", b""))
+        time.sleep(3)
+        self.assertIsNone(process.poll())
+        self.keys("Escape")
+        self.assertIn("empty.jpg was not added: the file is empty", self.ended(process, 4))
+
+    def test_what_was_not_added_stays_on_the_card_until_it_is_read(self):
+        files = [self.write("a.jpg", b"x"), self.write("big.jpg", bytes(1000))]
+        process = self.add_in_window("--quiet", *files, command=("prlimit", "--fsize=900000"))
+        os.truncate(files[1], 1_000_000)
+        time.sleep(4)
+        self.assertIsNone(process.poll())
+        self.keys("Escape")
+        self.assertIn("big.jpg was not added: File too large", self.ended(process, 1))
+
+    @unittest.skipUnless(FAST_CLOCK.exists(), "needs the fast clock")
+    def test_a_long_save_can_be_put_aside(self):
+        files = [self.write("video.mov", b""), self.write("b.jpg", b"x")]
+        os.truncate(files[0], 300 << 20)
+        process = self.add_in_window(*files, command=("env", f"LD_PRELOAD={FAST_CLOCK}", "SELA_CLOCK_SPEED=100"))
+        while b"copyItem" not in process.stderr.readline():
+            pass
+        process.send_signal(signal.SIGSTOP)
+        time.sleep(0.2)
+        self.keys("Escape")
+        process.send_signal(signal.SIGCONT)
+        self.ended(process, 0)
+        self.assertEqual(self.ledger_values("preferredName"), ["video.mov", "b.jpg"])
+
+
+class Signals(HomeTest):
+    def test_an_end_finishes_what_is_nearly_done_and_removes_the_rest(self):
+        self.provision()
+        files = [self.write(name, b"x") for name in ("a.mov", "b.mov")]
+        os.truncate(files[1], 6 << 30)
+        process = self.start_share(*files, "--tap", "addButton")
+        while b"copyItem" not in process.stderr.readline():
+            pass
+        process.terminate()
+        self.assertIn(b"sela-share: 1 of 2 files added to Default Album\n", process.communicate()[1])
+        self.assertEqual(process.returncode, 1)
+        self.assertEqual(self.ledger_values("preferredName"), ["a.mov"])
+        self.assertEqual(len(list(self.items.iterdir())), 1)
 
 
 class Lifetime(WindowTest):

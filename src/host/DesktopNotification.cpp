@@ -1,0 +1,33 @@
+#include "host/DesktopNotification.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QStringList>
+#include <QVariantMap>
+
+namespace sela {
+
+namespace {
+
+constexpr int longestWait = 1000; ///< milliseconds
+
+/// The service's own choice of how long a notification is shown.
+constexpr int defaultDuration = -1;
+
+} // namespace
+
+void showDesktopNotification(const std::string& title, const std::string& body) {
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected())
+        return;
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("/org/freedesktop/Notifications"),
+        QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("Notify"));
+    // Services read markup in the body alone.
+    message << QStringLiteral("Sela") << 0u << QStringLiteral("xyz.sela.share")
+            << QString::fromStdString(title) << QString::fromStdString(body).toHtmlEscaped() << QStringList()
+            << QVariantMap() << defaultDuration;
+    bus.call(message, QDBus::Block, longestWait);
+}
+
+} // namespace sela
