@@ -3,7 +3,8 @@
 namespace sela {
 
 HeadlessRun::HeadlessRun(QtApplication& application, const CommandLine& line, const Attachments& attachments)
-    : application_(application), pixelsPerPoint_(line.scale), session_(line, loop_, attachments) {
+    : application_(application), pixelsPerPoint_(line.scale), hasSteps_(!line.steps.empty()),
+      session_(line, loop_, attachments) {
     if (line.output != CommandLine::Output::normal || !TerminalProgress::isPossible())
         return;
     progress_.emplace(attachments.totalSize);
@@ -16,11 +17,11 @@ SaveReport HeadlessRun::run() {
     loop_.run();
     if (session_.screen().saveRun().hasBegun())
         session_.giveUp();
-    const bool isUntouched = !session_.hasEnded();
+    const bool isUntouched = !hasSteps_ && !session_.hasEnded();
     session_.cancel("Nothing is left to be done.");
     SaveReport report = session_.report();
     if (isUntouched)
-        report.problem = "nothing was added, since no step pressed a button that ends the request; see --tap";
+        report.problem = "nothing was added, since no step says what to press, such as --tap addButton";
     return report;
 }
 

@@ -23,6 +23,7 @@ public:
 private:
     QtApplication& application_;
     const double pixelsPerPoint_;
+    const bool hasSteps_;
     HeadlessMainLoop loop_;
     ShareSession session_;
     std::optional<TerminalProgress> progress_;

@@ -93,7 +93,7 @@ Result<std::int64_t> sizeOfUsableFile(const URL& file) {
         return error;
     if (!isKept(file.lastPathComponent()))
         return ShareExtensionError::make(
-            "files of this kind cannot be added, only pictures, videos and audio files");
+            "only pictures, videos and audio files can be added, told by their names (.jpg, .mp4, .mp3 ...)");
     return attributes.value().size;
 }
 

@@ -32,7 +32,8 @@ NSItemProvider::NSItemProvider(std::vector<std::string> typeIdentifiers, Loader 
       suggestedName_(std::move(suggestedName)) {}
 
 std::shared_ptr<NSItemProvider> NSItemProvider::ofFile(const URL& file) {
-    return providerOf(file, typeIdentifierOfFile(file), file.lastPathComponent());
+    const std::string name = file.lastPathComponent();
+    return providerOf(file, std::string(typeIdentifierOfName(name)), name);
 }
 
 std::shared_ptr<NSItemProvider> NSItemProvider::ofImage(const UIImage& image) {

@@ -28,7 +28,7 @@ public:
 
     NSItemProvider(std::vector<std::string> typeIdentifiers, Loader loader, std::string suggestedName = {});
 
-    /// A provider of a file's URL under the type of its name, or of its content where the name tells nothing.
+    /// A provider of a file's URL under the type of its name.
     static std::shared_ptr<NSItemProvider> ofFile(const URL& file);
 
     /// A provider of a picture in memory, as a clipboard holds one.

@@ -1,6 +1,6 @@
 #include "platform/extension/TypeIdentifier.h"
 
-#include "platform/foundation/FileManager.h"
+#include "platform/foundation/URL.h"
 #include "platform/foundation/UTF8.h"
 
 #include <algorithm>
@@ -13,43 +13,37 @@ namespace sela {
 
 namespace {
 
-constexpr std::string_view anyData = "public.data";
-
 struct Type {
     std::string_view identifier;
-    std::string_view mimeType;
     std::array<std::string_view, 3> extensions;
 };
 
 /// The identifiers that the platform itself declares for the kinds of file that the vault keeps, and for
-/// those that are often shared beside them.
+/// some like them.
 constexpr auto types = std::to_array<Type>({
-    {"public.jpeg", "image/jpeg", {"jpg", "jpeg", "jpe"}},
-    {"public.heic", "image/heic", {"heic"}},
-    {"public.heif", "image/heif", {"heif"}},
-    {"public.png", "image/png", {"png"}},
-    {"com.compuserve.gif", "image/gif", {"gif"}},
-    {"com.microsoft.bmp", "image/bmp", {"bmp"}},
-    {"org.webmproject.webp", "image/webp", {"webp"}},
-    {"com.adobe.raw-image", "image/x-adobe-dng", {"dng"}},
-    {"public.camera-raw-image", "", {"raw-image"}},
-    {"com.apple.pict", "image/x-pict", {"pict", "pic", "pct"}},
-    {"public.tiff", "image/tiff", {"tif", "tiff"}},
-    {"public.mpeg-4", "video/mp4", {"mp4"}},
-    {"com.apple.m4v-video", "video/x-m4v", {"m4v"}},
-    {"com.apple.quicktime-movie", "video/quicktime", {"mov", "qt"}},
-    {"public.mpeg", "video/mpeg", {"mpeg", "mpg"}},
-    {"org.webmproject.webm", "video/webm", {"webm"}},
-    {"public.mp3", "audio/mpeg", {"mp3"}},
-    {"com.apple.m4a-audio", "audio/x-m4a", {"m4a"}},
-    {"public.aac-audio", "audio/x-hx-aac-adts", {"aac"}},
-    {"public.aiff-audio", "audio/x-aiff", {"aiff", "aif"}},
-    {"public.au-audio", "audio/basic", {"au", "snd"}},
-    {"org.xiph.flac", "audio/flac", {"flac"}},
-    {"com.microsoft.waveform-audio", "audio/x-wav", {"wav"}},
-    {"com.adobe.pdf", "application/pdf", {"pdf"}},
-    {"public.zip-archive", "application/zip", {"zip"}},
-    {"public.plain-text", "text/plain", {"txt", "text"}},
+    {"public.jpeg", {"jpg", "jpeg", "jpe"}},
+    {"public.heic", {"heic"}},
+    {"public.heif", {"heif"}},
+    {"public.png", {"png"}},
+    {"com.compuserve.gif", {"gif"}},
+    {"com.microsoft.bmp", {"bmp"}},
+    {"org.webmproject.webp", {"webp"}},
+    {"com.adobe.raw-image", {"dng"}},
+    {"public.camera-raw-image", {"raw-image"}},
+    {"com.apple.pict", {"pict", "pic", "pct"}},
+    {"public.tiff", {"tif", "tiff"}},
+    {"public.mpeg-4", {"mp4"}},
+    {"com.apple.m4v-video", {"m4v"}},
+    {"com.apple.quicktime-movie", {"mov", "qt"}},
+    {"public.mpeg", {"mpeg", "mpg"}},
+    {"org.webmproject.webm", {"webm"}},
+    {"public.mp3", {"mp3"}},
+    {"com.apple.m4a-audio", {"m4a"}},
+    {"public.aac-audio", {"aac"}},
+    {"public.aiff-audio", {"aiff", "aif"}},
+    {"public.au-audio", {"au", "snd"}},
+    {"org.xiph.flac", {"flac"}},
+    {"com.microsoft.waveform-audio", {"wav"}},
 });
 
 /// Its table of patterns alone: what libmagic would take apart itself (archives, documents, programs) is none
@@ -58,36 +52,14 @@ constexpr int magicFlags = MAGIC_MIME_TYPE | MAGIC_NO_CHECK_COMPRESS | MAGIC_NO_
                            MAGIC_NO_CHECK_APPTYPE | MAGIC_NO_CHECK_ELF | MAGIC_NO_CHECK_TOKENS |
                            MAGIC_NO_CHECK_CDF | MAGIC_NO_CHECK_CSV | MAGIC_NO_CHECK_JSON;
 
-std::string_view identifierOfExtension(std::string_view extension) {
+} // namespace
+
+std::string_view typeIdentifierOfName(std::string_view name) {
+    const std::string extension = lowercasedASCII(pathExtension(name));
     for (const Type& type : types)
         if (!extension.empty() && std::ranges::find(type.extensions, extension) != type.extensions.end())
             return type.identifier;
-    return {};
-}
-
-std::string_view identifierOfContent(const URL& file) {
-    Result<InputStream> stream = FileManager::defaultManager().inputStream(file);
-    if (!stream)
-        return {};
-    std::array<std::byte, 4096> start;
-    const std::int64_t count = stream.value().read(start);
-    if (count <= 0)
-        return {};
-    const std::string mediaType = mediaTypeOfContent(DataView(start).first(static_cast<std::size_t>(count)));
-    for (const Type& type : types)
-        if (!mediaType.empty() && type.mimeType == mediaType)
-            return type.identifier;
-    return {};
-}
-
-} // namespace
-
-std::string typeIdentifierOfFile(const URL& file) {
-    const std::string name = file.lastPathComponent();
-    std::string_view identifier = identifierOfExtension(lowercasedASCII(pathExtension(name)));
-    if (identifier.empty())
-        identifier = identifierOfContent(file);
-    return std::string(identifier.empty() ? anyData : identifier);
+    return "public.data";
 }
 
 /// The bytes are handed to libmagic in memory, so a hostile file meets only its matching rules; decoders of
