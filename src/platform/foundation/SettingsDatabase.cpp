@@ -100,8 +100,9 @@ Result<std::unique_ptr<SettingsDatabase>> SettingsDatabase::open(const std::stri
 void SettingsDatabase::giveBack(std::unique_ptr<SettingsDatabase> database) {
     if (!database || database->failed_)
         return;
-    // Its pages hold passcodes, and are read again when they are asked for.
-    sqlite3_db_release_memory(database->connection_);
+    // Its pages hold passcodes, and are read again when they are asked for. There are none without a file.
+    if (database->connection_)
+        sqlite3_db_release_memory(database->connection_);
     const std::lock_guard lock(kept().mutex);
     kept().database.swap(database);
 }
