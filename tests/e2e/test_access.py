@@ -77,33 +77,6 @@ class Clipboard(WindowTest):
         self.assertEqual(self.names(), ["a picture", "file 0.jpg", "file 1.jpg"])
 
 
-@unittest.skipUnless(shutil.which("strace") and shutil.which("import"), "needs strace and ImageMagick")
-class Spinner(WindowTest):
-    def test_it_turns_while_a_file_is_copied(self):
-        video = self.write("video.mov", os.urandom(20 << 20))
-        # Each block of the source takes its time.
-        slowly = ["strace", "-f", "-qq", "-o", "/dev/null", "-P", video, "-e", "trace=read",
-                  "-e", "inject=read:delay_enter=300000"]
-        log = self.home / "log"
-        with open(log, "wb") as lines:
-            process = self.open_card(video, "--tap", "addButton", command=slowly, stderr=lines)
-        pictures = []
-        while b"readBytes = 0," not in log.read_bytes():
-            self.assertIsNone(process.poll(), log.read_text())
-            copying = b"copyItem: " in log.read_bytes()
-            # The spinner, 44 points in the middle of the panel's upper part.
-            shot = subprocess.run(["import", "-window", self.window, "-crop", "44x44+165+264", "rgb:-"],
-                                  env=self.environment, capture_output=True)
-            if copying:
-                pictures.append((time.monotonic(), shot.stdout))
-        self.assertEqual(process.wait(30), 0, log.read_text())
-        changes = [now for (_, before), (now, after) in zip(pictures, pictures[1:]) if before != after]
-        begin, end = pictures[0][0], pictures[-1][0]
-        still = max(after - before for before, after in zip([begin] + changes, changes + [end]))
-        self.assertLess(still, (end - begin) / 3)
-        self.assertTrue(all(len(set(picture)) > 3 for _, picture in pictures), "there is no spinner here")
-
-
 class ScreenReader(WindowTest):
     """The elements and events that a screen reader gets, on a session bus of this test's own."""
 

@@ -1,21 +1,17 @@
-"""What a terminal gets from the programs: the line that says how far saving has come, help, manual pages and
-completions."""
+"""What a terminal gets from the programs: the line that says how far saving has come, and a prompt that shows nothing."""
 
 import concurrent.futures
 import contextlib
 import fcntl
 import os
 import pty
-import re
 import resource
-import shutil
 import signal
 import struct
 import subprocess
 import termios
-import unittest
 
-from harness import BIN, ROOT, HomeTest
+from harness import BIN, HomeTest
 
 WIPE = "\r\x1b[K"
 
@@ -96,30 +92,3 @@ class Passcode(HomeTest):
             self.assertNotIn(b"9", output)
             os.close(terminal)
         self.share("--tap", "albumButton", "--type", "918273", "--tap", "row:0:0", self.write("a.jpg", b"x"), expect=3)
-
-
-class Help(unittest.TestCase):
-    """What is written from the tables of options while building."""
-
-    manuals = BIN.parent / "manuals"
-
-    @unittest.skipUnless(shutil.which("groff"), "needs groff")
-    def test_the_manual_is_well_formed(self):
-        for page in [*self.manuals.glob("*.1"), ROOT / "resources/man/sela-media.8"]:
-            result = subprocess.run(["groff", "-man", "-ww", "-z", "-Tutf8", page], capture_output=True, text=True)
-            self.assertEqual(result.stderr, "", page)
-
-    def test_bash_completes(self):
-        def replies(script, *words):
-            command = (f'complete() {{ :; }}; . "$0"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _{script}; '
-                       'printf "%s\\n" "${COMPREPLY[@]}"')
-            file = self.manuals / f"{script.replace('_', '-')}.bash"
-            result = subprocess.run(["bash", "-c", command, file, *words], capture_output=True, text=True, check=True)
-            self.assertEqual(result.stderr, "")
-            return result.stdout.split()
-
-        self.assertEqual(replies("sela_share", "sela-share", "--app"), ["--appearance"])
-        self.assertEqual(replies("sela_share", "sela-share", "--appearance", ""), ["light", "dark"])
-        self.assertEqual(replies("sela_share", "sela-share", "photo"), [])
-        self.assertEqual(replies("sela_vault", "sela-vault", "im"), ["import"])
-        self.assertEqual(replies("sela_vault", "sela-vault", "import", "--i"), ["--into"])

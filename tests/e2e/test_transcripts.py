@@ -38,6 +38,8 @@ class Terminal(HomeTest):
 
 
 class Transcripts(unittest.TestCase):
+    maxDiff = None
+
     def test_transcripts(self):
         def play(file):
             terminal = Terminal()
