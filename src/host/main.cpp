@@ -100,8 +100,11 @@ int share(const sela::CommandLine& line) {
         notify(report, line, wasPutAside);
         return static_cast<int>(report.status());
     };
-    if (line.headless)
-        return finish(sela::HeadlessRun(application, line, attachments).run(), false);
+    if (line.headless) {
+        // The run is gone, and with it what it drew on the terminal, before anything is told.
+        const sela::SaveReport report = sela::HeadlessRun(application, line, attachments).run();
+        return finish(report, false);
+    }
     sela::WindowedRun run(application, line, attachments);
     const sela::SaveReport report = run.run();
     return finish(report, run.wasPutAside());
