@@ -22,6 +22,7 @@ class Keys(WindowTest):
         self.keys("1", "2", "3", "KP_4", "KP_5", "KP_6")
         # To the locked album, whose own password unfolds it; on to its child, and that one is picked.
         self.keys("Down", "Down", "Down", "Right", "2", "5", "8", "0", "Down", "Return")
+        self.assertEqual(self.x("getwindowname", self.window), "Sela", "as before, for whoever looks on")
         self.keys("Return")
         self.assertEqual(process.wait(30), 0)
         self.assertEqual(self.ledger_values("albumNames"), [["Private", "Letters"]])
