@@ -23,7 +23,7 @@ public:
                 arguments_.operands.push_back(word);
             } else if (word == "--") {
                 haveOptionsEnded = true;
-            } else if (ErrorRef error = readOption(word)) {
+            } else if (ErrorRef error = word.starts_with("--") ? readOption(word) : readLetters(word)) {
                 return error;
             }
         }
@@ -70,7 +70,29 @@ private:
         } else if (equals != std::string::npos) {
             return usageError(name + " takes no value");
         }
-        arguments_.options.push_back({option, std::move(value)});
+        return addValue(*option, std::move(value));
+    }
+
+    /// One or more short options in one word, as in "-qv"; the rest of it, or the next word, is the value of
+    /// one that takes one.
+    ErrorRef readLetters(const std::string& word) {
+        for (std::size_t place = 1; place < word.size(); ++place) {
+            const std::string name{'-', word[place]};
+            const Option* const option = optionOf(name);
+            if (!option)
+                return usageError("unknown option " + name);
+            if (!option->takesValue())
+                arguments_.options.push_back({option, {}});
+            else if (place + 1 < word.size())
+                return addValue(*option, word.substr(place + 1));
+            else
+                return readOption(name);
+        }
+        return nullptr;
+    }
+
+    ErrorRef addValue(const Option& option, std::string value) {
+        arguments_.options.push_back({&option, std::move(value)});
         return nullptr;
     }
 

@@ -57,6 +57,9 @@ ErrorRef readContrast(CommandLine& line, const std::string& text) {
     return nullptr;
 }
 
+/// Pixels of a screen at most: its picture takes four bytes for each.
+constexpr double largestPicture = 256e6;
+
 ErrorRef readStep(CommandLine& line, Step::Kind kind, const std::string& text) {
     Step step{kind, text};
     if (kind == Step::Kind::type && text.find_first_not_of("0123456789") != std::string::npos)
@@ -116,6 +119,8 @@ Result<CommandLine> CommandLine::parse(const std::vector<std::string>& words) {
     for (const auto& [option, value] : arguments.value().options)
         if (ErrorRef error = readOption(line, option->name, value))
             return error;
+    if (line.screenWidth && *line.screenWidth * *line.screenHeight * line.scale * line.scale > largestPicture)
+        return usageError("--screen and --scale together ask for a picture of more than 256 megapixels");
     if (line.paste && line.headless)
         return usageError("--paste needs a display, where the clipboard is");
     return line;

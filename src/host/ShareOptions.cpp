@@ -80,7 +80,7 @@ OptionTable makeTable() {
            .completion = Completion::files}}},
         {"What there is",
          {{.name = "--help", .help = "this text", .letter = 'h'},
-          {.name = "--version", .help = "the version"}}}};
+          {.name = "--version", .help = "the version", .letter = 'V'}}}};
     table.statuses = {{0, "everything was added"},
                       {1, "at least one file was not added, which is told on standard error"},
                       {3, "nothing was added: cancelled, or no step pressed Add"},

@@ -52,7 +52,7 @@ OptionTable makeTable() {
              "place."}};
     table.groups = {{"Options",
                      {{.name = "--help", .help = "this text, or that of the command", .letter = 'h'},
-                      {.name = "--version", .help = "the version"}}}};
+                      {.name = "--version", .help = "the version", .letter = 'V'}}}};
     table.statuses = {
         {0, "done"}, {1, "something could not be done; standard error says what"}, {64, "bad arguments"}};
     return table;
