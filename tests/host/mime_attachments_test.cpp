@@ -15,6 +15,8 @@ TEST(MimeAttachments, FindsFilesAndPicturesAndSaysWhatCannotBeUsed) {
     const QString files = QStringLiteral("text/uri-list"), text = QStringLiteral("text/plain");
     const QString copied = QStringLiteral("x-special/gnome-copied-files");
     const QString picture = QStringLiteral("image/png");
+    const QByteArray jpeg = QByteArray::fromStdString(
+        std::string(asText(*UIImage::fromPixels({1, 1, {0, 0, 0, 255}}).jpegData(0.9))));
     const struct {
         const char* name;
         QMap<QString, QByteArray> data;
@@ -31,6 +33,10 @@ TEST(MimeAttachments, FindsFilesAndPicturesAndSaysWhatCannotBeUsed) {
         {"an address", {{files, "https://example.org/a.jpg"}}, 0, 1},
         {"no picture", {{picture, "no picture"}}, 0, 1},
         {"a file and its picture", {{files, photo}, {picture, "no picture"}}, 1, 0},
+        {"a picture out of a page",
+         {{files, "https://example.org/a.png"}, {QStringLiteral("image/jpeg"), jpeg}},
+         1,
+         0},
         {"an address and no picture", {{files, "https://example.org/a"}, {picture, "x"}}, 0, 1},
     };
     for (const auto& [name, entries, attachments, problems] : cases) {
