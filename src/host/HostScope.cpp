@@ -1,6 +1,5 @@
 #include "host/HostScope.h"
 
-#include "host/ShareWindow.h"
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/LogOutput.h"
 #include "platform/uikit/UIAccessibility.h"
@@ -32,7 +31,7 @@ bool printsLog(const CommandLine& line) {
 
 HostScope::HostScope(const CommandLine& line, DispatchQueue& loop)
     : queue_(loop), scopedQueue_(queue_), loading_(line.headless), painter_(measurer_), appearance_(line),
-      window_(ShareWindow::screenSize(line)) {
+      placement_(CardPlacement::on(line)), window_(placement_.screen) {
     TextMeasurer::setCurrent(&measurer_);
     UIScreen::main().setScale(line.headless || line.hasScale ? line.scale : qGuiApp->devicePixelRatio());
     UIApplication::shared().setUserInterfaceLayoutDirection(layoutDirection());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/CardPlacement.h"
 #include "host/CommandLine.h"
 #include "host/DesktopAppearance.h"
 #include "host/LoadingGate.h"
@@ -26,6 +27,7 @@ public:
 
     ObservedMainQueue& queue() { return queue_; }
     ViewPainter& painter() { return painter_; }
+    const CardPlacement& placement() const { return placement_; }
     UIWindow& window() { return window_; }
     LoadingGate& loading() { return loading_; }
 
@@ -41,6 +43,7 @@ private:
     QtTextMeasurer measurer_;
     ViewPainter painter_;
     DesktopAppearance appearance_;
+    const CardPlacement placement_;
     UIWindow window_;
 };
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace sela {
 
@@ -65,8 +66,9 @@ void KeyboardNavigation::press(const Key& key) {
     const std::string input = inputOf(key);
     if (key.held && (!input.empty() || key.code == Qt::Key_Space))
         return;
+    catchUp();
     const bool works = key.code == Qt::Key_Space || input == UIKeyCommand::inputReturn;
-    if ((works && tapFocused()) || perform(input))
+    if ((works && tapFocused()) || keep(input) || perform(input))
         return;
     switch (key.code) {
     case Qt::Key_Tab:
@@ -91,8 +93,26 @@ bool KeyboardNavigation::isReadFromRight() const {
     return window_.effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;
 }
 
+void KeyboardNavigation::catchUp() {
+    if (!window_.isIdle())
+        return;
+    const Secret digits = std::exchange(kept_, {});
+    for (const char digit : digits.exposed())
+        perform(std::string_view(&digit, 1));
+}
+
+/// Keeps a digit that no screen at rest can take now; false when it is none, or screens are at rest.
+bool KeyboardNavigation::keep(const std::string& input) {
+    constexpr std::size_t most = 32;
+    const bool isDigit = input.size() == 1 && input.front() >= '0' && input.front() <= '9';
+    if (!isDigit || window_.isIdle() || ViewLocator::keyTarget(window_, input) || kept_.size() >= most)
+        return false;
+    kept_.append(input.front());
+    return true;
+}
+
 /// Does what the screen says that a key of this input does; false when it says nothing.
-bool KeyboardNavigation::perform(const std::string& input) {
+bool KeyboardNavigation::perform(std::string_view input) {
     const std::optional<ViewLocator::KeyTarget> target =
         input.empty() ? std::nullopt : ViewLocator::keyTarget(window_, input);
     if (!target)

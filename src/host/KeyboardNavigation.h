@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/foundation/Secret.h"
 #include "platform/uikit/IndexPath.h"
 #include "platform/uikit/UIWindow.h"
 
@@ -7,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace sela {
@@ -31,8 +33,12 @@ public:
         bool held = false; ///< the keyboard repeats it: only moves are made again
     };
 
-    /// Does what the key means on the screen that is shown, and nothing when it means nothing there.
+    /// Does what the key means on the screen that is shown, and nothing when it means nothing there. What is
+    /// typed while screens move is kept for the screen that comes.
     void press(const Key& key);
+
+    /// Types what was kept, in order, once the screens are at rest.
+    void catchUp();
 
     /// The control that has the focus; null when none has, or it cannot be reached now.
     UIView* focusedView() const;
@@ -54,7 +60,8 @@ private:
     };
 
     bool isReadFromRight() const;
-    bool perform(const std::string& input);
+    bool perform(std::string_view input);
+    bool keep(const std::string& input);
     bool tapFocused();
     void moveAlong(int step);
     void moveTowards(double x, double y);
@@ -67,6 +74,7 @@ private:
 
     UIWindow& window_;
     Focus focus_;
+    Secret kept_; ///< the digits that were typed while screens moved
 };
 
 } // namespace sela

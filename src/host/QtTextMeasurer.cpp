@@ -20,6 +20,7 @@ std::string layoutKey(const NSAttributedString& text, double width, int maximumL
     for (const NSAttributedString::Run& run : text.runs()) {
         appendBytes(key, run.text.size());
         key += run.text;
+        appendBytes(key, run.attributes.givesWay);
         if (const std::optional<UIFont>& font = run.attributes.font) {
             key += font->name();
             appendBytes(key, font->size());

@@ -64,6 +64,13 @@ UIView* around(const UIView& view) {
     return above;
 }
 
+UIView* controlAt(UIWindow& window, CGPoint point) {
+    UIView* view = window.hitTest(point);
+    while (view && !isControl(*view))
+        view = view->superview();
+    return view;
+}
+
 bool tap(UIWindow& window, UIView& view) {
     window.prepareFrame();
     const std::optional<CGPoint> point = window.tapPoint(view);

@@ -20,6 +20,9 @@ std::vector<UIView*> inside(UIWindow& window, const UIView& view);
 /// The nearest element around `view`; null when there is none.
 UIView* around(const UIView& view);
 
+/// The control that a tap at `point` (window points) works; null when it works none.
+UIView* controlAt(UIWindow& window, CGPoint point);
+
 /// Taps the element as a finger would. False when it cannot be reached, and nothing happens.
 bool tap(UIWindow& window, UIView& view);
 

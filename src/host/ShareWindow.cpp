@@ -1,16 +1,20 @@
 #include "host/ShareWindow.h"
 
 #include "host/AccessibleWindow.h"
-#include "host/Compositing.h"
+#include "host/Displays.h"
 #include "host/MimeAttachments.h"
+#include "host/ScreenElements.h"
 #include "host/Snapshot.h"
 #include "platform/foundation/Heap.h"
 #include "platform/foundation/MonotonicClock.h"
 #include "platform/uikit/UIAccessibility.h"
+#include "share/SelaShareExtensionEntryVc.h"
+#include "ui/UIScale.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QPainter>
+#include <QPainterPath>
 #include <QScreen>
 
 #include <algorithm>
@@ -21,42 +25,30 @@ namespace sela {
 
 namespace {
 
-/// The screen of the phone that the card was drawn for, in points.
-constexpr CGSize defaultScreenSize{375, 667};
-
 /// Points that a list moves by a step of a wheel without finer units.
 constexpr double pointsPerWheelStep = 48;
 
 /// What Qt counts for a step of a wheel, in eighths of a degree.
 constexpr double wheelStepAngle = 120;
 
-bool isWayland() {
-    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+/// What a window with the corners of the card covers.
+QRegion roundedRegion(const QSize& size, double radius) {
+    QPainterPath path;
+    path.addRoundedRect(QRectF(QPointF(), size), radius, radius);
+    return QRegion(path.toFillPolygon().toPolygon());
 }
 
 } // namespace
 
-bool ShareWindow::coversScreen(const CommandLine& line) {
-    return !line.screenWidth && desktopComposites();
-}
-
-CGSize ShareWindow::screenSize(const CommandLine& line) {
-    if (line.screenWidth && line.screenHeight)
-        return {*line.screenWidth, *line.screenHeight};
-    const QScreen* const screen = QGuiApplication::primaryScreen();
-    if (!screen || !coversScreen(line))
-        return defaultScreenSize;
-    const double unit = line.hasScale ? line.scale / screen->devicePixelRatio() : 1;
-    const QSize size = isWayland() ? screen->availableSize() : screen->size();
-    return {size.width() / unit, size.height() / unit};
-}
-
-ShareWindow::ShareWindow(UIWindow& window, ViewPainter& painter, const CommandLine& line)
-    : window_(window), painter_(painter), line_(line), coversScreen_(coversScreen(line)), keyboard_(window),
+ShareWindow::ShareWindow(UIWindow& window, ViewPainter& painter, const CommandLine& line,
+                         const CardPlacement& placement)
+    : window_(window), painter_(painter), line_(line), placement_(placement), keyboard_(window), tip_(window),
       store_(this), pastesOnFocus_(line.paste && !isClipboardOpen()) {
     setSurfaceType(RasterSurface);
     setTitle(QStringLiteral("Sela"));
-    if (coversScreen_) {
+    if (QScreen* const display = displayWithPointer())
+        setScreen(display);
+    if (coversDisplay()) {
         QSurfaceFormat translucent = format();
         translucent.setAlphaBufferSize(8);
         setFormat(translucent);
@@ -84,14 +76,8 @@ ShareWindow::~ShareWindow() {
 }
 
 void ShareWindow::open() {
-    if (!coversScreen_) {
-        const CGSize size = window_.bounds().size;
-        // The screens are laid out once for a screen of this size, as on a phone.
-        const QSize pixels = (QSizeF(size.width, size.height) * unitsPerPoint()).toSize();
-        setMinimumSize(pixels);
-        setMaximumSize(pixels);
-        resize(pixels);
-        show();
+    if (!coversDisplay()) {
+        openAsDialog();
     } else if (isWayland()) {
         // Behind a full-screen window of Wayland there is nothing to see, behind a maximized one there is.
         showMaximized();
@@ -100,6 +86,23 @@ void ShareWindow::open() {
         setGeometry(screen()->geometry());
         showFullScreen();
     }
+}
+
+/// In the middle of the display, of one size: the screens are laid out once, as on a phone.
+void ShareWindow::openAsDialog() {
+    const QSize units =
+        (QSizeF(placement_.window.width, placement_.window.height) * unitsPerPoint()).toSize();
+    setMinimumSize(units);
+    setMaximumSize(units);
+    QRect place(QPoint(), units);
+    place.moveCenter(screen()->availableGeometry().center());
+    setGeometry(place);
+    if (placement_.style == CardPlacement::Style::dialog) {
+        setFlags(Qt::Dialog);
+        setMask(roundedRegion(units, SelaShareExtensionEntryVc::cornerRadius * getUIScale(placement_.screen) *
+                                         unitsPerPoint()));
+    }
+    show();
 }
 
 double ShareWindow::unitsPerPoint() const {
@@ -149,6 +152,9 @@ bool ShareWindow::event(QEvent* event) {
             contentHandler_.take(drop.mimeData());
         return true;
     }
+    case QEvent::Leave:
+        pointAt(std::nullopt);
+        return true;
     case QEvent::Close:
         if (closeHandler_)
             closeHandler_();
@@ -197,7 +203,9 @@ void ShareWindow::drawFrame() {
         return;
     lastFrameTime_ = monotonicSeconds();
     window_.prepareFrame();
-    const CGRect dirty = window_.takeDirtyRect().unionWith(ring_.move(window_, keyboard_.focusedView()));
+    keyboard_.catchUp();
+    const CGRect adornments = updateAdornments();
+    const CGRect dirty = window_.takeDirtyRect().unionWith(adornments);
     // What only came into sight again is in the store already.
     QRegion region;
     const bool isNew = std::exchange(storeRatio_, devicePixelRatio()) != devicePixelRatio();
@@ -228,6 +236,20 @@ void ShareWindow::drawFrame() {
         scheduleFrame();
 }
 
+/// Moves what is drawn over the screens to the views that have the focus and the pointer now, which come and
+/// go without either moving. What looks different by that, in points.
+CGRect ShareWindow::updateAdornments() {
+    UIView* const focused = keyboard_.focusedView();
+    UIView* const pointed = pointer_ ? ScreenElements::controlAt(window_, *pointer_) : nullptr;
+    if (pointed)
+        setCursor(Qt::PointingHandCursor);
+    else
+        unsetCursor();
+    tip_.show(pointed ? pointed : focused);
+    window_.prepareFrame();
+    return ring_.move(window_, focused).unionWith(shade_.move(window_, pointed, pressed_));
+}
+
 /// The pixels of the backing store, which are a picture in memory for a raster surface; between its
 /// `beginPaint` and `endPaint`.
 QImage& ShareWindow::surface() {
@@ -244,21 +266,30 @@ void ShareWindow::drawPart(const QRect& part) {
     {
         QPainter painter(&pixels);
         painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.fillRect(area, coversScreen_ ? QColor(Qt::transparent)
-                                             : Snapshot::backdrop(window_.traitCollection()));
+        painter.fillRect(area, coversDisplay() ? QColor(Qt::transparent)
+                                               : Snapshot::backdrop(window_.traitCollection()));
     }
     painter_.paint(pixels, area, window_, {pixelsPerPoint(), window_.traitCollection()});
+    shade_.paint(pixels, area, pixelsPerPoint(), window_.traitCollection());
     ring_.paint(pixels, area, pixelsPerPoint(), window_.traitCollection());
+}
+
+/// The mouse is at a point (points), or not over the window.
+void ShareWindow::pointAt(std::optional<CGPoint> point) {
+    pointer_ = point;
+    scheduleFrame();
 }
 
 void ShareWindow::press(QPointF position) {
     pressed_ = true;
+    scheduleFrame();
     window_.touchBegan(toPoints(position));
 }
 
 void ShareWindow::release(QPointF position) {
     if (std::exchange(pressed_, false))
         window_.touchEnded(toPoints(position));
+    scheduleFrame();
 }
 
 void ShareWindow::cancelPress() {
@@ -273,6 +304,7 @@ void ShareWindow::mousePressEvent(QMouseEvent* event) {
 }
 
 void ShareWindow::mouseMoveEvent(QMouseEvent* event) {
+    pointAt(toPoints(event->position()));
     if (pressed_ && !finger_)
         window_.touchMoved(toPoints(event->position()));
 }
@@ -307,6 +339,7 @@ void ShareWindow::touchEvent(QTouchEvent* event) {
     for (const QEventPoint& point : event->points()) {
         if (point.state() == QEventPoint::Pressed && !pressed_) {
             finger_ = point.id();
+            pointAt(std::nullopt);
             press(point.position());
         } else if (finger_ != point.id()) {
             continue;

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "host/CardPlacement.h"
 #include "host/CommandLine.h"
 #include "host/FocusRing.h"
+#include "host/FullTextTip.h"
 #include "host/KeyboardNavigation.h"
+#include "host/PointerShade.h"
 #include "host/ViewPainter.h"
 #include "platform/uikit/UIWindow.h"
 
@@ -21,21 +24,19 @@ namespace sela {
 class AccessibleWindow;
 
 /// The desktop's window that shows a `UIWindow`: over the whole screen and translucent where the desktop
-/// composites, as the phone's sheet dims the application below it, an ordinary window otherwise or when a
-/// size is asked for. It draws only what changed, and only while something changes; mouse, finger and wheel
-/// become touches, keys work the controls, and screen readers find the elements of the screen. Main thread
-/// only.
+/// composites, as the phone's sheet dims the application below it, else a dialog that is the card, or a
+/// window of the size that is asked for. It draws only what changed, and only while something changes; mouse,
+/// finger and wheel become touches, keys work the controls, and screen readers find the elements of the
+/// screen. Main thread only.
 class ShareWindow : public QWindow {
 public:
-    /// The size in points that a `UIWindow` for this command line should have before the window is shown.
-    static CGSize screenSize(const CommandLine& line);
-
     /// Whether the clipboard can be read before a window has the keyboard. Where it cannot, as on Wayland, a
     /// window whose command line asks for the clipboard takes it as soon as it has.
     static bool isClipboardOpen();
 
-    /// Both must outlive this window.
-    ShareWindow(UIWindow& window, ViewPainter& painter, const CommandLine& line);
+    /// `window` and `painter` must outlive this window.
+    ShareWindow(UIWindow& window, ViewPainter& painter, const CommandLine& line,
+                const CardPlacement& placement);
     ~ShareWindow() override;
 
     /// Called when the user closes the window.
@@ -74,8 +75,8 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    static bool coversScreen(const CommandLine& line);
-
+    bool coversDisplay() const { return placement_.style == CardPlacement::Style::overDisplay; }
+    void openAsDialog();
     double unitsPerPoint() const;
     CGPoint toPoints(QPointF position) const;
     QRect toDesktop(const CGRect& rect) const;
@@ -86,6 +87,8 @@ private:
     void press(QPointF position);
     void release(QPointF position);
     void cancelPress();
+    void pointAt(std::optional<CGPoint> point);
+    CGRect updateAdornments();
     void paste();
     bool takesDrop(const QMimeData& data) const;
     AccessibleWindow& accessible();
@@ -93,17 +96,20 @@ private:
     UIWindow& window_;
     ViewPainter& painter_;
     const CommandLine line_;
-    const bool coversScreen_;
+    const CardPlacement placement_;
     std::function<void()> closeHandler_;
     std::function<void()> firstFrameHandler_;
     ContentHandler contentHandler_;
     KeyboardNavigation keyboard_;
     FocusRing ring_;
+    PointerShade shade_;
+    FullTextTip tip_;
     QBackingStore store_;
     QRegion exposed_;       ///< must be brought to the display whether it changed or not
     double storeRatio_ = 0; ///< the pixel ratio that the store's content was drawn for; 0 when it has none
     QBasicTimer frameTimer_;
     double lastFrameTime_ = 0;
+    std::optional<CGPoint> pointer_; ///< where the mouse is, in points; absent outside
     bool pressed_ = false;
     bool pastesOnFocus_;
     std::optional<int> finger_;

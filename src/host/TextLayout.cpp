@@ -2,6 +2,7 @@
 
 #include "host/QtConversions.h"
 
+#include <QFontMetricsF>
 #include <QPainter>
 
 #include <algorithm>
@@ -32,6 +33,8 @@ QTextOption textOption(QTextOption::WrapMode wrapMode) {
 TextLayout::TextLayout(const NSAttributedString& text, double width, int maximumLines,
                        const UITraitCollection& traits, FontCache& fonts) {
     addText(text, traits, fonts);
+    if (!text_.isEmpty() && maximumLines == 1)
+        shortenWhatGivesWay(text, width + tolerance);
     if (!text_.isEmpty())
         breakLines(std::clamp(width + tolerance, 0.0, widest), maximumLines);
     for (const QTextLine& line : lines_) {
@@ -53,6 +56,34 @@ void TextLayout::addText(const NSAttributedString& text, const UITraitCollection
         formats_.append(range);
     }
     text_.replace(QLatin1Char('\n'), QChar(QChar::LineSeparator));
+}
+
+/// Leaves out the middle of the first run that gives way, as much as the line is too long, or all but an
+/// ellipsis.
+void TextLayout::shortenWhatGivesWay(const NSAttributedString& text, double width) {
+    const auto run = std::ranges::find_if(
+        text.runs(), [](const NSAttributedString::Run& each) { return each.attributes.givesWay; });
+    if (run == text.runs().end())
+        return;
+    const auto widthOf = [&](const QString& part, const Formats& formats) {
+        whole_.setFont(formats.front().format.font());
+        return layOutLine(part, formats, widest, QTextOption::NoWrap)->lineAt(0).naturalTextWidth();
+    };
+    const double excess = widthOf(text_, formats_) - width;
+    if (excess <= 0)
+        return;
+    const qsizetype index = run - text.runs().begin();
+    const QTextLayout::FormatRange range = formats_[index];
+    const QString part = text_.mid(range.start, range.length);
+    const double room = widthOf(part, formatsFrom(range.start, range.length)) - excess;
+    QString shown = QFontMetricsF(range.format.font()).elidedText(part, Qt::ElideMiddle, std::max(room, 0.0));
+    if (shown.isEmpty())
+        shown = QChar(0x2026);
+    text_.replace(range.start, range.length, shown);
+    const int shorter = range.length - static_cast<int>(shown.size());
+    formats_[index].length -= shorter;
+    for (qsizetype later = index + 1; later < formats_.size(); ++later)
+        formats_[later].start -= shorter;
 }
 
 void TextLayout::breakLines(double width, int maximumLines) {

@@ -20,8 +20,8 @@ namespace sela {
 class TextLayout {
 public:
     /// Breaks `text`, whose runs have fonts, at `width` points (infinite: only at line ends in the text) into
-    /// at most `maximumLines` lines (0: any number). Colours are taken in the appearance `traits`; a run
-    /// without one is black.
+    /// at most `maximumLines` lines (0: any number); of what has to be on one line, a stretch that gives way
+    /// is cut first. Colours are taken in the appearance `traits`; a run without one is black.
     TextLayout(const NSAttributedString& text, double width, int maximumLines,
                const UITraitCollection& traits, FontCache& fonts);
 
@@ -36,6 +36,7 @@ private:
     using Formats = QList<QTextLayout::FormatRange>;
 
     void addText(const NSAttributedString& text, const UITraitCollection& traits, FontCache& fonts);
+    void shortenWhatGivesWay(const NSAttributedString& text, double width);
     void breakLines(double width, int maximumLines);
     void truncateFrom(int start, double width);
     std::unique_ptr<QTextLayout> layOutLine(const QString& text, const Formats& formats, double width,

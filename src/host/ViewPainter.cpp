@@ -35,6 +35,36 @@ bool isUpright(const QTransform& transform) {
     return transform.m12() == 0 && transform.m21() == 0;
 }
 
+/// Whether a point of the view is the usual number of pixels in each direction, so that its edges can be
+/// moved to whole pixels without anything being distorted.
+bool isAtScale(const QTransform& transform, double pixelsPerPoint) {
+    constexpr double tolerance = 1e-6;
+    return isUpright(transform) && std::abs(transform.m11() - pixelsPerPoint) < tolerance &&
+           std::abs(transform.m22() - pixelsPerPoint) < tolerance;
+}
+
+QRectF withEdgesOnPixels(const QRectF& rect) {
+    const QPointF begin = rect.topLeft().toPoint();
+    return {begin, QPointF(rect.bottomRight().toPoint())};
+}
+
+/// A rounded rectangle in pixels; its edges lie on whole pixels where nothing scales or turns it, so that
+/// they are as sharp as the screen can show them.
+QPainterPath devicePath(const QTransform& transform, const CGRect& rect, double radius,
+                        double pixelsPerPoint) {
+    if (!isAtScale(transform, pixelsPerPoint))
+        return transform.map(roundedPath(rect, radius));
+    const QRectF pixels = withEdgesOnPixels(transform.mapRect(toQt(rect)));
+    return roundedPath({pixels.x(), pixels.y(), pixels.width(), pixels.height()}, radius * pixelsPerPoint);
+}
+
+void fillDevicePath(QPainter& painter, const QPainterPath& path, const QColor& color) {
+    const QTransform transform = painter.worldTransform();
+    painter.resetTransform();
+    painter.fillPath(path, color);
+    painter.setWorldTransform(transform);
+}
+
 /// Fills whole pixels only where the rectangle is upright, so that edges between pixels meet those of the
 /// views above and below alike. A line thinner than a pixel is one pixel thick.
 void fillBounds(QPainter& painter, const CGRect& bounds, const QColor& color) {
@@ -148,7 +178,8 @@ void ViewPainter::paintGroup(QPainter& painter, const UIView& view, double opaci
         if (masks) {
             QPainterPath outside;
             outside.addRect(QRectF(group.rect()).adjusted(-1, -1, 1, 1));
-            outside.addPath(inside.worldTransform().map(roundedPath(bounds, view.layer().cornerRadius())));
+            outside.addPath(devicePath(inside.worldTransform(), bounds, view.layer().cornerRadius(),
+                                       screen_.pixelsPerPoint));
             inside.resetTransform();
             inside.setCompositionMode(QPainter::CompositionMode_DestinationOut);
             inside.fillPath(outside, Qt::black);
@@ -174,8 +205,10 @@ void ViewPainter::paintBackground(QPainter& painter, const UIView& view, bool ro
     if (!rounds)
         fillEverything(painter, color(*shown.backgroundColor));
     else if (view.layer().cornerRadius() > 0)
-        painter.fillPath(roundedPath(shown.bounds, view.layer().cornerRadius()),
-                         color(*shown.backgroundColor));
+        fillDevicePath(painter,
+                       devicePath(painter.worldTransform(), shown.bounds, view.layer().cornerRadius(),
+                                  screen_.pixelsPerPoint),
+                       color(*shown.backgroundColor));
     else
         fillBounds(painter, shown.bounds, color(*shown.backgroundColor));
 }
@@ -210,11 +243,14 @@ void ViewPainter::paintBorder(QPainter& painter, const UIView& view) {
     if (width <= 0)
         return;
     const CGRect bounds = view.presentation().bounds;
-    QPainterPath frame = roundedPath(bounds, view.layer().cornerRadius());
+    const auto path = [&](const CGRect& rect, double radius) {
+        return devicePath(painter.worldTransform(), rect, radius, screen_.pixelsPerPoint);
+    };
+    QPainterPath frame = path(bounds, view.layer().cornerRadius());
     const CGRect hole = bounds.insetBy(width, width);
     if (!hole.isEmpty())
-        frame.addPath(roundedPath(hole, view.layer().cornerRadius() - width));
-    painter.fillPath(frame, color(view.layer().borderColor()));
+        frame.addPath(path(hole, view.layer().cornerRadius() - width));
+    fillDevicePath(painter, frame, color(view.layer().borderColor()));
 }
 
 void ViewPainter::paintContent(QPainter& painter, const UIView& view, const TextContent& content) {
@@ -259,10 +295,16 @@ void ViewPainter::paintContent(QPainter& painter, const UIView& view, const Imag
     const QRectF part((visible.minX() - whole.minX()) / whole.size.width,
                       (visible.minY() - whole.minY()) / whole.size.height,
                       visible.size.width / whole.size.width, visible.size.height / whole.size.height);
-    const QSize size(static_cast<int>(std::ceil(visible.size.width * scale)),
-                     static_cast<int>(std::ceil(visible.size.height * scale)));
+    const QTransform transform = painter.worldTransform();
+    QRectF target = toQt(visible);
+    QSize size = (target.size() * scale).toSize().expandedTo({1, 1});
+    if (isAtScale(transform, scale)) {
+        const QRectF pixels = withEdgesOnPixels(transform.mapRect(target));
+        size = pixels.size().toSize().expandedTo({1, 1});
+        target = transform.inverted().mapRect(pixels);
+    }
     const QImage scaled = images_.scaled(image, part, size, tint);
-    painter.drawImage(toQt(visible), content.isFlipped ? scaled.mirrored(true, false) : scaled);
+    painter.drawImage(target, content.isFlipped ? scaled.mirrored(true, false) : scaled);
 }
 
 void ViewPainter::paintContent(QPainter& painter, const UIView& view, const SpinnerContent& content) {

@@ -31,7 +31,7 @@ std::string localized(std::string_view key) {
 WindowedRun::WindowedRun(QtApplication& application, const CommandLine& line, const Attachments& attachments)
     : application_(application), line_(line), totalSize_(attachments.totalSize),
       session_(line, loop_, attachments), notice_(session_.scope().window()),
-      window_(session_.scope().window(), session_.scope().painter(), line) {
+      window_(session_.scope().window(), session_.scope().painter(), line, session_.scope().placement()) {
     session_.setEndHandler([this] { requestEnded(); });
     session_.setInterruptHandler([this] { leave(); });
     session_.screen().setSaveObserver([this](const SaveRun& run) { showSaving(run); });

@@ -48,6 +48,11 @@ std::shared_ptr<const NSExtensionItem::Attachments> AttachmentIntake::attachment
     return item ? item->attachments() : nullptr;
 }
 
+std::string AttachmentIntake::firstFileName() const {
+    const auto list = attachments();
+    return list && !list->empty() ? list->front()->suggestedName() : std::string();
+}
+
 bool AttachmentIntake::append(const NSExtensionItem::Attachments& more) {
     NSExtensionItem* const item = firstItem();
     if (!item)

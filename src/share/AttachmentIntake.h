@@ -40,6 +40,9 @@ public:
     /// such item, or no attachment list.
     std::int64_t getItemsCount() const;
 
+    /// The file name of the first attachment; empty when there is none, or it has no name.
+    std::string firstFileName() const;
+
     /// Puts `more` behind the attachments of the first input item and counts anew. Whether there is such an
     /// item; without one nothing happens. For the time before saving starts; thumbnails may be on their way.
     bool append(const NSExtensionItem::Attachments& more);

@@ -20,11 +20,11 @@ void SelaShareExtensionEntryVc::viewDidLoad() {
 void SelaShareExtensionEntryVc::addCard(double scale) {
     view().addSubview(container_);
     container_.snp().makeConstraints([&](ConstraintMaker& make) {
-        make.width().equalTo(320 * scale);
-        make.height().equalTo(390 * scale);
+        make.width().equalTo(cardSize.width * scale);
+        make.height().equalTo(cardSize.height * scale);
         make.center().equalToSuperview();
     });
-    container_.layer().setCornerRadius(13 * scale);
+    container_.layer().setCornerRadius(cornerRadius * scale);
     container_.setClipsToBounds(true);
 }
 

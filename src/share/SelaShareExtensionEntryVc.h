@@ -11,6 +11,12 @@ class SelaShareExtensionEntryVc : public UIViewController {
 public:
     using UIViewController::UIViewController;
 
+    /// The size of the card in design points.
+    static constexpr CGSize cardSize{320, 390};
+
+    /// The radius of its corners in design points.
+    static constexpr double cornerRadius = 13;
+
     void viewDidLoad() override;
 
 private:

@@ -34,10 +34,15 @@ std::string localized(std::string_view key) {
     return Bundle::main().localizedString(key);
 }
 
-std::string albumText(const std::vector<std::string>& path) {
-    std::string text = path.empty() ? std::string() : path.front();
+/// The album's path as the card's line names it. Where that is too long, the parent gives way: the child is
+/// the album that was chosen.
+NSAttributedString albumText(const std::vector<std::string>& path,
+                             const NSAttributedString::Attributes& look) {
+    NSAttributedString::Attributes parent = look;
+    parent.givesWay = path.size() == 2;
+    NSAttributedString text(path.empty() ? std::string() : path.front(), parent);
     if (path.size() == 2)
-        text += "/" + path.back();
+        text.append({"/" + path.back(), look});
     return text;
 }
 
@@ -111,6 +116,9 @@ void SelaShareExtensionVc::showThumbnails() {
         // Else the frame's own shadow would show through a picture that is partly transparent.
         frames[i]->setBackgroundColor(UIColor::named("AppCard"));
     }
+    // The frames stay empty where no file has a picture; what the first one is lies behind them.
+    documentSheet_.setFileName(intake_->firstFileName());
+    documentSheet_.setHidden(!thumbnails.empty() || intake_->itemsCount() == 0);
     thumbnailsShown_ = true;
 }
 
@@ -134,8 +142,7 @@ void SelaShareExtensionVc::updateTitle() {
                    : NSAttributedString(localized("Add xxx files to xxx"), plain)
                          .format({NSAttributedString(std::to_string(count), highlight), standIn});
     if (const std::size_t place = title.string().find(albumStandIn); place != std::string::npos)
-        title.replace(place, albumStandIn.size(),
-                      NSAttributedString(albumText(intake_->selectedAlbumName()), highlight));
+        title.replace(place, albumStandIn.size(), albumText(intake_->selectedAlbumName(), highlight));
     albumButton_.setTitleFont(font);
     albumButton_.setAttributedTitle(title);
     albumButton_.setAccessibilityValue(title.string());

@@ -7,6 +7,7 @@
 #include "platform/uikit/UIView.h"
 #include "platform/uikit/UIViewController.h"
 #include "share/AttachmentIntake.h"
+#include "ui/DocumentSheet.h"
 #include "unlock/SelaShareExtensionAlbumsVcDelegate.h"
 
 #include <functional>
@@ -100,6 +101,7 @@ private:
     UIView imageView2Container_{"imageView2Container"};
     UIImageView imageView3_{"imageView3"};
     UIView imageView3Container_{"imageView3Container"};
+    DocumentSheet documentSheet_{"documentSheet"};
     UIButton cancelButton_{"cancelButton"};
     UIButton addButton_{"addButton"};
 

@@ -35,6 +35,7 @@ void SelaShareExtensionVc::buildTree() {
                                static_cast<UIView*>(&disclosureIcon_), &imageViewContainer_,
                                static_cast<UIView*>(&cancelButton_), static_cast<UIView*>(&addButton_)})
         containerView_.addSubview(*part);
+    imageViewContainer_.addSubview(documentSheet_);
     // The first thumbnail comes last and lies on top.
     imageViewContainer_.addSubview(imageView3Container_);
     imageViewContainer_.addSubview(imageView2Container_);
@@ -76,10 +77,15 @@ void SelaShareExtensionVc::layoutCard() {
         make.top().equalToSuperview();
         make.height().equalTo(whole(46));
     });
-    // The line is 44 points high, so that a finger finds it.
+    // The line is 44 points high and reaches from edge to edge, under the arrow, so that a finger finds it.
+    const double textInset = whole(24);
+    const double arrowRoom = whole(24) + whole(8) + whole(8);
+    const bool fromRight =
+        view().effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;
+    albumButton_.setContentEdgeInsets(
+        {.left = fromRight ? arrowRoom : textInset, .right = fromRight ? textInset : arrowRoom});
     albumButton_.snp().makeConstraints([&](ConstraintMaker& make) {
-        make.leading().equalToSuperview().offset(whole(24));
-        make.trailing().equalTo(disclosureIcon_.snp().leading()).offset(-whole(8));
+        make.leading().trailing().equalToSuperview();
         make.top().equalTo(titleLabel_.snp().bottom());
         make.height().equalTo(whole(44));
     });
@@ -111,6 +117,11 @@ void SelaShareExtensionVc::layoutStack() {
 
 void SelaShareExtensionVc::layoutThumbnails() {
     layoutStack();
+    documentSheet_.snp().makeConstraints([&](ConstraintMaker& make) {
+        make.size().equalTo(
+            CGSize{whole(DocumentSheet::designSize.width), whole(DocumentSheet::designSize.height)});
+        make.center().equalTo(imageView1Container_);
+    });
     imageView1Container_.snp().makeConstraints([&](ConstraintMaker& make) {
         make.size().equalTo(CGSize{whole(178), whole(128)});
         make.bottom().centerX().equalToSuperview();

@@ -22,6 +22,7 @@ void SelaShareExtensionVc::styleCard() {
         frame->layer().setShadowOffset({0, 0});
         frame->layer().setShadowRadius(2);
     }
+    documentSheet_.setHidden(true);
     containerView_.setBackgroundColor(UIColor::named("AppCard"));
     containerView_.layer().setCornerRadius(whole(13));
     containerView_.setClipsToBounds(true);

@@ -6,12 +6,24 @@
 
 namespace sela {
 
+namespace {
+
+constexpr double phoneWidth = 375;
+
+} // namespace
+
 double getUIScale(UIViewController& controller) {
-    constexpr double phoneWidth = 375;
-    constexpr double tabletWidth = 768;
-    const CGSize size = controller.view().frame().size;
-    const double shorterSide = std::min(size.width, size.height);
+    return getUIScale(controller.view().frame().size);
+}
+
+double getUIScale(CGSize screen) {
+    const double shorterSide = std::min(screen.width, screen.height);
     return shorterSide / (shorterSide < tabletWidth ? phoneWidth : tabletWidth);
+}
+
+double shorterSideForUIScale(double scale) {
+    const double phone = phoneWidth * scale;
+    return phone < tabletWidth ? phone : tabletWidth * scale;
 }
 
 } // namespace sela

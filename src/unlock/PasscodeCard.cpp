@@ -1,11 +1,19 @@
 #include "unlock/PasscodeCard.h"
 
+#include "platform/foundation/Bundle.h"
 #include "platform/snapkit/ConstraintViewDSL.h"
+#include "unlock/PasscodeKeypad.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace sela {
+
+namespace {
+
+/// Between the back button's arrow and the title, in points.
+constexpr double titleGap = 6;
+
+} // namespace
 
 void PasscodeCard::assemble(UIView& rootView, double scale) {
     containerView_.setBackgroundColor(UIColor::named("AppCard"));
@@ -27,15 +35,19 @@ void PasscodeCard::assemble(UIView& rootView, double scale) {
     });
 }
 
-void PasscodeCard::setTitle(const std::string& title) {
-    const UIFont font = UIFont::boldSystemFont(std::ceil(20 * scale_));
+void PasscodeCard::setTitle(std::string_view key) {
+    const Bundle& bundle = Bundle::main();
+    UIFont font = UIFont::boldSystemFont(std::ceil(20 * scale_));
+    // On both sides, since the title is centred on the card.
+    const double room = std::ceil(320 * scale_) - 2 * (PasscodeKeypad::backArrowEnd() + titleGap);
+    for (const char* const title : {"Input Passcode", "Pick Album"}) {
+        titleLabel_.setFont(font);
+        titleLabel_.setText(bundle.localizedString(title));
+        if (const double width = titleLabel_.intrinsicContentSize().width; width > room)
+            font = font.withSize(font.size() * room / width);
+    }
     titleLabel_.setFont(font);
-    titleLabel_.setText(title);
-    // The wider of the two screens' back buttons, on both sides, since the title is centred on the card.
-    const double room = std::ceil(320 * scale_) - 2 * std::max(60.0, std::ceil(46 * scale_));
-    const double width = titleLabel_.intrinsicContentSize().width;
-    if (width > room)
-        titleLabel_.setFont(font.withSize(font.size() * room / width));
+    titleLabel_.setText(bundle.localizedString(key));
 }
 
 } // namespace sela

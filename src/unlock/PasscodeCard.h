@@ -3,7 +3,7 @@
 #include "platform/uikit/UILabel.h"
 #include "platform/uikit/UIView.h"
 
-#include <string>
+#include <string_view>
 
 namespace sela {
 
@@ -17,9 +17,9 @@ public:
     /// Adds the card to a screen's root view, and the title to the card. `scale` is the screen's factor.
     void assemble(UIView& rootView, double scale);
 
-    /// Shows the screen's title; one that would run under the back button, as a long translation might, is
-    /// set in a smaller size. Called after `assemble`.
-    void setTitle(const std::string& title);
+    /// Shows a title by its key, "Input Passcode" or "Pick Album". Both are set in one size: a smaller one
+    /// where either would run under the back button, as a long translation might. Called after `assemble`.
+    void setTitle(std::string_view key);
 
 private:
     UIView containerView_{"containerView"};

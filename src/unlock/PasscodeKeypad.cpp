@@ -10,6 +10,13 @@
 
 namespace sela {
 
+namespace {
+
+/// From the card's edge to the back button's arrow, in points.
+constexpr double backButtonInset = 24;
+
+} // namespace
+
 void PasscodeKeypad::assemble(UIView& card, double scale, std::size_t passcodeLength,
                               const Placement& placement) {
     card.addSubview(backButton_);
@@ -97,13 +104,18 @@ void PasscodeKeypad::layoutKeys(double scale, const Placement& placement) {
     }
 }
 
+double PasscodeKeypad::backArrowEnd() {
+    const std::optional<UIImage> arrow = UIImage::named("Back");
+    return backButtonInset + (arrow ? arrow->width() : 0);
+}
+
 void PasscodeKeypad::applyLooks(double scale) {
-    constexpr double inset = 24;
     const bool fromRight =
         backButton_.effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;
     if (const std::optional<UIImage> back = UIImage::named("Back"))
         backButton_.setImage(back->imageFlippedForRightToLeftLayoutDirection());
-    backButton_.setContentEdgeInsets({0, fromRight ? 0 : inset, 0, fromRight ? inset : 0});
+    backButton_.setContentEdgeInsets(
+        {0, fromRight ? 0 : backButtonInset, 0, fromRight ? backButtonInset : 0});
     backButton_.setContentHorizontalAlignment(UIButton::ContentHorizontalAlignment::leading);
     backButton_.setTintColor(UIColor::named("AppTextSecond"));
     backButton_.setAccessibilityLabel(Bundle::main().localizedString("Back"));

@@ -25,6 +25,9 @@ public:
         double keypadOffset = 0;    ///< from the bottom of the dots to the keys
     };
 
+    /// How far the back button's arrow reaches into the card, in points.
+    static double backArrowEnd();
+
     /// Seconds that a failure is shown.
     static constexpr double shakeDuration = 0.6;
 
@@ -34,13 +37,17 @@ public:
     void assemble(UIView& card, double scale, std::size_t passcodeLength, const Placement& placement);
 
     /// Calls `onKeyTouched` of `screen`, which owns the keypad, with the tapped key, whose tag is its digit,
-    /// and `onBackButtonTouched` with the back button.
+    /// and `onBackButtonTouched` with the back button. The key Backspace calls `clearEntry`.
     template<class Screen>
     void setActions(Screen* screen, void (Screen::*onKeyTouched)(UIButton&),
-                    void (Screen::*onBackButtonTouched)(UIButton&)) {
+                    void (Screen::*onBackButtonTouched)(UIButton&), void (Screen::*clearEntry)()) {
         for (UIButton& button : buttons_)
             button.addTarget(screen, onKeyTouched, UIControl::Event::touchUpInside);
         backButton_.addTarget(screen, onBackButtonTouched, UIControl::Event::touchUpInside);
+        keypadView_.addKeyCommand({std::string(UIKeyCommand::inputDelete), [this, screen, clearEntry] {
+                                       if (!isShaking_)
+                                           (screen->*clearEntry)();
+                                   }});
     }
 
     /// Shows or hides dots and keys; the back button stays.

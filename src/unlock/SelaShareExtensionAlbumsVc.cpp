@@ -53,7 +53,8 @@ void SelaShareExtensionAlbumsVc::buildViews() {
                       .indicatorOffset = std::round(28 * scale),
                       .keypadOffset = std::round(34 * scale)});
     keypad_.setActions(this, &SelaShareExtensionAlbumsVc::onKeyTouched,
-                       &SelaShareExtensionAlbumsVc::onBackButtonTouched);
+                       &SelaShareExtensionAlbumsVc::onBackButtonTouched,
+                       &SelaShareExtensionAlbumsVc::clearEntry);
     layoutTable();
     layoutLaunchMessage(scale);
 }
@@ -117,14 +118,14 @@ void SelaShareExtensionAlbumsVc::refresh() {
 }
 
 void SelaShareExtensionAlbumsVc::showLaunchMessage() {
-    card_.setTitle(localized("Pick Album"));
+    card_.setTitle("Pick Album");
     keypad_.setHidden(true);
     tableView_.setHidden(true);
     launchMainAppLabel_.setHidden(false);
 }
 
 void SelaShareExtensionAlbumsVc::showAlbumTable() {
-    card_.setTitle(localized("Pick Album"));
+    card_.setTitle("Pick Album");
     keypad_.setHidden(true);
     tableView_.setHidden(false);
     launchMainAppLabel_.setHidden(true);
@@ -132,7 +133,7 @@ void SelaShareExtensionAlbumsVc::showAlbumTable() {
 }
 
 void SelaShareExtensionAlbumsVc::showKeypad() {
-    card_.setTitle(localized("Input Passcode"));
+    card_.setTitle("Input Passcode");
     keypad_.setHidden(false);
     tableView_.setHidden(true);
     launchMainAppLabel_.setHidden(true);
@@ -160,11 +161,13 @@ void SelaShareExtensionAlbumsVc::onKeyTouched(UIButton& button) {
     } else {
         refresh();
         if (length >= 1 && currentPassword_.size() >= length)
-            keypad_.shake(weak_from_this(), [this] {
-                currentPassword_.clear();
-                refresh();
-            });
+            keypad_.shake(weak_from_this(), [this] { clearEntry(); });
     }
+}
+
+void SelaShareExtensionAlbumsVc::clearEntry() {
+    currentPassword_.clear();
+    refresh();
 }
 
 /// The order matters: which albums are loaded and what is shown both follow from the entry.

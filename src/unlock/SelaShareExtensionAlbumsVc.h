@@ -72,6 +72,7 @@ private:
     void styleTable();
     void loadAlbums();
     void refresh();
+    void clearEntry();
     void showLaunchMessage();
     void showAlbumTable();
     void showKeypad();

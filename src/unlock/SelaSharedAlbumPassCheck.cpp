@@ -1,6 +1,5 @@
 #include "unlock/SelaSharedAlbumPassCheck.h"
 
-#include "platform/foundation/Bundle.h"
 #include "platform/foundation/FatalError.h"
 #include "platform/foundation/UTF8.h"
 #include "platform/snapkit/ConstraintViewDSL.h"
@@ -43,7 +42,7 @@ void SelaSharedAlbumPassCheck::viewDidLoad() {
                       .indicatorOffset = std::round(23 * scale),
                       .keypadOffset = std::round(29 * scale)});
     keypad_.setActions(this, &SelaSharedAlbumPassCheck::onKeyTouched,
-                       &SelaSharedAlbumPassCheck::onBackButtonTouched);
+                       &SelaSharedAlbumPassCheck::onBackButtonTouched, &SelaSharedAlbumPassCheck::clearEntry);
     refresh();
 }
 
@@ -60,7 +59,7 @@ void SelaSharedAlbumPassCheck::layoutSubTitle(double scale) {
 }
 
 void SelaSharedAlbumPassCheck::refresh() {
-    card_.setTitle(Bundle::main().localizedString("Input Passcode"));
+    card_.setTitle("Input Passcode");
     keypad_.showEntry(currentPassword_.size());
 }
 
@@ -77,10 +76,12 @@ void SelaSharedAlbumPassCheck::onKeyTouched(UIButton& button) {
     refresh();
     if (length < 1 || currentPassword_.size() < length)
         return;
-    keypad_.shake(weak_from_this(), [this] {
-        currentPassword_.clear();
-        refresh();
-    });
+    keypad_.shake(weak_from_this(), [this] { clearEntry(); });
+}
+
+void SelaSharedAlbumPassCheck::clearEntry() {
+    currentPassword_.clear();
+    refresh();
 }
 
 void SelaSharedAlbumPassCheck::onBackButtonTouched(UIButton&) {

@@ -34,6 +34,7 @@ public:
 private:
     void layoutSubTitle(double scale);
     void refresh();
+    void clearEntry();
     void finish(bool unlocked);
 
     PasscodeCard card_;

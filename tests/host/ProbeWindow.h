@@ -117,7 +117,7 @@ protected:
         return CommandLine::parse({"--screen", "375x667", "--scale", "2"}).value();
     }
 
-    ShareWindow shareWindow_{window_, painter_, commandLine()};
+    ShareWindow shareWindow_{window_, painter_, commandLine(), CardPlacement::on(commandLine())};
 };
 
 } // namespace sela

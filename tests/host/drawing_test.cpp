@@ -42,6 +42,17 @@ const QColor whitePixel(255, 255, 255);
 
 } // namespace
 
+TEST(ViewPainter, DrawsNoEdgeBetweenPixels) {
+    SmallScene scene;
+    scene.view.setFrame({10.5, 10.5, 20, 20});
+    scene.view.setBackgroundColor(red);
+    for (const double radius : {0.0, 4.0}) {
+        scene.view.layer().setCornerRadius(radius);
+        EXPECT_EQ(scene.pixel(10, 20), whitePixel) << radius;
+        EXPECT_EQ(scene.pixel(11, 20), redPixel) << radius;
+    }
+}
+
 TEST(ViewPainter, DrawsWhatTheLayerSays) {
     SmallScene scene;
     UIView inside({-5, -5, 50, 50});

@@ -69,4 +69,24 @@ TEST(QtTextMeasurer, CutsTheEndOffInTheOrderOfReading) {
     EXPECT_EQ(picture("صور Holidays in Rome and Naples"), picture("صور Holidays in Rome and Florence"));
 }
 
+TEST(QtTextMeasurer, CutsWhatGivesWayBeforeTheEnd) {
+    const OffscreenEnvironment environment;
+    const UIFont font = UIFont::systemFont(14);
+    const NSAttributedString child = inFont("/Rome", font);
+    NSAttributedString path("Holidays in a country far away",
+                            {.foregroundColor = std::nullopt, .font = font, .givesWay = true});
+    path.append(child);
+    const auto drawn = [&](const NSAttributedString& text) {
+        QImage image(120, 20, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        environment.measurer.layout(text, 120, 1, {})->draw(painter, {0, 0, 120, 20}, NSTextAlignment::right);
+        return image;
+    };
+    const int width = static_cast<int>(environment.measurer.size(child, 120, 1).width) - 4;
+    const QRect end(120 - width, 0, width, 20);
+    EXPECT_EQ(drawn(path).copy(end), drawn(child).copy(end));
+    EXPECT_LE(environment.measurer.size(path, 120, 1).width, 120);
+}
+
 } // namespace sela

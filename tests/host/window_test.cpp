@@ -18,7 +18,6 @@ using ShareWindowTest = ProbeWindowTest;
 
 TEST_F(ShareWindowTest, IsAsLargeAsTheScreenAskedForAndTellsWhenItIsClosed) {
     EXPECT_EQ(shareWindow_.size(), QSize(750, 1334));
-    EXPECT_EQ(ShareWindow::screenSize(commandLine()), (CGSize{375, 667}));
     shareWindow_.resize(800, 1400);
     QTest::qWait(1);
     EXPECT_EQ(window_.bounds(), CGRect(0, 0, 400, 700));
@@ -102,6 +101,36 @@ TEST_F(ShareWindowTest, WorksTheControlsByKeys) {
     EXPECT_THAT(press({Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Right, Qt::Key_Space, Qt::Key_Left, Qt::Key_Down,
                        Qt::Key_Space}),
                 ElementsAre("cancelButton", "button7"));
+}
+
+TEST_F(ShareWindowTest, KeepsDigitsThatAreTypedWhileScreensMove) {
+    probe_->button7.setHidden(true);
+    UIView::animate(1, [&] { probe_->cover.setAlpha(0); });
+    for (int time = 0; time < 2; ++time)
+        QTest::keyClick(&shareWindow_, Qt::Key_7);
+    probe_->button7.setHidden(false);
+    EXPECT_THAT(probe_->touched, IsEmpty());
+    environment_.loop.advance(1);
+    QTest::qWait(50);
+    EXPECT_THAT(probe_->touched, ElementsAre("button7", "button7"));
+}
+
+TEST_F(ShareWindowTest, ShowsWhatTheMouseCouldPress) {
+    const auto pixelOfAddButton = [&] {
+        QTest::qWait(50);
+        return shareWindow_.screen()->grabWindow(shareWindow_.winId()).toImage().pixel(60, 60);
+    };
+    const QRgb before = pixelOfAddButton();
+    QTest::mouseMove(&shareWindow_, QPoint(140, 80));
+    const QRgb pointed = pixelOfAddButton();
+    EXPECT_NE(pointed, before);
+    EXPECT_EQ(shareWindow_.cursor().shape(), Qt::PointingHandCursor);
+    QTest::mousePress(&shareWindow_, Qt::LeftButton, {}, QPoint(140, 80));
+    EXPECT_NE(pixelOfAddButton(), pointed);
+    QTest::mouseRelease(&shareWindow_, Qt::LeftButton, {}, QPoint(140, 80));
+    QTest::mouseMove(&shareWindow_, QPoint(600, 300));
+    EXPECT_EQ(pixelOfAddButton(), before);
+    EXPECT_NE(shareWindow_.cursor().shape(), Qt::PointingHandCursor);
 }
 
 TEST_F(ShareWindowTest, DrawsARingAroundTheFocusAndOnlyThere) {

@@ -48,6 +48,9 @@ TEST_F(AlbumPickerTest, AWrongEntryShakesTheDotsAndIsGone) {
     EXPECT_EQ(litDots(), 0);
     EXPECT_FALSE(dots.layer().hasAnimations());
     EXPECT_EQ(shown(), locked);
+    type("12");
+    view("keypadView").keyCommands().front().action(); // of Backspace
+    EXPECT_EQ(litDots(), 0);
     type("1234");
     EXPECT_EQ(shown(), albumTable);
 }

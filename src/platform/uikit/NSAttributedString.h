@@ -19,6 +19,10 @@ public:
         std::optional<UIColor> foregroundColor;
         std::optional<UIFont> font;
 
+        /// Where a line is too long, its first stretch of this kind is cut in the middle before its end is
+        /// cut off.
+        bool givesWay = false;
+
         bool operator==(const Attributes&) const = default;
     };
 
@@ -31,7 +35,8 @@ public:
     };
 
     NSAttributedString() = default;
-    NSAttributedString(std::string_view text, Attributes attributes = {});
+    NSAttributedString(std::string_view text) : NSAttributedString(text, Attributes()) {}
+    NSAttributedString(std::string_view text, Attributes attributes);
 
     /// The stretches in order; neighbours differ in their attributes.
     const std::vector<Run>& runs() const { return runs_; }

@@ -91,11 +91,9 @@ CGSize UIButton::intrinsicContentSize() const {
 
 void UIButton::layoutSubviews() {
     const CGRect room = inset(bounds(), contentEdgeInsets_);
-    const CGSize naturalImage = imageSize();
+    const CGSize image = imageSize();
     const CGSize naturalTitle = titleLabel_.intrinsicContentSize();
-    const CGSize image{std::min(naturalImage.width, room.size.width),
-                       std::min(naturalImage.height, room.size.height)};
-    const CGSize title{std::min(naturalTitle.width, room.size.width - image.width),
+    const CGSize title{std::clamp(room.size.width - image.width, 0.0, naturalTitle.width),
                        std::min(naturalTitle.height, room.size.height)};
     const bool fromRight =
         effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;

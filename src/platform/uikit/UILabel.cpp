@@ -76,14 +76,17 @@ NSAttributedString UILabel::resolvedText(double scale) const {
         const UIFont font = run.attributes.font.value_or(font_);
         resolved.append({run.text,
                          {.foregroundColor = run.attributes.foregroundColor.value_or(textColor_),
-                          .font = scale == 1 ? font : font.withSize(font.size() * scale)}});
+                          .font = scale == 1 ? font : font.withSize(font.size() * scale),
+                          .givesWay = run.attributes.givesWay}});
     }
     return resolved;
 }
 
 NSAttributedString UILabel::displayedText() const {
     const NSAttributedString text = resolvedText(1);
-    if (!adjustsFontSizeToFitWidth_ || numberOfLines_ != 1)
+    const bool givesWay =
+        std::ranges::any_of(text.runs(), [](const auto& run) { return run.attributes.givesWay; });
+    if (!adjustsFontSizeToFitWidth_ || numberOfLines_ != 1 || givesWay)
         return text;
     const auto widthOf = [](const NSAttributedString& shown) {
         return TextMeasurer::current().size(shown, TextMeasurer::unlimitedWidth, 1).width;

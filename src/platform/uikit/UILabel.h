@@ -38,7 +38,8 @@ public:
     int numberOfLines() const { return numberOfLines_; }
     void setNumberOfLines(int lines);
 
-    /// Whether a single line that is too wide shrinks, down to `minimumScaleFactor` (0 to 1) of its size.
+    /// Whether a single line that is too wide shrinks, down to `minimumScaleFactor` (0 to 1) of its size; one
+    /// that holds what gives way is cut there instead.
     bool adjustsFontSizeToFitWidth() const { return adjustsFontSizeToFitWidth_; }
     void setAdjustsFontSizeToFitWidth(bool adjusts);
     double minimumScaleFactor() const { return minimumScaleFactor_; }

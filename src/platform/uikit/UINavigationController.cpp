@@ -4,20 +4,32 @@
 #include "platform/uikit/UIAccessibility.h"
 #include "platform/uikit/UIWindow.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace sela {
 
 namespace {
 
-/// How far the lower screen moves aside, in widths.
+/// How far the lower screen moves aside, in widths, and how dark it gets.
 constexpr double parallax = 0.3;
+const UIColor dimmed = UIColor::dynamic({0, 0, 0, 0.12}, {0, 0, 0, 0.4});
+
+/// The shadow along the edge of the upper screen, and how wide what casts it is, in points.
+constexpr double edgeShadowOpacity = 0.4;
+constexpr double edgeShadowRadius = 4;
+constexpr double edgeWidth = 3 * edgeShadowRadius;
 
 } // namespace
 
 struct UINavigationController::Transition {
+    Transition(std::shared_ptr<UIViewController> comes, std::shared_ptr<UIViewController> goes)
+        : incoming(std::move(comes)), outgoing(std::move(goes)) {}
+
     std::shared_ptr<UIViewController> incoming;
     std::shared_ptr<UIViewController> outgoing;
+    UIView dimming; ///< over the lower screen
+    UIView edge;    ///< under the upper screen's edge, whose shadow it casts
 };
 
 UINavigationController::UINavigationController(std::shared_ptr<UIViewController> rootViewController) {
@@ -42,7 +54,8 @@ void UINavigationController::viewDidLoad() {
 void UINavigationController::viewDidLayoutSubviews() {
     UIViewController::viewDidLayoutSubviews();
     for (UIView* const screen : view().subviews())
-        screen->setLayoutFrame(view().bounds());
+        if (screen->viewController())
+            screen->setLayoutFrame(view().bounds());
 }
 
 void UINavigationController::pushViewController(std::shared_ptr<UIViewController> controller, bool animated) {
@@ -77,7 +90,7 @@ void UINavigationController::show(const std::shared_ptr<UIViewController>& incom
     const double width = (fromRight ? -1 : 1) * view().bounds().size.width;
     UIView& entering = incoming->view();
     UIView& leaving = outgoing->view();
-    transition_ = std::make_shared<Transition>(Transition{incoming, outgoing});
+    transition_ = std::make_shared<Transition>(incoming, outgoing);
     if (window) {
         window->touchCancelled();
         outgoing->beginAppearanceTransition(false, animated);
@@ -90,13 +103,22 @@ void UINavigationController::show(const std::shared_ptr<UIViewController>& incom
         return;
     }
     view().setUserInteractionEnabled(false);
-    entering.setTransform(CGAffineTransform::translation(forward ? width : -parallax * width, 0));
+    UIView& upper = forward ? entering : leaving;
+    UIView& lower = forward ? leaving : entering;
+    const CGAffineTransform aside = CGAffineTransform::translation(-parallax * width, 0);
+    const CGAffineTransform out = CGAffineTransform::translation(width, 0);
+    UIView& dimming = transition_->dimming;
+    UIView& edge = transition_->edge;
+    addDepth(upper, fromRight);
+    const auto place = [&](bool upperIsOut) {
+        lower.setTransform(upperIsOut ? CGAffineTransform() : aside);
+        dimming.setAlpha(upperIsOut ? 0 : 1);
+        upper.setTransform(upperIsOut ? out : CGAffineTransform());
+        edge.setTransform(upper.transform());
+    };
+    place(forward);
     UIView::animate(
-        transitionDuration,
-        [&] {
-            entering.setTransform({});
-            leaving.setTransform(CGAffineTransform::translation(forward ? -parallax * width : width, 0));
-        },
+        transitionDuration, [&] { place(!forward); },
         [self = weak_from_this(), transition = std::weak_ptr(transition_)](bool) {
             const std::shared_ptr<UIViewController> alive = self.lock();
             if (!alive)
@@ -105,6 +127,24 @@ void UINavigationController::show(const std::shared_ptr<UIViewController>& incom
             if (navigationController.transition_ && navigationController.transition_ == transition.lock())
                 navigationController.finishTransition();
         });
+}
+
+/// Puts what the upper screen of a slide dims and shades under it.
+void UINavigationController::addDepth(const UIView& upper, bool fromRight) {
+    const auto place = std::ranges::find(view().subviews(), &upper) - view().subviews().begin();
+    const CGRect bounds = view().bounds();
+    UIView& dimming = transition_->dimming;
+    dimming.setFrame(bounds);
+    dimming.setBackgroundColor(dimmed);
+    view().insertSubview(dimming, static_cast<std::size_t>(place));
+    UIView& edge = transition_->edge;
+    edge.setFrame({fromRight ? bounds.maxX() - edgeWidth : bounds.minX(), bounds.minY(), edgeWidth,
+                   bounds.size.height});
+    edge.setBackgroundColor(UIColor::black());
+    edge.layer().setShadowOpacity(edgeShadowOpacity);
+    edge.layer().setShadowOffset({0, 0});
+    edge.layer().setShadowRadius(edgeShadowRadius);
+    view().insertSubview(edge, static_cast<std::size_t>(place) + 1);
 }
 
 void UINavigationController::finishTransition() {

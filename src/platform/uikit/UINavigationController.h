@@ -8,8 +8,8 @@
 namespace sela {
 
 /// A stack of screens of which the top one is shown; it owns them all. A new screen slides in from the right
-/// over the former one, and out again when it is popped, or is there at once where motion is to be reduced.
-/// While screens slide, nothing inside takes touches.
+/// over the former one, which it dims and casts a shadow on, and out again when it is popped, or is there at
+/// once where motion is to be reduced. While screens slide, nothing inside takes touches.
 /// The bar is never drawn. Main thread only.
 class UINavigationController : public UIViewController {
 public:
@@ -43,6 +43,7 @@ private:
 
     void show(const std::shared_ptr<UIViewController>& incoming,
               const std::shared_ptr<UIViewController>& outgoing, bool forward, bool animated);
+    void addDepth(const UIView& upper, bool fromRight);
     void finishTransition();
 
     std::shared_ptr<Transition> transition_;

@@ -13,6 +13,11 @@ constexpr double frameDuration = 1.0 / 60;
 /// A finger that rests so long (seconds) before it goes up throws nothing.
 constexpr double restTime = 0.1;
 
+/// Lengths of the indicator in points.
+constexpr double indicatorWidth = 3;
+constexpr double indicatorMargin = 3;
+constexpr double shortestIndicator = 36;
+
 /// The weight of the newest step in the finger's velocity.
 constexpr double velocityWeight = 0.6;
 
@@ -24,6 +29,9 @@ UIScrollView::UIScrollView(const CGRect& frame) : UIScrollView(std::string_view(
 
 UIScrollView::UIScrollView(std::string_view name) : UIView(name) {
     setClipsToBounds(true);
+    indicator_.setUserInteractionEnabled(false);
+    indicator_.setBackgroundColor(UIColor::dynamic({0, 0, 0, 0.35}, {1, 1, 1, 0.4}));
+    indicator_.layer().setCornerRadius(indicatorWidth / 2);
 }
 
 void UIScrollView::setContentOffset(CGPoint offset) {
@@ -32,11 +40,32 @@ void UIScrollView::setContentOffset(CGPoint offset) {
 }
 
 void UIScrollView::setContentSize(CGSize size) {
-    if (size == contentSize_)
+    if (size != contentSize_) {
+        contentSize_ = size;
+        if (!drag_ && !motion_)
+            moveTo(std::clamp(contentOffset().y, 0.0, maximumOffset()));
+    }
+    placeIndicator();
+}
+
+void UIScrollView::placeIndicator() {
+    const CGRect bounds = this->bounds();
+    const double room = bounds.size.height - 2 * indicatorMargin;
+    if (maximumOffset() <= 0 || room < shortestIndicator) {
+        indicator_.removeFromSuperview();
         return;
-    contentSize_ = size;
-    if (!drag_ && !motion_)
-        moveTo(std::clamp(contentOffset().y, 0.0, maximumOffset()));
+    }
+    const double length = std::max(shortestIndicator, room * bounds.size.height / contentSize_.height);
+    const double way = std::clamp(contentOffset().y / maximumOffset(), 0.0, 1.0);
+    const bool fromRight =
+        effectiveUserInterfaceLayoutDirection() == UIUserInterfaceLayoutDirection::rightToLeft;
+    const double x = fromRight ? indicatorMargin : bounds.maxX() - indicatorMargin - indicatorWidth;
+    performWithoutAnimation([&] {
+        indicator_.setFrame(
+            {x, bounds.minY() + indicatorMargin + way * (room - length), indicatorWidth, length});
+    });
+    if (!indicator_.superview())
+        addSubview(indicator_);
 }
 
 double UIScrollView::maximumOffset() const {
@@ -51,6 +80,7 @@ void UIScrollView::moveTo(double offset) {
     if (offset == contentOffset().y)
         return;
     performWithoutAnimation([&] { setBounds({{0, offset}, bounds().size}); });
+    placeIndicator();
     didScroll();
 }
 

@@ -8,7 +8,8 @@
 namespace sela {
 
 /// A view onto content that is taller than itself: the finger drags it, it rolls on when let go and bounces
-/// at its ends; a wheel moves it too. Scrolls vertically. Main thread only.
+/// at its ends; a wheel moves it too. Scrolls vertically. An indicator along its side shows how much there is
+/// and where the bounds lie in it, when there is more than they hold. Main thread only.
 ///
 /// A touch belongs to the views inside until the finger has moved by more than `tapMovementLimit`; then the
 /// scroll view takes it over and those views see it cancelled.
@@ -73,10 +74,12 @@ private:
     };
 
     void moveTo(double offset);
+    void placeIndicator();
     void startMotion(double velocity);
     void advance();
     void scheduleFrame();
 
+    UIView indicator_{"verticalScrollIndicator"};
     CGSize contentSize_;
     bool scrollEnabled_ = true;
     std::optional<Drag> drag_;

@@ -122,6 +122,17 @@ TEST_F(TableTest, ReloadingASectionMovesThoseBelowAndFillsOnlyItsOwn) {
     EXPECT_DEATH(table.reloadSections({3}), "no section 3");
 }
 
+TEST_F(TableTest, AListThatGoesOnShowsWhereItIs) {
+    show({2});
+    EXPECT_EQ(table.viewNamed("verticalScrollIndicator"), nullptr);
+    show({16});
+    const UIView* const indicator = table.viewNamed("verticalScrollIndicator");
+    ASSERT_EQ(table.subviews().back(), indicator);
+    EXPECT_EQ(indicator->frame(), CGRect(294, 3, 3, 197));
+    table.setContentOffset({0, 400});
+    EXPECT_EQ(indicator->frame(), CGRect(294, 600, 3, 197));
+}
+
 TEST_F(TableTest, AReloadForgetsTheSelection) {
     show({2});
     tap({20, 60});

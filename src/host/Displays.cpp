@@ -1,6 +1,8 @@
-#include "host/Compositing.h"
+#include "host/Displays.h"
 
+#include <QCursor>
 #include <QGuiApplication>
+#include <QScreen>
 
 #include <xcb/xcb.h>
 
@@ -43,14 +45,23 @@ bool hasCompositingManager(xcb_connection_t* connection) {
 
 } // namespace
 
+bool isWayland() {
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
+
 bool desktopComposites() {
-    const QString platform = QGuiApplication::platformName();
-    if (platform.startsWith(QLatin1String("wayland")))
+    if (isWayland())
         return true;
-    if (platform != QLatin1String("xcb"))
+    if (QGuiApplication::platformName() != QLatin1String("xcb"))
         return false;
     const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     return x11 && x11->connection() && hasCompositingManager(x11->connection());
+}
+
+QScreen* displayWithPointer() {
+    // Wayland keeps the pointer's place to itself.
+    QScreen* const display = isWayland() ? nullptr : QGuiApplication::screenAt(QCursor::pos());
+    return display ? display : QGuiApplication::primaryScreen();
 }
 
 } // namespace sela

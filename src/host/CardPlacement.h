@@ -1,0 +1,34 @@
+#pragma once
+
+#include "host/CommandLine.h"
+#include "platform/uikit/Geometry.h"
+
+namespace sela {
+
+/// Where the card stands on the desktop, and so how large a screen the extension's screens are told they
+/// have. A value.
+struct CardPlacement {
+    enum class Style {
+        overDisplay, ///< in the middle of a translucent window over the whole display
+        dialog,      ///< as a window of its own, where nothing composites
+        asAsked,     ///< in a window of the size that the command line asks for, or that nobody sees
+    };
+
+    /// The room that is left on each side of the card, in points.
+    static constexpr double air = 24;
+
+    Style style = Style::asAsked;
+    CGSize screen; ///< the size in points that the screens are measured for
+    CGSize window; ///< the size in points of the window that shows them
+
+    /// For the display with the pointer, which the QGuiApplication is connected to. Main thread only.
+    static CardPlacement on(const CommandLine& line);
+
+    /// The screen that the screens are measured for on a display of this size (points). It is the display
+    /// itself where the card, as large as the screens' rule makes it, stands on it with air on all sides. A
+    /// display that is wide but low is taken for a phone held upright that it has the height for, so that the
+    /// card is neither cut off nor larger on it than on a display that is higher.
+    static CGSize screenFor(CGSize display);
+};
+
+} // namespace sela

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/uikit/UILabel.h"
+#include "platform/uikit/UIWindow.h"
+
+#include <string>
+
+namespace sela {
+
+/// Shows the whole of a text that is cut off, beside the control that it belongs to, while that has the
+/// pointer or the focus. Takes no touches. Main thread only.
+class FullTextTip {
+public:
+    /// `window` must outlive this.
+    explicit FullTextTip(UIWindow& window);
+
+    /// Shows what is cut off in `view`; nothing when nothing is, and for null.
+    void show(const UIView* view);
+
+private:
+    void layOut();
+
+    UIWindow& window_;
+    UIView panel_{"tip"};
+    UILabel label_;
+    CGRect place_; ///< of the view that the text is shown for, in window points
+    std::string text_;
+};
+
+} // namespace sela
