@@ -63,13 +63,12 @@ void forEachRecording(benchmark::internal::Benchmark* made) {
 BENCHMARK(recordItem)->Apply(forEachRecording);
 
 /// The parts of recording that are not storing.
-void findItem(benchmark::State& state) {
+void readKeys(benchmark::State& state) {
     const Data ledger = ledgerOf(state.range(0));
-    const std::string key = SharedItemLedger::key(numbered(state.range(0)));
     for (auto _ : state)
-        benchmark::DoNotOptimize(SharedItemLedger::contains(ledger, key).value());
+        benchmark::DoNotOptimize(SharedItemLedger::keys(ledger).value());
 }
-BENCHMARK(findItem)->Apply(forEachLength);
+BENCHMARK(readKeys)->Apply(forEachLength);
 
 void spliceItem(benchmark::State& state) {
     const Data ledger = ledgerOf(state.range(0));

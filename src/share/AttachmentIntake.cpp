@@ -2,6 +2,7 @@
 
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/DispatchQueue.h"
+#include "platform/foundation/FileName.h"
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/TimeText.h"
 #include "share/MediaHelpers.h"
@@ -179,7 +180,10 @@ void AttachmentIntake::save(const NSItemProvider::Item& item, std::int64_t index
 
 SharedItem AttachmentIntake::sharedItem(const std::string& nameEnd,
                                         std::optional<std::string> preferredName) const {
-    return {uniqueTimeText() + nameEnd, selectedAlbumName_, fakePasswordMode_, std::move(preferredName)};
+    // The file system's limit may leave no room for all of a long name behind the time.
+    const auto [stem, extension] = stemAndExtension(nameEnd);
+    return {fittedFileName(uniqueTimeText() + std::string(stem), extension), selectedAlbumName_, fakePasswordMode_,
+            std::move(preferredName)};
 }
 
 SaveObserver AttachmentIntake::observing(std::int64_t index, const SharedItem& item) {

@@ -1,11 +1,14 @@
 #include "store/LedgerUpdate.h"
 
+#include "platform/foundation/DispatchQueue.h"
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/TimeText.h"
 #include "store/ShareExtensionError.h"
 #include "store/SharedFolder.h"
 #include "store/SharedItemLedger.h"
+#include "store/StoreConst.h"
 
+#include <mutex>
 #include <string>
 #include <utility>
 
@@ -55,65 +58,95 @@ void storeFresh(SettingsTransaction& settings, const std::string& key, const Sha
     settings.setData(sharedItemsKey, *ledger);
 }
 
+/// The ledger as this process stored it last, which need not be read through again as long as nobody else
+/// changes it.
+struct KnownLedger {
+    Data text;
+    SharedItemLedger::Keys keys;
+};
+
+/// Exchanges what is known; who takes it leaves nothing, so that no two threads use it at once.
+KnownLedger exchangeKnownLedger(KnownLedger known) {
+    static std::mutex mutex;
+    static auto* const kept = new KnownLedger;
+    const std::lock_guard lock(mutex);
+    return std::exchange(*kept, std::move(known));
+}
+
+/// What is known of a ledger; the error when it is none.
+Result<KnownLedger> know(Data ledger) {
+    KnownLedger known = exchangeKnownLedger({});
+    if (asText(known.text) == asText(ledger) && !ledger.empty())
+        return known;
+    Result<SharedItemLedger::Keys> keys = SharedItemLedger::keys(ledger);
+    if (!keys)
+        return keys.error();
+    return KnownLedger{std::move(ledger), std::move(keys.value())};
+}
+
 /// One attempt. What fails in the transaction it keeps itself.
 void record(SettingsTransaction& settings, const SharedItem& item, bool replaceUnreadable, Outcome& outcome) {
     const std::string key = SharedItemLedger::key(item);
-    const Result<std::optional<Data>> read = settings.readData(sharedItemsKey);
-    if (!read)
-        return;
-    const std::optional<Data>& ledger = read.value();
+    const Result<std::optional<Data>> ledger = settings.readData(sharedItemsKey);
     if (!ledger)
+        return;
+    if (!ledger.value())
         return storeFresh(settings, key, item, std::nullopt, outcome);
-    const Result<bool> present = SharedItemLedger::contains(*ledger, key);
-    if (!present) {
+    Result<KnownLedger> known = know(*ledger.value());
+    if (!known) {
         if (replaceUnreadable)
-            storeFresh(settings, key, item, ledger, outcome);
+            storeFresh(settings, key, item, ledger.value(), outcome);
         else
-            outcome.unreadable = present.error();
+            outcome.unreadable = known.error();
         return;
     }
-    if (present.value()) {
+    if (known.value().keys.contains(key)) {
         NSLog("SharedItemManager, saveItem: item already exists, album = " + describe(item.albumNames) +
               ", fake = " + std::string(sela::describe(item.fake)) + ", file = " + item.fileName +
               ", key = " + key + "]");
         return;
     }
-    const std::optional<Data> grown = SharedItemLedger::adding(*ledger, key, item);
+    std::optional<Data> grown = SharedItemLedger::adding(known.value().text, key, item);
     if (!grown) {
         NSLog("SharedItemManager, saveItem: falied to encode sharedItemsDictionary 2");
         outcome.unencoded = encodingError();
         return;
     }
     settings.setData(sharedItemsKey, *grown);
+    known.value().text = std::move(*grown);
+    known.value().keys.insert(key);
+    exchangeKnownLedger(std::move(known.value()));
 }
 
-} // namespace
+ErrorRef attempt(const SharedItem& item, bool replaceUnreadable, Outcome& outcome,
+                 UserDefaults::Patience patience) {
+    Result<UserDefaults> defaults = UserDefaults::open(StoreConst::shared().groupId, patience);
+    if (isBusy(defaults.error()))
+        return defaults.error();
+    if (!defaults) {
+        NSLog("saveItem: userDefaults is nil");
+        return ShareExtensionError::make("UserDefaults is nil");
+    }
+    Result<SettingsTransaction> settings = SettingsTransaction::begin(std::move(defaults.value()));
+    if (!settings)
+        return settings.error();
+    record(settings.value(), item, replaceUnreadable, outcome);
+    return settings.value().commit();
+}
 
-void updateLedger(const SharedItem& item, const SharedItemManager::Completion& completion,
-                  const SaveObserver& observer) {
+/// Goes on behind a first attempt, whose failure this is.
+void conclude(const SharedItem& item, const SharedItemManager::Completion& completion,
+              const SaveObserver& observer, ErrorRef failure, Outcome outcome,
+              UserDefaults::Patience patience) {
     const auto report = [&](const ErrorRef& error) {
         if (completion)
             completion(error);
     };
-    Outcome outcome;
-    const auto attempt = [&](bool replaceUnreadable) -> ErrorRef {
-        std::optional<UserDefaults> defaults = sharedDefaults();
-        if (!defaults) {
-            NSLog("saveItem: userDefaults is nil");
-            return ShareExtensionError::make("UserDefaults is nil");
-        }
-        Result<SettingsTransaction> settings = SettingsTransaction::begin(std::move(*defaults));
-        if (!settings)
-            return settings.error();
-        record(settings.value(), item, replaceUnreadable, outcome);
-        return settings.value().commit();
-    };
-    ErrorRef failure = attempt(false);
     if (!failure && outcome.unreadable) {
         // Reported between two steps, not inside one: the completion may do anything.
         NSLog("SharedItemManager, saveItem: falied to decode sharedItemsData");
         report(outcome.unreadable);
-        failure = attempt(true);
+        failure = attempt(item, true, outcome, patience);
     }
     if (failure) {
         NSLog("SharedItemManager, saveItem: failed to store sharedItems, error = " +
@@ -129,6 +162,36 @@ void updateLedger(const SharedItem& item, const SharedItemManager::Completion& c
     if (outcome.unencoded && outcome.isReported)
         report(outcome.unencoded);
     report(nullptr);
+}
+
+/// The pause between two attempts on the main queue, and how many there are: ten seconds of them.
+constexpr double pauseInSeconds = 0.1;
+constexpr int mostAttempts = 50;
+
+void attemptOnMainQueue(const SharedItem& item, const SharedItemManager::Completion& completion,
+                        const SaveObserver& observer, int attemptsBefore) {
+    Outcome outcome;
+    const ErrorRef failure = attempt(item, false, outcome, UserDefaults::shortPatience);
+    if (isBusy(failure) && attemptsBefore + 1 < mostAttempts)
+        DispatchQueue::main().asyncAfter(pauseInSeconds, [item, completion, observer, attemptsBefore] {
+            attemptOnMainQueue(item, completion, observer, attemptsBefore + 1);
+        });
+    else
+        conclude(item, completion, observer, failure, outcome, UserDefaults::shortPatience);
+}
+
+} // namespace
+
+void updateLedger(const SharedItem& item, const SharedItemManager::Completion& completion,
+                  const SaveObserver& observer) {
+    Outcome outcome;
+    const ErrorRef failure = attempt(item, false, outcome, UserDefaults::longPatience);
+    conclude(item, completion, observer, failure, outcome, UserDefaults::longPatience);
+}
+
+void updateLedgerOnMainQueue(const SharedItem& item, const SharedItemManager::Completion& completion,
+                             const SaveObserver& observer) {
+    attemptOnMainQueue(item, completion, observer, 0);
 }
 
 } // namespace sela

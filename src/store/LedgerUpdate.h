@@ -15,4 +15,9 @@ namespace sela {
 void updateLedger(const SharedItem& item, const SharedItemManager::Completion& completion,
                   const SaveObserver& observer = {});
 
+/// The same on the main queue, which it never keeps for longer than a tenth of a second at a time: while
+/// another program has the settings locked, it tries again later, for ten seconds.
+void updateLedgerOnMainQueue(const SharedItem& item, const SharedItemManager::Completion& completion,
+                             const SaveObserver& observer = {});
+
 } // namespace sela

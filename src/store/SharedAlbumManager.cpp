@@ -3,6 +3,7 @@
 #include "platform/foundation/FileManager.h"
 #include "platform/foundation/NSLog.h"
 #include "store/SharedFolder.h"
+#include "store/StoreConst.h"
 
 namespace sela {
 
@@ -12,14 +13,18 @@ namespace {
 constexpr int coverSidePixels = 160;
 
 std::optional<Secret> sharedSecret(std::string_view key) {
-    const std::optional<UserDefaults> defaults = sharedDefaults();
+    const std::optional<UserDefaults> defaults = sharedDefaults(UserDefaults::shortPatience);
     return defaults ? defaults->string(key) : std::nullopt;
 }
 
 } // namespace
 
+bool SharedAlbumManager::isBusy(UserDefaults::Patience patience) {
+    return UserDefaults::areBusy(StoreConst::shared().groupId, patience);
+}
+
 std::optional<std::vector<SharedAlbum>> SharedAlbumManager::getAlbums() {
-    const std::optional<UserDefaults> defaults = sharedDefaults();
+    const std::optional<UserDefaults> defaults = sharedDefaults(UserDefaults::shortPatience);
     if (!defaults)
         return std::nullopt;
     const std::optional<Data> catalogue = defaults->data(sharedAlbumsKey);

@@ -9,8 +9,8 @@ std::optional<URL> sharedFolderUrl() {
     return FileManager::defaultManager().containerURL(StoreConst::shared().groupId);
 }
 
-std::optional<UserDefaults> sharedDefaults() {
-    return UserDefaults::withSuiteName(StoreConst::shared().groupId);
+std::optional<UserDefaults> sharedDefaults(UserDefaults::Patience patience) {
+    return UserDefaults::withSuiteName(StoreConst::shared().groupId, patience);
 }
 
 } // namespace sela

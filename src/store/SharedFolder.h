@@ -15,7 +15,7 @@ namespace sela {
 std::optional<URL> sharedFolderUrl();
 
 /// The group's settings; absent when they cannot be opened (the reason is logged).
-std::optional<UserDefaults> sharedDefaults();
+std::optional<UserDefaults> sharedDefaults(UserDefaults::Patience patience = UserDefaults::longPatience);
 
 /// Folders of the container.
 inline constexpr std::string_view itemsFolderName = "Items";

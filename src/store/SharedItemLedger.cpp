@@ -124,12 +124,12 @@ Result<std::vector<Entry>> decode(DataView ledger) {
     return decodeJSONObject<SharedItem>(ledger);
 }
 
-Result<bool> contains(DataView ledger, std::string_view key) {
-    bool found = false;
-    const auto compare = [&](std::string_view entryKey) { found = found || entryKey == key; };
-    if (ErrorRef error = checkJSONObject<SharedItem>(ledger, compare))
+Result<Keys> keys(DataView ledger) {
+    Keys all;
+    const auto add = [&](std::string_view key) { all.emplace(key); };
+    if (ErrorRef error = checkJSONObject<SharedItem>(ledger, add))
         return error;
-    return found;
+    return all;
 }
 
 std::optional<Data> fresh(std::string_view key, const SharedItem& item) {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -29,8 +30,10 @@ std::string key(const SharedItem& item);
 /// All entries in their order, also those with the same key; the error when the text is no ledger.
 Result<std::vector<Entry>> decode(DataView ledger);
 
-/// Whether the ledger has that key; the error when the text is no ledger. Reads the whole text.
-Result<bool> contains(DataView ledger, std::string_view key);
+using Keys = std::unordered_set<std::string>;
+
+/// The keys of all entries; the error when the text is no ledger. Reads the whole text.
+Result<Keys> keys(DataView ledger);
 
 /// A ledger with this one entry; absent when a text of the item is not UTF-8.
 std::optional<Data> fresh(std::string_view key, const SharedItem& item);

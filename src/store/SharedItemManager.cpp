@@ -80,12 +80,13 @@ void SharedItemManager::saveItem(const SharedItem& item, const URL& fileUrl, Com
     const std::optional<Destination> destination = destinationOf(item, completion, observer);
     if (!destination)
         return;
-    const auto recordAtEnd = [item, completion = std::move(completion), observer,
-                              lock = destination->lock](const ErrorRef& error) {
+    const Completion holdingLock = [completion = std::move(completion), lock = destination->lock](
+                                       const ErrorRef& error) { report(completion, error); };
+    const auto recordAtEnd = [item, holdingLock, observer](const ErrorRef& error) {
         if (error)
-            report(completion, error);
+            holdingLock(error);
         else
-            updateLedger(item, completion, observer);
+            updateLedgerOnMainQueue(item, holdingLock, observer);
     };
     copyItem(fileUrl, destination->file, nullptr, recordAtEnd, observer);
 }

@@ -22,12 +22,13 @@ void PasscodeKeypad::assemble(UIView& card, double scale, std::size_t passcodeLe
     card.addSubview(backButton_);
     card.addSubview(indicatorContainer_);
     card.addSubview(keypadView_);
-    for (std::size_t i = 0; i < (passcodeLength == 6 ? 6u : 4u); ++i)
-        indicatorContainer_.addSubview(indicators_[i]);
     for (UIButton& button : buttons_)
         keypadView_.addSubview(button);
     layoutBackButton(placement);
-    layoutIndicators(scale, passcodeLength, placement);
+    scale_ = scale;
+    viewAbove_ = &placement.viewAbove;
+    indicatorOffset_ = placement.indicatorOffset;
+    setPasscodeLength(passcodeLength);
     layoutKeys(scale, placement);
     applyLooks(scale);
 }
@@ -40,23 +41,26 @@ void PasscodeKeypad::layoutBackButton(const Placement& placement) {
     });
 }
 
-void PasscodeKeypad::layoutIndicators(double scale, std::size_t passcodeLength, const Placement& placement) {
-    const double side = std::round(15 * scale);
-    const double gap = std::round((passcodeLength == 6 ? 18 : 24) * scale);
+void PasscodeKeypad::setPasscodeLength(std::size_t passcodeLength) {
+    const double side = std::round(15 * scale_);
+    const double gap = std::round((passcodeLength == 6 ? 18 : 24) * scale_);
     const auto count = static_cast<double>(passcodeLength);
-    indicatorContainer_.snp().makeConstraints([&](ConstraintMaker& make) {
+    for (std::size_t i = 0; i < (passcodeLength == 6 ? 6u : 4u); ++i)
+        if (!indicators_[i].superview())
+            indicatorContainer_.addSubview(indicators_[i]);
+    indicatorContainer_.snp().remakeConstraints([&](ConstraintMaker& make) {
         make.height().equalTo(side);
         // Without a passcode the row is one gap less than nothing wide; nobody sees it then.
         make.width().equalTo(side * count + gap * (count - 1));
         make.centerX().equalToSuperview();
-        make.top().equalTo(placement.viewAbove.snp().bottom()).offset(placement.indicatorOffset);
+        make.top().equalTo(viewAbove_->snp().bottom()).offset(indicatorOffset_);
     });
     UIView* previous = nullptr;
     for (UIView& indicator : indicators_) {
         indicator.layer().setCornerRadius(side / 2);
         if (!indicator.superview())
             continue;
-        indicator.snp().makeConstraints([&](ConstraintMaker& make) {
+        indicator.snp().remakeConstraints([&](ConstraintMaker& make) {
             make.size().equalTo(CGSize{side, side});
             make.centerY().equalToSuperview();
             if (previous)

@@ -36,6 +36,9 @@ public:
     /// row has six dots when it is 6 and four otherwise, and is as wide as so many dots would be.
     void assemble(UIView& card, double scale, std::size_t passcodeLength, const Placement& placement);
 
+    /// Lays the dots out anew for so many characters, when they could not be told before.
+    void setPasscodeLength(std::size_t passcodeLength);
+
     /// Calls `onKeyTouched` of `screen`, which owns the keypad, with the tapped key, whose tag is its digit,
     /// and `onBackButtonTouched` with the back button. The key Backspace calls `clearEntry`.
     template<class Screen>
@@ -65,7 +68,6 @@ public:
 
 private:
     void layoutBackButton(const Placement& placement);
-    void layoutIndicators(double scale, std::size_t passcodeLength, const Placement& placement);
     void layoutKeys(double scale, const Placement& placement);
     void applyLooks(double scale);
 
@@ -78,6 +80,9 @@ private:
                                       UIButton("button6"), UIButton("button7"), UIButton("button8"),
                                       UIButton("button9")}; ///< by their digits
     UIButton backButton_{"backButton"};
+    double scale_ = 1;
+    UIView* viewAbove_ = nullptr; ///< above the dots
+    double indicatorOffset_ = 0;
     bool isShaking_ = false;
 };
 

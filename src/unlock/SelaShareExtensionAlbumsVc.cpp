@@ -19,6 +19,11 @@ namespace sela {
 
 namespace {
 
+/// Seconds between two looks at settings that another program keeps locked.
+constexpr double vaultPollInterval = 0.25;
+
+constexpr const char* launchMessage = "Please launch the main Sela app first.";
+
 constexpr const char* cellIdentifier = "SelaShareExtensionAlbumCell";
 
 std::string localized(std::string_view key) {
@@ -35,18 +40,60 @@ SelaShareExtensionAlbumsVc::SelaShareExtensionAlbumsVc(const NSCoder& coder) : U
 
 void SelaShareExtensionAlbumsVc::viewDidLoad() {
     UIViewController::viewDidLoad();
+    const bool isBusy = findsVaultBusy();
     buildViews();
-    loadAlbums();
+    if (!isBusy)
+        loadAlbums();
     styleTable();
-    launchMainAppLabel_.setText(localized("Please launch the main Sela app first."));
+    launchMainAppLabel_.setText(localized(launchMessage));
     refresh();
+}
+
+/// Whether another program keeps the settings locked; if so, the screen waits for it without standing still.
+bool SelaShareExtensionAlbumsVc::findsVaultBusy() {
+    if (!isVaultBusy_ && SharedAlbumManager::isBusy(UserDefaults::shortPatience)) {
+        isVaultBusy_ = true;
+        waitForVault();
+    }
+    return isVaultBusy_;
+}
+
+void SelaShareExtensionAlbumsVc::waitForVault() {
+    DispatchQueue::main().asyncAfter(vaultPollInterval, [weak = weak_from_this()] {
+        const std::shared_ptr<UIViewController> alive = weak.lock();
+        if (!alive)
+            return;
+        auto& self = static_cast<SelaShareExtensionAlbumsVc&>(*alive);
+        if (SharedAlbumManager::isBusy(UserDefaults::Patience::zero()))
+            self.waitForVault();
+        else
+            self.onVaultFree();
+    });
+}
+
+void SelaShareExtensionAlbumsVc::onVaultFree() {
+    isVaultBusy_ = false;
+    launchMainAppLabel_.setText(localized(launchMessage));
+    keypad_.setPasscodeLength(passcodeLength());
+    if (currentPassword_.empty()) {
+        loadAlbums();
+        tableView_.reloadData();
+    }
+    refresh();
+    if (UIButton* const key = std::exchange(keyTouchedMeanwhile_, nullptr))
+        onKeyTouched(*key);
+}
+
+std::size_t SelaShareExtensionAlbumsVc::passcodeLength() const {
+    if (isVaultBusy_)
+        return 0;
+    return characterCount(SharedAlbumManager::sharedPassword().value_or(Secret()).exposed());
 }
 
 void SelaShareExtensionAlbumsVc::buildViews() {
     const double scale = getUIScale(*this);
     card_.assemble(view(), scale);
-    keypad_.assemble(card_.containerView(), scale,
-                     characterCount(SharedAlbumManager::sharedPassword().value_or(Secret()).exposed()),
+    keypad_.assemble(card_.containerView(), scale, passcodeLength(),
                      {.titleLabel = card_.titleLabel(),
                       .viewAbove = card_.titleLabel(),
                       .backButtonWidth = std::ceil(46 * scale),
@@ -94,17 +141,22 @@ void SelaShareExtensionAlbumsVc::loadAlbums() {
 }
 
 /// The decoy albums exist beside a passcode of one of the two lengths that the vault knows only, although a
-/// decoy code unlocks beside any.
+/// decoy code unlocks beside any. Where both codes are the same the vault's albums are opened.
 bool SelaShareExtensionAlbumsVc::entryOpensDecoyAlbums(const std::optional<Secret>& passcode) const {
     const std::size_t length = characterCount(passcode.value_or(Secret()).exposed());
-    return (length == 4 || length == 6) && currentPassword_ == SharedAlbumManager::sharedFakePassword();
+    return (length == 4 || length == 6) && currentPassword_ != passcode &&
+           currentPassword_ == SharedAlbumManager::sharedFakePassword();
 }
 
 void SelaShareExtensionAlbumsVc::refresh() {
+    if (isVaultBusy_) {
+        launchMainAppLabel_.setText(localized("The vault is busy. One moment, please."));
+        return showMessage();
+    }
     const std::optional<Secret> passcode = SharedAlbumManager::sharedPassword();
     const std::optional<Secret> decoyPasscode = SharedAlbumManager::sharedFakePassword();
     if (!passcode || albums_.sharedAlbumManagerAlbumNil()) {
-        showLaunchMessage();
+        showMessage();
     } else if (passcode->empty()) {
         showAlbumTable();
     } else {
@@ -117,7 +169,7 @@ void SelaShareExtensionAlbumsVc::refresh() {
     }
 }
 
-void SelaShareExtensionAlbumsVc::showLaunchMessage() {
+void SelaShareExtensionAlbumsVc::showMessage() {
     card_.setTitle("Pick Album");
     keypad_.setHidden(true);
     tableView_.setHidden(true);
@@ -142,6 +194,10 @@ void SelaShareExtensionAlbumsVc::showKeypad() {
 void SelaShareExtensionAlbumsVc::onKeyTouched(UIButton& button) {
     if (keypad_.isShaking())
         return;
+    if (findsVaultBusy()) {
+        keyTouchedMeanwhile_ = &button;
+        return refresh();
+    }
     const std::optional<Secret> passcode = SharedAlbumManager::sharedPassword();
     const std::size_t length = characterCount(passcode.value_or(Secret()).exposed());
     const bool wasDecoy = entryOpensDecoyAlbums(passcode);

@@ -73,7 +73,11 @@ private:
     void loadAlbums();
     void refresh();
     void clearEntry();
-    void showLaunchMessage();
+    void showMessage();
+    bool findsVaultBusy();
+    std::size_t passcodeLength() const;
+    void waitForVault();
+    void onVaultFree();
     void showAlbumTable();
     void showKeypad();
     bool entryOpensDecoyAlbums(const std::optional<Secret>& passcode) const;
@@ -91,9 +95,11 @@ private:
     PasscodeCard card_;
     PasscodeKeypad keypad_;
     UITableView tableView_{"tableView"};
-    UILabel launchMainAppLabel_{"launchMainAppLabel"};
+    UILabel launchMainAppLabel_{"launchMainAppLabel"}; ///< or why there is neither keypad nor table yet
     AlbumTree albums_;
     Secret currentPassword_;
+    bool isVaultBusy_ = false; ///< nothing can be read at this moment
+    UIButton* keyTouchedMeanwhile_ = nullptr;
     std::weak_ptr<SelaShareExtensionAlbumsVcDelegate> delegate_;
     std::shared_ptr<AlbumCovers> covers_ = std::make_shared<AlbumCovers>();
 };

@@ -1,12 +1,15 @@
 #include "vault/ImportPlace.h"
 
+#include "platform/foundation/FileName.h"
 #include "platform/foundation/UTF8.h"
+
+#include <tuple>
+#include <utility>
 
 namespace sela {
 
 namespace {
 
-constexpr std::size_t longestName = 255;
 /// What eCryptfs leaves of that is 143.
 constexpr std::size_t longestPortableName = 140;
 constexpr std::size_t longestCharacter = 4;
@@ -18,38 +21,14 @@ bool misleads(char32_t c) {
     return control || (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
 }
 
-/// The longest start of `text` of at most `size` bytes that ends between two characters.
-std::string_view shortened(std::string_view text, std::size_t size) {
-    std::size_t length = 0;
-    while (length < text.size()) {
-        const std::size_t next = length + decodeUTF8(text.substr(length)).length;
-        if (next > size)
-            break;
-        length = next;
-    }
-    return text.substr(0, length);
-}
-
 std::size_t longestNameOf(NameForm form) {
-    return form == NameForm::own ? longestName : longestPortableName;
-}
-
-/// `stem + ending`, the stem shortened so that both fit into a file name.
-std::string fitted(std::string_view stem, std::string_view ending, NameForm form) {
-    ending = shortened(ending, longestNameOf(form));
-    return std::string(shortened(stem, longestNameOf(form) - ending.size())) + std::string(ending);
+    return form == NameForm::own ? longestFileName : longestPortableName;
 }
 
 bool isForbidden(char32_t character, NameForm form) {
     constexpr std::u32string_view foreign = U":\"<>|?*\\";
     return character == '/' || misleads(character) ||
            (form == NameForm::portable && foreign.find(character) != std::u32string_view::npos);
-}
-
-/// The extension with its dot; empty when there is none.
-std::string_view dottedExtension(std::string_view name) {
-    const std::string_view extension = pathExtension(name);
-    return extension.empty() ? std::string_view() : name.substr(name.size() - extension.size() - 1);
 }
 
 } // namespace
@@ -68,11 +47,11 @@ std::string safeFileName(std::string_view text, NameForm form) {
         name.insert(name.begin(), '_');
     if (form == NameForm::portable && (name.back() == '.' || name.back() == ' '))
         name += '_';
-    std::string_view ending = dottedExtension(name);
+    auto [stem, extension] = stemAndExtension(name);
     // What would leave no character before it is no extension, and its dot would hide the file.
-    if (ending.size() + longestCharacter > longestNameOf(form))
-        ending = {};
-    return fitted(std::string_view(name).substr(0, name.size() - ending.size()), ending, form);
+    if (extension.size() + longestCharacter > longestNameOf(form))
+        std::tie(stem, extension) = std::pair(std::string_view(name), std::string_view());
+    return fittedFileName(stem, extension, longestNameOf(form));
 }
 
 URL importFolder(const URL& into, bool fake, const std::vector<std::string>& albumNames, NameForm form) {
@@ -86,9 +65,8 @@ std::string importName(const SharedItem& item, int attempt, NameForm form) {
     const std::string name = safeFileName(item.preferredName.value_or(item.fileName), form);
     if (attempt < 2)
         return name;
-    const std::string_view ending = dottedExtension(name);
-    const std::string_view stem = std::string_view(name).substr(0, name.size() - ending.size());
-    return fitted(stem, " (" + std::to_string(attempt) + ")" + std::string(ending), form);
+    const auto [stem, extension] = stemAndExtension(name);
+    return fittedFileName(stem, " (" + std::to_string(attempt) + ")" + std::string(extension), longestNameOf(form));
 }
 
 } // namespace sela

@@ -26,7 +26,7 @@ void fuzz(sela::DataView input) {
     std::remove((settingsFile() + "-journal").c_str());
     std::remove(settingsFile().c_str());
     std::ofstream(settingsFile(), std::ios::binary) << sela::asText(input);
-    const auto database = sela::SettingsDatabase::open(settingsFile());
+    const auto database = sela::SettingsDatabase::open(settingsFile(), std::chrono::milliseconds(0));
     if (!database)
         return;
     for (const char* kind : {"text", "data"})

@@ -5,6 +5,7 @@
 #include "store/SharedItemLedger.h"
 #include "store/SharedItemManager.h"
 #include "support/DiskWrapper.h"
+#include "support/LockedSettings.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryHome.h"
 #include "support/VirtualMainLoop.h"
@@ -102,6 +103,20 @@ TEST_F(SharedItemManagerTest, ItemsIsLockedUntilTheItemIsRecorded) {
     SharedItemManager::saveItem(item("b.jpg"), asData("x"), noting());
     EXPECT_GT(disk.asked, 3);
     EXPECT_TRUE(ItemsLock::forRemoving(folder));
+}
+
+TEST_F(SharedItemManagerTest, TheMainQueueGoesOnWhileSettingsAreLocked) {
+    home.provision();
+    saveFile("a.jpg", "x");
+    bool isLockedMeanwhile = false;
+    loop.asyncAfter(0.05, [&] {
+        isLockedMeanwhile = calls.size() == 1 && !ItemsLock::forRemoving(URL::fileURL(items().string()));
+    });
+    const LockedSettings settings(30);
+    saveFile("b.jpg", "x");
+    EXPECT_TRUE(isLockedMeanwhile);
+    EXPECT_THAT(calls, ElementsAre("ok", "ok"));
+    EXPECT_EQ(ledger(), ledgerOf({"a.jpg", "b.jpg"}));
 }
 
 TEST_F(SharedItemManagerTest, EachBlockIsLoggedAndProgressIsAFraction) {

@@ -1,3 +1,4 @@
+#include "support/LockedSettings.h"
 #include "unlock/UnlockTest.h"
 
 #include <gmock/gmock.h>
@@ -53,6 +54,41 @@ TEST_F(AlbumPickerTest, AWrongEntryShakesTheDotsAndIsGone) {
     EXPECT_EQ(litDots(), 0);
     type("1234");
     EXPECT_EQ(shown(), albumTable);
+}
+
+TEST_F(AlbumPickerTest, AVaultThatIsBusyIsWaitedForAndNothingIsLost) {
+    const std::string busy = "The vault is busy. One moment, please.";
+    publishAlbums({album({"A"})});
+    publishPasscode("123456");
+    const auto waitWhileBusy = [&](const std::function<void()>& begin) {
+        {
+            const LockedSettings settings;
+            begin();
+            loop_.advance(1);
+            EXPECT_EQ(shown(), launchMessage);
+            EXPECT_EQ(label("launchMainAppLabel").text(), busy);
+        }
+        loop_.advance(1);
+        update();
+    };
+    waitWhileBusy([&] { openPicker(); });
+    EXPECT_EQ(shown(), locked);
+    EXPECT_EQ(view("indicatorContainer").subviews().size(), 6u);
+    EXPECT_EQ(label("launchMainAppLabel").text(), "Please launch the main Sela app first.");
+    type("12345");
+    waitWhileBusy([&] { type("6"); });
+    EXPECT_EQ(shown(), albumTable);
+    EXPECT_THAT(sections(), ElementsAre("A"));
+}
+
+TEST_F(AlbumPickerTest, OfEqualPasscodesTheVaultsWins) {
+    publishAlbums({album({"decoy"}, true), album({"vault"})});
+    publishPasscode("1234");
+    publishDecoyPasscode("1234");
+    openPicker();
+    type("1234");
+    EXPECT_THAT(sections(), ElementsAre("vault"));
+    EXPECT_TRUE(opener_->modes.empty());
 }
 
 TEST_F(AlbumPickerTest, APickerThatIsGoneDuringTheShakeIsLeftAlone) {

@@ -44,7 +44,7 @@ struct PickerModel {
 
     bool decoyStands() const {
         const bool usualLength = vault && (vault->size() == 4 || vault->size() == 6);
-        return usualLength && decoy && *decoy == entry;
+        return usualLength && decoy && *decoy == entry && *vault != entry;
     }
 
     void open() {

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <mutex>
 #include <new>
 #include <sqlite3.h>
 #include <string>
@@ -33,6 +34,36 @@ constexpr int longestPath = 4096;
 
 /// The error number of this thread's last failed call, for SQLite to ask for.
 thread_local int lastError = 0;
+
+/// The journal whose entry in its folder is known to be on the disk: the last one that was flushed, as long
+/// as it is seen to be there, and empty as a finished transaction leaves it.
+class KnownJournal {
+public:
+    void remember(const struct stat& status) {
+        const std::lock_guard lock(mutex_);
+        device_ = status.st_dev;
+        inode_ = status.st_ino;
+    }
+
+    /// Whether an opened journal is that one. Another takes its place in memory of it.
+    bool recognize(const struct stat& status) {
+        const std::lock_guard lock(mutex_);
+        const bool same = status.st_dev == device_ && status.st_ino == inode_ && status.st_size == 0;
+        if (!same)
+            inode_ = 0;
+        return same;
+    }
+
+private:
+    std::mutex mutex_;
+    dev_t device_ = 0;
+    ino_t inode_ = 0;
+};
+
+KnownJournal& knownJournal() {
+    static KnownJournal journal;
+    return journal;
+}
 
 struct DiskFile : sqlite3_file {
     FileDescriptor descriptor;
@@ -106,6 +137,9 @@ int sync(sqlite3_file* file, int) {
         return SQLITE_OK;
     const int result = flushFolderOf(synced.path);
     synced.hasNewEntry = result < 0;
+    struct stat status = {};
+    if (result == 0 && Disk::inUse().fstat(synced.descriptor.get(), status) == 0)
+        knownJournal().remember(status);
     return codeOf(result, SQLITE_IOERR_DIR_FSYNC);
 }
 
@@ -198,32 +232,47 @@ const sqlite3_io_methods fileMethods = [] {
     methods.xCheckReservedLock = checkReservedLock;
     methods.xFileControl = [](sqlite3_file*, int, void*) { return SQLITE_NOTFOUND; };
     methods.xSectorSize = [](sqlite3_file*) { return sectorSize; };
-    // A write never changes bytes around it, a power cut included.
+    // A write never changes bytes around it, a power cut included. That a file never grows by more than was
+    // written is not claimed: it would save a flush of the journal, but its checksums look at every 200th
+    // byte only.
     methods.xDeviceCharacteristics = [](sqlite3_file*) { return SQLITE_IOCAP_POWERSAFE_OVERWRITE; };
     return methods;
 }();
 
 /// Opens a regular file and nothing else, never waiting for it.
-int openRegular(const std::string& path, int flags) {
+int openRegular(const std::string& path, int flags, struct stat& status) {
     Disk& disk = Disk::inUse();
     FileDescriptor opened(disk.open(path, flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, 0600));
     if (!opened.isOpen())
         return opened.get();
-    struct stat status = {};
     if (const int result = disk.fstat(opened.get(), status); result < 0)
         return result;
     return S_ISREG(status.st_mode) ? opened.release() : -EINVAL;
+}
+
+/// Opens a journal, making it if it is missing. Tells whether its folder must be flushed: one that is there
+/// already may have been made by a program that was stopped before it did so.
+int openJournal(const std::string& path, bool& hasNewEntry) {
+    struct stat status = {};
+    int descriptor = openRegular(path, O_RDWR, status);
+    hasNewEntry = descriptor < 0 || !knownJournal().recognize(status);
+    if (descriptor == -ENOENT)
+        descriptor = openRegular(path, O_RDWR | O_CREAT, status);
+    return descriptor;
 }
 
 int open(sqlite3_vfs*, const char* path, sqlite3_file* file, int flags, int* flagsThen) {
     file->pMethods = nullptr;
     if (!path)
         return SQLITE_CANTOPEN;
-    const int creation = flags & SQLITE_OPEN_CREATE ? O_CREAT : 0;
-    int descriptor = openRegular(path, flags & SQLITE_OPEN_READWRITE ? O_RDWR | creation : O_RDONLY);
-    if ((descriptor == -EACCES || descriptor == -EROFS) && flags & SQLITE_OPEN_READWRITE) {
+    const bool writes = (flags & SQLITE_OPEN_READWRITE) != 0;
+    bool hasNewEntry = false;
+    struct stat status = {};
+    int descriptor = flags & SQLITE_OPEN_CREATE ? openJournal(path, hasNewEntry)
+                                                : openRegular(path, writes ? O_RDWR : O_RDONLY, status);
+    if ((descriptor == -EACCES || descriptor == -EROFS) && writes) {
         flags = (flags & ~(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) | SQLITE_OPEN_READONLY;
-        descriptor = openRegular(path, O_RDONLY);
+        descriptor = openRegular(path, O_RDONLY, status);
     }
     if (descriptor < 0) {
         lastError = -descriptor;
@@ -233,9 +282,7 @@ int open(sqlite3_vfs*, const char* path, sqlite3_file* file, int flags, int* fla
     made->pMethods = &fileMethods;
     made->descriptor = FileDescriptor(descriptor);
     made->path = path;
-    // A journal that is there already may have been made by a program that was stopped before it flushed
-    // that.
-    made->hasNewEntry = creation != 0;
+    made->hasNewEntry = hasNewEntry;
     if (flagsThen)
         *flagsThen = flags;
     return SQLITE_OK;

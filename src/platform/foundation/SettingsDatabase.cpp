@@ -21,17 +21,9 @@ namespace {
 /// The format that this version writes, in the file's user_version; 0 stands for a file nobody stamped.
 constexpr std::int64_t formatVersion = 1;
 
-/// How long one program waits for another to let go of the file, in even steps: SQLite's own waits grow, so
-/// that of many programs those that came first get the file last.
+/// One program waits for another to let go of the file in even steps: SQLite's own waits grow, so that of
+/// many programs those that came first get the file last.
 constexpr std::chrono::milliseconds lockStep{5};
-constexpr int mostLockSteps = 2000;
-
-int waitForLock(void*, int stepsBefore) {
-    if (stepsBefore >= mostLockSteps)
-        return 0;
-    std::this_thread::sleep_for(lockStep);
-    return 1;
-}
 
 constexpr std::string_view sqliteErrorDomain = "SQLite";
 
@@ -83,16 +75,18 @@ KeptConnection& kept() {
 
 } // namespace
 
-Result<std::unique_ptr<SettingsDatabase>> SettingsDatabase::open(const std::string& path) {
+Result<std::unique_ptr<SettingsDatabase>> SettingsDatabase::open(const std::string& path,
+                                                                 std::chrono::milliseconds patience) {
     std::unique_ptr<SettingsDatabase> database;
     {
         const std::lock_guard lock(kept().mutex);
         database = std::move(kept().database);
     }
-    if (database && database->path_ == path && database->isConnectedToFile())
-        return database;
-    database = std::make_unique<SettingsDatabase>(path);
-    if (ErrorRef error = database->connect())
+    const bool fits = database && database->path_ == path && database->isConnectedToFile();
+    if (!fits)
+        database = std::make_unique<SettingsDatabase>(path);
+    database->patience_ = patience;
+    if (ErrorRef error = fits ? nullptr : database->connect())
         return error;
     return database;
 }
@@ -109,6 +103,22 @@ void SettingsDatabase::giveBack(std::unique_ptr<SettingsDatabase> database) {
 
 SettingsDatabase::~SettingsDatabase() {
     sqlite3_close(connection_);
+}
+
+bool SettingsDatabase::isBusy(const ErrorRef& error) {
+    const auto* const known = dynamic_cast<const NSError*>(error.get());
+    return known && known->domain() == sqliteErrorDomain && known->code() == SQLITE_BUSY;
+}
+
+int SettingsDatabase::waitForLock(void* database, int stepsBefore) {
+    if (lockStep * stepsBefore >= static_cast<SettingsDatabase*>(database)->patience_)
+        return 0;
+    std::this_thread::sleep_for(lockStep);
+    return 1;
+}
+
+ErrorRef SettingsDatabase::checkReadable() {
+    return connection_ ? readInteger(tableCountQuery).error() : nullptr;
 }
 
 Result<std::optional<Data>> SettingsDatabase::read(std::string_view key, std::string_view kind) {
@@ -264,7 +274,7 @@ void SettingsDatabase::distrustSchema() {
 
 ErrorRef SettingsDatabase::checkFormat() {
     distrustSchema();
-    sqlite3_busy_handler(connection_, waitForLock, nullptr);
+    sqlite3_busy_handler(connection_, waitForLock, this);
     const Result<std::int64_t> version = readInteger("PRAGMA user_version");
     if (!version)
         return version.error();

@@ -3,6 +3,7 @@
 #include "platform/foundation/Data.h"
 #include "platform/foundation/Error.h"
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -19,9 +20,14 @@ namespace sela {
 /// to one file.
 class SettingsDatabase {
 public:
-    /// A connection to the file at `path`; the error when it cannot be used. Without a file there is no
-    /// error, and it is made when a transaction begins.
-    static Result<std::unique_ptr<SettingsDatabase>> open(const std::string& path);
+    /// A connection to the file at `path`, which waits for each lock as long as `patience` lasts; the error
+    /// when the file cannot be used. Without a file there is no error, and it is made when a transaction
+    /// begins.
+    static Result<std::unique_ptr<SettingsDatabase>> open(const std::string& path,
+                                                          std::chrono::milliseconds patience);
+
+    /// Whether an error means that somebody else's lock was waited for in vain.
+    static bool isBusy(const ErrorRef& error);
 
     /// Keeps a connection for the next `open`, in place of one that was kept before, unless something failed
     /// in it. A connection knows what it flushed, and need not flush it again.
@@ -34,6 +40,9 @@ public:
 
     /// Whether there is a file with its table in it; the error when that cannot be told.
     Result<bool> holdsSettings();
+
+    /// Null when something can be read at this moment, or when there is no file.
+    ErrorRef checkReadable();
 
     /// The value of that kind ("text" or "data") under a key.
     Result<std::optional<Data>> read(std::string_view key, std::string_view kind);
@@ -58,6 +67,8 @@ public:
 
 private:
     struct Statement;
+
+    static int waitForLock(void* database, int stepsBefore);
 
     /// Connects to the file if it exists.
     ErrorRef connect();
@@ -84,6 +95,7 @@ private:
 
     const std::string path_;
     sqlite3* connection_ = nullptr;
+    std::chrono::milliseconds patience_{0};
     unsigned long long device_ = 0;
     unsigned long long inode_ = 0;
     bool tableSeen_ = false;

@@ -5,6 +5,7 @@
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/SettingsDatabase.h"
 
+#include <cerrno>
 #include <cstring>
 #include <utility>
 
@@ -22,6 +23,14 @@ std::optional<Data> valueOrLog(Result<std::optional<Data>> value) {
     return std::nullopt;
 }
 
+/// Absent when there is no place for it.
+std::optional<URL> fileOfSuite(std::string_view suiteName) {
+    const std::optional<URL> config = BaseDirectories::config();
+    if (!config || !isSinglePathComponent(suiteName))
+        return std::nullopt;
+    return config->appendingPathComponent("sela").appendingPathComponent(std::string(suiteName) + ".sqlite3");
+}
+
 /// One change as a step of its own.
 template<class Change>
 ErrorRef alone(SettingsDatabase& database, Change change) {
@@ -31,6 +40,10 @@ ErrorRef alone(SettingsDatabase& database, Change change) {
 }
 
 } // namespace
+
+bool isBusy(const ErrorRef& error) {
+    return SettingsDatabase::isBusy(error);
+}
 
 UserDefaults::UserDefaults(std::unique_ptr<SettingsDatabase> database) : database_(std::move(database)) {}
 
@@ -42,20 +55,27 @@ UserDefaults::~UserDefaults() {
     SettingsDatabase::giveBack(std::move(database_));
 }
 
-std::optional<UserDefaults> UserDefaults::withSuiteName(std::string_view suiteName) {
-    const std::optional<URL> config = BaseDirectories::config();
-    if (!config || !isSinglePathComponent(suiteName)) {
-        NSLog("UserDefaults: there is no place for the settings of " + std::string(suiteName));
-        return std::nullopt;
-    }
-    const URL file =
-        config->appendingPathComponent("sela").appendingPathComponent(std::string(suiteName) + ".sqlite3");
-    Result<std::unique_ptr<SettingsDatabase>> database = SettingsDatabase::open(file.path());
-    if (!database) {
-        NSLog("UserDefaults: settings cannot be used, error = " + database.error()->localizedDescription());
-        return std::nullopt;
-    }
+Result<UserDefaults> UserDefaults::open(std::string_view suiteName, Patience patience) {
+    const std::optional<URL> file = fileOfSuite(suiteName);
+    if (!file)
+        return NSError::posix(ENOENT, "a place for the settings of " + std::string(suiteName));
+    Result<std::unique_ptr<SettingsDatabase>> database = SettingsDatabase::open(file->path(), patience);
+    if (!database)
+        return database.error();
     return UserDefaults(std::move(database.value()));
+}
+
+std::optional<UserDefaults> UserDefaults::withSuiteName(std::string_view suiteName, Patience patience) {
+    Result<UserDefaults> settings = open(suiteName, patience);
+    if (settings)
+        return std::move(settings.value());
+    NSLog("UserDefaults: settings cannot be used, error = " + settings.error()->localizedDescription());
+    return std::nullopt;
+}
+
+bool UserDefaults::areBusy(std::string_view suiteName, Patience patience) {
+    const Result<UserDefaults> settings = open(suiteName, patience);
+    return isBusy(settings ? settings.value().database_->checkReadable() : settings.error());
 }
 
 std::optional<Data> UserDefaults::data(std::string_view key) const {

@@ -4,6 +4,7 @@
 #include "platform/foundation/Error.h"
 #include "platform/foundation/Secret.h"
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,18 +15,36 @@ namespace sela {
 
 class SettingsDatabase;
 
+/// Whether an error of the settings means that another program keeps them locked: what failed may work later.
+bool isBusy(const ErrorRef& error);
+
 /// The settings that the programs of a group share: texts and data by key, in one SQLite file,
 /// `<config>/sela/<suiteName>.sqlite3` (docs/formats.md describes it).
 ///
 /// A handle is opened at each use and thrown away; the last connection behind one is kept for the next. Each
 /// handle is used by one thread at a time. Handles, of one process or of several, are kept apart by the
-/// file's locks, waiting up to ten seconds for each other. No handle crosses a fork.
+/// file's locks, and wait for each other as long as the handle's patience lasts, for each lock anew. No
+/// handle crosses a fork.
 class UserDefaults {
 public:
-    /// Opens the settings of a suite. Absent (and the reason logged) when they cannot be used: the file is
-    /// unreadable, no database, locked for too long, or of a later format. A file that does not exist is no
-    /// failure: it holds nothing, and the first value stored makes it.
-    static std::optional<UserDefaults> withSuiteName(std::string_view suiteName);
+    using Patience = std::chrono::milliseconds;
+
+    /// What other programs need for any change by far, and what a thread that shows something may spend.
+    static constexpr Patience longPatience{10'000};
+    static constexpr Patience shortPatience{100};
+
+    /// Opens the settings of a suite; the error when they cannot be used: the file is unreadable, no
+    /// database, locked for too long, or of a later format. A file that does not exist is no failure: it
+    /// holds nothing, and the first value stored makes it.
+    static Result<UserDefaults> open(std::string_view suiteName, Patience patience = longPatience);
+
+    /// The same, absent (and the reason logged) when they cannot be used.
+    static std::optional<UserDefaults> withSuiteName(std::string_view suiteName,
+                                                     Patience patience = longPatience);
+
+    /// Whether another program keeps the settings of a suite locked, so that nothing can be read there, for
+    /// longer than this. It may let go of them at any moment.
+    static bool areBusy(std::string_view suiteName, Patience patience);
 
     ~UserDefaults();
     UserDefaults(UserDefaults&&) noexcept;

@@ -184,13 +184,16 @@ TEST_F(UserDefaultsTest, AFileThatIsReplacedIsSeen) {
 
 TEST_F(UserDefaultsTest, ALockHeldForTooLongIsAnErrorAndChangesNothing) {
     EXPECT_FALSE(open().setString("a", "1"));
-    UserDefaults defaults = open();
+    constexpr UserDefaults::Patience patience{20};
+    UserDefaults defaults = std::move(UserDefaults::open(suite, patience).value());
     sqlite3* other = nullptr;
     ASSERT_EQ(sqlite3_open(home.settingsFile().c_str(), &other), SQLITE_OK);
     ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
-    EXPECT_TRUE(defaults.setString("a", "2"));
+    EXPECT_TRUE(isBusy(defaults.setString("a", "2")));
+    EXPECT_TRUE(UserDefaults::areBusy(suite, patience)) << "nothing can be read either";
     sqlite3_exec(other, "COMMIT", nullptr, nullptr, nullptr);
     sqlite3_close(other);
+    EXPECT_FALSE(UserDefaults::areBusy(suite, patience));
     EXPECT_EQ(open().string("a"), "1");
 }
 
