@@ -14,10 +14,6 @@ namespace sela {
 
 namespace {
 
-/// A picture in memory is encoded and written whole, so one that is far beyond any screen is scaled down to
-/// this.
-constexpr int largestPictureSide = 16'384;
-
 /// The most that is taken from standard input, in bytes: a picture of half a gigapixel fits.
 constexpr std::int64_t largestInput = 512 << 20;
 
@@ -101,10 +97,10 @@ ErrorRef problemWith(const std::string& name, const ErrorRef& error) {
     return ShareExtensionError::make(name + ": " + error->localizedFailureReason());
 }
 
-/// Decodes the picture that `file` holds.
-Result<std::shared_ptr<NSItemProvider>> pictureIn(const FileDescriptor& file) {
-    const std::string path = "/proc/self/fd/" + std::to_string(file.get());
-    const std::optional<UIImage> picture = UIImage::contentsOfFile(path, largestPictureSide);
+/// The picture that `file` holds. Nothing shows it, so few of its pixels are enough.
+Result<std::shared_ptr<NSItemProvider>> pictureIn(FileDescriptor file) {
+    constexpr PictureBounds leastPixels = 64;
+    const std::optional<UIImage> picture = UIImage::contentsOfOpenFile(std::move(file), leastPixels);
     if (!picture)
         return ShareExtensionError::make(noPicture);
     return NSItemProvider::ofImage(*picture);
@@ -129,10 +125,10 @@ void Attachments::addFile(const std::string& argument) {
 }
 
 void Attachments::addPicture(DataView bytes, const std::string& origin) {
-    const FileDescriptor file = memoryFile();
+    FileDescriptor file = memoryFile();
     const ErrorRef error =
         file.isOpen() ? writeFully(file.get(), bytes, 0, origin) : NSError::posix(errno, "memfd_create");
-    const auto picture = error ? Result<std::shared_ptr<NSItemProvider>>(error) : pictureIn(file);
+    const auto picture = error ? Result<std::shared_ptr<NSItemProvider>>(error) : pictureIn(std::move(file));
     if (picture)
         providers.push_back(picture.value());
     else
@@ -140,9 +136,9 @@ void Attachments::addPicture(DataView bytes, const std::string& origin) {
 }
 
 void Attachments::addStandardInput() {
-    const Result<FileDescriptor> file = memoryFileOfStandardInput();
+    Result<FileDescriptor> file = memoryFileOfStandardInput();
     const auto picture =
-        file ? pictureIn(file.value()) : Result<std::shared_ptr<NSItemProvider>>(file.error());
+        file ? pictureIn(std::move(file.value())) : Result<std::shared_ptr<NSItemProvider>>(file.error());
     if (picture)
         providers.push_back(picture.value());
     else

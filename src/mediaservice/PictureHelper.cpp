@@ -1,4 +1,5 @@
 #include "mediaservice/RequestLoop.h"
+#include "mediaservice/pictures/JPEGWriter.h"
 #include "mediaservice/pictures/PictureDecoder.h"
 #include "platform/foundation/Dumpable.h"
 
@@ -10,15 +11,41 @@ namespace {
 constexpr sela::Sandbox::Limits limits{.addressSpace = std::uint64_t{1536} << 20, .cpuSeconds = 120};
 
 sela::MediaOutcome decode(const sela::MediaRequest& request, const sela::InputFile& file) {
-    if (request.operation != sela::MediaOperation::decodePicture)
-        return {};
-    auto pixels = sela::decodePicture(file, request.bounds());
+    using Wants = sela::PictureTarget::Wants;
+    auto pixels =
+        sela::decodePicture(file, request.bounds(), request.wholeOnly ? Wants::whole : Wants::whatThereIs);
     if (!pixels)
         return {};
     sela::MediaOutcome outcome;
     outcome.status = sela::MediaStatus::done;
     outcome.pixels = std::move(*pixels);
     return outcome;
+}
+
+sela::MediaOutcome encode(const sela::MediaRequest& request, const sela::InputFile& file, int memory) {
+    sela::JPEGWriter writer(memory, static_cast<int>(request.quality));
+    if (!sela::readPicture(file, writer))
+        return {};
+    const std::optional<std::int64_t> size = writer.finish();
+    if (!size)
+        return {};
+    sela::MediaOutcome outcome;
+    outcome.status = sela::MediaStatus::done;
+    outcome.fileSize = static_cast<std::uint64_t>(*size);
+    return outcome;
+}
+
+sela::MediaOutcome answer(const sela::MediaRequest& request, const sela::InputFile& file, int memory) {
+    switch (request.operation) {
+    case sela::MediaOperation::decodePicture:
+        return decode(request, file);
+    case sela::MediaOperation::encodePicture:
+        return encode(request, file, memory);
+    case sela::MediaOperation::readDuration:
+    case sela::MediaOperation::copyFrame:
+        return {};
+    }
+    return {};
 }
 
 } // namespace
@@ -28,5 +55,5 @@ int main() {
     // Its codecs register themselves, which must not wait for the first file.
     if (heif_init(nullptr).code != heif_error_Ok)
         return 69;
-    return sela::serveRequests(limits, decode);
+    return sela::serveRequests(limits, answer);
 }

@@ -2,7 +2,7 @@
 
 #include "platform/media/MediaHelperProcess.h"
 #include "platform/media/MediaSocket.h"
-#include "platform/media/SharedPixels.h"
+#include "platform/media/SharedMemory.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -26,9 +26,10 @@ void endWithClient() {
     ::_exit(EXIT_SUCCESS);
 }
 
-MediaOutcome outcomeOf(const RequestHandler& handler, const MediaRequest& request, FileDescriptor file) {
+MediaOutcome outcomeOf(const RequestHandler& handler, const MediaRequest& request, FileDescriptor file,
+                       int memory) {
     try {
-        return handler(request, InputFile(std::move(file)));
+        return handler(request, InputFile(std::move(file)), memory);
     } catch (const std::bad_alloc&) {
         return {};
     }
@@ -39,10 +40,11 @@ std::optional<MediaResponse> answer(MediaSocket::Packet packet, const RequestHan
     const auto request = decodeRequest(packet.bytes);
     if (!request)
         return std::nullopt;
-    const bool wantsPixels = request->maximumSide > 0;
-    if (packet.descriptors.size() != (wantsPixels ? 2 : 1))
+    const bool hasMemory = request->memorySize() > 0;
+    if (packet.descriptors.size() != (hasMemory ? 2 : 1))
         return std::nullopt;
-    const MediaOutcome outcome = outcomeOf(handler, *request, std::move(packet.descriptors[0]));
+    const MediaOutcome outcome = outcomeOf(handler, *request, std::move(packet.descriptors[0]),
+                                           hasMemory ? packet.descriptors[1].get() : -1);
 
     MediaResponse response;
     response.number = request->number;
@@ -51,8 +53,9 @@ std::optional<MediaResponse> answer(MediaSocket::Packet packet, const RequestHan
     if (outcome.status != MediaStatus::done)
         return response;
     response.time = outcome.time;
-    if (wantsPixels) {
-        const auto shared = SharedPixels::open(std::move(packet.descriptors[1]), outcome.pixels.bytes.size());
+    response.fileSize = outcome.fileSize;
+    if (request->maximumSide > 0) {
+        const auto shared = SharedMemory::open(std::move(packet.descriptors[1]), outcome.pixels.bytes.size());
         if (!shared)
             return std::nullopt;
         std::ranges::copy(outcome.pixels.bytes, shared->bytes().begin());

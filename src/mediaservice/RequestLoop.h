@@ -16,9 +16,12 @@ struct MediaOutcome {
     PixelBuffer pixels; ///< empty when the request wants none
     CMTime time;
     std::uint32_t framesDecoded = 0;
+    std::uint64_t fileSize = 0; ///< of the file that was written into the shared memory
 };
 
-using RequestHandler = std::function<MediaOutcome(const MediaRequest& request, InputFile file)>;
+/// Does one request on `file`. A file that it makes goes into `memory`, a descriptor of shared memory that is
+/// valid during the call (-1 when the request is for none).
+using RequestHandler = std::function<MediaOutcome(const MediaRequest& request, InputFile file, int memory)>;
 
 /// Enters the sandbox and answers requests on `mediaHelperSocket` until the client goes away, whereupon the
 /// process ends at once even in the middle of a request. Returns the exit status when it cannot start.

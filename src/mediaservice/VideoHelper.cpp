@@ -12,7 +12,7 @@ constexpr sela::Sandbox::Limits limits{.addressSpace = std::uint64_t{1536} << 20
 int main() {
     sela::makeUndumpable();
     sela::VideoDecoder decoder;
-    return sela::serveRequests(limits, [&](const sela::MediaRequest& request, sela::InputFile file) {
+    return sela::serveRequests(limits, [&](const sela::MediaRequest& request, sela::InputFile file, int) {
         return decoder.answer(request, std::move(file));
     });
 }

@@ -164,18 +164,34 @@ void AttachmentIntake::save(const NSItemProvider::Item& item, std::int64_t index
         const SharedItem record = sharedItem(name, name);
         SharedItemManager::saveItem(record, *file, advancing(index, completion), observing(index, record));
     } else if (const UIImage* const image = std::get_if<UIImage>(&item)) {
-        const std::optional<Data> jpeg = image->jpegData(jpegQuality);
-        if (!jpeg) {
-            endWalk(index, ShareExtensionError::make("Failed to encode image"), completion);
-            return;
-        }
-        const SharedItem record = sharedItem(".jpg", std::nullopt);
-        const SaveObserver observer = observing(index, record);
-        observer.copied(countOf(*jpeg), countOf(*jpeg));
-        SharedItemManager::saveItem(record, *jpeg, advancing(index, completion), observer);
+        // Not here on the main thread, since the largest take seconds.
+        DispatchQueue::global().async([weak = weak_from_this(), image = *image, index, completion] {
+            const auto jpeg = image.jpegData(jpegQuality);
+            DispatchQueue::main().async([weak, jpeg, index, completion] {
+                if (const std::shared_ptr<AttachmentIntake> self = weak.lock())
+                    self->saveImage(jpeg, index, completion);
+            });
+        });
     } else {
         endWalk(index, ShareExtensionError::make("Unsupported shared item"), completion);
     }
+}
+
+void AttachmentIntake::saveImage(const std::optional<EncodedImage>& jpeg, std::int64_t index,
+                                 const Completion& completion) {
+    if (extensionContext_->isCancelled()) {
+        endWalk(index, nullptr, nullptr);
+        return;
+    }
+    if (!jpeg) {
+        endWalk(index, ShareExtensionError::make("Failed to encode image"), completion);
+        return;
+    }
+    const SharedItem record = sharedItem(".jpg", std::nullopt);
+    const SaveObserver observer = observing(index, record);
+    const std::int64_t size = countOf(jpeg->bytes());
+    observer.copied(size, size);
+    SharedItemManager::saveItem(record, jpeg->bytes(), advancing(index, completion), observer);
 }
 
 SharedItem AttachmentIntake::sharedItem(const std::string& nameEnd,

@@ -201,18 +201,18 @@ PixelConversion conversion(const heif_color_profile_nclx* coding, const Data& pr
     const auto hdr = coding ? HDRColours::of(static_cast<int>(coding->transfer_characteristics),
                                              static_cast<int>(coding->color_primaries))
                             : std::nullopt;
-    const PixelConversion byProfile = hdr ? PixelConversion() : conversionToSRGB(PixelColours::rgb, profile);
-    return [=](std::span<std::uint8_t> pixels) {
+    if (!hdr)
+        return [=, byProfile = conversionToSRGB(PixelColours::rgb, profile)](std::span<std::uint8_t> pixels) {
+            convertYCbCr(pixels, matrix, fullRange);
+            if (byProfile)
+                byProfile(pixels);
+        };
+    return [=, mapping = ToneMapping(*hdr)](std::span<std::uint8_t> pixels) {
         convertYCbCr(pixels, matrix, fullRange);
-        if (hdr) {
-            std::vector<std::uint16_t> signals(pixels.size());
-            std::ranges::transform(pixels, signals.begin(), [](std::uint8_t value) {
-                return static_cast<std::uint16_t>(value * 257);
-            });
-            toneMap(signals, *hdr, pixels);
-        } else if (byProfile) {
-            byProfile(pixels);
-        }
+        std::vector<std::uint16_t> signals(pixels.size());
+        std::ranges::transform(pixels, signals.begin(),
+                               [](std::uint8_t value) { return static_cast<std::uint16_t>(value * 257); });
+        mapping.convert(signals, pixels);
     };
 }
 
@@ -307,7 +307,7 @@ bool readHEIF(const InputFile& file, PictureTarget& target) {
     if (!isDecodableSize(sizeOf(main)))
         return false;
 
-    const std::vector<Handle> thumbnails = thumbnailsOf(main);
+    const std::vector<Handle> thumbnails = target.wantsWhole() ? std::vector<Handle>() : thumbnailsOf(main);
     const PictureSize wanted = fitted(sizeOf(main), target.bounds());
     for (const Handle& thumbnail : thumbnails)
         if (longerSide(thumbnail) >= std::max(wanted.width, wanted.height) &&
@@ -315,8 +315,6 @@ bool readHEIF(const InputFile& file, PictureTarget& target) {
             return true;
     if (readImage(main, {target, profileOf(main), std::nullopt}))
         return true;
-    if (target.wantsWhole())
-        return false;
     // Better a blurred picture than none.
     return std::any_of(thumbnails.rbegin(), thumbnails.rend(),
                        [&](const Handle& thumbnail) { return readThumbnail(thumbnail, main, target); });

@@ -36,8 +36,9 @@ bool readPicture(const InputFile& file, PictureTarget& target) {
     return false;
 }
 
-std::optional<PixelBuffer> decodePicture(const InputFile& file, PictureBounds bounds) {
-    ScaledPicture picture(bounds);
+std::optional<PixelBuffer> decodePicture(const InputFile& file, PictureBounds bounds,
+                                         PictureTarget::Wants wants) {
+    ScaledPicture picture(bounds, wants);
     if (!readPicture(file, picture))
         return std::nullopt;
     return picture.take();

@@ -10,7 +10,8 @@ namespace sela {
 /// The picture in a file, whatever the file is called: upright, in sRGB, with no side longer than
 /// `bounds`; of an animation its first frame. Absent when the file is of no kind that is read
 /// here, broken or cut.
-std::optional<PixelBuffer> decodePicture(const InputFile& file, PictureBounds bounds);
+std::optional<PixelBuffer> decodePicture(const InputFile& file, PictureBounds bounds,
+                                         PictureTarget::Wants wants = PictureTarget::Wants::whatThereIs);
 
 /// Hands the rows of that picture to `target`; false when it is of no kind that is read here, broken or cut.
 bool readPicture(const InputFile& file, PictureTarget& target);

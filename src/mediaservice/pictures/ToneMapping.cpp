@@ -93,50 +93,50 @@ private:
     std::array<float, 4096> values_{};
 };
 
-class Mapping {
-public:
-    explicit Mapping(const HDRColours& colours)
-        : isHLG_(colours.transfer == HDRColours::Transfer::hlg), matrix_(matrixOf(colours.primaries)),
-          peak_(isHLG_ ? hlgPeak : std::clamp(colours.peak, screenWhite, brightest)),
-          screenLight_(brightest, [this](double light) { return screenLight(light, peak_); }),
-          encoded_(screenWhite, [](double light) { return 255 * encodedSRGB(light / screenWhite); }) {
-        for (std::size_t i = 0; i < light_.size(); ++i) {
-            const double signal = static_cast<double>(i) / (light_.size() - 1);
-            light_[i] = static_cast<float>(isHLG_ ? sceneOfHLG(signal) : lightOfPQ(signal));
+} // namespace
+
+struct ToneMapping::Tables {
+    explicit Tables(const HDRColours& colours)
+        : isHLG(colours.transfer == HDRColours::Transfer::hlg), matrix(matrixOf(colours.primaries)),
+          peak(isHLG ? hlgPeak : std::clamp(colours.peak, screenWhite, brightest)),
+          seenLight(brightest, [this](double value) { return screenLight(value, peak); }),
+          encoded(screenWhite, [](double value) { return 255 * encodedSRGB(value / screenWhite); }) {
+        for (std::size_t i = 0; i < light.size(); ++i) {
+            const double signal = static_cast<double>(i) / (light.size() - 1);
+            light[i] = static_cast<float>(isHLG ? sceneOfHLG(signal) : lightOfPQ(signal));
         }
     }
 
-    void convert(const std::uint16_t* from, std::uint8_t* to) const {
-        Light light{};
-        for (std::size_t i = 0; i < 3; ++i)
-            light[i] = light_[from[i] >> 4];
-        if (isHLG_) {
-            const float luminance = 0.2627F * light[0] + 0.6780F * light[1] + 0.0593F * light[2];
-            const float gain = static_cast<float>(hlgPeak) * std::pow(luminance, 0.2F);
-            for (float& channel : light)
-                channel *= gain;
-        }
-        Light seen{};
-        for (std::size_t i = 0; i < 3; ++i)
-            for (std::size_t k = 0; k < 3; ++k)
-                seen[i] += matrix_[i][k] * light[k];
-        // The strongest channel is mapped and the others with it, so that the hue stays.
-        const float strongest = std::max({seen[0], seen[1], seen[2], 1e-6F});
-        const float gain = screenLight_(strongest) / strongest;
-        for (std::size_t i = 0; i < 3; ++i)
-            to[i] = static_cast<std::uint8_t>(std::lround(encoded_(seen[i] * gain)));
-    }
+    void convert(const std::uint16_t* from, std::uint8_t* to) const;
 
-private:
-    const bool isHLG_;
-    const Matrix& matrix_;
-    const double peak_;
-    const Table screenLight_;
-    const Table encoded_;
-    std::array<float, 4096> light_{}; ///< by the upper bits of the signal
+    const bool isHLG;
+    const Matrix& matrix;
+    const double peak;
+    const Table seenLight;           ///< of the screen, by the light of the strongest channel
+    const Table encoded;             ///< in sRGB, by the light of the screen
+    std::array<float, 4096> light{}; ///< by the upper bits of the signal
 };
 
-} // namespace
+void ToneMapping::Tables::convert(const std::uint16_t* from, std::uint8_t* to) const {
+    Light shown{};
+    for (std::size_t i = 0; i < 3; ++i)
+        shown[i] = light[from[i] >> 4];
+    if (isHLG) {
+        const float luminance = 0.2627F * shown[0] + 0.6780F * shown[1] + 0.0593F * shown[2];
+        const float gain = static_cast<float>(hlgPeak) * std::pow(luminance, 0.2F);
+        for (float& channel : shown)
+            channel *= gain;
+    }
+    Light seen{};
+    for (std::size_t i = 0; i < 3; ++i)
+        for (std::size_t k = 0; k < 3; ++k)
+            seen[i] += matrix[i][k] * shown[k];
+    // The strongest channel is mapped and the others with it, so that the hue stays.
+    const float strongest = std::max({seen[0], seen[1], seen[2], 1e-6F});
+    const float gain = seenLight(strongest) / strongest;
+    for (std::size_t i = 0; i < 3; ++i)
+        to[i] = static_cast<std::uint8_t>(std::lround(encoded(seen[i] * gain)));
+}
 
 std::optional<HDRColours> HDRColours::of(int transfer, int primaries) {
     switch (transfer) {
@@ -148,10 +148,11 @@ std::optional<HDRColours> HDRColours::of(int transfer, int primaries) {
     }
 }
 
-void toneMap(std::span<const std::uint16_t> from, const HDRColours& colours, std::span<std::uint8_t> to) {
-    const Mapping mapping(colours);
+ToneMapping::ToneMapping(const HDRColours& colours) : tables_(std::make_shared<const Tables>(colours)) {}
+
+void ToneMapping::convert(std::span<const std::uint16_t> from, std::span<std::uint8_t> to) const {
     for (std::size_t i = 0; i + 4 <= from.size(); i += 4) {
-        mapping.convert(from.data() + i, to.data() + i);
+        tables_->convert(from.data() + i, to.data() + i);
         to[i + 3] = static_cast<std::uint8_t>(from[i + 3] >> 8);
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 
@@ -19,9 +20,21 @@ struct HDRColours {
     static std::optional<HDRColours> of(int transfer, int primaries);
 };
 
-/// Brings pixels of red, green, blue and a fourth value that is kept, 16 bits each, to sRGB of 8 bits each:
-/// light up to that of white paper (203 cd/m2, ITU-R BT.2408) nearly as it is, what is brighter compressed
-/// below the screen's white (ITU-R BT.2390). Both hold as many values. Thread-safe.
-void toneMap(std::span<const std::uint16_t> from, const HDRColours& colours, std::span<std::uint8_t> to);
+/// Brings colours of a high dynamic range to sRGB: light up to that of white paper (203 cd/m2, ITU-R BT.2408)
+/// nearly as it is, what is brighter compressed below the screen's white (ITU-R BT.2390). A value that is
+/// cheap to copy; thread-safe.
+class ToneMapping {
+public:
+    explicit ToneMapping(const HDRColours& colours);
+
+    /// From pixels of red, green, blue and a fourth value that is kept, 16 bits each, to as many of 8 bits
+    /// each.
+    void convert(std::span<const std::uint16_t> from, std::span<std::uint8_t> to) const;
+
+private:
+    struct Tables;
+
+    std::shared_ptr<const Tables> tables_;
+};
 
 } // namespace sela

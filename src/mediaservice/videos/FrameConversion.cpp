@@ -132,7 +132,7 @@ std::optional<PixelBuffer> convertedFrame(const AVFrame& frame, const AVStream& 
         if (!scale(frame, target, AV_PIX_FMT_RGBA64, reinterpret_cast<std::uint8_t*>(signals.data()),
                    8 * target.width))
             return std::nullopt;
-        toneMap(signals, *colours, pixels.bytes);
+        ToneMapping(*colours).convert(signals, pixels.bytes);
     } else if (!scale(frame, target, AV_PIX_FMT_RGBA, pixels.bytes.data(), 4 * target.width)) {
         return std::nullopt;
     }

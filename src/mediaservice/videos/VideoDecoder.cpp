@@ -51,6 +51,7 @@ MediaOutcome VideoDecoder::answer(const MediaRequest& request, InputFile file) {
         return outcome;
     switch (request.operation) {
     case MediaOperation::decodePicture:
+    case MediaOperation::encodePicture:
         return outcome;
     case MediaOperation::readDuration:
         outcome.status = MediaStatus::done;

@@ -32,14 +32,13 @@ std::vector<std::uint8_t> flattenedOnWhite(const PixelBuffer& pixels) {
     return flat;
 }
 
-/// The encoder's quality 1 to 100; a quality that is no number counts as the best.
-int encoderQuality(double quality) {
+} // namespace
+
+int jpegQuality(double quality) {
     if (!(quality < 1))
         return 100;
     return std::max(1, static_cast<int>(std::lround(quality * 100)));
 }
-
-} // namespace
 
 std::optional<Data> encodeJPEG(const PixelBuffer& pixels, double quality) {
     if (pixels.width < 1 || pixels.height < 1 || pixels.width > largestSide || pixels.height > largestSide)
@@ -53,7 +52,7 @@ std::optional<Data> encodeJPEG(const PixelBuffer& pixels, double quality) {
     // Best qualities keep the colour of fine red lines (screenshots); others halve it as cameras do.
     const int subsampling = quality >= 0.95 ? TJSAMP_444 : TJSAMP_420;
     const int failed = tjCompress2(compressor.get(), flat.data(), pixels.width, 0, pixels.height, TJPF_RGB,
-                                   &buffer, &size, subsampling, encoderQuality(quality), TJFLAG_ACCURATEDCT);
+                                   &buffer, &size, subsampling, jpegQuality(quality), TJFLAG_ACCURATEDCT);
     const std::unique_ptr<unsigned char, FreeBuffer> owned(buffer);
     if (failed)
         return std::nullopt;

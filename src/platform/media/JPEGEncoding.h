@@ -7,6 +7,10 @@
 
 namespace sela {
 
+/// The encoder's quality, 1 to 100, for one of 0.0 to 1.0; values outside count as the nearer end, and one
+/// that is no number as the best.
+int jpegQuality(double quality);
+
 /// The pixels as a JPEG file at `quality` 0.0 to 1.0 (values outside count as the nearer end), transparent
 /// parts flattened on white. Absent for no pixels or a side above the 65,500 that libjpeg writes.
 /// Thread-safe.

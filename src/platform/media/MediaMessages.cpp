@@ -77,7 +77,17 @@ private:
     bool good_ = true;
 };
 
+bool givesPixels(MediaOperation operation) {
+    return operation == MediaOperation::decodePicture || operation == MediaOperation::copyFrame;
+}
+
 } // namespace
+
+std::uint64_t MediaRequest::memorySize() const {
+    if (operation == MediaOperation::encodePicture)
+        return largestEncodedPicture;
+    return std::uint64_t{4} * maximumSide * maximumSide;
+}
 
 void MediaRequest::setBounds(PictureBounds bounds) {
     maximumSide = static_cast<std::uint32_t>(std::clamp(bounds.longerSide, 1, maximumPictureSide));
@@ -96,6 +106,8 @@ Data encode(const MediaRequest& request) {
     writer.put(request.toleranceBefore);
     writer.put(request.toleranceAfter);
     writer.put(std::uint32_t{request.appliesTrackTransform});
+    writer.put(std::uint32_t{request.wholeOnly});
+    writer.put(request.quality);
     return writer.take();
 }
 
@@ -107,6 +119,7 @@ Data encode(const MediaResponse& response) {
     writer.put(response.height);
     writer.put(response.time);
     writer.put(response.framesDecoded);
+    writer.put(response.fileSize);
     return writer.take();
 }
 
@@ -114,7 +127,7 @@ std::optional<MediaRequest> decodeRequest(DataView bytes) {
     Reader reader(bytes);
     MediaRequest request;
     reader.get(request.number);
-    reader.get(request.operation, MediaOperation::copyFrame);
+    reader.get(request.operation, MediaOperation::encodePicture);
     reader.get(request.maximumSide);
     reader.get(request.shorterSide);
     reader.get(request.asset);
@@ -122,9 +135,12 @@ std::optional<MediaRequest> decodeRequest(DataView bytes) {
     reader.get(request.toleranceBefore);
     reader.get(request.toleranceAfter);
     reader.get(request.appliesTrackTransform);
+    reader.get(request.wholeOnly);
+    reader.get(request.quality);
 
-    const bool wantsPixels = request.operation != MediaOperation::readDuration;
-    reader.require(wantsPixels == (request.maximumSide > 0));
+    reader.require(givesPixels(request.operation) == (request.maximumSide > 0));
+    reader.require((request.operation == MediaOperation::encodePicture) == (request.quality > 0));
+    reader.require(request.quality <= 100);
     reader.require(request.maximumSide <= maximumPictureSide && request.shorterSide <= request.maximumSide);
     reader.require(!request.time.positiveInfinity);
     if (!reader.isWholeMessage())
@@ -141,12 +157,15 @@ std::optional<MediaResponse> decodeResponse(DataView bytes, const MediaRequest& 
     reader.get(response.height);
     reader.get(response.time);
     reader.get(response.framesDecoded);
+    reader.get(response.fileSize);
 
-    const bool hasPixels =
-        response.status == MediaStatus::done && request.operation != MediaOperation::readDuration;
+    const bool isDone = response.status == MediaStatus::done;
+    const bool hasPixels = isDone && givesPixels(request.operation);
+    const bool hasFile = isDone && request.operation == MediaOperation::encodePicture;
     reader.require(response.number == request.number);
     reader.require(hasPixels == (response.width > 0) && hasPixels == (response.height > 0));
     reader.require(response.width <= request.maximumSide && response.height <= request.maximumSide);
+    reader.require(hasFile == (response.fileSize > 0) && response.fileSize <= largestEncodedPicture);
     reader.require(!response.time.positiveInfinity);
     if (!reader.isWholeMessage())
         return std::nullopt;

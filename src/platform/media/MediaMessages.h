@@ -18,10 +18,15 @@ enum class MediaOperation : std::uint32_t {
     decodePicture, ///< the picture in the file
     readDuration,  ///< the duration of the video in the file
     copyFrame,     ///< one frame of the video in the file
+    encodePicture, ///< the picture in the file, in its full size, as a JPEG file
 };
 
-/// One request. With it travel the file's descriptor and, for pictures and frames, shared memory of
-/// 4 * maximumSide * maximumSide bytes for the pixels.
+/// The largest JPEG file that a helper makes, in bytes. Shared memory of that size takes no room before it is
+/// written.
+inline constexpr std::uint64_t largestEncodedPicture = std::uint64_t{1} << 30;
+
+/// One request. With it travel the file's descriptor and, for pixels and JPEG files, that of shared memory of
+/// `memorySize` bytes.
 struct MediaRequest {
     std::uint32_t number = 0; ///< repeated in the response
     MediaOperation operation = MediaOperation::decodePicture;
@@ -32,6 +37,11 @@ struct MediaRequest {
     CMTime toleranceBefore;
     CMTime toleranceAfter;
     bool appliesTrackTransform = false; ///< whether the frame is turned upright
+    bool wholeOnly = false;             ///< whether a picture of which a part is missing is as good as none
+    std::uint32_t quality = 0;          ///< of the JPEG file, 1 to 100; 0 when none is made
+
+    /// The size of the shared memory in bytes; 0 when the request needs none.
+    std::uint64_t memorySize() const;
 
     PictureBounds bounds() const { return {static_cast<int>(maximumSide), static_cast<int>(shorterSide)}; }
     void setBounds(PictureBounds bounds);
@@ -53,6 +63,7 @@ struct MediaResponse {
     std::uint32_t height = 0;
     CMTime time;                     ///< the duration asked for, or the time of the frame taken
     std::uint32_t framesDecoded = 0; ///< frames that were decoded on the way to the one taken
+    std::uint64_t fileSize = 0; ///< of the JPEG file at the start of the shared memory; 0 when there is none
 
     bool operator==(const MediaResponse&) const = default;
 };

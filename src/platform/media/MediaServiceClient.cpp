@@ -4,7 +4,7 @@
 #include "platform/foundation/MonotonicClock.h"
 #include "platform/media/AVError.h"
 #include "platform/media/MediaHelperProcess.h"
-#include "platform/media/SharedPixels.h"
+#include "platform/media/SharedMemory.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -18,8 +18,16 @@ namespace sela {
 
 namespace {
 
+// A picture of half a gigapixel is written in its full size in about this many times the time that one of 48
+// megapixels takes to be decoded.
+constexpr double encodingFactor = 6;
+
+bool isOfPictures(MediaOperation operation) {
+    return operation == MediaOperation::decodePicture || operation == MediaOperation::encodePicture;
+}
+
 std::string_view programName(MediaOperation operation) {
-    return operation == MediaOperation::decodePicture ? "sela-media" : "sela-media-video";
+    return isOfPictures(operation) ? "sela-media" : "sela-media-video";
 }
 
 std::string locateProgram(const std::string& directory, std::string_view name) {
@@ -74,14 +82,14 @@ Result<MediaServiceClient::Answer> MediaServiceClient::perform(const std::string
 
 std::optional<pid_t> MediaServiceClient::helperProcessIdentifier(MediaOperation operation) const {
     const std::lock_guard lock(mutex_);
-    const Helper& helper = operation == MediaOperation::decodePicture ? pictureHelper_ : videoHelper_;
+    const Helper& helper = isOfPictures(operation) ? pictureHelper_ : videoHelper_;
     if (!helper)
         return std::nullopt;
     return helper->processIdentifier();
 }
 
 MediaServiceClient::Helper& MediaServiceClient::helperFor(MediaOperation operation) {
-    Helper& helper = operation == MediaOperation::decodePicture ? pictureHelper_ : videoHelper_;
+    Helper& helper = isOfPictures(operation) ? pictureHelper_ : videoHelper_;
     if (!helper)
         helper = MediaHelperProcess::start(locateProgram(options_.programDirectory, programName(operation)));
     return helper;
@@ -89,15 +97,16 @@ MediaServiceClient::Helper& MediaServiceClient::helperFor(MediaOperation operati
 
 Result<MediaServiceClient::Answer> MediaServiceClient::performLocked(int file, const MediaRequest& request) {
     std::vector<int> descriptors{file};
-    std::optional<SharedPixels> pixels;
-    if (request.maximumSide > 0) {
-        pixels = SharedPixels::create(std::size_t{4} * request.maximumSide * request.maximumSide);
-        if (!pixels)
+    std::optional<SharedMemory> memory;
+    if (request.memorySize() > 0) {
+        memory = SharedMemory::create(request.memorySize());
+        if (!memory)
             return NSError::posix(errno, "shared memory");
-        descriptors.push_back(pixels->descriptor());
+        descriptors.push_back(memory->descriptor());
     }
 
-    const double deadline = monotonicSeconds() + options_.timeLimit;
+    const double factor = request.operation == MediaOperation::encodePicture ? encodingFactor : 1;
+    const double deadline = monotonicSeconds() + factor * options_.timeLimit;
     const Data message = encode(request);
     Helper& helper = helperFor(request.operation);
     if (helper && !helper->send(message, descriptors)) {
@@ -117,9 +126,11 @@ Result<MediaServiceClient::Answer> MediaServiceClient::performLocked(int file, c
     if (response->status != MediaStatus::done)
         return errorOfStatus(response->status);
 
-    Answer answer{*response, {}};
-    if (pixels) {
-        auto copy = pixels->copy(response->width, response->height);
+    Answer answer{*response, {}, {}};
+    if (request.operation == MediaOperation::encodePicture) {
+        answer.file = std::make_shared<const SharedMemory>(std::move(*memory));
+    } else if (memory) {
+        auto copy = memory->copy(response->width, response->height);
         if (!copy)
             return mediaError(AVErrorUnknown, "The media helper answered with too many pixels");
         answer.pixels = std::move(*copy);

@@ -13,6 +13,7 @@
 namespace sela {
 
 class MediaHelperProcess;
+class SharedMemory;
 
 /// Has pictures and videos decoded by helper processes, one for each kind of work, which are started on first
 /// need and kept. They sit in a sandbox, so a file can at worst end its helper: that is an error for the
@@ -30,10 +31,11 @@ public:
         double timeLimit = 20;
     };
 
-    /// What a helper answered, with the pixels when pixels were asked for.
+    /// What a helper answered, with the pixels or the JPEG file that were asked for.
     struct Answer {
         MediaResponse response;
         PixelBuffer pixels;
+        std::shared_ptr<const SharedMemory> file; ///< in its first `response.fileSize` bytes
     };
 
     /// The client of this process.

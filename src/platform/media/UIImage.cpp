@@ -4,6 +4,7 @@
 #include "platform/foundation/FatalError.h"
 #include "platform/media/JPEGEncoding.h"
 #include "platform/media/MediaServiceClient.h"
+#include "platform/media/SharedMemory.h"
 
 #include <algorithm>
 #include <charconv>
@@ -11,6 +12,10 @@
 namespace sela {
 
 namespace {
+
+std::string pathOf(const FileDescriptor& file) {
+    return "/proc/self/fd/" + std::to_string(file.get());
+}
 
 /// The number in the first `name="..."` of an SVG file's text; 0 when there is none.
 double lengthAttribute(std::string_view svg, std::string_view name) {
@@ -50,6 +55,19 @@ std::optional<UIImage> UIImage::contentsOfFile(const std::string& path, PictureB
     return fromPixels(std::move(answer.value().pixels));
 }
 
+std::optional<UIImage> UIImage::contentsOfOpenFile(FileDescriptor file, PictureBounds bounds) {
+    MediaRequest request;
+    request.operation = MediaOperation::decodePicture;
+    request.setBounds(bounds);
+    request.wholeOnly = true;
+    auto answer = MediaServiceClient::shared().perform(pathOf(file), request);
+    if (!answer)
+        return std::nullopt;
+    UIImage image = fromPixels(std::move(answer.value().pixels));
+    image.original_ = std::make_shared<const FileDescriptor>(std::move(file));
+    return image;
+}
+
 UIImage UIImage::fromPixels(PixelBuffer pixels) {
     const bool fits = pixels.width >= 0 && pixels.height >= 0 &&
                       pixels.bytes.size() == std::size_t{4} * static_cast<std::size_t>(pixels.width) *
@@ -75,10 +93,19 @@ UIImage UIImage::imageFlippedForRightToLeftLayoutDirection() const {
     return image;
 }
 
-std::optional<Data> UIImage::jpegData(double quality) const {
-    if (!pixels_)
-        return std::nullopt;
-    return encodeJPEG(*pixels_, quality);
+std::optional<EncodedImage> UIImage::jpegData(double quality) const {
+    if (original_) {
+        MediaRequest request;
+        request.operation = MediaOperation::encodePicture;
+        request.quality = static_cast<std::uint32_t>(jpegQuality(quality));
+        const auto answer = MediaServiceClient::shared().perform(pathOf(*original_), request);
+        if (!answer)
+            return std::nullopt;
+        const auto& file = answer.value().file;
+        return EncodedImage(file, std::as_bytes(file->bytes()).first(answer.value().response.fileSize));
+    }
+    auto bytes = pixels_ ? encodeJPEG(*pixels_, quality) : std::nullopt;
+    return bytes ? std::optional(EncodedImage(std::move(*bytes))) : std::nullopt;
 }
 
 } // namespace sela

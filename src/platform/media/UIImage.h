@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/Data.h"
+#include "platform/foundation/FileDescriptor.h"
 #include "platform/media/PictureBounds.h"
 
 #include <cstdint>
@@ -20,6 +21,25 @@ struct PixelBuffer {
     std::vector<std::uint8_t> bytes;
 };
 
+/// A file's content. An immutable value that is cheap to copy.
+class EncodedImage {
+public:
+    explicit EncodedImage(Data bytes) {
+        auto owner = std::make_shared<const Data>(std::move(bytes));
+        bytes_ = *owner;
+        owner_ = std::move(owner);
+    }
+    /// Bytes that stay as long as `owner`.
+    EncodedImage(std::shared_ptr<const void> owner, DataView bytes)
+        : owner_(std::move(owner)), bytes_(bytes) {}
+
+    DataView bytes() const { return bytes_; }
+
+private:
+    std::shared_ptr<const void> owner_;
+    DataView bytes_;
+};
+
 /// A picture: a named asset, or a block of pixels. An immutable value that is cheap to copy (pixels are
 /// shared) and may be read from any thread.
 class UIImage {
@@ -34,6 +54,10 @@ public:
     /// `maximumPictureSide`), upright, in sRGB. Absent when the file is missing or is no
     /// picture that can be decoded whole. Blocks; may be called from any thread.
     static std::optional<UIImage> contentsOfFile(const std::string& path, PictureBounds bounds);
+
+    /// The whole picture in an open file, which is kept open: `jpegData` gives it in its full size, while its
+    /// pixels are within `bounds`. Absent when it is no picture, or a part of it is missing. Blocks.
+    static std::optional<UIImage> contentsOfOpenFile(FileDescriptor file, PictureBounds bounds);
 
     /// A picture from pixels; `pixels.bytes` must hold exactly 4 * width * height bytes, else the process
     /// stops.
@@ -62,14 +86,17 @@ public:
     UIImage imageFlippedForRightToLeftLayoutDirection() const;
 
     /// The picture as JPEG at `quality` 0.0 to 1.0, transparent parts flattened on white; absent when it
-    /// cannot be encoded (a named asset, an empty picture, a side above the 65,500 that libjpeg writes).
-    std::optional<Data> jpegData(double quality) const;
+    /// cannot be encoded (a named asset, an empty picture, a side above the 65,500 that libjpeg writes). Of a
+    /// picture in an open file the media helper makes it while reading that file, so that it is never whole
+    /// in the memory of this process; that takes seconds for the largest. Blocks.
+    std::optional<EncodedImage> jpegData(double quality) const;
 
 private:
     UIImage() = default;
 
     std::string assetName_;
     std::shared_ptr<const PixelBuffer> pixels_;
+    std::shared_ptr<const FileDescriptor> original_; ///< of a picture in an open file
     double width_ = 0;
     double height_ = 0;
     RenderingMode renderingMode_ = RenderingMode::automatic;

@@ -47,13 +47,16 @@ TEST(MediaMessages, ThatBreakTheRulesAreRefused) {
         [](auto& response) { response.width = 301; },
         [](auto& response) { response.height = 0xFFFFFFFF; },
         [](auto& response) { response.height = 0; },
+        [](auto& response) { response.fileSize = 1; },
         [](auto& response) { response.time.timescale = 0; },
         [](auto& response) { response.time.timescale = -600; },
         [](auto& response) { response.time.positiveInfinity = true; },
     };
     const std::function<void(MediaRequest&)> requests[] = {
-        [](auto& request) { request.operation = static_cast<MediaOperation>(3); },
+        [](auto& request) { request.operation = static_cast<MediaOperation>(4); },
         [](auto& request) { request.operation = MediaOperation::readDuration; }, // yet it wants pixels
+        [](auto& request) { request.operation = MediaOperation::encodePicture; },
+        [](auto& request) { request.quality = 90; }, // of a file that is not asked for
         [](auto& request) { request.maximumSide = 0; },
         [](auto& request) { request.maximumSide = maximumPictureSide + 1; },
         [](auto& request) { request.shorterSide = request.maximumSide + 1; },

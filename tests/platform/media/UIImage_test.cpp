@@ -4,6 +4,7 @@
 #include "support/TemporaryHome.h"
 
 #include <cmath>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
 namespace sela {
@@ -18,9 +19,9 @@ PixelBuffer plainPixels(int width, int height, std::uint32_t colour) {
 }
 
 /// What a JPEG file shows in its middle.
-std::uint32_t middleOf(const Data& jpeg) {
+std::uint32_t middleOf(const EncodedImage& jpeg) {
     const TemporaryHome home;
-    const auto image = UIImage::contentsOfFile(home.write("a.jpg", asText(jpeg)), 100);
+    const auto image = UIImage::contentsOfFile(home.write("a.jpg", asText(jpeg.bytes())), 100);
     return image ? pixelAt(*image->pixels(), 0.5, 0.5) : 0;
 }
 
@@ -59,7 +60,49 @@ TEST(UIImage, JPEGShowsTransparentPartsOnWhite) {
 TEST(UIImage, QualityDecidesTheSizeOfJPEG) {
     const auto image = UIImage::contentsOfFile(sample("larger.png"), 640);
     ASSERT_TRUE(image);
-    EXPECT_LT(image->jpegData(0.3)->size(), image->jpegData(0.9)->size());
+    EXPECT_LT(image->jpegData(0.3)->bytes().size(), image->jpegData(0.9)->bytes().size());
+}
+
+FileDescriptor opened(const std::string& path) {
+    return FileDescriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+}
+
+TEST(UIImage, OfAnOpenFileIsEncodedInItsFullSizeAsItIsSeen) {
+    struct Case {
+        const char* name;
+        int width;
+        int height;
+        const char* quarters;
+    };
+    for (const Case& each :
+         {Case{"larger.png", 640, 480, "rgbw"}, Case{"orientation-6.jpg", 120, 160, "brwg"},
+          Case{"profile.jpg", 160, 120, "bgrw"}, Case{"plain.bmp", 160, 120, "rgbw"},
+          Case{"thumbnail.heic", 640, 480, "rgbw"}, Case{"lossy.webp", 160, 120, "rgbw"},
+          Case{"huge.png", 6000, 5000, "rgbw"}}) {
+        const auto image = UIImage::contentsOfOpenFile(opened(sample(each.name)), 16);
+        ASSERT_TRUE(image) << each.name;
+        EXPECT_LE(std::max(image->width(), image->height()), 16) << each.name;
+        const auto jpeg = image->jpegData(0.9);
+        ASSERT_TRUE(jpeg) << each.name;
+        const TemporaryHome home;
+        const auto read =
+            UIImage::contentsOfFile(home.write("a.jpg", asText(jpeg->bytes())), maximumPictureSide);
+        ASSERT_TRUE(read) << each.name;
+        EXPECT_EQ(quarters(*read->pixels()), each.quarters) << each.name;
+        EXPECT_NEAR(read->width(), std::min(each.width, maximumPictureSide), 1) << each.name;
+        EXPECT_NEAR(read->height() * each.width, read->width() * each.height, each.width) << each.name;
+    }
+    const auto clear = UIImage::contentsOfOpenFile(opened(sample("alpha.png")), 16);
+    ASSERT_TRUE(clear);
+    const TemporaryHome home;
+    const auto read = UIImage::contentsOfFile(home.write("a.jpg", asText(clear->jpegData(0.9)->bytes())), 16);
+    ASSERT_TRUE(read);
+    EXPECT_LE(largestDifference(pixelAt(*read->pixels(), 0.25, 0.25), 0xFF7F7FFF), 8);
+}
+
+TEST(UIImage, OfAnOpenFileIsWholeOrNone) {
+    for (const char* name : {"cut-90-photo.jpg", "huge.heic", "text.jpg", "cut-quarters.png"})
+        EXPECT_FALSE(UIImage::contentsOfOpenFile(opened(sample(name)), 16)) << name;
 }
 
 TEST(UIImage, WhatJPEGCannotHoldIsNotEncoded) {

@@ -1,11 +1,11 @@
-#include "platform/media/SharedPixels.h"
+#include "platform/media/SharedMemory.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
 
 namespace sela {
 
-std::optional<SharedPixels> SharedPixels::create(std::size_t size) {
+std::optional<SharedMemory> SharedMemory::create(std::size_t size) {
     FileDescriptor descriptor(::memfd_create("sela-pixels", MFD_CLOEXEC | MFD_ALLOW_SEALING));
     if (!descriptor.isOpen() || ::ftruncate(descriptor.get(), static_cast<off_t>(size)) != 0 ||
         ::fcntl(descriptor.get(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) != 0)
@@ -13,7 +13,7 @@ std::optional<SharedPixels> SharedPixels::create(std::size_t size) {
     return open(std::move(descriptor), size);
 }
 
-std::optional<SharedPixels> SharedPixels::open(FileDescriptor descriptor, std::size_t size) {
+std::optional<SharedMemory> SharedMemory::open(FileDescriptor descriptor, std::size_t size) {
     // Asked by lseek, since a helper in its sandbox may do no more.
     const off_t available = ::lseek(descriptor.get(), 0, SEEK_END);
     if (size == 0 || available < 0 || static_cast<std::size_t>(available) < size)
@@ -21,24 +21,24 @@ std::optional<SharedPixels> SharedPixels::open(FileDescriptor descriptor, std::s
     void* address = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor.get(), 0);
     if (address == MAP_FAILED)
         return std::nullopt;
-    return SharedPixels(std::move(descriptor), {static_cast<std::uint8_t*>(address), size});
+    return SharedMemory(std::move(descriptor), {static_cast<std::uint8_t*>(address), size});
 }
 
-SharedPixels::SharedPixels(SharedPixels&& other) noexcept
+SharedMemory::SharedMemory(SharedMemory&& other) noexcept
     : descriptor_(std::move(other.descriptor_)), bytes_(std::exchange(other.bytes_, {})) {}
 
-SharedPixels& SharedPixels::operator=(SharedPixels&& other) noexcept {
+SharedMemory& SharedMemory::operator=(SharedMemory&& other) noexcept {
     std::swap(descriptor_, other.descriptor_);
     std::swap(bytes_, other.bytes_);
     return *this;
 }
 
-SharedPixels::~SharedPixels() {
+SharedMemory::~SharedMemory() {
     if (!bytes_.empty())
         ::munmap(bytes_.data(), bytes_.size());
 }
 
-std::optional<PixelBuffer> SharedPixels::copy(std::uint32_t width, std::uint32_t height) const {
+std::optional<PixelBuffer> SharedMemory::copy(std::uint32_t width, std::uint32_t height) const {
     const std::size_t size = std::size_t{4} * width * height;
     if (size > bytes_.size())
         return std::nullopt;

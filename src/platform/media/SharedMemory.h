@@ -10,19 +10,19 @@
 
 namespace sela {
 
-/// Memory that two processes see, into which a helper writes pixels. Its size is sealed, so that no peer can
-/// shrink it under a reader. Used by one thread at a time.
-class SharedPixels {
+/// Memory that two processes see, into which a helper writes pixels or a file. Its size is sealed, so that no
+/// peer can shrink it under a reader. Used by one thread at a time.
+class SharedMemory {
 public:
     /// New memory of `size` bytes, above 0; absent when the system has none left.
-    static std::optional<SharedPixels> create(std::size_t size);
+    static std::optional<SharedMemory> create(std::size_t size);
 
     /// The memory behind a descriptor that came from the peer; absent unless it holds at least `size` bytes.
-    static std::optional<SharedPixels> open(FileDescriptor descriptor, std::size_t size);
+    static std::optional<SharedMemory> open(FileDescriptor descriptor, std::size_t size);
 
-    SharedPixels(SharedPixels&& other) noexcept;
-    SharedPixels& operator=(SharedPixels&& other) noexcept;
-    ~SharedPixels();
+    SharedMemory(SharedMemory&& other) noexcept;
+    SharedMemory& operator=(SharedMemory&& other) noexcept;
+    ~SharedMemory();
 
     int descriptor() const { return descriptor_.get(); }
     std::span<std::uint8_t> bytes() const { return bytes_; }
@@ -31,7 +31,7 @@ public:
     std::optional<PixelBuffer> copy(std::uint32_t width, std::uint32_t height) const;
 
 private:
-    SharedPixels(FileDescriptor descriptor, std::span<std::uint8_t> bytes)
+    SharedMemory(FileDescriptor descriptor, std::span<std::uint8_t> bytes)
         : descriptor_(std::move(descriptor)), bytes_(bytes) {}
 
     FileDescriptor descriptor_;
