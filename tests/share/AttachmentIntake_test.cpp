@@ -2,8 +2,10 @@
 
 #include "share/ShareTest.h"
 #include "store/ShareExtensionError.h"
+#include "support/BitmapFile.h"
 
 #include <algorithm>
+#include <fcntl.h>
 #include <utility>
 
 namespace sela {
@@ -92,7 +94,11 @@ TEST_F(AttachmentIntakeTest, ARequestWithoutAttachmentsHasNoneAndSavingEndsAtOnc
 }
 
 TEST_F(AttachmentIntakeTest, APictureInMemoryBecomesAJPEGWithoutAName) {
-    share({NSItemProvider::ofImage(UIImage::fromPixels({2, 1, {255, 0, 0, 255, 0, 0, 255, 255}}))});
+    const std::string file = home.write("picture.bmp", bitmapFile(2, 1, ~0U));
+    const auto image =
+        UIImage::contentsOfOpenFile(FileDescriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC)), 64);
+    ASSERT_TRUE(image);
+    share({NSItemProvider::ofImage(*image)});
     save();
     ASSERT_EQ(recordedItems().size(), 1u);
     const SharedItem item = recordedItems().front();

@@ -1,6 +1,7 @@
 #include "store/SharedAlbumManager.h"
 
 #include "store/SharedFolder.h"
+#include "support/BitmapFile.h"
 #include "support/LogCapture.h"
 #include "support/TemporaryHome.h"
 
@@ -57,9 +58,9 @@ TEST_F(SharedAlbumManagerTest, ACoverIsAFileOfItsFolderOrNothing) {
     EXPECT_FALSE(SharedAlbumManager::thumbnail("c.jpg"));
     home.provision();
     home.write("data/sela/groups/group.sela.vault/AlbumThumbnails/text.jpg", "no picture");
-    const EncodedImage jpeg = *UIImage::fromPixels({1, 1, {255, 0, 0, 255}}).jpegData(0.9);
-    home.write("data/sela/groups/group.sela.vault/outside.jpg", asText(jpeg.bytes()));
-    home.write("data/sela/groups/group.sela.vault/AlbumThumbnails/cover.jpg", asText(jpeg.bytes()));
+    const std::string picture = bitmapFile(1, 1, ~0U);
+    home.write("data/sela/groups/group.sela.vault/outside.jpg", picture);
+    home.write("data/sela/groups/group.sela.vault/AlbumThumbnails/cover.jpg", picture);
     const std::optional<UIImage> cover = SharedAlbumManager::thumbnail("cover.jpg");
     ASSERT_TRUE(cover);
     EXPECT_EQ(cover->width(), 1);

@@ -1,5 +1,6 @@
 #include "unlock/AlbumCovers.h"
 
+#include "support/BitmapFile.h"
 #include "ui/SelaShareExtensionAlbumCell.h"
 #include "unlock/UnlockTest.h"
 
@@ -10,11 +11,8 @@ class AlbumCoversTest : public UnlockTest {
 protected:
     void publishCover(const std::string& fileName, int width) {
         home_.provision();
-        const std::vector<std::uint8_t> bytes(static_cast<std::size_t>(width) * 10 * 4, 0xFF);
-        const std::optional<EncodedImage> picture = UIImage::fromPixels({width, 10, bytes}).jpegData(0.9);
-        ASSERT_TRUE(picture);
         home_.write("data/sela/groups/group.sela.vault/AlbumThumbnails/" + fileName,
-                    asText(picture->bytes()));
+                    bitmapFile(width, 10, ~0U));
     }
 
     static SharedAlbum covered(const std::string& name, const std::string& fileName, bool locked = false) {

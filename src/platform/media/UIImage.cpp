@@ -2,16 +2,23 @@
 
 #include "platform/foundation/AssetCatalogue.h"
 #include "platform/foundation/FatalError.h"
-#include "platform/media/JPEGEncoding.h"
 #include "platform/media/MediaServiceClient.h"
 #include "platform/media/SharedMemory.h"
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 
 namespace sela {
 
 namespace {
+
+/// The encoder's quality, 1 to 100; one that is no number counts as the best.
+std::uint32_t encoderQuality(double quality) {
+    if (!(quality < 1))
+        return 100;
+    return static_cast<std::uint32_t>(std::max(1L, std::lround(quality * 100)));
+}
 
 std::string pathOf(const FileDescriptor& file) {
     return "/proc/self/fd/" + std::to_string(file.get());
@@ -94,18 +101,16 @@ UIImage UIImage::imageFlippedForRightToLeftLayoutDirection() const {
 }
 
 std::optional<EncodedImage> UIImage::jpegData(double quality) const {
-    if (original_) {
-        MediaRequest request;
-        request.operation = MediaOperation::encodePicture;
-        request.quality = static_cast<std::uint32_t>(jpegQuality(quality));
-        const auto answer = MediaServiceClient::shared().perform(pathOf(*original_), request);
-        if (!answer)
-            return std::nullopt;
-        const auto& file = answer.value().file;
-        return EncodedImage(file, std::as_bytes(file->bytes()).first(answer.value().response.fileSize));
-    }
-    auto bytes = pixels_ ? encodeJPEG(*pixels_, quality) : std::nullopt;
-    return bytes ? std::optional(EncodedImage(std::move(*bytes))) : std::nullopt;
+    if (!original_)
+        return std::nullopt;
+    MediaRequest request;
+    request.operation = MediaOperation::encodePicture;
+    request.quality = encoderQuality(quality);
+    const auto answer = MediaServiceClient::shared().perform(pathOf(*original_), request);
+    if (!answer)
+        return std::nullopt;
+    const auto& file = answer.value().file;
+    return EncodedImage(file, std::as_bytes(file->bytes()).first(answer.value().response.fileSize));
 }
 
 } // namespace sela

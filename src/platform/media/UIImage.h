@@ -24,11 +24,6 @@ struct PixelBuffer {
 /// A file's content. An immutable value that is cheap to copy.
 class EncodedImage {
 public:
-    explicit EncodedImage(Data bytes) {
-        auto owner = std::make_shared<const Data>(std::move(bytes));
-        bytes_ = *owner;
-        owner_ = std::move(owner);
-    }
     /// Bytes that stay as long as `owner`.
     EncodedImage(std::shared_ptr<const void> owner, DataView bytes)
         : owner_(std::move(owner)), bytes_(bytes) {}
@@ -85,10 +80,10 @@ public:
     /// The same picture, mirrored in such a view.
     UIImage imageFlippedForRightToLeftLayoutDirection() const;
 
-    /// The picture as JPEG at `quality` 0.0 to 1.0, transparent parts flattened on white; absent when it
-    /// cannot be encoded (a named asset, an empty picture, a side above the 65,500 that libjpeg writes). Of a
-    /// picture in an open file the media helper makes it while reading that file, so that it is never whole
-    /// in the memory of this process; that takes seconds for the largest. Blocks.
+    /// A picture in an open file as JPEG, in its full size, at `quality` 0.0 to 1.0 (values outside count as
+    /// the nearer end), transparent parts flattened on white. The media helper makes it while reading that
+    /// file, so that it is never whole in the memory of this process; that takes seconds for the largest.
+    /// Absent for other pictures, and for one with a side above the 65,500 that libjpeg writes. Blocks.
     std::optional<EncodedImage> jpegData(double quality) const;
 
 private:
