@@ -39,8 +39,13 @@ char* SecretAllocator::allocate(std::size_t size) {
 }
 
 void SecretAllocator::deallocate(char* place, std::size_t size) {
-    ::explicit_bzero(place, size);
+    overwrite({reinterpret_cast<std::byte*>(place), size});
     memory().deallocate(place, size);
+}
+
+void overwrite(std::span<std::byte> bytes) {
+    if (!bytes.empty())
+        ::explicit_bzero(bytes.data(), bytes.size());
 }
 
 } // namespace sela

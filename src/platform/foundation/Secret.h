@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -20,6 +21,9 @@ struct SecretAllocator {
 
     bool operator==(const SecretAllocator&) const = default;
 };
+
+/// Overwrites bytes that held a secret, also where nobody reads them any more.
+void overwrite(std::span<std::byte> bytes);
 
 /// A text that is nobody's business: a passcode, what has been entered of one, an album's password. It has no
 /// way into a log, an error, a tree or an accessibility value but by `exposed()`. A value; one thread at a

@@ -6,7 +6,6 @@
 #include "platform/foundation/SettingsDatabase.h"
 
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 namespace sela {
@@ -91,7 +90,7 @@ std::optional<Secret> UserDefaults::string(std::string_view key) const {
     if (!value)
         return std::nullopt;
     Secret text(asText(*value));
-    ::explicit_bzero(value->data(), value->size());
+    overwrite(*value);
     return text;
 }
 
