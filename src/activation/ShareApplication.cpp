@@ -67,6 +67,7 @@ void startShare(GApplication* application, std::vector<std::string> arguments) {
     const ShareApplication* const self = shareApplication(application);
     arguments.insert(arguments.begin(), {self->program, "--quiet"});
     std::vector<const char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments)
         pointers.push_back(argument.c_str());
     pointers.push_back(nullptr);

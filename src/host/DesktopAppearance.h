@@ -37,10 +37,8 @@ public:
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
 
-private Q_SLOTS:
-    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
-
 private:
+    Q_SLOT void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
     void askPortal();
     void take(const QDBusPendingCallWatcher& answer);
     void set(const QString& group, const QString& key, const QVariant& value);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <variant>
 
 namespace sela {
@@ -15,7 +16,8 @@ namespace {
 
 template<class T>
 void append(std::string& key, const T& value) {
-    key.append(reinterpret_cast<const char*>(&value), sizeof value);
+    const auto bytes = std::as_bytes(std::span(&value, 1));
+    key.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
 }
 
 void appendText(std::string& key, const std::string& text) {

@@ -58,8 +58,8 @@ std::vector<Option> commonOptions(const OptionTable& table) {
 
 std::vector<std::string> namesOf(const std::vector<Option>& options) {
     std::vector<std::string> names;
-    for (const Option& option : options)
-        names.emplace_back(option.name);
+    std::ranges::transform(options, std::back_inserter(names),
+                           [](const Option& option) { return std::string(option.name); });
     return names;
 }
 

@@ -62,7 +62,7 @@ URL importFolder(const URL& into, bool fake, const std::vector<std::string>& alb
 }
 
 std::string importName(const SharedItem& item, int attempt, NameForm form) {
-    const std::string name = safeFileName(item.preferredName.value_or(item.fileName), form);
+    std::string name = safeFileName(item.preferredName.value_or(item.fileName), form);
     if (attempt < 2)
         return name;
     const auto [stem, extension] = stemAndExtension(name);

@@ -1,8 +1,9 @@
 #include "platform/foundation/Heap.h"
 
-#include <cstdint>
+#include <cstddef>
 #include <cstdlib>
 #include <malloc.h>
+#include <memory>
 #include <sys/mman.h>
 
 namespace sela {
@@ -18,11 +19,9 @@ void keepFreedMemory() {
 }
 
 void populatePages(void* memory, std::size_t bytes) {
-    constexpr std::uintptr_t page = 4096;
-    const std::uintptr_t begin = (reinterpret_cast<std::uintptr_t>(memory) + page - 1) / page * page;
-    const std::uintptr_t end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) / page * page;
-    if (begin < end)
-        ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_POPULATE_WRITE);
+    constexpr std::size_t page = 4096;
+    if (std::align(page, page, memory, bytes))
+        ::madvise(memory, bytes / page * page, MADV_POPULATE_WRITE);
 }
 
 void growHeap(std::size_t bytes) {

@@ -11,7 +11,7 @@ struct IndexPath {
 
     bool operator==(const IndexPath&) const = default;
     auto operator<=>(const IndexPath& other) const {
-        if (const auto order = section <=> other.section; order != 0)
+        if (const auto order = section <=> other.section; std::is_neq(order))
             return order;
         return row <=> other.row;
     }

@@ -32,7 +32,7 @@ void write(std::ostream& out, const NSAttributedString::Attributes& attributes) 
 
 } // namespace
 
-NSAttributedString::NSAttributedString(std::string_view text, Attributes attributes) {
+NSAttributedString::NSAttributedString(std::string_view text, const Attributes& attributes) {
     appendRun(text, attributes);
 }
 

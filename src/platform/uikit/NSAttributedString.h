@@ -36,7 +36,7 @@ public:
 
     NSAttributedString() = default;
     NSAttributedString(std::string_view text) : NSAttributedString(text, Attributes()) {}
-    NSAttributedString(std::string_view text, Attributes attributes);
+    NSAttributedString(std::string_view text, const Attributes& attributes);
 
     /// The stretches in order; neighbours differ in their attributes.
     const std::vector<Run>& runs() const { return runs_; }

@@ -83,7 +83,7 @@ NSAttributedString UILabel::resolvedText(double scale) const {
 }
 
 NSAttributedString UILabel::displayedText() const {
-    const NSAttributedString text = resolvedText(1);
+    NSAttributedString text = resolvedText(1);
     const bool givesWay =
         std::ranges::any_of(text.runs(), [](const auto& run) { return run.attributes.givesWay; });
     if (!adjustsFontSizeToFitWidth_ || numberOfLines_ != 1 || givesWay)

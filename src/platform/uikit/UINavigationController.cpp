@@ -61,16 +61,16 @@ void UINavigationController::viewDidLayoutSubviews() {
 void UINavigationController::pushViewController(std::shared_ptr<UIViewController> controller, bool animated) {
     finishTransition();
     const std::shared_ptr<UIViewController> outgoing = children().back();
-    addChild(controller);
+    addChild(std::move(controller));
     if (isViewLoaded())
-        show(controller, outgoing, true, animated);
+        show(children().back(), outgoing, true, animated);
 }
 
 std::shared_ptr<UIViewController> UINavigationController::popViewController(bool animated) {
     if (children().size() < 2)
         return nullptr;
     finishTransition();
-    const std::shared_ptr<UIViewController> outgoing = children().back();
+    std::shared_ptr<UIViewController> outgoing = children().back();
     outgoing->willMove(nullptr);
     outgoing->removeFromParent();
     if (isViewLoaded())

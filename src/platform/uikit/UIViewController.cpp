@@ -99,10 +99,11 @@ void UIViewController::present(std::shared_ptr<UIViewController> controller, boo
         view.setTransform(CGAffineTransform::translation(0, window->bounds().size.height));
     UIView::animate(
         animated ? presentationDuration : 0, [&] { view.setTransform({}); },
-        [covered = presenter.weak_from_this(), controller, completion = std::move(completion)](bool) {
+        [covered = presenter.weak_from_this(), shown = std::move(controller),
+         completion = std::move(completion)](bool) {
             if (const std::shared_ptr<UIViewController> alive = covered.lock())
                 alive->endAppearanceTransition();
-            controller->endAppearanceTransition();
+            shown->endAppearanceTransition();
             if (completion)
                 completion();
         });
