@@ -40,12 +40,18 @@ install(PROGRAMS ${resources}/desktop/purpose/main.py
 install(FILES ${resources}/desktop/icon.svg
         DESTINATION share/icons/hicolor/scalable/apps RENAME ${SELA_APPLICATION_ID}.svg)
 
-# The bus needs an absolute path, which only the installation knows.
-install(CODE "
-  set(SELA_HELPER_DIR ${SELA_HELPER_DIR})
-  set(service \${CMAKE_INSTALL_PREFIX}/share/dbus-1/services/${SELA_APPLICATION_ID}.service)
-  configure_file(${resources}/desktop/bus.service.in \$ENV{DESTDIR}\${service} @ONLY)
-  list(APPEND CMAKE_INSTALL_MANIFEST_FILES \${service})")
+# sela_install_service(TEMPLATE PLACE): what starts a program by its absolute path, which only the installation knows.
+function(sela_install_service template place)
+  install(CODE "
+    set(SELA_HELPER_DIR ${SELA_HELPER_DIR})
+    set(service \${CMAKE_INSTALL_PREFIX}/${place})
+    configure_file(${resources}/${template}.in \$ENV{DESTDIR}\${service} @ONLY)
+    list(APPEND CMAKE_INSTALL_MANIFEST_FILES \${service})")
+endfunction()
+
+sela_install_service(desktop/bus.service share/dbus-1/services/${SELA_APPLICATION_ID}.service)
+# Systemd's unit for the user, which is not enabled.
+sela_install_service(systemd/sela-vault-import.service lib/systemd/user/sela-vault-import.service)
 
 # sela_install_compressed(FILE FOLDER): without a time in it, so that each build gives the same.
 find_program(GZIP gzip REQUIRED)

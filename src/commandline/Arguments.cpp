@@ -27,6 +27,8 @@ public:
                 return error;
             }
         }
+        if (ErrorRef error = checkOperands())
+            return error;
         return std::move(arguments_);
     }
 
@@ -51,6 +53,21 @@ private:
             table_.commands, [&](const Command& command) { return command.name.starts_with(one + " "); });
         return usageError(isBeginning ? "\"" + one + "\" needs to know what to do"
                                       : "there is no command \"" + one + "\"");
+    }
+
+    /// A command takes the operands that its help names; with --help it takes any.
+    ErrorRef checkOperands() const {
+        if (!arguments_.command || arguments_.has("--help"))
+            return nullptr;
+        const std::string_view named = arguments_.command->operands;
+        const std::size_t wanted =
+            named.empty() ? 0 : 1 + static_cast<std::size_t>(std::ranges::count(named, ' '));
+        const std::string name(arguments_.command->name);
+        if (arguments_.operands.size() < wanted)
+            return usageError(name + " needs " + std::string(named));
+        if (arguments_.operands.size() > wanted)
+            return usageError(name + " does not take \"" + arguments_.operands[wanted] + "\"");
+        return nullptr;
     }
 
     ErrorRef readOption(const std::string& word) {

@@ -10,8 +10,9 @@ namespace sela {
 /// (`readArguments`) and what its help, its manual page and its completions are written from. All texts are
 /// English, begin small, and live as long as the program. Tables are constants: any thread.
 
-/// What a shell completes a value or an operand with.
-enum class Completion { nothing, files, folders };
+/// What a shell completes a value or an operand with: albums are those that the passcode of --passcode-file
+/// opens, and none without it.
+enum class Completion { nothing, files, folders, albums };
 
 /// An option, written `--name VALUE`, `--name=VALUE` or `-l VALUE`.
 struct Option {
@@ -36,7 +37,7 @@ struct OptionGroup {
 /// What a program does when its first words are `name`.
 struct Command {
     std::string_view name;          ///< one word, or two like "album add"
-    std::string_view operands = {}; ///< as help writes them; empty for a command that takes none
+    std::string_view operands = {}; ///< as help writes them, a word each: as many must be given
     std::string_view help = {};
     std::vector<Option> options = {};
     Completion completion = Completion::nothing; ///< of its operands

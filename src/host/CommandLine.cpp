@@ -74,6 +74,20 @@ ErrorRef readStep(CommandLine& line, Step::Kind kind, const std::string& text) {
     return nullptr;
 }
 
+/// What naming an album means for the rest.
+ErrorRef readAlbum(CommandLine& line) {
+    if (!line.album)
+        return line.passcodeFile || line.albumPasswordFile
+                   ? usageError("a passcode is typed for --album only")
+                   : nullptr;
+    if (!line.steps.empty())
+        return usageError("--album presses what is to be pressed by itself, and takes no steps");
+    if (line.passcodeFile == "-" && line.albumPasswordFile == "-")
+        return usageError("only one passcode can come from standard input");
+    line.headless = true;
+    return nullptr;
+}
+
 /// What each option of the table does.
 ErrorRef readOption(CommandLine& line, std::string_view option, const std::string& value) {
     constexpr std::pair<std::string_view, Step::Kind> steps[] = {
@@ -99,6 +113,14 @@ ErrorRef readOption(CommandLine& line, std::string_view option, const std::strin
         line.output = CommandLine::Output::verbose;
     else if (option == "--paste")
         line.paste = true;
+    else if (option == "--json")
+        line.json = true;
+    else if (option == "--album")
+        line.album = value;
+    else if (option == "--passcode-file")
+        line.passcodeFile = value;
+    else if (option == "--album-password-file")
+        line.albumPasswordFile = value;
     else if (option == "--help")
         line.help = true;
     else if (option == "--version")
@@ -121,6 +143,8 @@ Result<CommandLine> CommandLine::parse(const std::vector<std::string>& words) {
             return error;
     if (line.screenWidth && *line.screenWidth * *line.screenHeight * line.scale * line.scale > largestPicture)
         return usageError("--screen and --scale together ask for a picture of more than 256 megapixels");
+    if (ErrorRef error = readAlbum(line))
+        return error;
     if (line.paste && line.headless)
         return usageError("--paste needs a display, where the clipboard is");
     return line;

@@ -17,6 +17,8 @@ struct Step {
         wait,     ///< real time in seconds, counted from the step before; the next step does not wait either
         snapshot, ///< a picture of the screen into a PNG file
         tree,     ///< the view tree as JSON into a file
+        unfold,   ///< a tap that shows the albums inside the album of that path
+        album,    ///< a tap on the row of the album of that path
     };
 
     Kind kind;
@@ -50,7 +52,12 @@ struct CommandLine {
     bool paste = false; ///< the clipboard is attached, too
     bool help = false;
     bool version = false;
+    bool json = false; ///< what became of each file is printed as JSON
     std::vector<Step> steps;
+
+    std::optional<std::string> album; ///< the path of the album to add to, without a window and without steps
+    std::optional<std::string> passcodeFile;
+    std::optional<std::string> albumPasswordFile;
 
     /// Reads the arguments behind the program's name. The error says in one line what is wrong with them.
     static Result<CommandLine> parse(const std::vector<std::string>& words);

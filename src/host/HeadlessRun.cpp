@@ -4,6 +4,7 @@ namespace sela {
 
 HeadlessRun::HeadlessRun(QtApplication& application, const CommandLine& line, const Attachments& attachments)
     : application_(application), pixelsPerPoint_(line.scale), hasSteps_(!line.steps.empty()),
+      loop_(line.album ? HeadlessMainLoop::Idle::isSkipped : HeadlessMainLoop::Idle::waits),
       session_(line, loop_, attachments) {
     if (line.output != CommandLine::Output::normal || !TerminalProgress::isPossible())
         return;

@@ -1,5 +1,6 @@
 #include "host/ShareSession.h"
 
+#include "host/AlbumSteps.h"
 #include "share/PrincipalClasses.h"
 
 #include <utility>
@@ -36,10 +37,11 @@ void ShareSession::requestEnded(const ErrorRef& cancellation) {
 void ShareSession::takeSteps(double pixelsPerPoint, std::function<void()> taken) {
     if (line_.steps.empty())
         return;
-    steps_ = std::make_unique<StepRunner>(StepRunner::Screen{scope_.window(), scope_.painter(),
-                                                             pixelsPerPoint, scope_.queue(),
-                                                             [this] { return screen_->areImagesShown(); }},
-                                          line_.steps);
+    steps_ = std::make_unique<StepRunner>(
+        StepRunner::Screen{scope_.window(), scope_.painter(), pixelsPerPoint, scope_.queue(),
+                           [this] { return screen_->areImagesShown(); },
+                           [this](const Step& step) { return viewOfAlbum(*screen_, step); }},
+        line_.steps);
     steps_->start([this, taken = std::move(taken)](const std::optional<std::string>& failure) {
         if (!failure) {
             if (taken)

@@ -1,5 +1,6 @@
 #include "host/StepRunner.h"
 
+#include "host/AlbumSteps.h"
 #include "host/Snapshot.h"
 #include "host/TreeWriter.h"
 #include "host/ViewLocator.h"
@@ -104,6 +105,15 @@ std::optional<std::string> StepRunner::take(const Step& step) {
         if (!TreeWriter::write(screen_.window, step.argument))
             return "cannot write the tree " + step.argument;
         return std::nullopt;
+    case Step::Kind::unfold:
+    case Step::Kind::album: {
+        const Result<std::string> view = screen_.viewOfAlbum(step);
+        if (!view)
+            return view.error()->localizedDescription();
+        if (!touch(view.value()))
+            return lockedAlbum(step)->localizedDescription();
+        return std::nullopt;
+    }
     case Step::Kind::wait:
         return std::nullopt;
     }

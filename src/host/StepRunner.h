@@ -26,6 +26,9 @@ public:
 
         /// Whether everything that loads by itself is shown; empty: always.
         std::function<bool()> isContentShown;
+
+        /// The name of the view that an `unfold` or `album` step touches.
+        std::function<Result<std::string>(const Step&)> viewOfAlbum;
     };
 
     /// `failure` is absent when all steps were taken, else it says which one could not be, and why.

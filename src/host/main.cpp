@@ -1,8 +1,10 @@
+#include "host/AlbumSteps.h"
 #include "host/CommandLine.h"
 #include "host/DesktopNotification.h"
 #include "host/HeadlessRun.h"
 #include "host/MimeAttachments.h"
 #include "host/SaveReport.h"
+#include "host/SaveReportJSON.h"
 #include "host/ShareOptions.h"
 #include "host/ShareRequest.h"
 #include "host/ShareWindow.h"
@@ -98,6 +100,8 @@ int share(const sela::CommandLine& line) {
     const auto finish = [&](const sela::SaveReport& report, bool wasPutAside) {
         tell(report, line);
         notify(report, line, wasPutAside);
+        if (line.json)
+            std::fputs(sela::saveReportJSON(report).c_str(), stdout);
         return static_cast<int>(report.status());
     };
     if (line.headless) {
@@ -125,10 +129,16 @@ int main(int argc, char** argv) {
     const auto parsed = sela::CommandLine::parse(std::vector<std::string>(argv + 1, argv + argc));
     if (!parsed)
         return misuse(parsed.error()->localizedDescription());
-    const sela::CommandLine& line = parsed.value();
+    sela::CommandLine line = parsed.value();
     if (line.help)
         return std::fputs(sela::helpText(sela::shareOptions()).c_str(), stdout) < 0;
     if (line.version)
         return std::puts("sela-share " SELA_VERSION) < 0;
+    if (line.album) {
+        const sela::Result<std::vector<sela::Step>> steps = sela::stepsToAlbum(line);
+        if (!steps)
+            return misuse(steps.error()->localizedDescription());
+        line.steps = steps.value();
+    }
     return share(line);
 }

@@ -63,11 +63,45 @@ std::vector<std::string> namesOf(const std::vector<Option>& options) {
     return names;
 }
 
+bool completesAlbums(const OptionTable& table) {
+    return std::ranges::count(commonOptions(table), Completion::albums, &Option::completion) > 0;
+}
+
 std::string functionName(const OptionTable& table) {
     std::string name = "_" + std::string(table.program);
     std::ranges::replace(name, '-', '_');
     return name;
 }
+
+/// The albums that the passcode of the file before opens, a line each; nothing without it.
+constexpr std::string_view bashAlbums = R"(
+        local i file=
+        for ((i = 1; i < COMP_CWORD - 1; i++)); do
+            [[ ${COMP_WORDS[i]} != --passcode-file ]] || file=${COMP_WORDS[i + 1]}
+        done
+        [[ -n $file ]] || return
+        local IFS=$'\n'
+        words=$(sela-vault album list --passcode-file "$file" 2>/dev/null)
+        compopt -o filenames 2>/dev/null
+       )";
+
+constexpr std::string_view fishAlbums = R"(
+function __sela_albums
+    set -l words (commandline -opc)
+    if set -l place (contains -i -- --passcode-file $words)
+        sela-vault album list --passcode-file $words[(math $place + 1)] 2>/dev/null
+    end
+end
+)";
+
+constexpr std::string_view zshAlbums = R"zsh(
+_sela_albums() {
+    local place=${words[(i)--passcode-file]}
+    ((place < $#words)) || return
+    local -a albums=(${(f)"$(sela-vault album list --passcode-file ${(Q)words[place + 1]} 2>/dev/null)"})
+    compadd -a albums
+}
+)zsh";
 
 /// What bash offers behind each option that takes a value.
 std::string bashValues(const OptionTable& table) {
@@ -86,7 +120,9 @@ std::string bashValues(const OptionTable& table) {
         std::ranges::transform(option.words, std::back_inserter(words), [](std::string_view word) {
             return std::string(word.substr(0, word.find(':')));
         });
-        if (!words.empty())
+        if (option.completion == Completion::albums)
+            text += "    " + name + ") " + std::string(bashAlbums) + " ;;\n";
+        else if (!words.empty())
             text += "    " + name + ") words=" + quoted(joined(words), "'\\''") + " ;;\n";
         else if (option.completion == Completion::nothing)
             text += "    " + name + ") return ;;\n";
@@ -118,7 +154,9 @@ std::string fishOption(const std::string& start, const Option& option) {
     if (option.letter)
         line += std::string(" -s ") + option.letter;
     line += " -l " + std::string(option.name.substr(2));
-    if (!option.words.empty())
+    if (option.completion == Completion::albums)
+        line += " -x -a '(__sela_albums)'";
+    else if (!option.words.empty())
         line += " -x -a " + quoted(joined({option.words.begin(), option.words.end()}), "\\'");
     else if (option.takesValue())
         line += option.completion == Completion::nothing ? " -x" : " -r";
@@ -139,6 +177,8 @@ std::string zshText(std::string_view text) {
 std::string zshFiles(Completion completion) {
     if (completion == Completion::nothing)
         return " ";
+    if (completion == Completion::albums)
+        return "_sela_albums";
     return completion == Completion::folders ? "_files -/" : "_files";
 }
 
@@ -184,6 +224,8 @@ std::string fishCompletion(const OptionTable& table) {
     const std::string program(table.program);
     const std::string start = "complete -c " + program;
     std::string text = "# Completion of " + program + " for fish.\n";
+    if (completesAlbums(table))
+        text += fishAlbums.substr(1);
     for (const Option& option : commonOptions(table))
         text += fishOption(start, option);
     for (const Command& command : table.commands) {
@@ -210,6 +252,8 @@ std::string fishCompletion(const OptionTable& table) {
 std::string zshCompletion(const OptionTable& table) {
     const std::string program(table.program);
     std::string text = "#compdef " + program + "\n# Completion of " + program + " for zsh.\n";
+    if (completesAlbums(table))
+        text += zshAlbums.substr(1);
     if (table.commands.empty())
         return text + zshArguments(commonOptions(table), table.completion, "");
     text += "if ((CURRENT == 2)); then\n    local -a commands=(" + joined(firstWords(table)) +

@@ -103,6 +103,8 @@ Result<std::string> filledIn(const OptionTable& table, std::string_view line) {
         return commands(table);
     if (line == "@statuses")
         return statuses(table);
+    if (line == "@examples")
+        return roff(table.examples);
     if (line == "@kinds")
         return kinds();
     for (const OptionGroup& group : table.groups)
@@ -122,7 +124,7 @@ Result<std::string> manualPage(const OptionTable& table, std::string_view page) 
             text += std::string(line) + "\n";
             continue;
         }
-        const Result<std::string> content = filledIn(table, line);
+        Result<std::string> content = filledIn(table, line);
         if (!content)
             return content;
         text += content.value();

@@ -8,10 +8,10 @@
 
 namespace sela {
 
-/// Fills in a manual page. In place of a line "@synopsis", "@commands", "@statuses", "@kinds" or
+/// Fills in a manual page. In place of a line "@synopsis", "@commands", "@statuses", "@examples", "@kinds" or
 /// "@options TITLE" stands what the program's table says: how it is called, its commands with their options,
-/// its exit statuses, the endings of the files that the vault keeps, and the options of a group. Other lines
-/// are roff and stay as they are. The error for any other line that begins with "@".
+/// its exit statuses, its examples, the endings of the files that the vault keeps, and the options of a
+/// group. Other lines are roff and stay as they are. The error for any other line that begins with "@".
 Result<std::string> manualPage(const OptionTable& table, std::string_view page);
 
 } // namespace sela

@@ -127,10 +127,14 @@ ErrorRef Import::recover() {
 }
 
 ErrorRef Import::importAll(std::vector<Entry> entries) {
+    const std::size_t count = entries.size();
+    std::size_t done = 0;
     while (!entries.empty()) {
         std::vector<Entry> again;
         Batch batch;
         for (const Entry& entry : entries) {
+            if (options_.progress)
+                options_.progress(std::min(++done, count), count);
             if (ErrorRef error = plan(entry, batch))
                 addProblem(entry.second, error);
             if (batch.placements.size() < largestBatch && batch.bytes < largestBatchSize)

@@ -7,6 +7,7 @@
 #include "vault/ImportPlace.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -30,6 +31,9 @@ public:
         /// ledger is kept in the settings nothing is removed: it may know them. Nor while somebody shares.
         bool prune = false;
         bool dropMissing = false; ///< take entries whose file is missing out of the ledger
+
+        /// Told which entry comes next, from 1 on, and how many there are.
+        std::function<void(std::size_t entry, std::size_t count)> progress = {};
     };
 
     /// What became of the entries and files; each line is for a person.

@@ -49,10 +49,6 @@ std::string pathText(const std::vector<std::string>& names) {
     return text;
 }
 
-ErrorRef settingsMissing() {
-    return ShareExtensionError::make("UserDefaults is nil");
-}
-
 std::string sizeOf(const SharedItem& item) {
     const std::optional<URL> container = sharedFolderUrl();
     if (!container || !isSinglePathComponent(item.fileName))
@@ -64,22 +60,25 @@ std::string sizeOf(const SharedItem& item) {
 
 } // namespace
 
-Result<std::string> albumsTable() {
-    const std::optional<UserDefaults> defaults = sharedDefaults();
-    if (!defaults)
-        return settingsMissing();
-    const Result<std::optional<Data>> catalogue = defaults->readData(sharedAlbumsKey);
-    if (!catalogue)
-        return catalogue.error();
-    if (!catalogue.value())
-        return ShareExtensionError::make("no catalogue is published; run \"sela-vault publish\"");
-    const Result<std::vector<SharedAlbum>> albums = decodeJSONArray<SharedAlbum>(*catalogue.value());
-    if (!albums)
-        return albums.error();
-    std::vector<Row> rows = {{"VAULT", "LOCK", "ALBUM", "COVER"}};
-    for (const SharedAlbum& album : albums.value())
-        rows.push_back({album.fake ? "decoy" : "vault", album.password ? "locked" : "-",
-                        pathText(album.namePath), escapedForLog(album.thumbNailName.value_or("-"))});
+std::string albumsTable(const Catalogue& catalogue) {
+    std::vector<Row> rows = {{"VAULT", "ALBUM", "LOCK", "WAITING", "COVER"}};
+    const auto add = [&](const SharedAlbum& album) {
+        const std::size_t waiting = catalogue.waiting({album.namePath, album.fake});
+        const std::string name = album.namePath.empty() ? "" : escapedForLog(album.namePath.back());
+        rows.push_back({album.fake ? "decoy" : "vault", (album.namePath.size() > 1 ? "  " : "") + name,
+                        album.password ? "locked" : "-", waiting > 0 ? std::to_string(waiting) : "-",
+                        escapedForLog(album.thumbNailName.value_or("-"))});
+    };
+    for (const bool fake : {false, true})
+        for (const SharedAlbum& parent : catalogue.albums()) {
+            if (parent.fake != fake || parent.namePath.size() != 1)
+                continue;
+            add(parent);
+            for (const SharedAlbum& child : catalogue.albums())
+                if (child.fake == fake && child.namePath.size() == 2 &&
+                    child.namePath.front() == parent.namePath.front())
+                    add(child);
+        }
     return table(rows);
 }
 

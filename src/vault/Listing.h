@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/Error.h"
+#include "vault/Catalogue.h"
 
 #include <string>
 
@@ -9,8 +10,8 @@ namespace sela {
 /// What the group holds, as text for standard output. One thread. Names are escaped as in a log, so that none
 /// can drive a terminal; passwords and passcodes are never shown.
 
-/// The catalogue as a table. The error when nothing is published or it cannot be decoded.
-Result<std::string> albumsTable();
+/// The albums as a tree, each vault's with its children below it, and the files that wait for each.
+std::string albumsTable(const Catalogue& catalogue);
 
 /// The ledger as a table, newest last, with each file's size, or "missing".
 Result<std::string> ledgerTable();

@@ -1,5 +1,6 @@
 #include "vault/PublicationRules.h"
 
+#include "store/AlbumPath.h"
 #include "store/ShareExtensionError.h"
 
 #include <algorithm>
@@ -34,10 +35,10 @@ std::string fateOf(const SharedAlbum& album, const std::set<std::pair<bool, std:
     if (album.namePath.empty())
         return "an album without a name is not shown";
     if (album.namePath.size() > 2)
-        return "album " + pathText(album) + " is not shown: albums have two levels";
+        return "album " + albumPathText(album.namePath) + " is not shown: albums have two levels";
     if (album.namePath.size() == 2 && !parents.contains({album.fake, album.namePath.front()}))
-        return "album " + pathText(album) + " is not shown: there is no album " + album.namePath.front() +
-               " above it";
+        return "album " + albumPathText(album.namePath) + " is not shown: there is no album " +
+               album.namePath.front() + " above it";
     return {};
 }
 
@@ -78,7 +79,7 @@ ErrorRef problemWithPasswords(const std::vector<SharedAlbum>& albums) {
     for (const SharedAlbum& album : albums) {
         if (!album.password)
             continue;
-        const std::string password = "the password of album " + pathText(album);
+        const std::string password = "the password of album " + albumPathText(album.namePath);
         if (album.password->empty())
             return ShareExtensionError::make(password + " is empty, so any digit would open it");
         if (!canBeTyped(album.password->exposed()))
@@ -111,7 +112,7 @@ std::vector<std::string> warningsOfAlbums(const std::vector<SharedAlbum>& albums
     for (const SharedAlbum& album : albums) {
         std::string warning = fateOf(album, parents);
         if (warning.empty() && !seen.emplace(album.fake, album.namePath).second)
-            warning = "album " + pathText(album) + " is there more than once" +
+            warning = "album " + albumPathText(album.namePath) + " is there more than once" +
                       (album.namePath.size() == 1 ? "; its child albums are shown below the last one" : "");
         if (!warning.empty())
             warnings.push_back(std::move(warning));
@@ -121,13 +122,6 @@ std::vector<std::string> warningsOfAlbums(const std::vector<SharedAlbum>& albums
         warnings.push_back("and " + std::to_string(count - mostWarnings) + " more albums like these");
     }
     return warnings;
-}
-
-std::string pathText(const SharedAlbum& album) {
-    std::string text;
-    for (const std::string& name : album.namePath)
-        text += (text.empty() ? "" : "/") + name;
-    return text;
 }
 
 } // namespace sela

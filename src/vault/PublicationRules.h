@@ -28,7 +28,4 @@ std::vector<std::string> warningsOfPasscodes(const Secret& vault, const std::opt
 /// number of those left out.
 std::vector<std::string> warningsOfAlbums(const std::vector<SharedAlbum>& albums);
 
-/// An album's path for a message, as in "Trips/Rome".
-std::string pathText(const SharedAlbum& album);
-
 } // namespace sela

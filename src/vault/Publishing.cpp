@@ -56,11 +56,11 @@ std::set<std::string> coverNames(const std::vector<SharedAlbum>& albums, Publica
     return names;
 }
 
-void warnOfMissingCovers(const std::set<std::string>& names, const URL& folder,
+void warnOfMissingCovers(const std::set<std::string>& names, const URL& folder, std::string_view problem,
                          PublicationWarnings& warnings) {
     for (const std::string& name : names)
         if (!FileManager::defaultManager().fileExists(folder.appendingPathComponent(name).path()))
-            warnings.push_back("cover " + name + ": not published; give its folder with --covers");
+            warnings.push_back("cover " + name + ": " + std::string(problem));
 }
 
 ErrorRef copyCovers(const std::set<std::string>& names, const URL& from, const URL& to,
@@ -91,14 +91,15 @@ ErrorRef removeOtherCovers(const std::set<std::string>& names, const URL& folder
     return nullptr;
 }
 
-ErrorRef store(const Publication& publication, const Data& catalogue) {
+ErrorRef store(const Publication& publication, const std::optional<Data>& catalogue) {
     std::optional<UserDefaults> defaults = sharedDefaults();
     if (!defaults)
         return ShareExtensionError::make("UserDefaults is nil");
     Result<SettingsTransaction> settings = SettingsTransaction::begin(std::move(*defaults));
     if (!settings)
         return settings.error();
-    settings.value().setData(sharedAlbumsKey, catalogue);
+    if (catalogue)
+        settings.value().setData(sharedAlbumsKey, *catalogue);
     if (publication.passcode)
         settings.value().setString(sharedPasswordKey, publication.passcode->exposed());
     if (publication.decoyPasscode)
@@ -106,54 +107,90 @@ ErrorRef store(const Publication& publication, const Data& catalogue) {
     return settings.value().commit();
 }
 
+/// A catalogue that may be published, as text and as what it says.
+struct CheckedCatalogue {
+    Data text;
+    std::vector<SharedAlbum> albums;
+};
+
+Result<CheckedCatalogue> readCatalogue(const std::string& path) {
+    Result<Data> text = FileManager::defaultManager().contentsOfFile(path, largestCatalogue);
+    if (!text)
+        return text.error();
+    Result<std::vector<SharedAlbum>> albums = decodeJSONArray<SharedAlbum>(text.value());
+    if (!albums)
+        return albums.error();
+    if (ErrorRef problem = problemWithPasswords(albums.value()))
+        return problem;
+    return CheckedCatalogue{std::move(text.value()), std::move(albums.value())};
+}
+
+/// Puts the covers into the group, or says which are not there.
+ErrorRef publishCovers(const Publication& publication, const std::set<std::string>& covers, const URL& folder,
+                       PublicationWarnings& warnings) {
+    if (!publication.coversFolder) {
+        warnOfMissingCovers(covers, folder, "not published; give its folder with --covers", warnings);
+        return nullptr;
+    }
+    const URL source = URL::fileURL(*publication.coversFolder);
+    if (publication.checkOnly) {
+        warnOfMissingCovers(covers, source, "not in the folder of covers", warnings);
+        return nullptr;
+    }
+    if (ErrorRef error = FileManager::defaultManager().createDirectory(folder.path()))
+        return error;
+    return copyCovers(covers, source, folder, warnings);
+}
+
 } // namespace
 
-ErrorRef provisionGroup() {
+Result<ProvisionedGroup> provisionGroup() {
     FileManager& files = FileManager::defaultManager();
     const std::optional<URL> container = files.provisioningURL(StoreConst::shared().groupId);
     if (!container)
         return ShareExtensionError::make("there is no place for the group \"" + StoreConst::shared().groupId +
                                          "\"");
+    const bool isNew = !files.fileExists(container->path());
     for (const std::string_view folder : {itemsFolderName, albumThumbnailsFolderName})
         if (ErrorRef error = files.createDirectory(container->appendingPathComponent(folder).path()))
             return error;
-    return nullptr;
+    return ProvisionedGroup{container->path(), isNew};
 }
 
 Result<PublicationWarnings> publish(const Publication& publication) {
     const std::optional<URL> container = sharedFolderUrl();
     if (!container)
         return notProvisioned();
-    FileManager& files = FileManager::defaultManager();
-    const Result<Data> catalogue = files.contentsOfFile(publication.cataloguePath, largestCatalogue);
-    if (!catalogue)
-        return catalogue.error();
-    const Result<std::vector<SharedAlbum>> albums = decodeJSONArray<SharedAlbum>(catalogue.value());
-    if (!albums)
-        return albums.error();
+    const URL coversFolder = container->appendingPathComponent(albumThumbnailsFolderName);
     PublicationWarnings warnings;
-    if (ErrorRef problem = problemWithPasswords(albums.value()))
-        return problem;
+    std::optional<Data> catalogue;
+    std::set<std::string> covers;
     if (ErrorRef problem = checkPasscodes(publication, warnings))
         return problem;
-    append(warnings, warningsOfAlbums(albums.value()));
-    const std::set<std::string> covers = coverNames(albums.value(), warnings);
-    const URL coversFolder = container->appendingPathComponent(albumThumbnailsFolderName);
-    if (publication.coversFolder) {
-        if (ErrorRef error = files.createDirectory(coversFolder.path()))
+    if (publication.cataloguePath) {
+        Result<CheckedCatalogue> checked = readCatalogue(*publication.cataloguePath);
+        if (!checked)
+            return checked.error();
+        append(warnings, warningsOfAlbums(checked.value().albums));
+        covers = coverNames(checked.value().albums, warnings);
+        catalogue = std::move(checked.value().text);
+        if (ErrorRef error = publishCovers(publication, covers, coversFolder, warnings))
             return error;
-        const URL source = URL::fileURL(*publication.coversFolder);
-        if (ErrorRef error = copyCovers(covers, source, coversFolder, warnings))
-            return error;
-    } else {
-        warnOfMissingCovers(covers, coversFolder, warnings);
     }
-    if (ErrorRef error = store(publication, catalogue.value()))
+    if (publication.checkOnly)
+        return warnings;
+    if (ErrorRef error = store(publication, catalogue))
         return error;
-    if (publication.coversFolder)
+    if (catalogue && publication.coversFolder)
         if (ErrorRef error = removeOtherCovers(covers, coversFolder))
             return error;
     return warnings;
+}
+
+ErrorRef clearDecoyPasscode() {
+    std::optional<UserDefaults> defaults = sharedDefaults();
+    return defaults ? defaults->removeObject(sharedFakePasswordKey)
+                    : ShareExtensionError::make("UserDefaults is nil");
 }
 
 } // namespace sela

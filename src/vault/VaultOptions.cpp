@@ -4,16 +4,77 @@ namespace sela {
 
 namespace {
 
+/// From nothing to an import.
+constexpr std::string_view vaultExamples = R"(  sela-vault init
+  sela-vault passcode set
+  sela-vault album add Trips
+  sela-vault album add Trips/Rome --cover colosseum.jpg
+  sela-share photo.jpg
+  sela-vault import --into ~/Pictures/Vault
+)";
+
 OptionTable makeTable() {
     OptionTable table;
     table.program = "sela-vault";
     table.usage = "COMMAND [OPTION]...";
-    table.introduction = "The companion of the vault's main application: shares its group with sela-share.";
+    table.introduction =
+        "Looks after the vault that sela-share adds to: its passcodes and albums, and what was shared.";
+    table.examples = vaultExamples;
+    const Option decoy = {.name = "--decoy", .help = "of the decoy vault"};
+    const Option force = {.name = "--force", .help = "also while files wait for it in the ledger"};
     table.commands = {
-        {.name = "init", .help = "make the group's container", .detail = "Until then nothing can be shared."},
+        {.name = "init", .help = "make a vault", .detail = "Until then nothing can be shared."},
+        {.name = "passcode set",
+         .help = "set the passcode that shows your albums",
+         .options = {{.name = "--decoy", .help = "set the one that shows the decoy's albums in their place"},
+                     {.name = "--file",
+                      .value = "FILE",
+                      .help = "the passcode is the first line of a file, or of standard input for -",
+                      .completion = Completion::files}},
+         .detail =
+             "Without a file it is asked for twice, and a terminal does not show what is typed. A passcode "
+             "that "
+             "would give the vault away is refused: one that is empty or that the keypad cannot type, a "
+             "decoy "
+             "passcode that is the vault passcode or the start of it or begins with it or is longer, a decoy "
+             "beside a vault passcode that has neither 4 nor 6 digits."},
+        {.name = "passcode clear",
+         .help = "clear the decoy passcode",
+         .options = {{.name = "--decoy", .help = "say that it is the decoy's"}}},
+        {.name = "album add",
+         .operands = "PATH",
+         .help = "add an album",
+         .options = {decoy,
+                     {.name = "--cover",
+                      .value = "FILE",
+                      .help = "a picture to show beside its name",
+                      .completion = Completion::files},
+                     {.name = "--password", .help = "ask for a password that unfolds it in the picker"}},
+         .detail = "PATH is a name, or two like Trips/Rome for an album inside another; a \"/\" inside a "
+                   "name has a \"\\\" "
+                   "before it."},
+        {.name = "album rename",
+         .operands = "PATH NAME",
+         .help = "give an album another name",
+         .options = {decoy, force}},
+        {.name = "album remove",
+         .operands = "PATH",
+         .help = "remove an album and those inside it",
+         .options = {decoy, force}},
+        {.name = "album cover",
+         .operands = "PATH FILE",
+         .help = "give an album another cover",
+         .options = {decoy},
+         .completion = Completion::files},
+        {.name = "album list",
+         .help = "list the albums of both vaults",
+         .options = {{.name = "--passcode-file",
+                      .value = "FILE",
+                      .help = "list only the paths of those that a passcode opens",
+                      .completion = Completion::files}}},
         {.name = "publish",
          .operands = "CATALOGUE.json",
-         .help = "publish albums for sela-share to offer",
+         .help = "publish the albums of a catalogue in place of all that were there, for programs",
          .options = {{.name = "--passcode-file",
                       .value = "FILE",
                       .help = "the vault passcode: the first line of a file, or of standard input for -",
@@ -26,17 +87,15 @@ OptionTable makeTable() {
                      {.name = "--covers",
                       .value = "FOLDER",
                       .help = "the pictures that the catalogue names as covers",
-                      .completion = Completion::folders}},
+                      .completion = Completion::folders},
+                     {.name = "--check", .help = "only tell what publishing would tell"}},
          .completion = Completion::files,
-         .detail = "Nothing changes when the catalogue is not what it should be, or when a passcode or an "
-                   "album's password would give the vault away: one that is empty or that the keypad cannot "
-                   "type, a decoy passcode that is the vault passcode or the start of it or begins with it "
-                   "or is longer, a decoy beside a vault passcode that has neither 4 nor 6 digits. Albums "
-                   "that are not shown and covers that are not there are told."},
-        {.name = "albums", .help = "list the published albums"},
-        {.name = "ledger",
-         .help = "list what was shared and waits for the import",
-         .options = {{.name = "--json", .help = "as it is stored"}}},
+         .detail =
+             "Nothing changes when the catalogue is not what it should be, or when a passcode or an album's "
+             "password would give the vault away. Albums that are not shown and covers that are not there "
+             "are "
+             "told."},
+        {.name = "ledger", .help = "list what was shared and waits for the import"},
         {.name = "import",
          .help = "move what was shared into a folder",
          .options = {{.name = "--into",
@@ -46,13 +105,19 @@ OptionTable makeTable() {
                      {.name = "--keep", .help = "copy, and leave the ledger as it is"},
                      {.name = "--prune",
                       .help = "remove files that no entry knows, a day after they were left"},
-                     {.name = "--drop-missing", .help = "drop entries whose file is missing"}},
+                     {.name = "--drop-missing", .help = "drop entries whose file is missing"},
+                     {.name = "--watch", .help = "go on, and import whenever something was shared"}},
          .detail =
              "No file is ever overwritten, and an entry leaves the ledger only after its file is safely in "
-             "place."}};
-    table.groups = {{"Options",
-                     {{.name = "--help", .help = "this text, or that of the command", .letter = 'h'},
-                      {.name = "--version", .help = "the version", .letter = 'V'}}}};
+             "place."},
+        {.name = "doctor",
+         .help = "look whether all of the vault is as it should be",
+         .options = {{.name = "--mend", .help = "mend what can be mended without losing anything"}}}};
+    table.groups = {
+        {"Options of every command",
+         {{.name = "--json", .help = "print one JSON object (docs/formats.md); the ledger as it is stored"},
+          {.name = "--help", .help = "this text, or that of the command", .letter = 'h'},
+          {.name = "--version", .help = "the version", .letter = 'V'}}}};
     table.statuses = {
         {0, "done"}, {1, "something could not be done; standard error says what"}, {64, "bad arguments"}};
     return table;

@@ -104,7 +104,7 @@ class SomebodyElsesGroup(HostileTest):
         self.put_setting("sharedAlbums", json.dumps(
             [{"namePath": [self.EVIL], "fake": False, "thumbNailName": self.EVIL},
              {"namePath": [self.EVIL, "child"], "fake": False}, {"namePath": ["d" * 100_000], "fake": False}]))
-        self.vault("albums")
+        self.vault("album", "list")
         self.share("--tap", "albumButton", "--type", "123456", "--tap", "showChildButton:0", "--tap", "row:0:1",
                    "--tap", "addButton", self.write("a.jpg", b"x"))
         self.assertEqual([entry["albumNames"] for entry in self.ledger().values()], [[self.EVIL, "child"]])
@@ -263,7 +263,7 @@ class Privacy(HostileTest):
                 shown.append(re.sub(r'"name":"[^"]*"', "", tree.read_text()))
                 tree.unlink()
         self.vault("publish", self.home / "catalogue.json", "--passcode", "111111", expect=64)
-        shown += [self.vault(*command).stdout for command in (["albums"], ["ledger"], ["ledger", "--json"])]
+        shown += [self.vault(*command).stdout for command in (["album", "list"], ["ledger"], ["ledger", "--json"])]
         for secret in ("91827", "64534", "is not on the screen: button", "button9", "2580"):
             self.assertNotIn(secret, "".join(shown))
 

@@ -9,9 +9,9 @@ import subprocess
 import unittest
 from concurrent.futures import ThreadPoolExecutor
 
-from harness import BIN, HomeTest
+from harness import BIN, ROOT, HomeTest
 
-FILES = sorted((pathlib.Path(__file__).parent / "transcripts").glob("*.md"))
+FILES = sorted((pathlib.Path(__file__).parent / "transcripts").glob("*.md")) + [ROOT / "docs/first-vault.md"]
 
 
 class Terminal(HomeTest):

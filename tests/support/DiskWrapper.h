@@ -78,6 +78,9 @@ public:
     int unlink(const std::string& path) override {
         return unlessRefused("unlink", [&] { return target_.unlink(path); });
     }
+    int chmod(const std::string& path, mode_t mode) override {
+        return unlessRefused("chmod", [&] { return target_.chmod(path, mode); });
+    }
     int flock(int descriptor, int operation) override {
         return unlessRefused("flock", [&] { return target_.flock(descriptor, operation); });
     }

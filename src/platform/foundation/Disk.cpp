@@ -105,6 +105,9 @@ public:
     int unlink(const std::string& path) override {
         return resultOf([&] { return ::unlink(path.c_str()); });
     }
+    int chmod(const std::string& path, mode_t mode) override {
+        return resultOf([&] { return ::chmod(path.c_str(), mode); });
+    }
     int flock(int descriptor, int operation) override {
         return resultOf([&] { return ::flock(descriptor, operation); });
     }

@@ -58,6 +58,7 @@ public:
     /// `flags` are those of renameat2.
     virtual int rename(const std::string& from, const std::string& to, unsigned flags) = 0;
     virtual int unlink(const std::string& path) = 0;
+    virtual int chmod(const std::string& path, mode_t mode) = 0;
 
     virtual int flock(int descriptor, int operation) = 0;
 

@@ -3,6 +3,7 @@
 #include "platform/foundation/BackgroundWork.h"
 #include "platform/foundation/MonotonicClock.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -18,7 +19,7 @@ void HeadlessMainLoop::asyncAfter(double seconds, Task task) {
 }
 
 double HeadlessMainLoop::now() const {
-    return monotonicSeconds();
+    return monotonicSeconds() + skipped_;
 }
 
 void HeadlessMainLoop::run() {
@@ -30,6 +31,10 @@ void HeadlessMainLoop::run() {
             task.reset();
             lock.lock();
         } else if (const std::optional<double> due = tasks_.nextDueTime()) {
+            if (idle_ == Idle::isSkipped && BackgroundWork::outstanding() == 0) {
+                skipped_ = skipped_ + std::max(0.0, *due - now());
+                continue;
+            }
             BackgroundWork::changed().wait_for(lock, std::chrono::duration<double>(*due - now()));
         } else if (BackgroundWork::outstanding() > 0) {
             BackgroundWork::changed().wait(lock);

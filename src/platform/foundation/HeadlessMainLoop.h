@@ -3,12 +3,22 @@
 #include "platform/foundation/DispatchQueue.h"
 #include "platform/foundation/TaskList.h"
 
+#include <atomic>
+
 namespace sela {
 
 /// The main queue without a window: `run` executes tasks on the calling thread by the monotonic clock and
 /// returns when nothing is left to do, that is when no task is queued and no background work is outstanding.
 class HeadlessMainLoop : public DispatchQueue {
 public:
+    /// What becomes of time in which there is nothing to do but wait for a task that is not due yet.
+    enum class Idle {
+        waits,
+        isSkipped, ///< the clock goes ahead to the task: nobody looks at animations that nobody sees
+    };
+
+    explicit HeadlessMainLoop(Idle idle = Idle::waits) : idle_(idle) {}
+
     void async(Task task) override;
     void asyncAfter(double seconds, Task task) override;
     double now() const override;
@@ -17,6 +27,8 @@ public:
     void run();
 
 private:
+    const Idle idle_;
+    std::atomic<double> skipped_ = 0; ///< seconds by which the clock is ahead of the monotonic one
     TaskList tasks_;
 };
 

@@ -161,6 +161,19 @@ Result<std::vector<std::string>> SettingsDatabase::keys(std::string_view prefix)
     return found;
 }
 
+ErrorRef SettingsDatabase::checkIntegrity() {
+    const Result<bool> any = holdsSettings();
+    if (!any || !any.value())
+        return any.error();
+    Statement statement(connection_, "PRAGMA integrity_check(1)");
+    if (statement.step() != SQLITE_ROW)
+        return failure("the settings cannot be checked");
+    const std::string problem(asText(statement.column(0)));
+    if (problem == "ok")
+        return nullptr;
+    return std::make_shared<NSError>(NSCocoaErrorDomain, NSCoderReadCorruptError, path_ + ": " + problem);
+}
+
 ErrorRef SettingsDatabase::begin() {
     if (!connection_)
         if (ErrorRef error = createFile())
@@ -309,10 +322,10 @@ ErrorRef SettingsDatabase::createFile() {
 
 ErrorRef SettingsDatabase::createTable() {
     // Large pages: the ledger is one long value, and fewer pages are fewer writes (docs/libraries.md).
-    for (const char* const sql : {"PRAGMA page_size = 65536", "BEGIN IMMEDIATE",
-                                  "CREATE TABLE IF NOT EXISTS settings(key TEXT PRIMARY KEY, "
-                                  "kind TEXT NOT NULL CHECK(kind IN ('text','data')), value BLOB NOT NULL)",
-                                  "PRAGMA user_version = 1", "COMMIT"}) {
+    constexpr const char* table = "CREATE TABLE IF NOT EXISTS settings(key TEXT PRIMARY KEY, "
+                                  "kind TEXT NOT NULL CHECK(kind IN ('text','data')), value BLOB NOT NULL)";
+    for (const char* const sql :
+         {"PRAGMA page_size = 65536", "BEGIN IMMEDIATE", table, "PRAGMA user_version = 1", "COMMIT"}) {
         if (ErrorRef error = execute(sql)) {
             rollBack();
             return error;

@@ -50,6 +50,9 @@ public:
     /// The keys that begin with `prefix`, sorted by their bytes.
     Result<std::vector<std::string>> keys(std::string_view prefix);
 
+    /// Reads the whole file; the error says the first thing that is wrong with it.
+    ErrorRef checkIntegrity();
+
     /// Begins a transaction, making the file where it is missing. Nobody else can store anything until its
     /// end.
     ErrorRef begin();

@@ -98,6 +98,10 @@ Result<std::vector<std::string>> UserDefaults::keys(std::string_view prefix) con
     return database_->keys(prefix);
 }
 
+ErrorRef UserDefaults::checkIntegrity() const {
+    return database_->checkIntegrity();
+}
+
 ErrorRef UserDefaults::setData(std::string_view key, DataView value) {
     return alone(*database_, [&] { return database_->write(key, dataKind, value); });
 }

@@ -65,6 +65,9 @@ public:
     /// The keys that hold a value and begin with `prefix`, sorted by their bytes; or why they cannot be read.
     Result<std::vector<std::string>> keys(std::string_view prefix) const;
 
+    /// What is wrong with the file that holds them, all of which is read; null when nothing is.
+    ErrorRef checkIntegrity() const;
+
     /// Stores a value under a key in place of what was there. On return without an error it is on the disk.
     ErrorRef setData(std::string_view key, DataView value);
     ErrorRef setString(std::string_view key, std::string_view value);

@@ -13,4 +13,8 @@ namespace sela {
 /// the file cannot be read, is larger than 4 KiB, or its line is not UTF-8. One thread.
 Result<Secret> readPasscode(const std::string& path);
 
+/// Asks on the terminal for a passcode that is to be set, twice, since nothing shows what is typed; the error
+/// when the two differ. `what` names it. Where standard input is no terminal, its first line is the passcode.
+Result<Secret> askForNewPasscode(const std::string& what);
+
 } // namespace sela

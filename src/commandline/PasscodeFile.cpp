@@ -1,4 +1,4 @@
-#include "vault/PasscodeFile.h"
+#include "commandline/PasscodeFile.h"
 
 #include "platform/foundation/FileManager.h"
 #include "platform/foundation/SystemCall.h"
@@ -33,7 +33,7 @@ sigset_t interruptions() {
 
 /// Asks on the terminal that is standard input and waits until a line is typed there, unseen. The terminal is
 /// as it was before this returns, or before a signal that comes meanwhile takes effect.
-void awaitUnseenLine() {
+void awaitUnseenLine(const std::string& prompt) {
     termios settings{};
     if (::tcgetattr(STDIN_FILENO, &settings) != 0)
         return;
@@ -45,17 +45,17 @@ void awaitUnseenLine() {
     unseen.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     unseen.c_lflag |= ECHONL;
     ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &unseen);
-    std::fputs("Passcode: ", stderr);
+    std::fputs((prompt + ": ").c_str(), stderr);
     pollfd sources[] = {{STDIN_FILENO, POLLIN, 0}, {signals.get(), POLLIN, 0}};
     retryingInterrupted([&] { return ::poll(sources, std::size(sources), -1); });
     ::tcsetattr(STDIN_FILENO, TCSADRAIN, &settings);
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
-Result<Data> readStandardInput() {
+Result<Data> readStandardInput(const std::string& prompt) {
     const bool typed = ::isatty(STDIN_FILENO) != 0;
     if (typed)
-        awaitUnseenLine();
+        awaitUnseenLine(prompt);
     InputStream input(FileDescriptor(::dup(STDIN_FILENO)), "standard input");
     Data content;
     std::array<std::byte, largestFile> block;
@@ -74,21 +74,37 @@ Result<Data> readStandardInput() {
     }
 }
 
-} // namespace
-
-Result<Secret> readPasscode(const std::string& path) {
-    Result<Data> content =
-        path == "-" ? readStandardInput() : FileManager::defaultManager().contentsOfFile(path, largestFile);
+/// The first line, and the content overwritten.
+Result<Secret> firstLine(Result<Data> content, const std::string& origin) {
     if (!content)
         return content.error();
     std::string_view line = asText(content.value());
     line = line.substr(0, line.find('\n'));
     if (line.ends_with('\r'))
         line.remove_suffix(1);
-    Result<Secret> passcode = isValidUTF8(line)
-                                  ? Result<Secret>(Secret(line))
-                                  : NSError::posix(EILSEQ, path == "-" ? "standard input" : path);
+    Result<Secret> passcode =
+        isValidUTF8(line) ? Result<Secret>(Secret(line)) : NSError::posix(EILSEQ, origin);
     ::explicit_bzero(content.value().data(), content.value().size());
+    return passcode;
+}
+
+} // namespace
+
+Result<Secret> readPasscode(const std::string& path) {
+    if (path == "-")
+        return firstLine(readStandardInput("Passcode"), "standard input");
+    return firstLine(FileManager::defaultManager().contentsOfFile(path, largestFile), path);
+}
+
+Result<Secret> askForNewPasscode(const std::string& what) {
+    Result<Secret> passcode = firstLine(readStandardInput(what), "standard input");
+    if (!passcode || !::isatty(STDIN_FILENO))
+        return passcode;
+    const Result<Secret> repeated = firstLine(readStandardInput("The same again"), "standard input");
+    if (!repeated)
+        return repeated;
+    if (repeated.value() != passcode.value())
+        return NSError::posix(EINVAL, "the two entries differ");
     return passcode;
 }
 

@@ -1,0 +1,87 @@
+#include "host/AlbumSteps.h"
+
+#include "commandline/Arguments.h"
+#include "commandline/PasscodeFile.h"
+#include "platform/uikit/UINavigationController.h"
+#include "store/AlbumPath.h"
+#include "store/ShareExtensionError.h"
+#include "unlock/SelaShareExtensionAlbumsVc.h"
+
+#include <algorithm>
+
+namespace sela {
+
+namespace {
+
+Result<Step> typing(const std::string& file) {
+    const Result<Secret> code = readPasscode(file);
+    if (!code)
+        return usageError(file + ": " + code.error()->localizedDescription());
+    if (code.value().empty() || code.value().exposed().find_first_not_of("0123456789") != std::string::npos)
+        return usageError(file + ": the first line is not a passcode of digits");
+    return Step{Step::Kind::type, std::string(code.value().exposed())};
+}
+
+/// The picker that was opened above a screen, maybe with another screen above it; null when there is none.
+const SelaShareExtensionAlbumsVc* pickerAbove(const UIViewController& screen) {
+    if (const UINavigationController* const navigation = screen.navigationController())
+        for (const std::shared_ptr<UIViewController>& child : navigation->children())
+            if (const auto* const picker = dynamic_cast<const SelaShareExtensionAlbumsVc*>(child.get()))
+                return picker;
+    return nullptr;
+}
+
+} // namespace
+
+Result<std::vector<Step>> stepsToAlbum(const CommandLine& line) {
+    const Result<std::vector<std::string>> path = albumPath(line.album.value());
+    if (!path)
+        return usageError(path.error()->localizedDescription());
+    std::vector<Step> steps = {{Step::Kind::tap, "albumButton"}};
+    if (line.passcodeFile) {
+        const Result<Step> passcode = typing(*line.passcodeFile);
+        if (!passcode)
+            return passcode.error();
+        steps.push_back(passcode.value());
+    }
+    if (path.value().size() > 1)
+        steps.push_back({Step::Kind::unfold, albumPathText({path.value().front()})});
+    if (line.albumPasswordFile) {
+        const Result<Step> password = typing(*line.albumPasswordFile);
+        if (!password)
+            return password.error();
+        steps.push_back(password.value());
+    }
+    steps.push_back({Step::Kind::album, albumPathText(path.value())});
+    steps.push_back({Step::Kind::tap, "addButton"});
+    return steps;
+}
+
+ErrorRef lockedAlbum(const Step& step) {
+    return ShareExtensionError::make(
+        "album " + step.argument +
+        " is locked: the passcode, or the password of the album above it, is missing or "
+        "does not open it");
+}
+
+Result<std::string> viewOfAlbum(const UIViewController& screen, const Step& step) {
+    const SelaShareExtensionAlbumsVc* const picker = pickerAbove(screen);
+    const Result<std::vector<std::string>> path = albumPath(step.argument);
+    if (!picker || !path)
+        return lockedAlbum(step);
+    const AlbumTree& albums = picker->albums();
+    for (std::size_t section = 0; section < albums.showAlbums().size(); ++section) {
+        const std::vector<SharedAlbum>& rows = albums.showAlbums()[section];
+        const std::string place = std::to_string(section);
+        const auto row = std::ranges::find(rows, path.value(), &SharedAlbum::namePath);
+        if (row != rows.end())
+            return step.kind == Step::Kind::unfold
+                       ? "showChildButton:" + place
+                       : "row:" + place + ":" + std::to_string(row - rows.begin());
+        if (std::ranges::count(albums.childAlbums()[section], path.value(), &SharedAlbum::namePath) > 0)
+            return lockedAlbum(step);
+    }
+    return ShareExtensionError::make("there is no album " + step.argument);
+}
+
+} // namespace sela

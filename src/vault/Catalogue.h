@@ -1,0 +1,62 @@
+#pragma once
+
+#include "platform/foundation/Error.h"
+#include "store/SharedAlbum.h"
+#include "store/SharedItemLedger.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sela {
+
+/// The published catalogue, read and changed album by album. One thread.
+class Catalogue {
+public:
+    /// What names an album: its path, and the vault that it belongs to.
+    struct Name {
+        std::vector<std::string> path;
+        bool fake = false;
+
+        bool operator==(const Name&) const = default;
+    };
+
+    /// The catalogue as it is published now; empty before anything is. The error when the settings cannot be
+    /// read or hold something else.
+    static Result<Catalogue> published();
+
+    /// Changes the published catalogue as one step that no other program comes between; nothing changes when
+    /// `edit` or storing fails.
+    static ErrorRef change(const std::function<ErrorRef(Catalogue&)>& edit);
+
+    const std::vector<SharedAlbum>& albums() const { return albums_; }
+
+    /// How many files wait in the ledger for this album, or for one below it.
+    std::size_t waiting(const Name& name) const;
+
+    /// Null when there is no such album.
+    SharedAlbum* find(const Name& name);
+
+    /// Puts an album behind the others of its level. The error when it is there already or has no parent.
+    ErrorRef add(SharedAlbum album);
+
+    /// Gives an album another last name, and the albums below it its new path. The error when there is no
+    /// such album or already one of the new name.
+    ErrorRef rename(const Name& name, const std::string& newName);
+
+    /// Takes out an album and those below it. The error when there is no such album.
+    ErrorRef remove(const Name& name);
+
+private:
+    static Result<Catalogue> decode(const Result<std::optional<Data>>& albums,
+                                    const Result<std::optional<Data>>& ledger);
+
+    std::vector<SharedAlbum> albums_;
+    std::vector<SharedItemLedger::Entry> ledger_;
+};
+
+/// The error for an album that the catalogue does not have.
+ErrorRef noSuchAlbum(const Catalogue::Name& name);
+
+} // namespace sela

@@ -1,0 +1,87 @@
+#include "vault/Covers.h"
+
+#include "platform/foundation/FileManager.h"
+#include "platform/foundation/TimeText.h"
+#include "platform/media/UIImage.h"
+#include "store/ShareExtensionError.h"
+#include "store/SharedFolder.h"
+#include "vault/Catalogue.h"
+
+#include <chrono>
+#include <optional>
+#include <set>
+
+namespace sela {
+
+namespace {
+
+/// Sharp on every screen: the picker draws covers at 160 pixels.
+constexpr int coverSide = 512;
+constexpr double coverQuality = 0.9;
+constexpr double secondsToBePublished = 3600;
+
+std::optional<URL> coversFolder() {
+    const std::optional<URL> container = sharedFolderUrl();
+    return container ? std::optional(container->appendingPathComponent(albumThumbnailsFolderName))
+                     : std::nullopt;
+}
+
+double secondsSince1970() {
+    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+} // namespace
+
+Result<std::string> storeCover(const std::string& path) {
+    const std::optional<URL> folder = coversFolder();
+    if (!folder)
+        return ShareExtensionError::make("there is no vault yet; run \"sela-vault init\" first");
+    const std::optional<UIImage> picture = UIImage::contentsOfFile(path, PictureBounds::filling(coverSide));
+    const std::optional<Data> jpeg = picture ? picture->jpegData(coverQuality) : std::nullopt;
+    if (!jpeg)
+        return ShareExtensionError::make(path + " is no picture that can be shown");
+    std::string name = uniqueTimeText() + ".jpg";
+    FileManager& files = FileManager::defaultManager();
+    if (ErrorRef error = files.createDirectory(folder->path()))
+        return error;
+    if (ErrorRef error = files.writeAtomically(*jpeg, folder->appendingPathComponent(name)))
+        return error;
+    return name;
+}
+
+Result<std::vector<std::string>> unusedCovers() {
+    const std::optional<URL> folder = coversFolder();
+    FileManager& files = FileManager::defaultManager();
+    if (!folder || !files.fileExists(folder->path()))
+        return std::vector<std::string>();
+    // The files first: a cover that is published in between then counts as published.
+    Result<std::vector<std::string>> names = files.contentsOfDirectory(folder->path());
+    if (!names)
+        return names;
+    const Result<Catalogue> catalogue = Catalogue::published();
+    if (!catalogue)
+        return catalogue.error();
+    std::set<std::string_view> used;
+    for (const SharedAlbum& album : catalogue.value().albums())
+        if (album.thumbNailName)
+            used.insert(*album.thumbNailName);
+    std::erase_if(names.value(), [&](const std::string& name) {
+        const Result<FileAttributes> attributes =
+            files.attributesOfEntry(folder->appendingPathComponent(name).path());
+        return used.contains(name) || !attributes ||
+               secondsSince1970() - attributes.value().modificationDate < secondsToBePublished;
+    });
+    return names;
+}
+
+Result<std::vector<std::string>> removeUnusedCovers() {
+    Result<std::vector<std::string>> names = unusedCovers();
+    if (names)
+        for (const std::string& name : names.value())
+            if (ErrorRef error = FileManager::defaultManager().removeItem(
+                    coversFolder()->appendingPathComponent(name).path()))
+                return error;
+    return names;
+}
+
+} // namespace sela

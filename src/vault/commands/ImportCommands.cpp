@@ -1,0 +1,91 @@
+#include "platform/foundation/NSLog.h"
+#include "vault/Import.h"
+#include "vault/ImportWatch.h"
+#include "vault/Listing.h"
+#include "vault/commands/Commands.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace sela {
+
+namespace {
+
+/// "2 imported, 1 left", without the numbers that are 0.
+std::string summaryOf(const Import::Report& report) {
+    std::string text;
+    const auto add = [&text](std::size_t count, const std::string& what) {
+        if (count > 0)
+            text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + what;
+    };
+    add(report.imported.size(), "imported");
+    add(report.problems.size(), "left");
+    add(report.dropped.size(), "dropped");
+    add(report.pruned.size(), "removed");
+    add(report.unrecorded.size(), "recorded nowhere");
+    return text.empty() ? "Nothing to import.\n" : text + "\n";
+}
+
+int tell(const Arguments& arguments, const Import::Report& report) {
+    for (const std::string& name : report.unrecorded)
+        fail("left in Items, recorded nowhere: " + name);
+    for (const std::string& problem : report.problems)
+        fail(problem);
+    int status = EXIT_SUCCESS;
+    if (arguments.has("--json")) {
+        status = printJSON([&](JSONWriter& writer) {
+            writer.member("imported", report.imported).member("left", report.problems);
+            writer.member("dropped", report.dropped)
+                .member("removed", report.pruned)
+                .member("unrecorded", report.unrecorded);
+        });
+    } else {
+        std::string text;
+        for (const std::string& file : report.imported)
+            text += escapedForLog(file) + "\n";
+        for (const std::string& name : report.dropped)
+            text += "dropped, its file is missing: " + escapedForLog(name) + "\n";
+        for (const std::string& name : report.pruned)
+            text += "removed from Items, recorded nowhere: " + escapedForLog(name) + "\n";
+        status = print(text + summaryOf(report));
+    }
+    return report.problems.empty() ? status : EXIT_FAILURE;
+}
+
+} // namespace
+
+int ledgerCommand(const Arguments& arguments) {
+    return print(arguments.has("--json") ? ledgerJSON() : ledgerTable());
+}
+
+int importCommand(const Arguments& arguments) {
+    const std::string into = arguments.valueOf("--into").value_or("");
+    if (into.empty())
+        return misuse("import needs --into FOLDER");
+    Import::Options options{.into = URL::fileURL(into),
+                            .keep = arguments.has("--keep"),
+                            .prune = arguments.has("--prune"),
+                            .dropMissing = arguments.has("--drop-missing")};
+    if (arguments.has("--watch")) {
+        if (options.keep)
+            return misuse("--watch and --keep would copy the same files again and again");
+        const ErrorRef error = watchAndImport([&] {
+            Result<Import::Report> report = Import(options).run();
+            if (report && !(report.value().imported.empty() && report.value().problems.empty()))
+                tell(arguments, report.value());
+            return report;
+        });
+        return error ? fail(error) : EXIT_SUCCESS;
+    }
+    if (::isatty(STDERR_FILENO))
+        options.progress = [](std::size_t entry, std::size_t count) {
+            std::fprintf(stderr, "\r\33[KImporting %zu of %zu", entry, count);
+        };
+    const Result<Import::Report> report = Import(options).run();
+    if (options.progress)
+        std::fputs("\r\33[K", stderr);
+    return report ? tell(arguments, report.value()) : fail(report.error());
+}
+
+} // namespace sela
