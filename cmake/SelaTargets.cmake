@@ -1,12 +1,14 @@
 # How the targets of this project are made: one static library per folder of src, one test program per
 # folder of tests, and the flags that all of them share.
 
+include(CheckCXXCompilerFlag)
 include(CheckPIESupported)
 check_pie_supported()
 
 find_package(PkgConfig REQUIRED)
 
-add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual
+# Some libraries ask for -pthread; here for all, since what shares precompiled headers is compiled with the same flags.
+add_compile_options(-pthread -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual
                     -Wimplicit-fallthrough -Werror)
 
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
@@ -18,7 +20,16 @@ if(SELA_SANITIZE)
   add_compile_options(-fsanitize=${SELA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${SELA_SANITIZE} -fno-sanitize-recover=all)
 elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
-  add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong -fcf-protection)
+  # Indirect branches may go to the beginnings of functions and nowhere else.
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
+    set(branch_protection -mbranch-protection=standard)
+  elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|amd64")
+    set(branch_protection -fcf-protection)
+  endif()
+  check_cxx_compiler_flag(-ftrivial-auto-var-init=zero SELA_CAN_ZERO_VARIABLES)
+  add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -D_GLIBCXX_ASSERTIONS -fstack-protector-strong
+                      -fstack-clash-protection ${branch_protection}
+                      $<$<BOOL:${SELA_CAN_ZERO_VARIABLES}>:-ftrivial-auto-var-init=zero>)
   add_link_options(-Wl,-z,relro,-z,now)
 endif()
 
