@@ -1,5 +1,6 @@
 #include "host/Notice.h"
 
+#include "host/ScreenElements.h"
 #include "platform/foundation/DispatchQueue.h"
 #include "platform/uikit/UIAccessibility.h"
 
@@ -71,6 +72,7 @@ void Notice::hide() {
 
 /// Text, bar and button below each other, each over the whole width.
 void Notice::layOut() {
+    panel_.setUserInteractionEnabled(!content_.button.empty());
     const CGSize screen = window_.bounds().size;
     const double room = std::min(widest, screen.width - 2 * margin) - 2 * padding;
     const CGSize text = label_.sizeThatFits({room, screen.height});
@@ -93,8 +95,23 @@ void Notice::layOut() {
         y += buttonHeight;
     }
     const double height = y + padding;
-    panel_.setFrame(
-        {(screen.width - width) / 2 - padding, screen.height - margin - height, width + 2 * padding, height});
+    const CGRect bottom{(screen.width - width) / 2 - padding, screen.height - margin - height,
+                        width + 2 * padding, height};
+    panel_.setFrame({bottom.origin.x, topBeside(bottom), bottom.size.width, bottom.size.height});
+}
+
+/// Where the top of a panel goes that would be at `bottom`: above the buttons that it would cover there.
+double Notice::topBeside(const CGRect& bottom) const {
+    double top = bottom.minY();
+    for (const UIView* const element : ScreenElements::inside(window_, window_)) {
+        const CGRect rect = window_.shownRect(*element);
+        const bool isCovered = element->accessibilityRole() == AccessibilityRole::button &&
+                               !element->isDescendant(panel_) && rect.maxY() > bottom.minY() &&
+                               rect.minX() < bottom.maxX() && rect.maxX() > bottom.minX();
+        if (isCovered)
+            top = std::min(top, rect.minY() - gap - bottom.size.height);
+    }
+    return std::max(top, 0.0);
 }
 
 void Notice::buttonTapped(UIButton&) {

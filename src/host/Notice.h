@@ -11,7 +11,8 @@
 namespace sela {
 
 /// A panel at the bottom of a window that says what the host has to say, over whatever the extension shows:
-/// a text, how far something has come, and a button. Main thread only.
+/// a text, how far something has come, and a button. It covers no button of a screen, and without one of its
+/// own it takes no touches. Main thread only.
 class Notice {
 public:
     static constexpr double duration = 5; ///< seconds
@@ -41,6 +42,7 @@ public:
 
 private:
     void layOut();
+    double topBeside(const CGRect& bottom) const;
     void buttonTapped(UIButton&);
 
     UIWindow& window_;

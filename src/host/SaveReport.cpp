@@ -16,7 +16,7 @@ using Kind = AttachmentOutcome::Kind;
 constexpr std::int64_t mostNames = 10;
 
 /// Reasons told at most in a summary.
-constexpr int mostReasons = 3;
+constexpr std::size_t mostReasons = 3;
 
 std::string nameOf(const AttachmentOutcome& outcome) {
     return outcome.name.empty() ? "a picture without a name" : outcome.name;
@@ -97,11 +97,16 @@ std::string SaveReport::summary() const {
     std::string text = localized("Added: %@", recorded);
     if (missing > 0)
         text += "\n" + localized("Not added: %@", missing);
-    int reasons = 0;
+    std::vector<std::string> reasons;
+    for (const LeftOut& file : leftOut)
+        reasons.push_back(file.localizedDescription());
     for (const AttachmentOutcome& outcome : run.outcomes)
-        if (outcome.kind == Kind::failed && ++reasons <= mostReasons)
-            text += "\n" + (outcome.name.empty() ? "" : outcome.name + ": ") +
-                    Bundle::main().localizedString(outcome.reason->localizedFailureReason());
+        if (outcome.kind == Kind::failed)
+            reasons.push_back((outcome.name.empty() ? "" : outcome.name + ": ") +
+                              Bundle::main().localizedString(outcome.reason->localizedFailureReason()));
+    reasons.resize(std::min(reasons.size(), mostReasons));
+    for (const std::string& reason : reasons)
+        text += "\n" + reason;
     return text;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/ExitStatus.h"
-#include "platform/foundation/Error.h"
+#include "host/ShareRequest.h"
 #include "share/SaveRun.h"
 
 #include <optional>
@@ -20,8 +20,8 @@ struct SaveReport {
 
     SaveRun run;
 
-    /// Why other files were not even in the request; each names its file.
-    std::vector<ErrorRef> leftOut;
+    /// What was not even in the request.
+    std::vector<LeftOut> leftOut;
 
     /// What the process tells by its status: `completed` only when everything was added, `notAll` when a file
     /// was not, `cancelled` when the request was and nothing was added.

@@ -1,6 +1,7 @@
 #include "host/ShareRequest.h"
 
 #include "platform/extension/TypeIdentifier.h"
+#include "platform/foundation/Bundle.h"
 #include "platform/foundation/FileManager.h"
 #include "store/FileKind.h"
 #include "store/ShareExtensionError.h"
@@ -89,12 +90,8 @@ Result<std::int64_t> sizeOfUsableFile(const URL& file) {
         return error;
     if (!isKept(file.lastPathComponent()))
         return ShareExtensionError::make(
-            "only pictures, videos and audio files can be added, told by their names (.jpg, .mp4, .mp3 ...)");
+            "only pictures, videos and audio files can be added, told by their names, such as a.jpg");
     return attributes.value().size;
-}
-
-ErrorRef problemWith(const std::string& name, const ErrorRef& error) {
-    return ShareExtensionError::make(name + ": " + error->localizedFailureReason());
 }
 
 /// The picture that `file` holds. Nothing shows it, so few of its pixels are enough.
@@ -108,16 +105,23 @@ Result<std::shared_ptr<NSItemProvider>> pictureIn(FileDescriptor file) {
 
 } // namespace
 
+std::string LeftOut::localizedDescription() const {
+    const std::optional<URL> file = fileURLOf(name);
+    return (file ? file->lastPathComponent() : name) + ": " +
+           Bundle::main().localizedString(reason->localizedFailureReason());
+}
+
 void Attachments::addFile(const std::string& argument) {
     const std::optional<URL> file = fileURLOf(argument);
     if (!file) {
-        problems.push_back(ShareExtensionError::make(
-            "\"" + argument + "\" is no file of this computer; save it as a file and add that"));
+        problems.push_back(
+            {argument.empty() ? "\"\"" : argument,
+             ShareExtensionError::make("it is no file of this computer; save it as a file and add that")});
         return;
     }
     const Result<std::int64_t> size = sizeOfUsableFile(*file);
     if (!size) {
-        problems.push_back(problemWith(argument, size.error()));
+        problems.push_back({argument, size.error()});
         return;
     }
     providers.push_back(NSItemProvider::ofFile(*file));
@@ -132,7 +136,7 @@ void Attachments::addPicture(DataView bytes, const std::string& origin) {
     if (picture)
         providers.push_back(picture.value());
     else
-        problems.push_back(problemWith(origin, picture.error()));
+        problems.push_back({origin, picture.error()});
 }
 
 void Attachments::addStandardInput() {
@@ -142,7 +146,7 @@ void Attachments::addStandardInput() {
     if (picture)
         providers.push_back(picture.value());
     else
-        problems.push_back(problemWith("standard input", picture.error()));
+        problems.push_back({"standard input", picture.error()});
 }
 
 void Attachments::append(const Attachments& more) {

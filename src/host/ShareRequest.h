@@ -13,6 +13,18 @@
 
 namespace sela {
 
+/// Something that was named for a share request and cannot be added. A value.
+struct LeftOut {
+    std::string name; ///< as it was named
+    ErrorRef reason;
+
+    /// "a.txt: only pictures, videos and audio files can be added", in English.
+    std::string description() const { return name + ": " + reason->localizedFailureReason(); }
+
+    /// The same in the user's language, with the name of a file alone.
+    std::string localizedDescription() const;
+};
+
 /// What was named for a share request: what can be added, and why the rest cannot. A value.
 struct Attachments {
     NSExtensionItem::Attachments providers;
@@ -20,8 +32,8 @@ struct Attachments {
     /// The size of the files among them together, in bytes; pictures without a file count nothing.
     std::int64_t totalSize = 0;
 
-    /// One for each thing that cannot be added, whose description names it.
-    std::vector<ErrorRef> problems;
+    /// One for each thing that cannot be added.
+    std::vector<LeftOut> problems;
 
     bool isEmpty() const { return providers.empty() && problems.empty(); }
 

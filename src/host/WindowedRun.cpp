@@ -26,6 +26,11 @@ std::string localized(std::string_view key) {
     return Bundle::main().localizedString(key);
 }
 
+/// That files are left out, and the first of them.
+std::string textOf(const std::vector<LeftOut>& leftOut) {
+    return localized("Some files cannot be added.") + "\n" + leftOut.front().localizedDescription();
+}
+
 } // namespace
 
 WindowedRun::WindowedRun(QtApplication& application, const CommandLine& line, const Attachments& attachments)
@@ -68,8 +73,8 @@ void WindowedRun::showNextStep() {
         notice_.keep({.text = localized("Please launch the main Sela app first.")});
     else if (session_.screen().intake().itemsCount() == 0)
         notice_.keep({.text = localized("Paste or drop the files that you want to add.")});
-    else if (!session_.report().leftOut.empty())
-        notice_.show(localized("Some files cannot be added."));
+    else if (const std::vector<LeftOut> leftOut = session_.report().leftOut; !leftOut.empty())
+        notice_.show(textOf(leftOut));
     else if (SharedAlbumManager::getAlbums().value_or(std::vector<SharedAlbum>()).empty())
         notice_.show(localized("There are no albums yet. Files go to the default album."));
 }
@@ -98,7 +103,7 @@ void WindowedRun::take(const QMimeData* data) {
         notice_.hide();
     }
     if (!attachments.problems.empty())
-        notice_.show(localized("Some files cannot be added."));
+        notice_.show(textOf(attachments.problems));
     else if (found.onlyText)
         notice_.show(localized("Text cannot be added, only files and pictures."));
     else if (attachments.providers.empty())

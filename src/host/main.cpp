@@ -75,9 +75,10 @@ void notify(const sela::SaveReport& report, const sela::CommandLine& line, bool 
 sela::Attachments pastedAttachments() {
     sela::MimeAttachments pasted = sela::MimeAttachments::in(QGuiApplication::clipboard()->mimeData());
     if (pasted.attachments.isEmpty())
-        pasted.attachments.problems.push_back(sela::ShareExtensionError::make(
-            pasted.onlyText ? "the clipboard holds text; only files and pictures can be added"
-                            : "there is nothing on the clipboard that can be added"));
+        pasted.attachments.problems.push_back(
+            {"the clipboard", sela::ShareExtensionError::make(
+                                  pasted.onlyText ? "it holds text; only files and pictures can be added"
+                                                  : "there is nothing on it that can be added")});
     return std::move(pasted.attachments);
 }
 
@@ -89,8 +90,8 @@ int share(const sela::CommandLine& line) {
     sela::QtApplication application(line);
     if (line.paste && sela::ShareWindow::isClipboardOpen())
         attachments.append(pastedAttachments());
-    for (const sela::ErrorRef& problem : attachments.problems)
-        tell(problem->localizedDescription());
+    for (const sela::LeftOut& problem : attachments.problems)
+        tell(problem.description());
     if (attachments.providers.empty() && !attachments.problems.empty())
         return static_cast<int>(sela::ExitStatus::badArguments);
     // The card opens all the same: the picker says so too, and the log what it means for each file.

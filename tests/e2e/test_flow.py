@@ -35,7 +35,7 @@ class Window(WindowTest):
         tree = self.home / "tree.json"
         self.share("--tree", tree, self.photo, expect=3)
         x, y, width, height = Screen(tree).view("addButton")["frame"]
-        process = self.open_card(self.photo)
+        process = self.open_card("--screen", "375x667", self.photo)
         time.sleep(0.5)
         self.x("mousemove", "--window", self.window, round(x + width / 2), round(y + height / 2), "click", 1)
         self.assertEqual(process.wait(30), 0)
@@ -45,7 +45,7 @@ class Window(WindowTest):
     def test_the_window_shows_what_the_snapshot_shows(self):
         picture, screenshot = self.home / "picture.png", self.home / "screenshot.png"
         self.share("--snapshot", picture, self.photo, expect=3)
-        process = self.open_card(self.photo)
+        process = self.open_card("--screen", "375x667", self.photo)
         time.sleep(1)
         subprocess.run(["import", "-window", self.window, screenshot], env=self.environment, check=True, timeout=60)
         process.terminate()
