@@ -3,6 +3,7 @@
 #include "host/AccessibleWindow.h"
 #include "host/Displays.h"
 #include "host/MimeAttachments.h"
+#include "host/QtConversions.h"
 #include "host/ScreenElements.h"
 #include "host/Snapshot.h"
 #include "platform/foundation/Heap.h"
@@ -256,6 +257,34 @@ QImage& ShareWindow::surface() {
     return *static_cast<QImage*>(store_.paintDevice());
 }
 
+/// What lies below the screens.
+QColor ShareWindow::backdrop() const {
+    switch (placement_.style) {
+    case CardPlacement::Style::overDisplay:
+        break;
+    case CardPlacement::Style::dialog:
+        return toQt(UIColor::named("AppCard").resolve(window_.traitCollection()));
+    case CardPlacement::Style::asAsked:
+        return Snapshot::backdrop(window_.traitCollection());
+    }
+    return Qt::transparent;
+}
+
+/// What is drawn, from below to above: the whole window, but of a dialog's root view only what is in it,
+/// since there is nothing to dim around the card.
+std::vector<const UIView*> ShareWindow::drawnViews() const {
+    if (placement_.style != CardPlacement::Style::dialog)
+        return {&window_};
+    std::vector<const UIView*> views;
+    for (const UIView* const view : window_.subviews()) {
+        if (view == window_.subviews().front())
+            views.assign(view->subviews().begin(), view->subviews().end());
+        else
+            views.push_back(view);
+    }
+    return views;
+}
+
 /// Draws a part (in Qt's units) straight into the pixels of the backing store.
 void ShareWindow::drawPart(const QRect& part) {
     QImage pixels(surface().bits(), surface().width(), surface().height(), surface().bytesPerLine(),
@@ -266,10 +295,10 @@ void ShareWindow::drawPart(const QRect& part) {
     {
         QPainter painter(&pixels);
         painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.fillRect(area, coversDisplay() ? QColor(Qt::transparent)
-                                               : Snapshot::backdrop(window_.traitCollection()));
+        painter.fillRect(area, backdrop());
     }
-    painter_.paint(pixels, area, window_, {pixelsPerPoint(), window_.traitCollection()});
+    for (const UIView* const view : drawnViews())
+        painter_.paint(pixels, area, *view, {pixelsPerPoint(), window_.traitCollection()});
     shade_.paint(pixels, area, pixelsPerPoint(), window_.traitCollection());
     ring_.paint(pixels, area, pixelsPerPoint(), window_.traitCollection());
 }

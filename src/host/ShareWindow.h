@@ -16,6 +16,7 @@
 #include <functional>
 #include <optional>
 #include <utility>
+#include <vector>
 
 class QMimeData;
 
@@ -83,6 +84,8 @@ private:
     void scheduleFrame();
     void drawFrame();
     QImage& surface();
+    QColor backdrop() const;
+    std::vector<const UIView*> drawnViews() const;
     void drawPart(const QRect& part);
     void press(QPointF position);
     void release(QPointF position);

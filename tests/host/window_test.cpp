@@ -27,6 +27,17 @@ TEST_F(ShareWindowTest, IsAsLargeAsTheScreenAskedForAndTellsWhenItIsClosed) {
     EXPECT_EQ(closed, 1);
 }
 
+TEST_F(ProbeTest, ADialogIsTheCardAndDimsNothing) {
+    probe_->view().setBackgroundColor(UIColor::black().withAlpha(0.5));
+    const CardPlacement placement{CardPlacement::Style::dialog, {375, 667}, {320, 390}};
+    ShareWindow dialog(window_, painter_, CommandLine(), placement);
+    dialog.open();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+    QTest::qWait(50);
+    EXPECT_EQ(dialog.size(), QSize(320, 390));
+    EXPECT_EQ(dialog.screen()->grabWindow(dialog.winId()).toImage().pixelColor(10, 195), QColor(Qt::white));
+}
+
 TEST_F(ShareWindowTest, TurnsClicksIntoTouchesAndTakesThemBackWithTheFocus) {
     QTest::mouseClick(&shareWindow_, Qt::LeftButton, {}, QPoint(140, 80));
     EXPECT_THAT(probe_->touched, ElementsAre("addButton"));
