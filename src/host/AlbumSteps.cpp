@@ -1,7 +1,7 @@
 #include "host/AlbumSteps.h"
 
 #include "commandline/Arguments.h"
-#include "commandline/PasscodeFile.h"
+#include "host/TypedDigits.h"
 #include "platform/uikit/UINavigationController.h"
 #include "store/AlbumPath.h"
 #include "store/ShareExtensionError.h"
@@ -14,12 +14,10 @@ namespace sela {
 namespace {
 
 Result<Step> typing(const std::string& file) {
-    const Result<Secret> code = readPasscode(file);
-    if (!code)
-        return usageError(file + ": " + code.error()->localizedDescription());
-    if (code.value().empty() || code.value().exposed().find_first_not_of("0123456789") != std::string::npos)
-        return usageError(file + ": the first line is not a passcode of digits");
-    return Step{Step::Kind::type, std::string(code.value().exposed())};
+    const Result<Secret> digits = readDigits(file);
+    if (!digits)
+        return digits.error();
+    return Step{.kind = Step::Kind::type, .digits = digits.value()};
 }
 
 /// The picker that was opened above a screen, maybe with another screen above it; null when there is none.

@@ -60,10 +60,29 @@ ErrorRef readContrast(CommandLine& line, const std::string& text) {
 /// Pixels of a screen at most: its picture takes four bytes for each.
 constexpr double largestPicture = 256e6;
 
+ErrorRef readType(CommandLine& line, const std::string& text) {
+    Step step{Step::Kind::type};
+    if (text == "-" || (text.starts_with('@') && text.size() > 1))
+        step.argument = text == "-" ? text : text.substr(1);
+    else if (text.find_first_not_of("0123456789") == std::string::npos)
+        step.digits = Secret(text);
+    else
+        return usageError("--type takes digits, @FILE or - only");
+    line.steps.push_back(std::move(step));
+    return nullptr;
+}
+
+/// Whether more than one would read standard input.
+bool sharesStandardInput(const CommandLine& line) {
+    const auto steps = std::ranges::count_if(
+        line.steps, [](const Step& step) { return step.kind == Step::Kind::type && step.argument == "-"; });
+    return steps > 1 || (steps == 1 && std::ranges::find(line.attachments, "-") != line.attachments.end());
+}
+
 ErrorRef readStep(CommandLine& line, Step::Kind kind, const std::string& text) {
+    if (kind == Step::Kind::type)
+        return readType(line, text);
     Step step{kind, text};
-    if (kind == Step::Kind::type && text.find_first_not_of("0123456789") != std::string::npos)
-        return usageError("--type takes digits only");
     if (kind == Step::Kind::wait) {
         const std::optional<double> seconds = numberIn(text, 0, 86400);
         if (!seconds)
@@ -145,6 +164,8 @@ Result<CommandLine> CommandLine::parse(const std::vector<std::string>& words) {
         return usageError("--screen and --scale together ask for a picture of more than 256 megapixels");
     if (ErrorRef error = readAlbum(line))
         return error;
+    if (sharesStandardInput(line))
+        return usageError("only one thing can come from standard input");
     if (line.paste && line.headless)
         return usageError("--paste needs a display, where the clipboard is");
     return line;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/Error.h"
+#include "platform/foundation/Secret.h"
 
 #include <optional>
 #include <string>
@@ -13,7 +14,7 @@ struct Step {
     enum class Kind {
         tap,      ///< touch up inside on the topmost visible view of that name, once the screen is idle
         tapNow,   ///< the same without waiting
-        type,     ///< a tap per digit of the argument
+        type,     ///< a tap per digit of `digits`, which come from the file of the argument where there is one
         wait,     ///< real time in seconds, counted from the step before; the next step does not wait either
         snapshot, ///< a picture of the screen into a PNG file
         tree,     ///< the view tree as JSON into a file
@@ -22,8 +23,9 @@ struct Step {
     };
 
     Kind kind;
-    std::string argument;
+    std::string argument = {};
     double seconds = 0; ///< of a `wait`
+    Secret digits = {}; ///< of a `type`
 
     bool operator==(const Step&) const = default;
 };

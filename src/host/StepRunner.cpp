@@ -66,8 +66,8 @@ void StepRunner::next() {
             return;
         }
         previousStepTime_ = now;
-        if (step.kind == Step::Kind::type && step.argument.size() > 1) {
-            step.argument.erase(0, 1);
+        if (step.kind == Step::Kind::type && step.digits.size() > 1) {
+            step.digits.removeFirst();
             scheduleNext(0);
             return;
         }
@@ -94,7 +94,7 @@ std::optional<std::string> StepRunner::take(const Step& step) {
         return std::nullopt;
     case Step::Kind::type:
         // Which digit it was is nobody's business.
-        if (!step.argument.empty() && !type(step.argument.substr(0, 1)))
+        if (!step.digits.empty() && !type(step.digits.exposed().front()))
             return "a key to type is not on the screen, or is hidden or covered";
         return std::nullopt;
     case Step::Kind::snapshot:
@@ -127,8 +127,8 @@ bool StepRunner::touch(const std::string& name) {
     return point.has_value();
 }
 
-bool StepRunner::type(const std::string& digit) {
-    const std::optional<ViewLocator::KeyTarget> key = ViewLocator::keyTarget(screen_.window, digit);
+bool StepRunner::type(char digit) {
+    const std::optional<ViewLocator::KeyTarget> key = ViewLocator::keyTarget(screen_.window, std::string(1, digit));
     if (key)
         screen_.window.tap(key->tapPoint);
     return key.has_value();

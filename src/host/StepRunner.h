@@ -53,7 +53,7 @@ private:
 
     /// Touches the view of that name; false when it cannot be touched.
     bool touch(const std::string& name);
-    bool type(const std::string& digit);
+    bool type(char digit);
 
     Screen screen_;
     std::deque<Step> steps_;

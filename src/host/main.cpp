@@ -8,6 +8,7 @@
 #include "host/ShareOptions.h"
 #include "host/ShareRequest.h"
 #include "host/ShareWindow.h"
+#include "host/TypedDigits.h"
 #include "host/WindowedRun.h"
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Dumpable.h"
@@ -115,6 +116,13 @@ int share(const sela::CommandLine& line) {
     return finish(report, run.wasPutAside());
 }
 
+/// What the user wrote; digits among it cannot be read from outside any more.
+std::vector<std::string> takeArguments(int argc, char** argv) {
+    std::vector<std::string> words(argv + 1, argv + argc);
+    sela::overwriteTypedDigits(argc, argv);
+    return words;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -127,7 +135,7 @@ int main(int argc, char** argv) {
     // Pictures of the screen show albums; whatever is made, here or by a library, is for the user alone.
     ::umask(077);
     sela::Bundle::main();
-    const auto parsed = sela::CommandLine::parse(std::vector<std::string>(argv + 1, argv + argc));
+    const auto parsed = sela::CommandLine::parse(takeArguments(argc, argv));
     if (!parsed)
         return misuse(parsed.error()->localizedDescription());
     sela::CommandLine line = parsed.value();
@@ -141,5 +149,7 @@ int main(int argc, char** argv) {
             return misuse(steps.error()->localizedDescription());
         line.steps = steps.value();
     }
+    if (const sela::ErrorRef error = sela::readTypedFiles(line.steps))
+        return misuse(error->localizedDescription());
     return share(line);
 }

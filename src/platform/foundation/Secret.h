@@ -39,6 +39,7 @@ public:
     std::size_t size() const { return characters_.size(); }
 
     void append(char character) { characters_.push_back(character); }
+    void removeFirst() { characters_.erase(characters_.begin()); }
     void clear() { *this = Secret(); }
 
     /// The text, for a comparison or for storing it; not to be copied anywhere else. Valid until the next
