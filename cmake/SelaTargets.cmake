@@ -14,6 +14,10 @@ add_compile_options(-pthread -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dto
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # g++ 12 sees overlapping and endless copies in plain concatenations of std::string (GCC bug 105651).
   add_compile_options(-Wno-restrict -Wno-stringop-overflow -Wno-array-bounds)
+  if(CMAKE_CXX_COMPILER_VERSION VERSION_GREATER_EQUAL 13)
+    # They see a std::optional without a value as one that is used (GCC bug 80635).
+    add_compile_options(-Wno-maybe-uninitialized)
+  endif()
 endif()
 
 if(SELA_SANITIZE)
