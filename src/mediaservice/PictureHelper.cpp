@@ -24,8 +24,18 @@ sela::MediaOutcome decode(const sela::MediaRequest& request, const sela::InputFi
 
 sela::MediaOutcome encode(const sela::MediaRequest& request, const sela::InputFile& file, int memory) {
     sela::JPEGWriter writer(memory, static_cast<int>(request.quality));
-    if (!sela::readPicture(file, writer))
-        return {};
+    if (request.maximumSide == 0) {
+        if (!sela::readPicture(file, writer))
+            return {};
+    } else {
+        const std::optional<sela::PixelBuffer> pixels = sela::decodePicture(file, request.bounds());
+        if (!pixels)
+            return {};
+        writer.begin(sela::PictureRows::of({pixels->width, pixels->height}));
+        const std::size_t rowSize = std::size_t{4} * static_cast<std::size_t>(pixels->width);
+        for (std::size_t start = 0; start < pixels->bytes.size(); start += rowSize)
+            writer.addRow(pixels->bytes.data() + start);
+    }
     const std::optional<std::int64_t> size = writer.finish();
     if (!size)
         return {};

@@ -36,15 +36,15 @@ Result<std::string> storeCover(const std::string& path) {
     const std::optional<URL> folder = coversFolder();
     if (!folder)
         return ShareExtensionError::make("there is no vault yet; run \"sela-vault init\" first");
-    const std::optional<UIImage> picture = UIImage::contentsOfFile(path, PictureBounds::filling(coverSide));
-    const std::optional<Data> jpeg = picture ? picture->jpegData(coverQuality) : std::nullopt;
+    const std::optional<EncodedImage> jpeg =
+        UIImage::jpegDataOfFile(path, PictureBounds::filling(coverSide), coverQuality);
     if (!jpeg)
         return ShareExtensionError::make(path + " is no picture that can be shown");
     std::string name = uniqueTimeText() + ".jpg";
     FileManager& files = FileManager::defaultManager();
     if (ErrorRef error = files.createDirectory(folder->path()))
         return error;
-    if (ErrorRef error = files.writeAtomically(*jpeg, folder->appendingPathComponent(name)))
+    if (ErrorRef error = files.writeAtomically(jpeg->bytes(), folder->appendingPathComponent(name)))
         return error;
     return name;
 }

@@ -138,7 +138,8 @@ std::optional<MediaRequest> decodeRequest(DataView bytes) {
     reader.get(request.wholeOnly);
     reader.get(request.quality);
 
-    reader.require(givesPixels(request.operation) == (request.maximumSide > 0));
+    reader.require(request.operation == MediaOperation::encodePicture ||
+                   givesPixels(request.operation) == (request.maximumSide > 0));
     reader.require((request.operation == MediaOperation::encodePicture) == (request.quality > 0));
     reader.require(request.quality <= 100);
     reader.require(request.maximumSide <= maximumPictureSide && request.shorterSide <= request.maximumSide);

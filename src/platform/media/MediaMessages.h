@@ -18,7 +18,7 @@ enum class MediaOperation : std::uint32_t {
     decodePicture, ///< the picture in the file
     readDuration,  ///< the duration of the video in the file
     copyFrame,     ///< one frame of the video in the file
-    encodePicture, ///< the picture in the file, in its full size, as a JPEG file
+    encodePicture, ///< the picture in the file as a JPEG file, in its full size unless a size is asked for
 };
 
 /// The largest JPEG file that a helper makes, in bytes. Shared memory of that size takes no room before it is
@@ -30,7 +30,8 @@ inline constexpr std::uint64_t largestEncodedPicture = std::uint64_t{1} << 30;
 struct MediaRequest {
     std::uint32_t number = 0; ///< repeated in the response
     MediaOperation operation = MediaOperation::decodePicture;
-    std::uint32_t maximumSide = 0; ///< of the pixels, 1 to `maximumPictureSide`; 0 for a duration
+    std::uint32_t maximumSide =
+        0; ///< of the picture, 1 to `maximumPictureSide`; 0 for a duration and the full size
     std::uint32_t shorterSide = 0; ///< of the pixels, at most `maximumSide`; 0: as that allows
     std::uint32_t asset = 0;       ///< requests of one number are about the same open video
     CMTime time;                   ///< of the frame, from the start of the video

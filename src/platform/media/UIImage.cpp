@@ -37,6 +37,17 @@ double lengthAttribute(std::string_view svg, std::string_view name) {
     return length;
 }
 
+/// The JPEG file that the helper makes of the one at `path`.
+std::optional<EncodedImage> encoded(const std::string& path, MediaRequest request, double quality) {
+    request.operation = MediaOperation::encodePicture;
+    request.quality = encoderQuality(quality);
+    const auto answer = MediaServiceClient::shared().perform(path, request);
+    if (!answer)
+        return std::nullopt;
+    const auto& file = answer.value().file;
+    return EncodedImage(file, std::as_bytes(file->bytes()).first(answer.value().response.fileSize));
+}
+
 } // namespace
 
 std::optional<UIImage> UIImage::named(std::string_view name) {
@@ -101,16 +112,14 @@ UIImage UIImage::imageFlippedForRightToLeftLayoutDirection() const {
 }
 
 std::optional<EncodedImage> UIImage::jpegData(double quality) const {
-    if (!original_)
-        return std::nullopt;
+    return original_ ? encoded(pathOf(*original_), {}, quality) : std::nullopt;
+}
+
+std::optional<EncodedImage> UIImage::jpegDataOfFile(const std::string& path, PictureBounds bounds,
+                                                    double quality) {
     MediaRequest request;
-    request.operation = MediaOperation::encodePicture;
-    request.quality = encoderQuality(quality);
-    const auto answer = MediaServiceClient::shared().perform(pathOf(*original_), request);
-    if (!answer)
-        return std::nullopt;
-    const auto& file = answer.value().file;
-    return EncodedImage(file, std::as_bytes(file->bytes()).first(answer.value().response.fileSize));
+    request.setBounds(bounds);
+    return encoded(path, request, quality);
 }
 
 } // namespace sela

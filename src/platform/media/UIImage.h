@@ -86,6 +86,11 @@ public:
     /// Absent for other pictures, and for one with a side above the 65,500 that libjpeg writes. Blocks.
     std::optional<EncodedImage> jpegData(double quality) const;
 
+    /// The picture in a file as such a JPEG, within `bounds` and upright, made by the media helper alone.
+    /// Absent when the file is missing or is no picture that can be decoded. Blocks.
+    static std::optional<EncodedImage> jpegDataOfFile(const std::string& path, PictureBounds bounds,
+                                                      double quality);
+
 private:
     UIImage() = default;
 
