@@ -16,6 +16,8 @@ TEST(Arguments, TheProgramUnderstandsEveryOptionOfItsTable) {
     for (const OptionGroup& group : shareOptions().groups) {
         for (const Option& option : group.options) {
             Words words = {std::string(option.name)};
+            if (option.name.ends_with("-file"))
+                words.insert(words.begin(), "--album=Trips");
             if (option.takesValue())
                 words.push_back(values.contains(option.name) ? values.at(option.name) : "1");
             const Result<CommandLine> line = CommandLine::parse(words);
@@ -31,7 +33,10 @@ TEST(Arguments, WhatIsWrongIsSaidWithoutTheValueOfAnOption) {
         {{"publish", "--passcode=1234"}, "unknown option --passcode"},
         {{"publish", "--covers"}, "--covers needs a value"},
         {{"ledger", "--json=1234"}, "--json takes no value"},
-        {{"albums", "--json", "--"}, "unknown option --json"},
+        {{"init", "--keep", "--"}, "unknown option --keep"},
+        {{"album"}, "\"album\" needs to know what to do"},
+        {{"album", "rename", "Trips"}, "album rename needs PATH NAME"},
+        {{"init", "now"}, "init does not take \"now\""},
     };
     for (const auto& [words, problem] : cases) {
         const Result<Arguments> arguments = readArguments(vaultOptions(), words);
