@@ -63,8 +63,8 @@ std::string saveReportJSON(const SaveReport& report) {
     for (const AttachmentOutcome& outcome : report.run.outcomes)
         write(writer, outcome);
     writer.endArray().key("leftOut").beginArray();
-    for (const ErrorRef& error : report.leftOut)
-        writer.string(error->localizedDescription());
+    for (const LeftOut& file : report.leftOut)
+        writer.string(file.description());
     writer.endArray().endObject();
     // Characters that drive a terminal stand in texts alone, where the escapes of a log are JSON's too.
     return escapedForLog(writer.text()) + "\n";
