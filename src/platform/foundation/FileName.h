@@ -12,12 +12,13 @@ namespace sela {
 /// The most bytes that the usual file systems hold in one name.
 inline constexpr std::size_t longestFileName = 255;
 
-/// A name in two: what stands before its extension, and the extension with its dot, which is empty where there is
-/// none.
+/// A name in two: what stands before its extension, and the extension with its dot, which is empty where
+/// there is none.
 std::pair<std::string_view, std::string_view> stemAndExtension(std::string_view name);
 
-/// `stem + ending`, the stem shortened at the end of a character so that both are `longest` bytes at most. An ending
-/// that is longer by itself is shortened too.
-std::string fittedFileName(std::string_view stem, std::string_view ending, std::size_t longest = longestFileName);
+/// `stem + ending`, the stem shortened at the end of a character so that both are `longest` bytes at most. An
+/// ending that is longer by itself is shortened too.
+std::string fittedFileName(std::string_view stem, std::string_view ending,
+                           std::size_t longest = longestFileName);
 
 } // namespace sela
