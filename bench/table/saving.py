@@ -3,9 +3,11 @@
 In most whole runs the screens' animations and the 1.5 seconds that "Done" is shown pass on a fast clock.
 """
 
+import contextlib
 import os
 import pathlib
 import shutil
+import subprocess
 
 from measuring import SAMPLES, Row
 
@@ -29,10 +31,10 @@ def box(kind, size):
 class Copies:
     """The same files saved by sela-share and copied by the peers, each time from nothing."""
 
-    def __init__(self, bench, files):
+    def __init__(self, bench, files, folder=None):
         self.bench = bench
         self.files = files
-        self.target = bench.folder / "copies"
+        self.target = (folder or bench.folder) / "copies"
 
     def clear(self):
         self.bench.provision()
@@ -118,6 +120,48 @@ def small_images(bench):
               peer.milliseconds, "ahead", 1.0)
 
 
+@contextlib.contextmanager
+def home_on_btrfs(bench, gibibytes):
+    """A disk that can share what files have in common, in a file; None where none can be mounted."""
+    image, folder = bench.folder / "btrfs.image", bench.folder / "btrfs"
+    folder.mkdir()
+    with open(image, "wb") as file:
+        file.truncate(gibibytes << 30)
+    quiet = {"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
+    commands = [["mkfs.btrfs", "-q", image], ["mount", "-o", "loop", image, folder]]
+    mounted = shutil.which("mkfs.btrfs") and all(subprocess.run(each, **quiet).returncode == 0 for each in commands)
+    home, environment = bench.home, bench.environment
+    try:
+        if mounted:
+            bench.home = folder / "home"
+            bench.environment = environment | {"HOME": str(bench.home), "XDG_DATA_HOME": str(bench.home / "data"),
+                                               "XDG_CONFIG_HOME": str(bench.home / "config")}
+        yield folder if mounted else None
+    finally:
+        bench.home, bench.environment = home, environment
+        if mounted:
+            subprocess.run(["umount", folder], check=True)
+        image.unlink()
+        folder.rmdir()
+
+
+def shared_video(bench):
+    with home_on_btrfs(bench, 4) as folder:
+        if not folder:
+            print("no btrfs can be mounted: its rows are left out", flush=True)
+            return
+        path = folder / "big.mp4"
+        make_file(path, 1 << 30, (SAMPLES / "1080p.mp4").read_bytes())
+        copies = Copies(bench, [path], folder)
+        store, shared, copied = bench.alternate(
+            copies.store, lambda: copies.peer('cp "$1" "$2" && sync "$2"/*'),
+            lambda: copies.peer('cp --reflink=never "$1" "$2" && sync "$2"/*'))
+        path.unlink()
+    yield Row("save one 1 GiB video on btrfs, flushed", store.milliseconds, "ms", "cp, sync", shared.milliseconds)
+    yield Row("save one 1 GiB video on btrfs, flushed", store.milliseconds, "ms", "cp --reflink=never, sync",
+              copied.milliseconds, "ahead", 1.0)
+
+
 def huge_video(bench):
     """A sparse source: it is not read from the disk, but written whole."""
     if not bench.long:
@@ -133,5 +177,5 @@ def huge_video(bench):
 
 
 def rows(bench):
-    for part in (big_video, photos, small_images, huge_video):
+    for part in (big_video, shared_video, photos, small_images, huge_video):
         yield from part(bench)

@@ -168,7 +168,7 @@ ErrorRef Import::plan(const Entry& entry, Batch& batch) {
     const Result<URL> folder = makeFolder(item);
     if (!folder)
         return folder.error();
-    batch.placements.push_back({entry, source, freePlace(folder.value(), item)});
+    batch.placements.push_back({entry, source, freePlace(folder.value(), item), form_});
     batch.bytes += attributes.value().size;
     return nullptr;
 }
@@ -200,8 +200,9 @@ URL Import::freePlace(const URL& folder, const SharedItem& item) {
 ErrorRef Import::finish(Batch batch, std::vector<Entry>& again) {
     if (!options_.keep && !batch.placements.empty()) {
         std::vector<ImportJournal::Note> notes;
-        for (const auto& [entry, source, target] : batch.placements)
-            notes.push_back({entry.first, entry.second.fileName, target.absoluteString()});
+        for (const Placement& placement : batch.placements)
+            notes.push_back(
+                {placement.entry.first, placement.entry.second.fileName, placement.target.absoluteString()});
         if (ErrorRef error = ImportJournal::write(notes))
             return error;
         journalNoted_ = true;
@@ -217,7 +218,7 @@ std::vector<Import::Placement> Import::putInPlace(const Batch& batch, std::vecto
             placed.push_back(placement);
         } else if (isOneOf(error, std::array{EEXIST})) {
             again.push_back(placement.entry);
-        } else if (refusesName(error) && form_ == NameForm::own) {
+        } else if (refusesName(error) && placement.form == NameForm::own) {
             form_ = NameForm::portable;
             again.push_back(placement.entry);
         } else {
@@ -272,9 +273,9 @@ ErrorRef Import::takeOut(const std::vector<Placement>& placed, const std::vector
     if (!options_.keep && !gone.empty())
         if (ErrorRef error = takeOutOfLedger(gone))
             return error;
-    for (const auto& [entry, source, target] : placed) {
-        report_.imported.push_back(target.path());
-        const ErrorRef error = options_.keep ? nullptr : files.removeItem(source.path());
+    for (const Placement& placement : placed) {
+        report_.imported.push_back(placement.target.path());
+        const ErrorRef error = options_.keep ? nullptr : files.removeItem(placement.source.path());
         if (error)
             report_.problems.push_back(error->localizedDescription());
     }

@@ -59,6 +59,7 @@ private:
         Entry entry;
         URL source;
         URL target;
+        NameForm form = NameForm::own; ///< of the target's name
     };
 
     /// What is imported in one go.

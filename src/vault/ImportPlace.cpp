@@ -66,7 +66,8 @@ std::string importName(const SharedItem& item, int attempt, NameForm form) {
     if (attempt < 2)
         return name;
     const auto [stem, extension] = stemAndExtension(name);
-    return fittedFileName(stem, " (" + std::to_string(attempt) + ")" + std::string(extension), longestNameOf(form));
+    return fittedFileName(stem, " (" + std::to_string(attempt) + ")" + std::string(extension),
+                          longestNameOf(form));
 }
 
 } // namespace sela

@@ -3,9 +3,7 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <functional>
 #include <gtest/gtest.h>
-#include <mutex>
 
 namespace sela {
 namespace {
@@ -66,15 +64,6 @@ private:
     std::size_t count_ = 0;
 };
 
-struct Operation {
-    std::string name;
-    int entries; ///< recorded before
-    std::function<bool(FaultyGroup&)> run;
-    std::string saves = {}; ///< the item that is recorded when it succeeds
-    int publishes = 0;
-    FaultyGroup::Records records = FaultyGroup::Records::usual;
-};
-
 class FailingCalls : public testing::Test {
 protected:
     FaultyGroup group;
@@ -110,35 +99,20 @@ protected:
             struck = disk.struck;
         }
         EXPECT_TRUE(!struck.empty() || succeeded) << operation.name;
-        EXPECT_EQ(group.wrong(succeeded ? operation.saves : "", succeeded ? operation.publishes : 0), "")
+        EXPECT_EQ(group.wrongBehind(operation, succeeded), "")
             << operation.name << ": error " << fault.error << (fault.goesOn ? " from" : " at") << " call "
             << place << ", " << struck;
         return !struck.empty();
     }
 };
 
-TEST_F(FailingCalls, Save) {
-    const std::string name = "3.5new.jpg";
-    const std::vector<std::size_t> sizes =
-        everything() ? std::vector<std::size_t>{1, block - 1, block, block + 1, 5 << 20}
-                     : std::vector<std::size_t>{block + 1};
-    for (const std::size_t size : sizes)
-        for (const int entries : {0, 2}) {
-            sweep({"file", entries, [&](FaultyGroup& on) { return on.save(name, size); }, name});
-            sweep({"data", entries, [&](FaultyGroup& on) { return on.saveData(name, size); }, name});
-        }
-}
-
-TEST_F(FailingCalls, Import) {
-    using enum FaultyGroup::Records;
-    sweep({"import", 2, [](const FaultyGroup& on) { return on.import(); }});
-    sweep({"import to another disk", 2, [](const FaultyGroup& on) { return on.import(false); }});
-    sweep(
-        {"import from a long ledger", 4, [](const FaultyGroup& on) { return on.import(); }, "", 0, longOnes});
-}
-
-TEST_F(FailingCalls, Publish) {
-    sweep({"publish", 1, [](const FaultyGroup& on) { return on.publish(2); }, "", 2});
+TEST_F(FailingCalls, LoseNothing) {
+    for (const std::size_t size : everything()
+                                      ? std::vector<std::size_t>{1, block - 1, block, block + 1, 5 << 20}
+                                      : std::vector<std::size_t>{block + 1})
+        for (const Operation& operation : operations(size))
+            if (everything() || operation.records == FaultyGroup::Records::usual)
+                sweep(operation);
 }
 
 } // namespace

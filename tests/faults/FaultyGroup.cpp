@@ -229,4 +229,28 @@ std::string FaultyGroup::wrong(const std::string& saved, int published) {
     return publish(2) && wrongPublication(2).empty() ? "" : "the next publication does not work";
 }
 
+std::string FaultyGroup::wrongBehind(const Operation& operation, bool succeeded) {
+    return wrong(succeeded ? operation.saves : "", succeeded ? operation.publishes : 0);
+}
+
+std::vector<Operation> operations(std::size_t size) {
+    using enum FaultyGroup::Records;
+    const std::string name = "3.5new.jpg";
+    const auto saveFile = [=](FaultyGroup& group) { return group.save(name, size); };
+    const auto saveData = [=](FaultyGroup& group) { return group.saveData(name, size); };
+    const auto import = [](const FaultyGroup& group) { return group.import(); };
+    const auto importByCopies = [](const FaultyGroup& group) { return group.import(false); };
+    const auto publish = [](const FaultyGroup& group) { return group.publish(2); };
+    // Of four long records the first leaves blanks behind.
+    return {{"first save of a file", 0, usual, saveFile, name},
+            {"first save of data", 0, usual, saveData, name},
+            {"save of a file", 2, usual, saveFile, name},
+            {"save of data", 2, usual, saveData, name},
+            {"save of a file beside long records", 2, longOnes, saveFile, name},
+            {"import", 2, usual, import},
+            {"import to another disk", 2, usual, importByCopies},
+            {"import from a long ledger", 4, longOnes, import},
+            {"publication", 2, usual, publish, "", 2}};
+}
+
 } // namespace sela

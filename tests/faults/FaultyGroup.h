@@ -3,9 +3,11 @@
 #include "support/LogCapture.h"
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace sela {
 
@@ -47,6 +49,9 @@ public:
     /// and then a share, an import or a publication that does not work any more.
     std::string wrong(const std::string& saved, int published);
 
+    /// The same behind an operation that ended, or did not end, with success.
+    std::string wrongBehind(const struct Operation& operation, bool succeeded);
+
 private:
     /// Adds the file names that the ledger records; what is wrong with it or with one of the files.
     std::string readLedger(std::multiset<std::string>& recorded) const;
@@ -61,5 +66,18 @@ private:
     std::map<std::string, std::string> contents_; ///< by file name
     std::set<std::string> before_;                ///< names of the files recorded by `reset`
 };
+
+/// Something that a program does to a group.
+struct Operation {
+    std::string name;
+    int entries; ///< recorded before
+    FaultyGroup::Records records;
+    std::function<bool(FaultyGroup&)> run;
+    std::string saves = {}; ///< the item that is recorded when it has succeeded
+    int publishes = 0;      ///< the catalogue that is published then
+};
+
+/// All of them; saved files have that size.
+std::vector<Operation> operations(std::size_t size);
 
 } // namespace sela

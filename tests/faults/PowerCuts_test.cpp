@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <optional>
@@ -19,13 +18,6 @@ int randomStates() {
     const char* const text = std::getenv("SELA_POWER_CUTS");
     return text ? std::atoi(text) : 1;
 }
-
-struct Operation {
-    const char* name;
-    std::function<bool()> run;
-    std::string saves = {}; ///< the item that is recorded when it has succeeded
-    int publishes = 0;      ///< the catalogue that is published then
-};
 
 /// Nothing that a program does reaches the disk any more from one call on, as if it were killed there.
 class Kill : public DiskWrapper {
@@ -76,32 +68,24 @@ protected:
         last = state;
         disk.restore(state);
         ++states;
-        EXPECT_EQ(group.wrong(succeeded ? operation.saves : "", succeeded ? operation.publishes : 0), "")
+        EXPECT_EQ(group.wrongBehind(operation, succeeded), "")
             << operation.name << ", cut behind change " << changes << " of " << disk.changes()
             << ", contents " << static_cast<int>(contents) << ", entries " << static_cast<int>(entries);
     }
 
-    /// Records an operation on the group as it stands.
-    static std::unique_ptr<RecordingDisk> record(const FaultyGroup& on, const Operation& operation) {
-        auto disk = std::make_unique<RecordingDisk>(on.home());
-        EXPECT_TRUE(operation.run()) << operation.name;
-        disk->takeOutOfUse();
-        return disk;
-    }
-
-    void cutEverywhere(const Operation& operation, int entries,
-                       FaultyGroup::Records records = FaultyGroup::Records::usual) {
-        group.reset(entries, records);
-        const std::unique_ptr<RecordingDisk> disk = record(group, operation);
-        for (std::size_t changes = 0; changes <= disk->changes(); ++changes) {
-            if (!takesTime && changes % 3 != 0 && changes != disk->changes())
+    void cutEverywhere(const Operation& operation) {
+        group.reset(operation.entries, operation.records);
+        RecordingDisk disk(group.home());
+        EXPECT_TRUE(operation.run(group)) << operation.name;
+        disk.takeOutOfUse();
+        for (std::size_t changes = 0; changes <= disk.changes(); ++changes) {
+            if (!takesTime && changes % 3 != 0 && changes != disk.changes())
                 continue;
             for (const auto contents : {Survival::nothing, Survival::everything})
-                for (const auto entriesThen : {Survival::nothing, Survival::everything})
-                    look(*disk, changes, contents, entriesThen, operation);
+                for (const auto entries : {Survival::nothing, Survival::everything})
+                    look(disk, changes, contents, entries, operation);
             for (int i = 0; i < randomStates(); ++i)
-                for (const auto survival : {Survival::start, Survival::some})
-                    look(*disk, changes, survival, survival, operation);
+                look(disk, changes, Survival::some, Survival::some, operation);
         }
     }
 
@@ -114,25 +98,24 @@ protected:
     /// Lets a kill strike and then another run go to its end on what that left in the memory of the system.
     /// Absent when the first run ended before the kill.
     template<class... Place>
-    std::optional<TwoRuns> runAfterAKill(const Operation& operation, const Operation& again, int entries,
-                                         Place... place) {
-        group.reset(entries);
+    std::optional<TwoRuns> runAfterAKill(const Operation& operation, const Operation& again, Place... place) {
+        group.reset(operation.entries, operation.records);
         TwoRuns runs{std::make_unique<RecordingDisk>(group.home()), 0};
         {
             const Kill kill(place...);
-            operation.run();
+            operation.run(group);
             if (!kill.struck)
                 return std::nullopt;
         }
         runs.killedAt = runs.disk->changes();
-        EXPECT_TRUE(again.run());
+        EXPECT_TRUE(again.run(group));
         runs.disk->takeOutOfUse();
         return runs;
     }
 
-    void cutAfterKillsEverywhere(const Operation& operation, const Operation& again, int entries) {
+    void cutAfterKillsEverywhere(const Operation& operation, const Operation& again) {
         for (int calls = 0;; calls += takesTime ? 1 : 3) {
-            const std::optional<TwoRuns> runs = runAfterAKill(operation, again, entries, calls);
+            const std::optional<TwoRuns> runs = runAfterAKill(operation, again, calls);
             if (!runs)
                 return;
             const std::size_t later = runs->disk->changes() - runs->killedAt + 1;
@@ -143,41 +126,29 @@ protected:
     }
 };
 
-TEST_F(PowerCuts, Save) {
-    const std::string name = "3.5new.jpg";
-    const std::string other = "4.5other.jpg";
-    const Operation file{"save of a file", [&] { return group.save(name, size); }, name};
-    const Operation data{"save of data", [&] { return group.saveData(name, size); }, name};
-    const Operation again{"save after a kill", [&] { return group.save(other, 1000); }, other};
-    for (const int entries : {0, 2}) {
-        cutEverywhere(file, entries);
-        cutEverywhere(data, entries);
-    }
-    cutEverywhere(file, 2, FaultyGroup::Records::longOnes);
-    cutAfterKillsEverywhere(data, again, 0);
+TEST_F(PowerCuts, LoseNothing) {
+    for (const Operation& operation : operations(size))
+        cutEverywhere(operation);
 }
 
-TEST_F(PowerCuts, Import) {
-    const Operation linking{"import", [&] { return group.import(); }};
-    cutEverywhere(linking, 2);
-    cutEverywhere({"import to another disk", [&] { return group.import(false); }}, 2);
-    // Of four the first leaves blanks behind.
-    cutEverywhere(linking, 4, FaultyGroup::Records::longOnes);
-    cutAfterKillsEverywhere(linking, linking, 2);
+const Operation otherSave{"save after a kill", 0, FaultyGroup::Records::usual,
+                          [](FaultyGroup& group) { return group.save("4.5other.jpg", 1000); },
+                          "4.5other.jpg"};
+const Operation import{"import after a kill", 2, FaultyGroup::Records::usual,
+                       [](const FaultyGroup& group) { return group.import(); }};
+
+TEST_F(PowerCuts, LoseNothingBehindAKill) {
+    cutAfterKillsEverywhere(operations(size)[1], otherSave);
+    cutAfterKillsEverywhere(import, import);
 }
 
-TEST_F(PowerCuts, AfterAKillThatLeftTheJournalTruncatedAndUnflushed) {
-    const Operation linking{"import", [&] { return group.import(); }};
-    const std::optional<TwoRuns> runs = runAfterAKill(linking, linking, 2);
+TEST_F(PowerCuts, LoseNothingBehindAKillThatLeftTheJournalTruncatedAndUnflushed) {
+    const std::optional<TwoRuns> runs = runAfterAKill(import, import);
     ASSERT_TRUE(runs);
     // The next transaction begins here.
     for (std::size_t changes = runs->killedAt; changes < runs->killedAt + 12; ++changes)
         for (int i = 0; i < 20; ++i)
-            look(*runs->disk, changes, Survival::some, Survival::everything, linking);
-}
-
-TEST_F(PowerCuts, Publish) {
-    cutEverywhere({"publish", [&] { return group.publish(2); }, "", 2}, 2);
+            look(*runs->disk, changes, Survival::some, Survival::everything, import);
 }
 
 } // namespace

@@ -26,8 +26,6 @@ std::pair<std::string, std::string> folderAndName(const std::string& path) {
 std::vector<bool> survivors(std::size_t count, RecordingDisk::Survival survival, std::mt19937& chance) {
     using enum RecordingDisk::Survival;
     std::vector<bool> kept(count, survival == everything);
-    if (survival == start)
-        std::fill_n(kept.begin(), chance() % (count + 1), true);
     if (survival == some)
         std::generate(kept.begin(), kept.end(), [&] { return chance() % 2 == 0; });
     return kept;

@@ -21,7 +21,7 @@ public:
     std::size_t changes() const { return changes_.size(); }
 
     /// What survives of the changes that were not flushed.
-    enum class Survival { nothing, everything, start, some };
+    enum class Survival { nothing, everything, some };
 
     /// A file's bytes, or a folder's entries by name, each the number of another object.
     struct Object {
@@ -35,7 +35,7 @@ public:
     /// The root is the first of them; some may have no entry any more.
     using State = std::vector<Object>;
 
-    /// The state after a power cut behind so many changes. With `start` and `some` a write that survives may
+    /// The state after a power cut behind so many changes. With `some` a write that survives may
     /// be torn at the end of a sector.
     State stateAfter(std::size_t changes, Survival contents, Survival entries, std::mt19937& chance) const;
 

@@ -93,15 +93,17 @@ TEST_F(AttachmentIntakeTest, ARequestWithoutAttachmentsHasNoneAndSavingEndsAtOnc
     EXPECT_THAT(ends, ElementsAre("ok", "ok", "ok", "ok"));
 }
 
-TEST_F(AttachmentIntakeTest, APictureInMemoryBecomesAJPEGWithoutAName) {
+TEST_F(AttachmentIntakeTest, APictureInMemoryBecomesAJPEGWithoutANameInTheVaultThatIsOpen) {
     const std::string file = home.write("picture.bmp", bitmapFile(2, 1, ~0U));
     const auto image =
         UIImage::contentsOfOpenFile(FileDescriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC)), 64);
     ASSERT_TRUE(image);
     share({NSItemProvider::ofImage(*image)});
+    intake->setFakePasswordMode(true);
     save();
     ASSERT_EQ(recordedItems().size(), 1u);
     const SharedItem item = recordedItems().front();
+    EXPECT_TRUE(item.fake);
     EXPECT_THAT(item.fileName, MatchesRegex("[0-9]+\\.[0-9]+\\.jpg"));
     EXPECT_EQ(item.preferredName, std::nullopt);
     EXPECT_THAT(contentOf(home.container() / "Items" / item.fileName), testing::StartsWith("\xFF\xD8\xFF"));

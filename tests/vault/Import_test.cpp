@@ -24,11 +24,11 @@ protected:
 
     ImportTest() { home.provision(); }
 
-    /// Records a file for each of these names.
-    void record(const std::vector<std::string>& names) const {
+    /// Records a file for each of these albums and names.
+    void record(const std::vector<std::pair<std::string, std::string>>& files) const {
         std::vector<SharedItemLedger::Entry> entries;
-        for (const std::string& name : names) {
-            const SharedItem item{std::to_string(entries.size()) + ".5.jpg", {"A: b"}, false, name};
+        for (const auto& [album, name] : files) {
+            const SharedItem item{std::to_string(entries.size()) + ".5.jpg", {album}, false, name};
             home.write("data/sela/groups/group.sela.vault/Items/" + item.fileName, name);
             entries.emplace_back(SharedItemLedger::key(item), item);
         }
@@ -54,23 +54,23 @@ class ForeignDisk : public DiskWrapper {
 };
 
 TEST_F(ImportTest, AFileThatTheTargetRefusesKeepsItsEntryAndTheOthersGoOnUnderNamesThatItHolds) {
-    record({"1.jpg", "full.jpg", "what?.jpg"});
+    record({{"A", "what?.jpg"}, {"B: c", "1.jpg"}, {"A", "full.jpg"}});
     {
         const ForeignDisk disk;
         const Import::Report report = import();
         EXPECT_THAT(report.imported,
-                    ElementsAre(EndsWith("vault/A_ b/1.jpg"), EndsWith("vault/A_ b/what_.jpg")));
+                    ElementsAre(EndsWith("vault/B_ c/1.jpg"), EndsWith("vault/A/what_.jpg")));
         EXPECT_THAT(report.problems, ElementsAre(EndsWith("full.jpg: No space left on device")));
     }
-    EXPECT_EQ(contentOf(into / "vault/A_ b/what_.jpg"), "what?.jpg");
-    EXPECT_THAT(import().imported, ElementsAre(EndsWith("vault/A: b/full.jpg")));
+    EXPECT_EQ(contentOf(into / "vault/A/what_.jpg"), "what?.jpg");
+    EXPECT_THAT(import().imported, ElementsAre(EndsWith("vault/A/full.jpg")));
     EXPECT_THAT(import().imported, IsEmpty());
 }
 
 TEST_F(ImportTest, FilesOfOneNameAreNumberedAcrossBatches) {
-    record(std::vector<std::string>(600, "a.jpg"));
+    record(std::vector(600, std::pair<std::string, std::string>("A", "a.jpg")));
     EXPECT_EQ(import().imported.size(), 600u);
-    EXPECT_TRUE(fs::exists(into / "vault/A: b/a (600).jpg"));
+    EXPECT_TRUE(fs::exists(into / "vault/A/a (600).jpg"));
     EXPECT_TRUE(fs::is_empty(home.container() / "Items"));
 }
 
