@@ -12,10 +12,10 @@ namespace sela {
 /// One step that `sela-share` takes by itself, as a person would by hand.
 struct Step {
     enum class Kind {
-        tap,      ///< touch up inside on the topmost visible view of that name, once the screen is idle
-        tapNow,   ///< the same without waiting
-        type,     ///< a tap per digit of `digits`, which come from the file of the argument where there is one
-        wait,     ///< real time in seconds, counted from the step before; the next step does not wait either
+        tap,    ///< touch up inside on the topmost visible view of that name, once the screen is idle
+        tapNow, ///< the same without waiting
+        type,   ///< a tap per digit of `digits`, which come from the file of the argument where there is one
+        wait,   ///< real time in seconds, counted from the step before; the next step does not wait either
         snapshot, ///< a picture of the screen into a PNG file
         tree,     ///< the view tree as JSON into a file
         unfold,   ///< a tap that shows the albums inside the album of that path

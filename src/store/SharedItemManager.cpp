@@ -53,6 +53,7 @@ std::optional<Destination> destinationOf(const SharedItem& item,
         return fail("Shared folder is nil");
     }
     FileManager& files = FileManager::defaultManager();
+    files.closeToOthers(folder->path());
     const URL items = folder->appendingPathComponent(itemsFolderName);
     if (!files.fileExists(items.path())) {
         if (const ErrorRef error = files.createDirectory(items.path())) {

@@ -154,6 +154,7 @@ Result<ProvisionedGroup> provisionGroup() {
     for (const std::string_view folder : {itemsFolderName, albumThumbnailsFolderName})
         if (ErrorRef error = files.createDirectory(container->appendingPathComponent(folder).path()))
             return error;
+    files.closeToOthers(container->path());
     return ProvisionedGroup{container->path(), isNew};
 }
 

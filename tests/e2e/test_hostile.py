@@ -243,6 +243,22 @@ class Privacy(HostileTest):
         self.assertFalse(dumps_core(BIN / "sela-share", "--headless", "--wait", "60", self.write("a.jpg", b"x")))
         self.assertFalse(dumps_core(BIN / "sela-vault", "publish", "--passcode-file", "-", self.home / "catalogue.json"))
 
+    def test_what_others_could_read_is_closed_to_them(self):
+        self.container.chmod(0o755)
+        self.settings.chmod(0o644)
+        self.add(self.write("a.jpg", b"x"))
+        self.assertEqual([path.stat().st_mode & 0o777 for path in (self.container, self.settings)], [0o700, 0o600])
+
+    def test_digits_stand_in_no_argument(self):
+        photo, file = self.write("a.jpg", b"x"), self.write("digits", b"123456\n")
+        process = self.start_share("--wait", "60", "--type", "918273", "--type=645342", photo)
+        process.stderr.readline()
+        arguments = pathlib.Path(f"/proc/{process.pid}/cmdline").read_text()
+        self.assertIn("--type\0xxxxxx\0--type=xxxxxx\0", arguments)
+        for digits, status in [("@" + file, 3), ("-", 3), ("@" + photo, 64), ("@missing", 64), ("@", 64)]:
+            self.share("--tap", "albumButton", "--type", digits, "--tap", "row:0:0", photo, input=b"123456", expect=status)
+        self.share("--type", "-", "--type", "-", photo, expect=64)
+
     def test_a_passcode_is_never_shown(self):
         self.provision(passcode="918273", decoy="645342")
         photo, tree = self.write("a.jpg", b"x"), self.home / "tree.json"
@@ -289,7 +305,7 @@ class Privacy(HostileTest):
                 time.sleep(0.05)
             held = b"".join(memory(process))
             self.assertIn(sides[code], held)
-            for secret in (sides[other], other.encode()):
+            for secret in (sides[other], code.encode(), other.encode()):
                 self.assertEqual(held.count(secret), 0, (code, secret))
             process.kill()
 

@@ -143,6 +143,14 @@ ErrorRef FileManager::createDirectory(const std::string& path) {
     return nullptr;
 }
 
+void FileManager::closeToOthers(const std::string& path) {
+    constexpr mode_t others = S_IRWXG | S_IRWXO;
+    struct stat status = {};
+    if (Disk::inUse().stat(path, status) == 0 && status.st_uid == ::geteuid() &&
+        (status.st_mode & others) != 0)
+        Disk::inUse().chmod(path, status.st_mode & 07777 & ~others);
+}
+
 Result<std::vector<std::string>> FileManager::contentsOfDirectory(const std::string& path) const {
     std::vector<std::string> names;
     if (ErrorRef error = errorOf(Disk::inUse().readdir(path, names), path))

@@ -64,6 +64,11 @@ public:
     /// folder that is there already as well.
     ErrorRef createDirectory(const std::string& path);
 
+    /// Takes from everybody else the rights to a file or folder that belongs to the user, if they have any;
+    /// it may have been made by a program that knew no better. One of somebody else, or that is not there,
+    /// stays.
+    void closeToOthers(const std::string& path);
+
     /// The names in a folder, "." and ".." left out, sorted by their bytes.
     Result<std::vector<std::string>> contentsOfDirectory(const std::string& path) const;
 

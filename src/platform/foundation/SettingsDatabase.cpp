@@ -266,6 +266,7 @@ ErrorRef SettingsDatabase::connect() {
     struct stat status = {};
     if (const int result = Disk::inUse().stat(path_, status); result < 0)
         return result == -ENOENT ? nullptr : NSError::posix(-result, path_);
+    FileManager::defaultManager().closeToOthers(path_);
     constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE;
     const int result = sqlite3_open_v2(path_.c_str(), &connection_, flags, sqliteDiskName());
     ErrorRef error = result == SQLITE_OK ? checkFormat() : failure("the settings cannot be opened");
