@@ -16,7 +16,7 @@ TEST(MimeAttachments, FindsFilesAndPicturesAndSaysWhatCannotBeUsed) {
     const QString copied = QStringLiteral("x-special/gnome-copied-files");
     const QString picture = QStringLiteral("image/png");
     const QByteArray jpeg = QByteArray::fromStdString(
-        std::string(asText(*UIImage::fromPixels({1, 1, {0, 0, 0, 255}}).jpegData(0.9)->bytes())));
+        std::string(asText(UIImage::fromPixels({1, 1, {0, 0, 0, 255}}).jpegData(0.9)->bytes())));
     const struct {
         const char* name;
         QMap<QString, QByteArray> data;
