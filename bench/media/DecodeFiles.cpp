@@ -75,7 +75,7 @@ int main(int count, char** arguments) {
                     response.height, response.time.seconds(), response.framesDecoded, milliseconds);
         if (!output.empty()) {
             const auto jpeg = UIImage::fromPixels(std::move(answer.value().pixels)).jpegData(0.9);
-            std::ofstream(output, std::ios::binary) << (jpeg ? asText(*jpeg) : "");
+            std::ofstream(output, std::ios::binary) << (jpeg ? asText(jpeg->bytes()) : "");
         }
     }
     const auto helper = MediaServiceClient::shared().helperProcessIdentifier(
