@@ -63,8 +63,8 @@ std::vector<std::string> SaveReport::problems() const {
         if (run.state == SaveRun::State::stuck)
             lines.back() += "; the end of this is never reported, so the request cannot end";
     }
-    if (const std::string names = notTried(run); !names.empty())
-        lines.push_back("not tried: " + names);
+    if (const std::string untried = notTried(run); !untried.empty())
+        lines.push_back("not tried: " + untried);
     return lines;
 }
 

@@ -20,6 +20,9 @@ struct SaveReport {
 
     SaveRun run;
 
+    /// What was in the request from its start, as it was named, in the order of the run's outcomes.
+    std::vector<std::string> names;
+
     /// What was not even in the request.
     std::vector<LeftOut> leftOut;
 

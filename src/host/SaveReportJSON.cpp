@@ -3,6 +3,7 @@
 #include "platform/foundation/JSONWriter.h"
 #include "platform/foundation/NSLog.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace sela {
@@ -11,38 +12,20 @@ namespace {
 
 using Kind = AttachmentOutcome::Kind;
 
-std::string_view textOf(ExitStatus status) {
-    switch (status) {
-    case ExitStatus::completed:
-        return "completed";
-    case ExitStatus::notAll:
-        return "not all";
-    case ExitStatus::cancelled:
-        return "cancelled";
-    case ExitStatus::cannotEnd:
-        return "stuck";
-    case ExitStatus::badArguments:
-        return "refused";
-    case ExitStatus::stepFailed:
-        return "step failed";
-    }
-    return {};
-}
-
 std::string_view textOf(Kind kind) {
     switch (kind) {
     case Kind::notTried:
         return "not tried";
     case Kind::recorded:
-        return "recorded";
+        return "added";
     case Kind::failed:
         return "failed";
     }
     return {};
 }
 
-void write(JSONWriter& writer, const AttachmentOutcome& outcome) {
-    writer.beginObject().member("name", outcome.name).member("outcome", std::string(textOf(outcome.kind)));
+void write(JSONWriter& writer, const std::string& path, const AttachmentOutcome& outcome) {
+    writer.beginObject().member("path", path).member("outcome", std::string(textOf(outcome.kind)));
     if (outcome.reason)
         writer.member("reason", outcome.reason->localizedFailureReason());
     if (outcome.kind == Kind::recorded && outcome.item) {
@@ -52,19 +35,25 @@ void write(JSONWriter& writer, const AttachmentOutcome& outcome) {
     writer.endObject();
 }
 
+void write(JSONWriter& writer, const LeftOut& file) {
+    writer.beginObject().member("path", file.name).member("outcome", std::string("left out"));
+    writer.member("reason", file.reason->localizedFailureReason()).endObject();
+}
+
 } // namespace
 
 std::string saveReportJSON(const SaveReport& report) {
     JSONWriter writer;
-    writer.beginObject()
-        .member("status", std::string(textOf(report.status())))
-        .member("problem", report.problem);
-    writer.key("files").beginArray();
-    for (const AttachmentOutcome& outcome : report.run.outcomes)
-        write(writer, outcome);
-    writer.endArray().key("leftOut").beginArray();
+    writer.beginObject().key("status").integer(static_cast<int>(report.status()));
+    writer.member("problem", report.problem).key("files").beginArray();
+    // A run that never began has no outcomes, and what came later by a drop has a name alone.
+    const std::vector<AttachmentOutcome>& outcomes = report.run.outcomes;
+    for (std::size_t i = 0; i < std::max(report.names.size(), outcomes.size()); ++i) {
+        const AttachmentOutcome outcome = i < outcomes.size() ? outcomes[i] : AttachmentOutcome();
+        write(writer, i < report.names.size() ? report.names[i] : outcome.name, outcome);
+    }
     for (const LeftOut& file : report.leftOut)
-        writer.string(file.description());
+        write(writer, file);
     writer.endArray().endObject();
     // Characters that drive a terminal stand in texts alone, where the escapes of a log are JSON's too.
     return escapedForLog(writer.text()) + "\n";

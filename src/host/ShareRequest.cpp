@@ -124,7 +124,7 @@ void Attachments::addFile(const std::string& argument) {
         problems.push_back({argument, size.error()});
         return;
     }
-    providers.push_back(NSItemProvider::ofFile(*file));
+    addProvider(NSItemProvider::ofFile(*file), argument);
     totalSize += size.value();
 }
 
@@ -134,7 +134,7 @@ void Attachments::addPicture(DataView bytes, const std::string& origin) {
         file.isOpen() ? writeFully(file.get(), bytes, 0, origin) : NSError::posix(errno, "memfd_create");
     const auto picture = error ? Result<std::shared_ptr<NSItemProvider>>(error) : pictureIn(std::move(file));
     if (picture)
-        providers.push_back(picture.value());
+        addProvider(picture.value(), {});
     else
         problems.push_back({origin, picture.error()});
 }
@@ -144,13 +144,19 @@ void Attachments::addStandardInput() {
     const auto picture =
         file ? pictureIn(std::move(file.value())) : Result<std::shared_ptr<NSItemProvider>>(file.error());
     if (picture)
-        providers.push_back(picture.value());
+        addProvider(picture.value(), "-");
     else
         problems.push_back({"standard input", picture.error()});
 }
 
+void Attachments::addProvider(std::shared_ptr<NSItemProvider> provider, const std::string& name) {
+    providers.push_back(std::move(provider));
+    names.push_back(name);
+}
+
 void Attachments::append(const Attachments& more) {
     providers.insert(providers.end(), more.providers.begin(), more.providers.end());
+    names.insert(names.end(), more.names.begin(), more.names.end());
     totalSize += more.totalSize;
     problems.insert(problems.end(), more.problems.begin(), more.problems.end());
 }

@@ -29,6 +29,9 @@ struct LeftOut {
 struct Attachments {
     NSExtensionItem::Attachments providers;
 
+    /// One for each provider: as it was named ("-" for standard input); empty for what the clipboard held.
+    std::vector<std::string> names;
+
     /// The size of the files among them together, in bytes; pictures without a file count nothing.
     std::int64_t totalSize = 0;
 
@@ -49,6 +52,9 @@ struct Attachments {
     void addStandardInput();
 
     void append(const Attachments& more);
+
+private:
+    void addProvider(std::shared_ptr<NSItemProvider> provider, const std::string& name);
 };
 
 /// What a command line names, in its order: the paths of files, file URLs, or "-" for a picture on standard

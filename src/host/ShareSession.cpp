@@ -16,6 +16,7 @@ ShareSession::ShareSession(const CommandLine& line, DispatchQueue& loop, const A
     screen_ = shareScreenOf(*root_);
     scope_.window().setRootViewController(root_);
     interruptHandler_ = [this] { leave("The process was asked to end."); };
+    report_.names = attachments.names;
     report_.leftOut = attachments.problems;
     context_->onEnd = [this](const ErrorRef& cancellation) { requestEnded(cancellation); };
 }

@@ -54,7 +54,7 @@ std::optional<MediaResponse> answer(MediaSocket::Packet packet, const RequestHan
         return response;
     response.time = outcome.time;
     response.fileSize = outcome.fileSize;
-    if (request->maximumSide > 0) {
+    if (outcome.fileSize == 0 && hasMemory) {
         const auto shared = SharedMemory::open(std::move(packet.descriptors[1]), outcome.pixels.bytes.size());
         if (!shared)
             return std::nullopt;

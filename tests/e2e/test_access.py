@@ -63,7 +63,7 @@ class Clipboard(WindowTest):
         self.assertEqual(self.names(), ["a picture", "file 0.jpg", "file 1.jpg"])
         self.copy("UTF8_STRING", b"only words")
         refused = self.run_program("sela-share", *add, expect=64)
-        self.assertIn("the clipboard holds text; only files and pictures can be added", refused.stderr)
+        self.assertIn("the clipboard: it holds text; only files and pictures can be added", refused.stderr)
 
     def test_the_clipboard_in_the_window(self):
         process = self.open_card(self.files[0])

@@ -175,7 +175,7 @@ class Launched(Installed):
             return bytes([0x78, len(word)]) + word.encode()
 
         for chosen, answer in ((urls, {"output": {"url": ""}}),
-                               (["https://a/b.jpg"], {"error": 100, "errorText": 'sela-share: "https://a/b.jpg" is no '
+                               (["https://a/b.jpg"], {"error": 100, "errorText": "sela-share: https://a/b.jpg: it is no "
                                 "file of this computer; save it as a file and add that"})):
             request = b"\xa2\x64urls\x98" + bytes([len(chosen)]) + b"".join(map(text, chosen)) + b"\x68mimeType" + text("*/*")
             listener = socket.socket(socket.AF_UNIX)
@@ -208,5 +208,5 @@ class Launched(Installed):
         # What goes wrong is shown as a notification.
         said = (self.home / "said").read_text()
         for text in ("member=Notify", 'string "Add to Sela"',
-                     'is no file of this computer; save it as a file and add that"'):
+                     'it is no file of this computer; save it as a file and add that"'):
             self.assertIn(text, said)

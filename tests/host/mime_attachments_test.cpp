@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QBuffer>
+#include <QImage>
 #include <QMimeData>
 
 namespace sela {
@@ -15,8 +17,10 @@ TEST(MimeAttachments, FindsFilesAndPicturesAndSaysWhatCannotBeUsed) {
     const QString files = QStringLiteral("text/uri-list"), text = QStringLiteral("text/plain");
     const QString copied = QStringLiteral("x-special/gnome-copied-files");
     const QString picture = QStringLiteral("image/png");
-    const QByteArray jpeg = QByteArray::fromStdString(
-        std::string(asText(UIImage::fromPixels({1, 1, {0, 0, 0, 255}}).jpegData(0.9)->bytes())));
+    QByteArray jpeg;
+    QBuffer buffer(&jpeg);
+    buffer.open(QIODevice::WriteOnly);
+    QImage(1, 1, QImage::Format_RGB32).save(&buffer, "JPEG");
     const struct {
         const char* name;
         QMap<QString, QByteArray> data;
