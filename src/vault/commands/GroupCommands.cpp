@@ -27,13 +27,14 @@ int initCommand(const Arguments& arguments) {
     const Result<ProvisionedGroup> group = provisionGroup();
     if (!group)
         return fail(group.error());
-    const auto& [container, isNew] = group.value();
+    const ProvisionedGroup& made = group.value();
     if (arguments.has("--json"))
-        return printJSON(
-            [&](JSONWriter& writer) { writer.member("container", container).member("new", isNew); });
-    if (!isNew)
-        return print("There is a vault already: " + container + "\n");
-    return print("Made a vault: " + container +
+        return printJSON([&](JSONWriter& writer) {
+            writer.member("container", made.container).member("new", made.isNew);
+        });
+    if (!made.isNew)
+        return print("There is a vault already: " + made.container + "\n");
+    return print("Made a vault: " + made.container +
                  "\nWhat to do next:\n"
                  "  sela-vault passcode set      the passcode that shows your albums\n"
                  "  sela-vault album add Trips   albums to add to\n");

@@ -34,7 +34,7 @@ TEST(ThreadPoolQueue, ASuspendedQueueBeginsNothing) {
     EXPECT_EQ(ran, 2);
 }
 
-#ifndef __SANITIZE_ADDRESS__ // which needs room itself
+#ifndef SELA_SANITIZED // sanitizers need room themselves
 TEST(ThreadPoolQueueDeathTest, AQueueThatCanHaveNoThreadStopsTheProcess) {
     const auto makeQueueWithoutRoom = [] {
         const rlimit none = {0, 0};
