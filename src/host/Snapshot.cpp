@@ -1,6 +1,6 @@
 #include "host/Snapshot.h"
 
-#include <QString>
+#include <QBuffer>
 
 #include <algorithm>
 #include <cmath>
@@ -24,10 +24,11 @@ QImage picture(UIWindow& window, ViewPainter& painter, double pixelsPerPoint) {
     return image;
 }
 
-bool write(UIWindow& window, ViewPainter& painter, double pixelsPerPoint, const std::string& path) {
-    return picture(window, painter, pixelsPerPoint)
-        .convertToFormat(QImage::Format_RGB32)
-        .save(QString::fromStdString(path), "PNG");
+std::string png(UIWindow& window, ViewPainter& painter, double pixelsPerPoint) {
+    QBuffer file;
+    file.open(QIODevice::WriteOnly);
+    picture(window, painter, pixelsPerPoint).convertToFormat(QImage::Format_RGB32).save(&file, "PNG");
+    return file.data().toStdString();
 }
 
 } // namespace sela::Snapshot

@@ -18,8 +18,8 @@ QColor backdrop(const UITraitCollection& traits);
 /// The window at this moment over the backdrop, `pixelsPerPoint` pixels to a point, laid out first.
 QImage picture(UIWindow& window, ViewPainter& painter, double pixelsPerPoint);
 
-/// Writes that picture to the PNG file `path`, replacing one that exists. False when it cannot be written.
-bool write(UIWindow& window, ViewPainter& painter, double pixelsPerPoint, const std::string& path);
+/// The bytes of that picture as a PNG file.
+std::string png(UIWindow& window, ViewPainter& painter, double pixelsPerPoint);
 
 } // namespace Snapshot
 

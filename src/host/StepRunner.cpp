@@ -5,8 +5,11 @@
 #include "host/TreeWriter.h"
 #include "host/ViewLocator.h"
 #include "platform/foundation/BackgroundWork.h"
+#include "platform/foundation/Error.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <fstream>
 #include <utility>
 
 namespace sela {
@@ -20,6 +23,16 @@ constexpr double lookInterval = 0.005;
 bool isBackgroundAtWork() {
     const std::lock_guard lock(BackgroundWork::mutex());
     return BackgroundWork::outstanding() > 0;
+}
+
+/// Replaces a file by what a step shows; why it cannot be written, or nothing.
+std::optional<std::string> write(const std::string& bytes, const char* what, const std::string& path) {
+    errno = 0;
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    if (file << bytes << std::flush)
+        return std::nullopt;
+    const ErrorRef error = NSError::posix(errno == 0 ? EIO : errno, path);
+    return std::string("cannot write the ") + what + " " + path + ": " + error->localizedFailureReason();
 }
 
 } // namespace
@@ -98,13 +111,10 @@ std::optional<std::string> StepRunner::take(const Step& step) {
             return "a key to type is not on the screen, or is hidden or covered";
         return std::nullopt;
     case Step::Kind::snapshot:
-        if (!Snapshot::write(screen_.window, screen_.painter, screen_.pixelsPerPoint, step.argument))
-            return "cannot write the picture " + step.argument;
-        return std::nullopt;
+        return write(Snapshot::png(screen_.window, screen_.painter, screen_.pixelsPerPoint), "picture",
+                     step.argument);
     case Step::Kind::tree:
-        if (!TreeWriter::write(screen_.window, step.argument))
-            return "cannot write the tree " + step.argument;
-        return std::nullopt;
+        return write(TreeWriter::json(screen_.window) + "\n", "tree", step.argument);
     case Step::Kind::unfold:
     case Step::Kind::album: {
         const Result<std::string> view = screen_.viewOfAlbum(step);
@@ -128,7 +138,8 @@ bool StepRunner::touch(const std::string& name) {
 }
 
 bool StepRunner::type(char digit) {
-    const std::optional<ViewLocator::KeyTarget> key = ViewLocator::keyTarget(screen_.window, std::string(1, digit));
+    const std::optional<ViewLocator::KeyTarget> key =
+        ViewLocator::keyTarget(screen_.window, std::string(1, digit));
     if (key)
         screen_.window.tap(key->tapPoint);
     return key.has_value();

@@ -3,7 +3,6 @@
 #include "platform/foundation/JSONWriter.h"
 
 #include <cmath>
-#include <fstream>
 #include <optional>
 #include <variant>
 
@@ -91,12 +90,6 @@ std::string json(UIWindow& window) {
     else
         writer.beginObject().endObject();
     return writer.text();
-}
-
-bool write(UIWindow& window, const std::string& path) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file << json(window) << '\n';
-    return static_cast<bool>(file.flush());
 }
 
 } // namespace sela::TreeWriter

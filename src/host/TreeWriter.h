@@ -14,10 +14,6 @@ namespace TreeWriter {
 /// object when nothing is shown.
 std::string json(UIWindow& window);
 
-/// Writes that object and a line end to the file `path`, replacing one that exists. False when it cannot be
-/// written.
-bool write(UIWindow& window, const std::string& path);
-
 } // namespace TreeWriter
 
 } // namespace sela
