@@ -100,7 +100,7 @@ Result<Secret> askForNewPasscode(const std::string& what) {
     Result<Secret> passcode = firstLine(readStandardInput(what), "standard input");
     if (!passcode || !::isatty(STDIN_FILENO))
         return passcode;
-    const Result<Secret> repeated = firstLine(readStandardInput("The same again"), "standard input");
+    Result<Secret> repeated = firstLine(readStandardInput("The same again"), "standard input");
     if (!repeated)
         return repeated;
     if (repeated.value() != passcode.value())

@@ -8,7 +8,7 @@
 namespace sela {
 
 Result<Secret> readDigits(const std::string& file) {
-    const Result<Secret> code = readPasscode(file);
+    Result<Secret> code = readPasscode(file);
     const std::string place = file == "-" ? "standard input" : file;
     if (!code)
         return usageError(place + ": " + code.error()->localizedDescription());

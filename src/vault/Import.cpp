@@ -142,7 +142,7 @@ ErrorRef Import::importAll(std::vector<Entry> entries) {
             if (ErrorRef error = finish(std::exchange(batch, {}), again))
                 return error;
         }
-        if (ErrorRef error = finish(std::move(batch), again))
+        if (ErrorRef error = finish(batch, again))
             return error;
         entries = std::move(again);
     }
@@ -197,7 +197,7 @@ URL Import::freePlace(const URL& folder, const SharedItem& item) {
     return place;
 }
 
-ErrorRef Import::finish(Batch batch, std::vector<Entry>& again) {
+ErrorRef Import::finish(const Batch& batch, std::vector<Entry>& again) {
     if (!options_.keep && !batch.placements.empty()) {
         std::vector<ImportJournal::Note> notes;
         for (const Placement& placement : batch.placements)

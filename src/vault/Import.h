@@ -81,7 +81,7 @@ private:
     URL freePlace(const URL& folder, const SharedItem& item);
 
     /// Imports a batch; entries that are to be planned anew are added to `again`.
-    ErrorRef finish(Batch batch, std::vector<Entry>& again);
+    ErrorRef finish(const Batch& batch, std::vector<Entry>& again);
 
     /// Puts the files in place and returns those that are; the folders are not flushed yet.
     std::vector<Placement> putInPlace(const Batch& batch, std::vector<Entry>& again);
