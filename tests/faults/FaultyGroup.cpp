@@ -201,7 +201,7 @@ std::string FaultyGroup::wrongPublication(int published) const {
 std::string FaultyGroup::wrong(const std::string& saved, int published) {
     forgetConnection();
     std::multiset<std::string> expected;
-    if (const std::string problem = readLedger(expected); !problem.empty())
+    if (std::string problem = readLedger(expected); !problem.empty())
         return problem;
     if (!saved.empty() && !expected.contains(saved))
         return saved + " was reported as saved and is not recorded";
@@ -213,7 +213,7 @@ std::string FaultyGroup::wrong(const std::string& saved, int published) {
             return name + " was recorded before and is gone";
         expected.insert(name);
     }
-    if (const std::string problem = wrongPublication(published); !problem.empty())
+    if (std::string problem = wrongPublication(published); !problem.empty())
         return problem;
 
     const std::string next = "9.5next.jpg";

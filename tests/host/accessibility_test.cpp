@@ -64,6 +64,7 @@ protected:
 
     static std::vector<std::string> names(QAccessibleInterface& element) {
         std::vector<std::string> names;
+        names.reserve(static_cast<std::size_t>(element.childCount()));
         for (int index = 0; index < element.childCount(); ++index)
             names.push_back(element.child(index)->text(QAccessible::Name).toStdString());
         return names;

@@ -29,7 +29,7 @@ const QString interfaceGroup = QStringLiteral("org.gnome.desktop.interface");
 /// Stands for the desktop's settings portal.
 class Portal : public QDBusVirtualObject {
 public:
-    explicit Portal(QDBusConnection bus) : bus_(bus) {
+    explicit Portal(const QDBusConnection& bus) : bus_(bus) {
         bus_.registerVirtualObject(portalPath, this, QDBusConnection::SingleNode);
         bus_.registerService(QStringLiteral("org.freedesktop.portal.Desktop"));
     }

@@ -76,7 +76,7 @@ TEST(Pictures, OfEachKindShowWhatIsInThem) {
             ASSERT_TRUE(small) << each.name;
             const int expected = std::min(side, std::max(each.width, each.height));
             EXPECT_EQ(std::max(small->width(), small->height()), expected) << each.name;
-            EXPECT_NEAR(std::min(small->width(), small->height()), expected * 3 / 4, 1) << each.name;
+            EXPECT_NEAR(std::min(small->width(), small->height()), expected * 0.75, 1) << each.name;
             EXPECT_EQ(quarters(*small->pixels()), each.quarters) << each.name;
         }
     }

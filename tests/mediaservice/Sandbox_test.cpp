@@ -161,7 +161,7 @@ TEST(Sandbox, AllowsWhatDecodingNeeds) {
     ::close(file);
     EXPECT_TRUE(isExit(inSandbox([] {
                            bool ran = false;
-                           std::thread([&] { ran = std::vector<char>(8 << 20).size() > 0; }).join();
+                           std::thread([&] { ran = !std::vector<char>(8 << 20).empty(); }).join();
                            return ran;
                        }),
                        asExpected));
@@ -179,8 +179,8 @@ TEST(Sandbox, NobodyLooksIn) {
         ::close(gate[0]);
         const bool entered = Sandbox::enter(limits);
         ::close(gate[1]);
-        while (entered)
-            ::poll(nullptr, 0, -1);
+        if (entered)
+            ::poll(nullptr, 0, -1); // until it is killed
         ::_exit(noSandbox);
     }
     ::close(gate[1]);

@@ -107,6 +107,7 @@ int changedBlocks(DataView before, DataView after) {
 
 TEST(SharedItemLedger, ALongOneChangesInOnePlace) {
     std::vector<SharedItemLedger::Entry> model;
+    model.reserve(1000);
     for (int i = 0; i < 1000; ++i)
         model.push_back(numbered(i));
     Data ledger = *SharedItemLedger::encode(model);

@@ -58,6 +58,7 @@ protected:
 
     static std::string ledgerOf(const std::vector<std::string>& names) {
         std::vector<SharedItemLedger::Entry> entries;
+        entries.reserve(names.size());
         for (const std::string& name : names)
             entries.emplace_back(SharedItemLedger::key(item(name)), item(name));
         return std::string(asText(*SharedItemLedger::encode(entries)));

@@ -38,7 +38,7 @@ std::filesystem::path TemporaryHome::settingsFile() const {
 }
 
 std::filesystem::path TemporaryHome::write(const std::string& name, std::string_view content) const {
-    const std::filesystem::path file = path_ / name;
+    std::filesystem::path file = path_ / name;
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << content;
     return file;

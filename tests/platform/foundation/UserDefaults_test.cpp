@@ -140,7 +140,7 @@ TEST_F(UserDefaultsTest, ADamagedIndexHidesNothingAndWhatItWouldHideIsNotStored)
     for (int i = 0; i < 60; ++i) {
         // The index lies behind the table; its keys are what it has of small letters.
         std::string damaged = whole;
-        for (auto byte = damaged.begin() + 2 * 65'536; byte != damaged.end(); ++byte)
+        for (auto byte = damaged.begin() + std::ptrdiff_t{2} * 65'536; byte != damaged.end(); ++byte)
             if (*byte >= 'a' && *byte <= 'z')
                 *byte = static_cast<char>('a' + chance() % 26);
         fs::rename(home.write("damaged", damaged), home.settingsFile());

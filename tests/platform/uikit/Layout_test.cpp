@@ -227,7 +227,7 @@ TEST_F(Button, PlacesItsTitleByAlignmentAndInsets) {
 
 TEST_F(Button, KeepsItsImageAsLargeAsItIs) {
     UIButton button({0, 0, 25, 40});
-    button.setImage(UIImage::fromPixels({12, 20, std::vector<std::uint8_t>(12 * 20 * 4)}));
+    button.setImage(UIImage::fromPixels({12, 20, std::vector<std::uint8_t>(std::size_t{12} * 20 * 4)}));
     button.setContentEdgeInsets({0, 24, 0, 0});
     button.setContentHorizontalAlignment(UIButton::ContentHorizontalAlignment::left);
     button.layoutIfNeeded();
