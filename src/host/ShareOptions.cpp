@@ -80,10 +80,12 @@ OptionTable makeTable() {
           {.name = "--tap-now", .value = "NAME", .help = "the same without waiting for rest", .words = parts},
           {.name = "--type",
            .value = "DIGITS",
-           .help = "press one digit of the keypad after another; @FILE takes them from its first line, - from "
-                   "standard input",
-           .detail = "Digits among the arguments are overwritten at once, but other users of the machine may see "
-                     "them for a moment, and a shell keeps them in its history: give a passcode by @FILE or -."},
+           .help =
+               "press one digit of the keypad after another; @FILE takes them from its first line, - from "
+               "standard input",
+           .detail =
+               "Digits among the arguments are overwritten at once, but other users of the machine may see "
+               "them for a moment, and a shell keeps them in its history: give a passcode by @FILE or -."},
           {.name = "--wait",
            .value = "SECONDS",
            .help = "let time pass; the next step does not wait for rest"},

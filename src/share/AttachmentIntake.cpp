@@ -198,8 +198,8 @@ SharedItem AttachmentIntake::sharedItem(const std::string& nameEnd,
                                         std::optional<std::string> preferredName) const {
     // The file system's limit may leave no room for all of a long name behind the time.
     const auto [stem, extension] = stemAndExtension(nameEnd);
-    return {fittedFileName(uniqueTimeText() + std::string(stem), extension), selectedAlbumName_, fakePasswordMode_,
-            std::move(preferredName)};
+    return {fittedFileName(uniqueTimeText() + std::string(stem), extension), selectedAlbumName_,
+            fakePasswordMode_, std::move(preferredName)};
 }
 
 SaveObserver AttachmentIntake::observing(std::int64_t index, const SharedItem& item) {

@@ -14,7 +14,9 @@ TEST(ConstraintMistakesDeathTest, StopTheProcessWithTheLineOfSource) {
     UIView root, view, other, orphan;
     root.addSubview(view);
     root.addSubview(other);
-    const auto its = [&](const ConstraintAttributes& attributes) { return ConstraintItem{other, attributes}; };
+    const auto its = [&](const ConstraintAttributes& attributes) {
+        return ConstraintItem{other, attributes};
+    };
     struct Mistake {
         UIView& view;
         std::function<void(ConstraintMaker& make)> body;
