@@ -164,21 +164,15 @@ void AttachmentIntake::save(const NSItemProvider::Item& item, std::int64_t index
         const SharedItem record = sharedItem(name, name);
         SharedItemManager::saveItem(record, *file, advancing(index, completion), observing(index, record));
     } else if (const UIImage* const image = std::get_if<UIImage>(&item)) {
-        // Not here on the main thread, since the largest take seconds.
-        DispatchQueue::global().async([weak = weak_from_this(), image = *image, index, completion] {
-            const auto jpeg = image.jpegData(jpegQuality);
-            DispatchQueue::main().async([weak, jpeg, index, completion] {
-                if (const std::shared_ptr<AttachmentIntake> self = weak.lock())
-                    self->saveImage(jpeg, index, completion);
-            });
-        });
+        save(*image, index, completion);
     } else {
         endWalk(index, ShareExtensionError::make("Unsupported shared item"), completion);
     }
 }
 
-void AttachmentIntake::saveImage(const std::optional<EncodedImage>& jpeg, std::int64_t index,
-                                 const Completion& completion) {
+void AttachmentIntake::save(const UIImage& image, std::int64_t index, const Completion& completion) {
+    const std::optional<EncodedImage> jpeg = image.jpegData(jpegQuality);
+    // Encoding the largest takes seconds, in which the window may have been closed.
     if (extensionContext_->isCancelled()) {
         endWalk(index, nullptr, nullptr);
         return;

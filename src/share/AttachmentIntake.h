@@ -106,7 +106,7 @@ private:
 
     void saveAttachment(std::int64_t index, const Completion& completion);
     void save(const NSItemProvider::Item& item, std::int64_t index, const Completion& completion);
-    void saveImage(const std::optional<EncodedImage>& jpeg, std::int64_t index, const Completion& completion);
+    void save(const UIImage& image, std::int64_t index, const Completion& completion);
     SharedItem sharedItem(const std::string& nameEnd, std::optional<std::string> preferredName) const;
 
     /// What the store tells of the attachment beside its completion.

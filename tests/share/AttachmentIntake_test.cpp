@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <fcntl.h>
+#include <thread>
 #include <utility>
 
 namespace sela {
@@ -24,6 +25,7 @@ class AttachmentIntakeTest : public ShareTest {
 protected:
     std::shared_ptr<AttachmentIntake> intake = std::make_shared<AttachmentIntake>();
     std::vector<std::string> ends; ///< of the save walk: "ok" or the error's description
+    std::thread::id endThread;     ///< where it ended last
 
     static Provider failing() {
         return std::make_shared<NSItemProvider>(std::vector<std::string>{"public.jpeg"},
@@ -50,8 +52,10 @@ protected:
 
     void save() {
         EXPECT_TRUE(intake->beginSaveRun());
-        intake->saveAttachments(
-            [this](const ErrorRef& error) { ends.push_back(error ? error->localizedDescription() : "ok"); });
+        intake->saveAttachments([this](const ErrorRef& error) {
+            ends.push_back(error ? error->localizedDescription() : "ok");
+            endThread = std::this_thread::get_id();
+        });
         loop.runUntilIdle();
     }
 
@@ -93,7 +97,7 @@ TEST_F(AttachmentIntakeTest, ARequestWithoutAttachmentsHasNoneAndSavingEndsAtOnc
     EXPECT_THAT(ends, ElementsAre("ok", "ok", "ok", "ok"));
 }
 
-TEST_F(AttachmentIntakeTest, APictureInMemoryBecomesAJPEGWithoutANameInTheVaultThatIsOpen) {
+TEST_F(AttachmentIntakeTest, APictureInMemoryBecomesAJPEGWithoutANameOffTheMainThreadInTheVaultThatIsOpen) {
     const std::string file = home.write("picture.bmp", bitmapFile(2, 1, ~0U));
     const auto image =
         UIImage::contentsOfOpenFile(FileDescriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC)), 64);
@@ -101,6 +105,7 @@ TEST_F(AttachmentIntakeTest, APictureInMemoryBecomesAJPEGWithoutANameInTheVaultT
     share({NSItemProvider::ofImage(*image)});
     intake->setFakePasswordMode(true);
     save();
+    EXPECT_NE(endThread, std::this_thread::get_id());
     ASSERT_EQ(recordedItems().size(), 1u);
     const SharedItem item = recordedItems().front();
     EXPECT_TRUE(item.fake);
