@@ -13,4 +13,15 @@ std::optional<UserDefaults> sharedDefaults(UserDefaults::Patience patience) {
     return UserDefaults::withSuiteName(StoreConst::shared().groupId, patience);
 }
 
+Result<UserDefaults> openSharedDefaults(UserDefaults::Patience patience) {
+    return UserDefaults::open(StoreConst::shared().groupId, patience);
+}
+
+Result<SettingsTransaction> changeSharedDefaults() {
+    Result<UserDefaults> defaults = openSharedDefaults();
+    if (!defaults)
+        return defaults.error();
+    return SettingsTransaction::begin(std::move(defaults.value()));
+}
+
 } // namespace sela

@@ -17,6 +17,12 @@ std::optional<URL> sharedFolderUrl();
 /// The group's settings; absent when they cannot be opened (the reason is logged).
 std::optional<UserDefaults> sharedDefaults(UserDefaults::Patience patience = UserDefaults::longPatience);
 
+/// The same for whoever tells a person the reason.
+Result<UserDefaults> openSharedDefaults(UserDefaults::Patience patience = UserDefaults::longPatience);
+
+/// Begins changes to the group's settings that are one step; or why they cannot be changed.
+Result<SettingsTransaction> changeSharedDefaults();
+
 /// Folders of the container.
 inline constexpr std::string_view itemsFolderName = "Items";
 inline constexpr std::string_view albumThumbnailsFolderName = "AlbumThumbnails";

@@ -1,7 +1,6 @@
 #include "store/SharedItemLedger.h"
 
 #include "platform/foundation/JSONWriter.h"
-#include "store/ShareExtensionError.h"
 #include "store/SharedFolder.h"
 
 #include <algorithm>
@@ -97,10 +96,10 @@ std::string blanked(std::string_view ledger, const std::vector<Member>& kept) {
 } // namespace
 
 Result<std::vector<Entry>> entries() {
-    const std::optional<UserDefaults> defaults = sharedDefaults();
+    const Result<UserDefaults> defaults = openSharedDefaults();
     if (!defaults)
-        return ShareExtensionError::make("UserDefaults is nil");
-    const Result<std::optional<Data>> text = defaults->readData(sharedItemsKey);
+        return defaults.error();
+    const Result<std::optional<Data>> text = defaults.value().readData(sharedItemsKey);
     if (!text)
         return text.error();
     return text.value() ? decode(*text.value()) : std::vector<Entry>();

@@ -60,17 +60,14 @@ Result<Catalogue> Catalogue::decode(const Result<std::optional<Data>>& albums,
 }
 
 Result<Catalogue> Catalogue::published() {
-    const std::optional<UserDefaults> defaults = sharedDefaults();
+    const Result<UserDefaults> defaults = openSharedDefaults();
     if (!defaults)
-        return ShareExtensionError::make("UserDefaults is nil");
-    return decode(defaults->readData(sharedAlbumsKey), defaults->readData(sharedItemsKey));
+        return defaults.error();
+    return decode(defaults.value().readData(sharedAlbumsKey), defaults.value().readData(sharedItemsKey));
 }
 
 ErrorRef Catalogue::change(const std::function<ErrorRef(Catalogue&)>& edit) {
-    std::optional<UserDefaults> defaults = sharedDefaults();
-    if (!defaults)
-        return ShareExtensionError::make("UserDefaults is nil");
-    Result<SettingsTransaction> settings = SettingsTransaction::begin(std::move(*defaults));
+    Result<SettingsTransaction> settings = changeSharedDefaults();
     if (!settings)
         return settings.error();
     Result<Catalogue> catalogue =

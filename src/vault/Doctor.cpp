@@ -92,14 +92,13 @@ private:
 
     /// Whether the settings can be read any further.
     bool examineSettings() {
-        const std::optional<UserDefaults> defaults = sharedDefaults();
-        const ErrorRef damage = defaults ? defaults->checkIntegrity()
-                                         : ShareExtensionError::make("the settings cannot be opened");
+        const Result<UserDefaults> defaults = openSharedDefaults();
+        const ErrorRef damage = defaults ? defaults.value().checkIntegrity() : defaults.error();
         if (damage)
             tell(damage->localizedDescription());
         if (!defaults)
             return false;
-        if (const Result<std::vector<std::string>> kept = defaults->keys(unreadableItemsKeyPrefix); kept)
+        if (const Result<std::vector<std::string>> kept = defaults.value().keys(unreadableItemsKeyPrefix); kept)
             for (const std::string& key : kept.value())
                 tell("an earlier ledger could not be read and is kept in the settings under " + key);
         const std::optional<Secret> passcode = SharedAlbumManager::sharedPassword();

@@ -51,10 +51,7 @@ std::string folderOf(const URL& file) {
 }
 
 ErrorRef takeOutOfLedger(const std::vector<SharedItemLedger::Entry>& gone) {
-    std::optional<UserDefaults> defaults = sharedDefaults();
-    if (!defaults)
-        return ShareExtensionError::make("UserDefaults is nil");
-    Result<SettingsTransaction> settings = SettingsTransaction::begin(std::move(*defaults));
+    Result<SettingsTransaction> settings = changeSharedDefaults();
     if (!settings)
         return settings.error();
     const Result<std::optional<Data>> ledger = settings.value().readData(sharedItemsKey);

@@ -1,6 +1,5 @@
 #include "vault/ImportJournal.h"
 
-#include "store/ShareExtensionError.h"
 #include "store/SharedFolder.h"
 
 #include <optional>
@@ -11,17 +10,13 @@ namespace {
 
 constexpr std::string_view journalKey = "importJournal";
 
-ErrorRef settingsMissing() {
-    return ShareExtensionError::make("UserDefaults is nil");
-}
-
 } // namespace
 
 Result<std::vector<Note>> read() {
-    const std::optional<UserDefaults> defaults = sharedDefaults();
+    const Result<UserDefaults> defaults = openSharedDefaults();
     if (!defaults)
-        return settingsMissing();
-    const Result<std::optional<Data>> text = defaults->readData(journalKey);
+        return defaults.error();
+    const Result<std::optional<Data>> text = defaults.value().readData(journalKey);
     if (!text)
         return text.error();
     Result<std::vector<Note>> notes =
@@ -35,13 +30,13 @@ ErrorRef write(const std::vector<Note>& notes) {
     for (const Note& note : notes)
         writeJSONRecord(writer, note);
     writer.endArray();
-    std::optional<UserDefaults> defaults = sharedDefaults();
-    return defaults ? defaults->setData(journalKey, asData(writer.text())) : settingsMissing();
+    Result<UserDefaults> defaults = openSharedDefaults();
+    return defaults ? defaults.value().setData(journalKey, asData(writer.text())) : defaults.error();
 }
 
 ErrorRef clear() {
-    std::optional<UserDefaults> defaults = sharedDefaults();
-    return defaults ? defaults->removeObject(journalKey) : settingsMissing();
+    Result<UserDefaults> defaults = openSharedDefaults();
+    return defaults ? defaults.value().removeObject(journalKey) : defaults.error();
 }
 
 } // namespace sela::ImportJournal

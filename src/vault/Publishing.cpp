@@ -92,10 +92,7 @@ ErrorRef removeOtherCovers(const std::set<std::string>& names, const URL& folder
 }
 
 ErrorRef store(const Publication& publication, const std::optional<Data>& catalogue) {
-    std::optional<UserDefaults> defaults = sharedDefaults();
-    if (!defaults)
-        return ShareExtensionError::make("UserDefaults is nil");
-    Result<SettingsTransaction> settings = SettingsTransaction::begin(std::move(*defaults));
+    Result<SettingsTransaction> settings = changeSharedDefaults();
     if (!settings)
         return settings.error();
     if (catalogue)
@@ -189,9 +186,8 @@ Result<PublicationWarnings> publish(const Publication& publication) {
 }
 
 ErrorRef clearDecoyPasscode() {
-    std::optional<UserDefaults> defaults = sharedDefaults();
-    return defaults ? defaults->removeObject(sharedFakePasswordKey)
-                    : ShareExtensionError::make("UserDefaults is nil");
+    Result<UserDefaults> defaults = openSharedDefaults();
+    return defaults ? defaults.value().removeObject(sharedFakePasswordKey) : defaults.error();
 }
 
 } // namespace sela
