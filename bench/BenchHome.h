@@ -6,7 +6,8 @@
 
 namespace sela {
 
-/// A home of its own below the temporary folder for a benchmark that writes settings; removed at the end.
+/// A home folder of its own below the temporary folder for a benchmark that writes settings; removed at the
+/// end.
 class BenchHome {
 public:
     BenchHome() {

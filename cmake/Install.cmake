@@ -1,9 +1,9 @@
-# What is installed where. All of it finds its place from the prefix that `cmake --install` is given.
+# What is installed where. All paths are below the prefix given to `cmake --install`.
 
-# Only what is named below is installed, so nothing else need be built for it.
+# Only what is named below is installed, so nothing else must be built for it.
 set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 
-# The programs look for their helpers here, seen from their own folder's parent.
+# The programs look for their helpers here, relative to the parent of their own folder.
 set(SELA_HELPER_DIR libexec/sela-share)
 set(SELA_APPLICATION_ID xyz.sela.share)
 
@@ -21,7 +21,7 @@ string(APPEND SELA_MIME_TYPES ";")
 list(TRANSFORM types REPLACE "(.+)" "    <mediatype>\\1</mediatype>\n" OUTPUT_VARIABLE elements)
 string(CONCAT SELA_MEDIA_TYPES ${elements})
 
-# sela_install_desktop_file(TEMPLATE FOLDER NAME): resources/desktop/TEMPLATE.in with what it asks for.
+# sela_install_desktop_file(TEMPLATE FOLDER NAME): installs resources/desktop/TEMPLATE.in with its variables filled in.
 function(sela_install_desktop_file template folder name)
   configure_file(${resources}/desktop/${template}.in ${configured}/${template} @ONLY)
   install(FILES ${configured}/${template} DESTINATION ${folder} RENAME ${name})
@@ -40,7 +40,8 @@ install(PROGRAMS ${resources}/desktop/purpose/main.py
 install(FILES ${resources}/desktop/icon.svg
         DESTINATION share/icons/hicolor/scalable/apps RENAME ${SELA_APPLICATION_ID}.svg)
 
-# sela_install_service(TEMPLATE PLACE): what starts a program by its absolute path, which only the installation knows.
+# sela_install_service(TEMPLATE PLACE): installs a file that starts a program by its absolute path, which only the
+# installation knows.
 function(sela_install_service template place)
   install(CODE "
     set(SELA_HELPER_DIR ${SELA_HELPER_DIR})
@@ -53,7 +54,7 @@ sela_install_service(desktop/bus.service share/dbus-1/services/${SELA_APPLICATIO
 # Systemd's unit for the user, which is not enabled.
 sela_install_service(systemd/sela-vault-import.service lib/systemd/user/sela-vault-import.service)
 
-# sela_install_compressed(FILE FOLDER): without a time in it, so that each build gives the same.
+# sela_install_compressed(FILE FOLDER): without a timestamp, so that the build is reproducible.
 find_program(GZIP gzip REQUIRED)
 set(compressed_files "")
 function(sela_install_compressed file folder)

@@ -15,7 +15,7 @@ press Add.
 This package holds the card, \"Add to Sela\" for the menus of file managers and
 desktops, and sela-vault, the companion of the vault's main application.")
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
-# What is built on a later release replaces what was built on an earlier one, as the libraries do.
+# A package built on a later release replaces one built on an earlier release, as the libraries do.
 file(STRINGS /etc/os-release release REGEX "^VERSION_ID=")
 string(REGEX REPLACE "[^0-9.]" "" release "${release}")
 set(CPACK_DEBIAN_PACKAGE_VERSION ${PROJECT_VERSION}+deb${release})
@@ -25,7 +25,7 @@ set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-roboto-unhinted, fonts-noto-core, qt6
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "fonts-noto-cjk, python3-nautilus")
 set(CPACK_STRIP_FILES ON)
 
-# Files are installed for the prefix that they will have, which the message bus's file names.
+# Files are installed for the prefix that they will have, which the service file of the message bus contains.
 set(CPACK_SET_DESTDIR ON)
 set(CPACK_INSTALL_PREFIX /usr)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS

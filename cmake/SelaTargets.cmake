@@ -7,7 +7,7 @@ check_pie_supported()
 
 find_package(PkgConfig REQUIRED)
 
-# Some libraries ask for -pthread; here for all, since what shares precompiled headers is compiled with the same flags.
+# Some libraries ask for -pthread; it is set for all, since targets that share precompiled headers need the same flags.
 add_compile_options(-pthread -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual
                     -Wimplicit-fallthrough)
 
@@ -15,7 +15,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # g++ 12 sees overlapping and endless copies in plain concatenations of std::string (GCC bug 105651).
   add_compile_options(-Wno-restrict -Wno-stringop-overflow -Wno-array-bounds)
   if(CMAKE_CXX_COMPILER_VERSION VERSION_GREATER_EQUAL 13)
-    # They see a std::optional without a value as one that is used (GCC bug 80635).
+    # They report the unset value of an empty std::optional as used (GCC bug 80635).
     add_compile_options(-Wno-maybe-uninitialized)
   endif()
 endif()
@@ -24,7 +24,7 @@ if(SELA_SANITIZE)
   add_compile_options(-fsanitize=${SELA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${SELA_SANITIZE} -fno-sanitize-recover=all)
 elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
-  # Indirect branches may go to the beginnings of functions and nowhere else.
+  # Indirect branches may only target the beginnings of functions.
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
     set(branch_protection -mbranch-protection=standard)
   elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|amd64")
@@ -97,7 +97,7 @@ function(sela_test name)
   endif()
   add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
   if(IS_DIRECTORY /dev/shm)
-    # Nothing here outlives a power cut, so no test need wait for a disk.
+    # Nothing here must survive a power cut, so no test needs to wait for the disk.
     set_tests_properties(${name} PROPERTIES ENVIRONMENT TMPDIR=/dev/shm)
   endif()
 endfunction()

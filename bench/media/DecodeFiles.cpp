@@ -9,7 +9,8 @@
 #include <string>
 #include <string_view>
 
-// Decodes files as the share screen does and tells what that took: the program that `run` measures.
+// Decodes files as the share screen does and prints the time and memory that took: the program that `run`
+// measures.
 //
 //     decode-files picture|cover SIDE [--write FILE.jpg] FILE...
 
@@ -17,7 +18,7 @@ namespace {
 
 using namespace sela;
 
-/// The most memory that a process ever had resident, in KiB; 0 when it is gone.
+/// The most memory that a process ever had resident, in KiB; 0 when it has ended.
 long peakMemory(const std::string& process) {
     std::ifstream status("/proc/" + process + "/status");
     for (std::string line; std::getline(status, line);)

@@ -1,5 +1,6 @@
 // Preloaded into a program, writes the most memory that the program itself had resident, in KiB, to the file
-// $SELA_PEAK_FILE as it ends. What a parent is told includes the children that were waited for.
+// $SELA_PEAK_FILE as it ends. The peak that a parent gets from wait4 includes the children that the program
+// waited for.
 
 #include <cstdlib>
 #include <fstream>

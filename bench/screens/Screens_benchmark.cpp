@@ -174,7 +174,7 @@ void askForLayout(UIView& view) {
         askForLayout(*subview);
 }
 
-/// Lays every view out anew, constraints solved again.
+/// Lays out every view again and solves all constraints again.
 void layOut(benchmark::State& state, Screen& screen) {
     for (auto _ : state) {
         askForLayout(screen.window);

@@ -1,5 +1,5 @@
-// The least that a window of Qt takes: one of the card's size, filled once, with a text in it if one is
-// given. The peer of the start of sela-share.
+// The minimum that a Qt window takes: one of the card's size, filled once, with a text in it if one is given.
+// The peer of the start of sela-share.
 
 #include <QBackingStore>
 #include <QGuiApplication>

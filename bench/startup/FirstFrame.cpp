@@ -1,4 +1,4 @@
-// Loaded before a program of Qt, ends it when its first frame was handed to the display, so that its time and
+// Preloaded into a Qt program, ends it when its first frame was sent to the display, so that its time and
 // memory up to then can be read from outside. The same for ours and for the peer.
 
 #include <QBackingStore>

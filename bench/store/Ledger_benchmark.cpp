@@ -1,5 +1,5 @@
 // Recording one item in a ledger that has N, beside SQLite inserting one row into a table of N with the same
-// durability: on the disk at the end of each.
+// durability: flushed at the end of each.
 
 #include "BenchHome.h"
 #include "platform/foundation/Data.h"
@@ -55,7 +55,7 @@ void forEachLength(benchmark::internal::Benchmark* made) {
     made->Arg(10)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
 }
 
-/// With so many items that a long ledger gets more room once among them.
+/// With enough items that a long ledger grows once among them.
 void forEachRecording(benchmark::internal::Benchmark* made) {
     made->Apply(forEachLength)->Iterations(400)->UseRealTime();
 }

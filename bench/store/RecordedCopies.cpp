@@ -1,6 +1,6 @@
-// The least that it takes to copy files so that each is recorded only once it is whole on the disk, one after
-// another: recorded-copies FILE... FOLDER. Per file a copy, a flush of the file and of its folder, and a row
-// of SQLite with the durability of the settings. The peer of saving many files.
+// The minimum needed to copy files one after another so that each is recorded only once it was flushed:
+// recorded-copies FILE... FOLDER. Per file a copy, an fsync of the file and of its folder, and an SQLite row
+// with the durability of the settings. The peer of saving many files.
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,6 +1,6 @@
-// Saves files by the store alone, one after another, each recorded before the next: save-files FILE...
-// The group is the environment's. What sela-share does behind its Add button, without its start and its
-// screens.
+// Saves files by the store alone, one after another, each recorded before the next: save-files FILE... The
+// group is that of the environment. It does what the Add button of sela-share starts, without the program's
+// start and its screens.
 
 #include "platform/foundation/FatalError.h"
 #include "platform/foundation/HeadlessMainLoop.h"

@@ -1,4 +1,4 @@
-"""Importing what was shared: items that are there by the thousand, moved into their albums and out of the ledger."""
+"""Importing what was shared: thousands of items moved into their albums and removed from the ledger."""
 
 import json
 import shutil
@@ -8,7 +8,7 @@ from measuring import GROUP, Row
 
 
 class Group:
-    """A group with so many small items in its ledger, made anew for each run."""
+    """A group with so many small items in its ledger, made again for each run."""
 
     def __init__(self, bench, count):
         self.bench = bench

@@ -19,14 +19,14 @@ GROUP = "group.sela.vault"
 
 @dataclasses.dataclass
 class Row:
-    """One line of the table. The ratio is ours / peer unless one is given; a row without a peer only tells."""
+    """One line of the table. The ratio is ours / peer unless one is given; a row without a peer has no aim."""
     what: str
     ours: float
     unit: str
     peer: str = "-"
     theirs: float | None = None
     aim: str = ""
-    most: float | None = None  # the largest ratio that meets the aim; without one the row only tells
+    most: float | None = None  # the largest ratio that meets the aim; without one the row has no aim
 
     def ratio(self):
         return self.ours / self.theirs if self.theirs else None
@@ -89,7 +89,7 @@ class Bench:
         return [self.bin / "sela-share", "--headless", *files, "--tap", "addButton"]
 
     def run_ours(self, command, environment=None, status=0):
-        """Runs sela-share; its own memory is told apart from its helpers'."""
+        """Runs sela-share; its own memory is measured apart from its helpers'."""
         peak = self.folder / "peak"
         environment = environment or self.environment
         preloaded = [str(self.bin / "own-peak.so"), environment.get("LD_PRELOAD")]
@@ -100,7 +100,7 @@ class Bench:
         return Measured(measured.milliseconds, own, measured.mebibytes if measured.mebibytes > own else 0.0)
 
     def run(self, command, environment=None, status=0):
-        """Runs a program to its end, which must have that status."""
+        """Runs a program to its end and checks its exit status."""
         start = time.perf_counter()
         process = subprocess.Popen([str(part) for part in command], env=environment or self.environment,
                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)

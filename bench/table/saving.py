@@ -122,7 +122,7 @@ def small_images(bench):
 
 @contextlib.contextmanager
 def home_on_btrfs(bench, gibibytes):
-    """A disk that can share what files have in common, in a file; None where none can be mounted."""
+    """A file system in a file on which files can share extents (reflinks); None where it cannot be mounted."""
     image, folder = bench.folder / "btrfs.image", bench.folder / "btrfs"
     folder.mkdir()
     with open(image, "wb") as file:
@@ -163,7 +163,7 @@ def shared_video(bench):
 
 
 def huge_video(bench):
-    """A sparse source: it is not read from the disk, but written whole."""
+    """A sparse source: nothing is read from the disk, but every byte is written."""
     if not bench.long:
         return
     path = bench.folder / "huge.mp4"

@@ -6,7 +6,7 @@ from measuring import SAMPLES, Row
 
 
 def first_frame(bench, name, environment):
-    """Both programs are ended by the same library once their first frame was handed to the display."""
+    """The same library ends both programs once their first frame was sent to the display."""
     environment = bench.environment | environment | {"LD_PRELOAD": str(bench.bin / "first-frame.so")}
     bench.provision()
     file = SAMPLES / "baseline.jpg"

@@ -1,5 +1,5 @@
 // The album picker with N albums in sections of ten: from the last digit to the laid out table, and one step
-// of scrolling. Writes settings, so it runs on a home of its own below the temporary folder.
+// of scrolling. Writes settings, so it runs with a home folder of its own below the temporary folder.
 
 #include "BenchHome.h"
 #include "platform/foundation/Data.h"
@@ -23,7 +23,7 @@
 namespace sela {
 namespace {
 
-/// So many albums for the vault, and where there is a decoy as many for that.
+/// This many albums for the vault, and as many for the decoy where there is one.
 void publish(std::int64_t albums, bool decoy = false) {
     JSONWriter writer;
     writer.beginArray();
@@ -85,14 +85,14 @@ void lastDigitToTable(benchmark::State& state) {
         state.ResumeTiming();
     }
 }
-// Who looks on must not see by the time which code it was: the vault's, the decoy's, or (without a table) a
+// The time must not show an onlooker which code it was: the vault's, the decoy's, or (without a table) a
 // wrong one.
 BENCHMARK(lastDigitToTable)
     ->ArgNames({"albums", "digit"})
     ->ArgsProduct({{100, 1000, 10000, 100000}, {4, 5, 9}})
     ->Unit(benchmark::kMillisecond);
 
-/// What of that is reading the catalogue.
+/// The part of that spent reading the catalogue.
 void decodeAlbums(benchmark::State& state) {
     publish(state.range(0));
     for (auto _ : state)

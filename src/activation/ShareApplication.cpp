@@ -8,11 +8,11 @@
 namespace {
 
 /// Milliseconds that the application waits for another request when nothing is left to do: enough for a
-/// notification to be on its way.
+/// notification to be sent.
 constexpr unsigned idleTime = 3000;
 
-/// What a desktop hands over with a request, for the window that it leads to to get the focus: the member's
-/// name, and the environment variable that programs look for.
+/// What a desktop passes with a request so that the new window gets the focus: the member's name, and the
+/// environment variable that programs read.
 constexpr struct {
     const char* member;
     const char* variable;

@@ -4,12 +4,12 @@
 
 namespace sela {
 
-/// The application that the session's message bus knows as "xyz.sela.share", made by the bus when a desktop
-/// wants something of it: `Open` with URLs, `Activate` with none, or the action "paste". Each of these starts
-/// a `sela-share` of its own; the application goes on until the last of them has ended, and a few seconds
-/// longer. What a `sela-share` says on standard error becomes a notification, since nobody sees it there.
+/// The application that the session's message bus knows as "xyz.sela.share", started by the bus when a
+/// desktop calls it: `Open` with URLs, `Activate` with none, or the action "paste". Each of these starts a
+/// `sela-share` of its own; the application runs until the last of them has ended, and a few seconds longer.
+/// What a `sela-share` prints on standard error becomes a notification, since nobody would see it there.
 ///
-/// URLs of other computers reach `sela-share` as paths where the desktop mounts them.
+/// URLs of other computers are passed to `sela-share` as the paths at which the desktop mounts them.
 ///
 /// `program` is the path of `sela-share` and must outlive the application. The caller owns the reference.
 GApplication* makeShareApplication(const char* program);

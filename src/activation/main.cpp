@@ -6,7 +6,7 @@
 
 namespace {
 
-/// `sela-share` stands beside this program in a build tree, and in `bin` of the same prefix where both are
+/// `sela-share` is beside this program in a build tree, and in `bin` of the same prefix where both are
 /// installed.
 std::string shareProgram() {
     namespace fs = std::filesystem;

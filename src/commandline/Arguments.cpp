@@ -33,8 +33,8 @@ public:
     }
 
 private:
-    /// The command with the most words that the arguments begin with. A program's own options may stand
-    /// without one, for --help and --version.
+    /// The command with the most words that the arguments begin with. The program's own options --help and
+    /// --version need none.
     ErrorRef readCommand() {
         if (table_.commands.empty() || (!words_.empty() && words_.front().starts_with('-')))
             return nullptr;
@@ -90,8 +90,8 @@ private:
         return addValue(*option, std::move(value));
     }
 
-    /// One or more short options in one word, as in "-qv"; the rest of it, or the next word, is the value of
-    /// one that takes one.
+    /// One or more short options in one word, as in "-qv"; for an option with a value, that is the rest of
+    /// the word or the next word.
     ErrorRef readLetters(const std::string& word) {
         for (std::size_t place = 1; place < word.size(); ++place) {
             const std::string name{'-', word[place]};

@@ -10,7 +10,7 @@
 
 namespace sela {
 
-/// What somebody wrote behind a program's name, read by its table. A value; it refers to the table.
+/// The arguments of a program, parsed by its table. A value; it refers to the table.
 struct Arguments {
     struct Given {
         const Option* option;
@@ -27,9 +27,9 @@ struct Arguments {
     std::optional<std::string> valueOf(std::string_view name) const;
 };
 
-/// Reads the arguments behind a program's name: the command's words first where the table has commands, then
-/// options and operands in any order. "--" ends the options; "-" is an operand. The error says in one line
-/// what is wrong; it never repeats the value of an option, which may be a passcode.
+/// Reads the arguments of a program: the command's words first where the table has commands, then options and
+/// operands in any order. "--" ends the options; "-" is an operand. The error says in one line what is wrong;
+/// it never repeats the value of an option, which may be a passcode.
 Result<Arguments> readArguments(const OptionTable& table, const std::vector<std::string>& words);
 
 /// The error for arguments that cannot be used.

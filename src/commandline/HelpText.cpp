@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t width = 80;
 
-/// Adds text broken between words, where each line after the first begins at a column.
+/// Appends text wrapped between words, each line after the first indented to a column.
 void addWrapped(std::string& page, std::string_view text, std::size_t indent) {
     std::size_t column = page.size() - (page.rfind('\n') + 1);
     bool isFirst = true;

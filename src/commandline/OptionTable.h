@@ -8,9 +8,9 @@ namespace sela {
 
 /// What a program's arguments may be. One table of them is what the program reads its arguments by
 /// (`readArguments`) and what its help, its manual page and its completions are written from. All texts are
-/// English, begin small, and live as long as the program. Tables are constants: any thread.
+/// English, begin in lower case, and live as long as the program. Tables are constants: any thread.
 
-/// What a shell completes a value or an operand with: albums are those that the passcode of --passcode-file
+/// What a shell completes a value or an operand with: albums are those that the passcode in --passcode-file
 /// opens, and none without it.
 enum class Completion { nothing, files, folders, albums };
 
@@ -21,7 +21,7 @@ struct Option {
     std::string_view help = {};  ///< what it does, in a few words without a full stop
     char letter = 0;             ///< its short form, or 0
     Completion completion = Completion::nothing;
-    std::vector<std::string_view> words = {}; ///< what its value is among, or often is
+    std::vector<std::string_view> words = {}; ///< all of its possible values, or common ones
     std::string_view detail = {};             ///< sentences that only the manual page adds
 
     bool takesValue() const { return !value.empty(); }
@@ -31,13 +31,13 @@ struct Option {
 struct OptionGroup {
     std::string_view title;
     std::vector<Option> options;
-    std::string_view note = {}; ///< sentences behind the options
+    std::string_view note = {}; ///< sentences after the options
 };
 
 /// What a program does when its first words are `name`.
 struct Command {
     std::string_view name;          ///< one word, or two like "album add"
-    std::string_view operands = {}; ///< as help writes them, a word each: as many must be given
+    std::string_view operands = {}; ///< as help prints them, one word for each operand that must be given
     std::string_view help = {};
     std::vector<Option> options = {};
     Completion completion = Completion::nothing; ///< of its operands
@@ -52,7 +52,7 @@ struct ExitStatusText {
 /// All of a program's arguments: commands with options of their own, or options alone.
 struct OptionTable {
     std::string_view program;
-    std::string_view usage;        ///< what may follow the program's name
+    std::string_view usage;        ///< the arguments, as the usage line shows them
     std::string_view introduction; ///< what the program is for
     std::string_view examples;     ///< lines of a terminal
     std::vector<Command> commands;

@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::int64_t largestFile = 4096;
 
-/// What would end or stop the program while a terminal does not echo.
+/// The signals that would end or stop the program while the terminal's echo is off.
 sigset_t interruptions() {
     sigset_t signals;
     ::sigemptyset(&signals);
@@ -31,8 +31,8 @@ sigset_t interruptions() {
     return signals;
 }
 
-/// Asks on the terminal that is standard input and waits until a line is typed there, unseen. The terminal is
-/// as it was before this returns, or before a signal that comes meanwhile takes effect.
+/// Prompts on the terminal that is standard input and waits for a line typed with echo off. The terminal's
+/// mode is restored before this returns, or before a signal that arrives meanwhile takes effect.
 void awaitUnseenLine(const std::string& prompt) {
     termios settings{};
     if (::tcgetattr(STDIN_FILENO, &settings) != 0)
@@ -66,7 +66,7 @@ Result<Data> readStandardInput(const std::string& prompt) {
         if (count == 0)
             return content;
         content.insert(content.end(), block.begin(), block.begin() + count);
-        // The rest of a terminal's input is not waited for.
+        // Do not wait for more input of a terminal.
         if (typed && std::ranges::find(content, std::byte{'\n'}) != content.end())
             return content;
         if (static_cast<std::int64_t>(content.size()) > largestFile)
@@ -74,7 +74,7 @@ Result<Data> readStandardInput(const std::string& prompt) {
     }
 }
 
-/// The first line, and the content overwritten.
+/// Returns the first line and overwrites the content.
 Result<Secret> firstLine(Result<Data> content, const std::string& origin) {
     if (!content)
         return content.error();

@@ -26,7 +26,7 @@ QWindow* AccessibleElement::window() const {
     return qobject_cast<QWindow*>(window_.object());
 }
 
-/// An element that has left the screen still has the window around it, which is told of its end.
+/// An element that has left the screen still has the window as its parent, which is notified of its removal.
 QAccessibleInterface* AccessibleElement::parent() const {
     UIView* const above = view() ? ScreenElements::around(*view()) : nullptr;
     return above ? window_.interfaceOf(above) : &window_;

@@ -50,7 +50,7 @@ QAccessibleInterface* AccessibleWindow::interfaceOf(UIView* view) {
     if (!view)
         return nullptr;
     Told& told = told_[view];
-    // Another view may have come to the place of one that is gone.
+    // Another view may have been created at the address of a destroyed one.
     if (told.view.get() != view) {
         if (told.id)
             QAccessible::deleteAccessibleInterface(told.id);
@@ -84,7 +84,7 @@ std::vector<UIView*> AccessibleWindow::elements() const {
 }
 
 void AccessibleWindow::update() {
-    // Screens on their way in or out are told of when they have arrived.
+    // Screens that slide in or out are reported when they have arrived.
     if (!screen_.window.isIdle())
         return;
     const std::vector<UIView*> shown = elements();

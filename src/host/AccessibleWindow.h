@@ -15,10 +15,10 @@
 namespace sela {
 
 /// What a screen reader reads and works: the window of the desktop, with the elements of the screen that is
-/// shown in it. It tells what changed when it is asked to look (`update`), frame by frame; what it announces
-/// is a notification at the end of the window's children. Main thread only.
+/// shown in it. `update`, called for each frame, reports what changed; an announcement is a notification
+/// element at the end of the window's children. Main thread only.
 ///
-/// Of an entry of a passcode it tells how long it is; the keys that are typed leave no trace here.
+/// Of a passcode entry it reports only the length; the typed digits are never stored here.
 class AccessibleWindow : public QAccessibleObject {
 public:
     /// What the window shows, which must outlive this.
@@ -32,19 +32,19 @@ public:
     AccessibleWindow(QWindow& window, Screen screen);
     ~AccessibleWindow() override;
 
-    /// Tells the screen reader what changed since the last call.
+    /// Reports to the screen reader what changed since the last call.
     void update();
 
-    /// Has `text` said.
+    /// Has the screen reader say `text`.
     void announce(const std::string& text);
 
     const Screen& screen() const { return screen_; }
 
-    /// What stands for an element; null for a null view.
+    /// The accessible object of an element; null for a null view.
     QAccessibleInterface* interfaceOf(UIView* view);
 
-    /// The element that the keyboard works on: the control that has the focus, else the entry of a passcode,
-    /// which the digits go to whatever has the focus. Null when there is neither.
+    /// The element that receives the keyboard's input: the control that has the focus, else the passcode
+    /// entry, which receives digits whatever has the focus. Null when there is neither.
     UIView* focusedElement() const;
 
     QAccessibleInterface* parent() const override;
@@ -60,7 +60,7 @@ public:
 private:
     class Announcement;
 
-    /// What was last told of an element.
+    /// What was last reported of an element.
     struct Told {
         ViewReference<UIView> view;
         QAccessible::Id id = 0;

@@ -9,14 +9,14 @@
 
 namespace sela {
 
-/// How `--album` goes the way of a user: the keypad, the picker, the row, Add. Main thread only.
+/// `--album` takes the steps of a user: the keypad, the picker, the row, Add. Main thread only.
 
 /// The steps to the album that the command line names and to Add, with the passcode and the album's password
 /// read from their files. The error when a file cannot be read or holds something that cannot be typed.
 Result<std::vector<Step>> stepsToAlbum(const CommandLine& line);
 
 /// The name of the view that an `unfold` or `album` step touches in the picker above `screen`. The error when
-/// no album has that path, or what is locked hides it.
+/// no album has that path, or a locked album hides it.
 Result<std::string> viewOfAlbum(const UIViewController& screen, const Step& step);
 
 /// The error for an album that cannot be touched.

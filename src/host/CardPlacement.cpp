@@ -15,7 +15,7 @@ namespace {
 /// The screen of the phone that the card was drawn for, in points.
 constexpr CGSize phone{375, 667};
 
-/// The smallest factor of the screens, on displays that have no room for anything.
+/// The smallest factor of the screens, on very small displays.
 constexpr double smallestScale = 0.2;
 
 CGSize cardSize(CGSize screen) {
@@ -49,7 +49,7 @@ CardPlacement CardPlacement::on(const CommandLine& line) {
         return {Style::asAsked, phone, phone};
     const double unit = line.hasScale ? line.scale / display->devicePixelRatio() : 1;
     const bool composites = desktopComposites();
-    // Without a window over everything the desktop's panels stay in sight.
+    // Unless the window covers the whole display, the desktop's panels stay visible.
     const QSize units = composites && !isWayland() ? display->size() : display->availableSize();
     const CGSize room{units.width() / unit, units.height() / unit};
     const CGSize screen = screenFor(room);

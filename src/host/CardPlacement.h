@@ -9,8 +9,8 @@ namespace sela {
 /// have. A value.
 struct CardPlacement {
     enum class Style {
-        overDisplay, ///< in the middle of a translucent window over the whole display
-        dialog,      ///< as a window of its own, where nothing composites
+        overDisplay, ///< centred in a translucent window over the whole display
+        dialog,      ///< as a window of its own, without a compositor
         asAsked,     ///< in a window of the size that the command line asks for, or that nobody sees
     };
 
@@ -25,9 +25,9 @@ struct CardPlacement {
     static CardPlacement on(const CommandLine& line);
 
     /// The screen that the screens are measured for on a display of this size (points). It is the display
-    /// itself where the card, as large as the screens' rule makes it, stands on it with air on all sides. A
-    /// display that is wide but low is taken for a phone held upright that it has the height for, so that the
-    /// card is neither cut off nor larger on it than on a display that is higher.
+    /// itself where the card, sized by the screens' rule, fits with room on all sides. A display that is wide
+    /// but low counts as an upright phone of a size that fits its height, so that the card is neither cut off
+    /// nor larger than on a higher display.
     static CGSize screenFor(CGSize display);
 };
 

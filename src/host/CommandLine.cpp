@@ -13,7 +13,7 @@ namespace sela {
 
 namespace {
 
-/// A number that the whole text consists of and that lies within the bounds.
+/// The whole text as a number within the bounds.
 std::optional<double> numberIn(std::string_view text, double smallest, double largest) {
     double number = 0;
     const std::from_chars_result result = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -57,7 +57,7 @@ ErrorRef readContrast(CommandLine& line, const std::string& text) {
     return nullptr;
 }
 
-/// Pixels of a screen at most: its picture takes four bytes for each.
+/// The most pixels of a screen; its picture takes four bytes for each.
 constexpr double largestPicture = 256e6;
 
 ErrorRef readType(CommandLine& line, const std::string& text) {
@@ -93,7 +93,7 @@ ErrorRef readStep(CommandLine& line, Step::Kind kind, const std::string& text) {
     return nullptr;
 }
 
-/// What naming an album means for the rest.
+/// What --album means for the other options.
 ErrorRef readAlbum(CommandLine& line) {
     if (!line.album)
         return line.passcodeFile || line.albumPasswordFile

@@ -35,7 +35,7 @@ struct CommandLine {
     enum class Appearance { automatic, light, dark };
     enum class Contrast { automatic, normal, high };
 
-    /// What is told on standard error beside what went wrong.
+    /// What is printed on standard error besides errors.
     enum class Output {
         normal, ///< the log's lines; on a terminal none of them, and without a window how far saving has come
         quiet,  ///< nothing
@@ -61,7 +61,7 @@ struct CommandLine {
     std::optional<std::string> passcodeFile;
     std::optional<std::string> albumPasswordFile;
 
-    /// Reads the arguments behind the program's name. The error says in one line what is wrong with them.
+    /// Reads the program's arguments. The error says in one line what is wrong with them.
     static Result<CommandLine> parse(const std::vector<std::string>& words);
 };
 

@@ -27,13 +27,13 @@ const QString interface = QStringLiteral("org.freedesktop.portal.Settings");
 const QString appearanceGroup = QStringLiteral("org.freedesktop.appearance");
 const QString interfaceGroup = QStringLiteral("org.gnome.desktop.interface");
 
-/// Seconds that the portal has for a look at who asks. It comes with the first question, before anything of
-/// the vault is read.
+/// Seconds that the portal has to inspect its caller, which it does at the first call, before anything of the
+/// vault is read.
 constexpr auto longestLook = std::chrono::seconds(3);
 
 using SettingGroups = QMap<QString, QVariantMap>;
 
-/// Looking for a bus that nobody announces would start one.
+/// Connecting without an announced bus address would start a bus.
 bool hasSessionBus() {
     return qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") ||
            QFile::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus"));
@@ -95,11 +95,12 @@ void DesktopAppearance::askPortal() {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return;
-    // Qt looks the slot's types up by their names, and learns this one only by its use.
+    // Qt looks up the slot's types by name, and registers this one only on its first use.
     qRegisterMetaType<QDBusVariant>();
     bus.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));
-    // It answers nobody whose folder in /proc it cannot open, which tells it what sandbox a program is in.
+    // It answers only callers whose folder in /proc it can open, by which it finds out in which sandbox they
+    // are.
     visibleToPortal_.emplace();
     QTimer::singleShot(longestLook, this, [this] { visibleToPortal_.reset(); });
     QDBusMessage question =
@@ -113,7 +114,7 @@ void DesktopAppearance::askPortal() {
     });
 }
 
-/// A desktop without a portal answers with an error, and the palette stands.
+/// Without a portal the call returns an error, and the palette decides.
 void DesktopAppearance::take(const QDBusPendingCallWatcher& answer) {
     const QDBusMessage message = answer.reply();
     if (message.type() != QDBusMessage::ReplyMessage || message.signature() != QLatin1String("a{sa{sv}}"))

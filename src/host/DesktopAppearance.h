@@ -16,11 +16,11 @@ class QDBusVariant;
 
 namespace sela {
 
-/// The appearance that the command line asks for, and for what it leaves open the desktop's: the settings
-/// portal's where there is one, else what the palette looks like. Whether motion is to be reduced is the
-/// portal's word, too, unless $SELA_REDUCED_MOTION says 0 or 1. The portal is asked in the background and
-/// heard from then on, so that nothing waits for it; without a window it is not asked at all. Main thread
-/// only, while a QGuiApplication exists.
+/// The appearance that the command line sets, and where it sets none the desktop's: that of the settings
+/// portal where there is one, else that of the palette. The portal also decides whether motion is reduced,
+/// unless $SELA_REDUCED_MOTION is 0 or 1. The portal is read in the background and its changes are followed,
+/// so that nothing waits for it; without a window it is not read at all. Main thread only, while a
+/// QGuiApplication exists.
 class DesktopAppearance : public QObject {
     Q_OBJECT
 

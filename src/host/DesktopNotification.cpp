@@ -11,7 +11,7 @@ namespace {
 
 constexpr int longestWait = 1000; ///< milliseconds
 
-/// The service's own choice of how long a notification is shown.
+/// The service decides how long a notification is shown.
 constexpr int defaultDuration = -1;
 
 } // namespace
@@ -23,7 +23,7 @@ void showDesktopNotification(const std::string& title, const std::string& body) 
     QDBusMessage message = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("/org/freedesktop/Notifications"),
         QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("Notify"));
-    // Services read markup in the body alone.
+    // Services interpret markup in the body only.
     message << QStringLiteral("Sela") << 0u << QStringLiteral("xyz.sela.share")
             << QString::fromStdString(title) << QString::fromStdString(body).toHtmlEscaped() << QStringList()
             << QVariantMap() << defaultDuration;

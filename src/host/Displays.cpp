@@ -21,7 +21,7 @@ struct FreeDeleter {
 template<class T>
 using Reply = std::unique_ptr<T, FreeDeleter>;
 
-/// The number behind the display's name, as in ":0.1"; 0 without one.
+/// The number after the display's name, as in ":0.1"; 0 without one.
 std::string screenNumber() {
     const std::string display = qEnvironmentVariable("DISPLAY").toStdString();
     const std::size_t colon = display.rfind(':');
@@ -59,7 +59,7 @@ bool desktopComposites() {
 }
 
 QScreen* displayWithPointer() {
-    // Wayland keeps the pointer's place to itself.
+    // Wayland does not reveal the pointer's position.
     QScreen* const display = isWayland() ? nullptr : QGuiApplication::screenAt(QCursor::pos());
     return display ? display : QGuiApplication::primaryScreen();
 }

@@ -17,7 +17,7 @@ constexpr double width = 2.5;
 constexpr double haloWidth = 5;
 constexpr double smallestRadius = 4;
 
-/// Around the view, and inside what cuts it off.
+/// Around the view, and clipped by the views around it.
 FocusRing::Place placeAround(const UIWindow& window, const UIView& view) {
     const double radius = std::max(view.layer().cornerRadius(), smallestRadius) + distance;
     CGRect rect = window.shownRect(view).insetBy(-distance, -distance);

@@ -21,7 +21,7 @@ public:
     };
 
     /// Puts the ring around `view` (null: takes it away) and returns the part of the window (points) that
-    /// looks different by that; empty when nothing does.
+    /// changes; empty when nothing does.
     CGRect move(const UIWindow& window, const UIView* view);
 
     /// Draws the ring within `area` (pixels) of a picture of the window.

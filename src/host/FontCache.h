@@ -10,8 +10,8 @@
 
 namespace sela {
 
-/// The fonts behind `UIFont`: Roboto for the system font and wherever a named family is missing, with
-/// whatever the system holds for scripts beyond it. Main thread only, while a QGuiApplication exists.
+/// The fonts behind `UIFont`: Roboto for the system font and wherever a named family is missing, with the
+/// system's fonts for scripts that it lacks. Main thread only, while a QGuiApplication exists.
 class FontCache {
 public:
     /// `font` at its size in points of the view kit; made once.

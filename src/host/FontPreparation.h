@@ -5,10 +5,10 @@
 
 namespace sela {
 
-/// Makes the system's fonts known beside the rest of the start, which would wait for them: reading their
-/// configuration and listing them takes a fifth of the time to the first frame. Used by the main thread;
-/// what the environment says about fonts must be set before. Without a thread to do so Qt does it when the
-/// first text is laid out.
+/// Loads the list of the system's fonts on a thread in parallel with the rest of the start: reading their
+/// configuration and listing them takes a fifth of the time to the first frame. Used by the main thread; what
+/// the environment says about fonts must be set before. Without a thread to do so Qt does it when the first
+/// text is laid out.
 class FontPreparation {
 public:
     /// Begins to read the configuration.
@@ -20,8 +20,8 @@ public:
     FontPreparation(const FontPreparation&) = delete;
     FontPreparation& operator=(const FontPreparation&) = delete;
 
-    /// Goes on with Qt's list of fonts. Called once, when there is a QGuiApplication. The thread that does so
-    /// stays, as Qt wants one for filling large areas.
+    /// Continues with Qt's list of fonts. Called once, when there is a QGuiApplication. The thread stays, as
+    /// Qt uses one for filling large areas.
     void beginList();
 
     /// Returns when texts can be laid out without doing any of this again. After `beginList`.

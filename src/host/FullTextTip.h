@@ -7,8 +7,8 @@
 
 namespace sela {
 
-/// Shows the whole of a text that is cut off, beside the control that it belongs to, while that has the
-/// pointer or the focus. Takes no touches. Main thread only.
+/// Shows the full text of a control whose text is cut off, beside the control, while the pointer is over it
+/// or it has the focus. Takes no touches. Main thread only.
 class FullTextTip {
 public:
     /// `window` must outlive this.

@@ -16,8 +16,8 @@ public:
     /// `application` must outlive this.
     HeadlessRun(QtApplication& application, const CommandLine& line, const Attachments& attachments);
 
-    /// Takes the steps and returns when nothing is under way any more. A request that is left then is
-    /// cancelled, or given up when a save run had begun.
+    /// Takes the steps and returns when no work is left. A request that has not ended by then is cancelled,
+    /// or given up when a save run had begun.
     SaveReport run();
 
 private:

@@ -21,7 +21,7 @@ UIUserInterfaceLayoutDirection layoutDirection() {
                                                      : UIUserInterfaceLayoutDirection::leftToRight;
 }
 
-/// The log's lines are for programs and files, unless a person asks for them.
+/// The log's lines are printed on a terminal only when asked for.
 bool printsLog(const CommandLine& line) {
     return line.output == CommandLine::Output::verbose ||
            (line.output == CommandLine::Output::normal && !::isatty(STDERR_FILENO));

@@ -12,10 +12,10 @@
 
 namespace sela {
 
-/// Everything in the process that the extension's screens take for granted, there as long as this object is:
-/// the main queue, the measurer of text, the screen and the direction of its layout, the desktop's appearance
-/// and accessibility, whether the log is printed, and the gate of loading. One at a time, on the main thread,
-/// while a `QtApplication` exists; whatever it holds is removed at its end.
+/// The process-wide state that the extension's screens need, set for as long as this object lives: the main
+/// queue, the measurer of text, the screen and the direction of its layout, the desktop's appearance and
+/// accessibility, whether the log is printed, and the gate of loading. One at a time, on the main thread,
+/// while a `QtApplication` exists; all of it is removed at its end.
 class HostScope {
 public:
     /// `loop` becomes the main queue and must outlive this. With a window attachments are loaded only once
@@ -37,7 +37,7 @@ private:
     ObservedMainQueue queue_;
     ScopedMainQueue scopedQueue_;
 
-    /// Outlives the screens in the window, so that what it lets through finds them gone.
+    /// Destroyed after the screens in the window, so that work that it lets through finds them destroyed.
     LoadingGate loading_;
 
     QtTextMeasurer measurer_;

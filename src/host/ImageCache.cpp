@@ -62,7 +62,7 @@ QImage ImageCache::scaled(const UIImage& image, const QRectF& part, QSize size,
     return result;
 }
 
-/// Drops what was not used for the longest time; the latest stays whatever its size.
+/// Drops the least recently used; the latest stays whatever its size.
 void ImageCache::makeRoom() {
     while (size_ > capacity && entries_.size() > 1) {
         size_ -= entries_.back().image.sizeInBytes();

@@ -17,7 +17,7 @@
 namespace sela {
 
 /// Pictures at the size in pixels at which they are drawn: scaled once, with high quality, or rendered from
-/// an asset's vectors, and kept until others need the room. Main thread only.
+/// an asset's vectors, and kept until the cache is full (LRU). Main thread only.
 class ImageCache {
 public:
     /// The part `part` (fractions of the picture, 0 to 1) of `image` as `size` pixels. With `tint` the
@@ -28,7 +28,7 @@ private:
     /// Bytes of pixels that are kept.
     static constexpr qsizetype capacity = qsizetype{24} * 1024 * 1024;
 
-    /// A picture of pixels goes by their address: its entry keeps them alive.
+    /// The key of a picture of pixels is their address; the entry keeps them alive.
     using Key =
         std::tuple<std::string, const PixelBuffer*, double, double, double, double, int, int, quint64>;
     struct Entry {

@@ -22,8 +22,7 @@ View* enclosing(UIView& view) {
     return static_cast<View*>(above);
 }
 
-/// The input of key commands that the key gives; empty for one that only moves the focus or works what has
-/// it.
+/// The key command input of the key; empty for a key that only moves the focus or activates what has it.
 std::string inputOf(const KeyboardNavigation::Key& key) {
     switch (key.code) {
     case Qt::Key_Escape:
@@ -36,12 +35,12 @@ std::string inputOf(const KeyboardNavigation::Key& key) {
     default:
         break;
     }
-    // The digits of other scripts type those of the keypad.
+    // The digits of other scripts count as those of the keypad.
     const int digit = key.text.size() == 1 ? key.text.front().digitValue() : -1;
     return digit >= 0 ? std::to_string(digit) : std::string();
 }
 
-/// The row so many rows further on, or as far as the table goes.
+/// The row this many rows further on, or the last one in that direction.
 IndexPath rowBeside(UITableView& table, IndexPath row, int rows) {
     const int step = rows < 0 ? -1 : 1;
     for (IndexPath next = row; rows != 0;) {
@@ -111,7 +110,7 @@ bool KeyboardNavigation::keep(const std::string& input) {
     return true;
 }
 
-/// Does what the screen says that a key of this input does; false when it says nothing.
+/// Runs the screen's key command for this input; false when there is none.
 bool KeyboardNavigation::perform(std::string_view input) {
     const std::optional<ViewLocator::KeyTarget> target =
         input.empty() ? std::nullopt : ViewLocator::keyTarget(window_, input);
@@ -167,7 +166,7 @@ std::optional<KeyboardNavigation::TableRow> KeyboardNavigation::focusedRow() con
     return TableRow{*enclosing<UITableView>(*view), *focus_.row};
 }
 
-/// The row that has the focus or holds what has it.
+/// The row that has the focus or contains the control that has it.
 std::optional<KeyboardNavigation::TableRow> KeyboardNavigation::currentRow() const {
     UIView* const view = focusedView();
     if (!view || !focus_.row)
@@ -214,8 +213,8 @@ void KeyboardNavigation::moveAlong(int step) {
     setFocusedView(*all[static_cast<std::size_t>(place)]);
 }
 
-/// Goes to the nearest control in the direction of (`x`, `y`), of which one is 0; what lies aside counts as
-/// further away.
+/// Goes to the nearest control in the direction of (`x`, `y`), of which one is 0; an offset to the side
+/// counts as a larger distance.
 void KeyboardNavigation::moveTowards(double x, double y) {
     UIView* const from = focusedView();
     if (!from) {
@@ -281,8 +280,8 @@ bool KeyboardNavigation::moveRow(int code) {
     return true;
 }
 
-/// Unfolds or folds the focused row; folding a row that does not fold leads to the one that holds it. False
-/// when no row has the focus.
+/// Unfolds or folds the focused row; folding a row that cannot fold focuses its parent. False when no row has
+/// the focus.
 bool KeyboardNavigation::foldRow(bool unfold) {
     const std::optional<TableRow> focused = focusedRow();
     UITableViewCell* const cell = focused ? focused->table.cellForRow(focused->row) : nullptr;

@@ -15,7 +15,7 @@ namespace sela {
 
 class UITableView;
 
-/// Works the screens of a window by the keys of a keyboard, and knows which control has the focus.
+/// Operates the screens of a window by keyboard, and keeps track of which control has the focus.
 ///
 /// Tab and the arrows move the focus among the controls that a finger could reach; a table is one stop, whose
 /// rows the vertical arrows walk through. Space and Return tap the focused control. Whatever has the focus,
@@ -33,8 +33,8 @@ public:
         bool held = false; ///< the keyboard repeats it: only moves are made again
     };
 
-    /// Does what the key means on the screen that is shown, and nothing when it means nothing there. What is
-    /// typed while screens move is kept for the screen that comes.
+    /// Handles the key on the screen that is shown; a key without a meaning there is ignored. Digits that are
+    /// typed while screens move are kept for the next screen.
     void press(const Key& key);
 
     /// Types what was kept, in order, once the screens are at rest.
@@ -43,7 +43,7 @@ public:
     /// The control that has the focus; null when none has, or it cannot be reached now.
     UIView* focusedView() const;
 
-    /// Gives the focus to a control; one that cannot be reached takes it from all.
+    /// Gives the focus to a control; if it cannot be reached, nothing has the focus.
     void setFocusedView(UIView& view);
 
 private:

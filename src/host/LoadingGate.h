@@ -4,9 +4,8 @@
 
 namespace sela {
 
-/// Keeps the attachments of the process from being loaded until it is opened, which it is at its end at the
-/// latest: work that waits to be loaded counts as under way, and a main loop would wait for it for ever. Main
-/// thread only.
+/// Keeps the attachments of the process from being loaded until it is opened. Its destructor opens it: loads
+/// that wait count as outstanding work, for which a main loop would wait forever. Main thread only.
 class LoadingGate {
 public:
     explicit LoadingGate(bool isOpen) {

@@ -12,7 +12,7 @@ namespace {
 /// What file managers of the GNOME family put on the clipboard: "copy" or "cut", then a URL a line.
 const QString copiedFiles = QStringLiteral("x-special/gnome-copied-files");
 
-/// Kinds of pictures that keep most of what is copied, the best first.
+/// Kinds of pictures in order of preference, the one that loses least first.
 const char* const preferredPictures[] = {"image/png", "image/webp", "image/jpeg", "image/tiff", "image/bmp"};
 
 std::vector<std::string> filesIn(const QMimeData& data) {
@@ -51,7 +51,7 @@ MimeAttachments MimeAttachments::in(const QMimeData* data) {
         return found;
     const QString picture = pictureFormat(*data);
     for (const std::string& file : filesIn(*data)) {
-        // A picture that is dragged out of a page comes with its address there.
+        // A picture dragged from a web page comes with its URL.
         if (picture.isEmpty() || file.starts_with("file:"))
             found.attachments.addFile(file);
     }

@@ -12,11 +12,11 @@ struct MimeAttachments {
     Attachments attachments;
     bool onlyText = false; ///< there is text and nothing else that could be used
 
-    /// Takes in the data (null: an empty clipboard); files are looked at, and a picture is decoded by the
-    /// helper, while the caller waits. Main thread.
+    /// Reads the data (null: an empty clipboard); files are examined, and a picture is decoded by the helper,
+    /// before this returns. Main thread.
     static MimeAttachments in(const QMimeData* data);
 
-    /// Whether the data names files or holds a picture, without looking at them.
+    /// Whether the data names files or holds a picture, without examining them.
     static bool areIn(const QMimeData& data);
 };
 

@@ -100,7 +100,7 @@ void Notice::layOut() {
     panel_.setFrame({bottom.origin.x, topBeside(bottom), bottom.size.width, bottom.size.height});
 }
 
-/// Where the top of a panel goes that would be at `bottom`: above the buttons that it would cover there.
+/// The top of the panel: that of `bottom`, moved up where the panel would cover buttons.
 double Notice::topBeside(const CGRect& bottom) const {
     double top = bottom.minY();
     for (const UIView* const element : ScreenElements::inside(window_, window_)) {

@@ -10,9 +10,9 @@
 
 namespace sela {
 
-/// A panel at the bottom of a window that says what the host has to say, over whatever the extension shows:
-/// a text, how far something has come, and a button. It covers no button of a screen, and without one of its
-/// own it takes no touches. Main thread only.
+/// A panel at the bottom of a window with a message of the host, over whatever the extension shows: a text, a
+/// progress bar, and a button. It covers no button of a screen, and without one of its own it takes no
+/// touches. Main thread only.
 class Notice {
 public:
     static constexpr double duration = 5; ///< seconds
@@ -20,7 +20,7 @@ public:
     struct Content {
         std::string text;
 
-        /// How far something has come, from 0 to 1, drawn as a bar; absent: no bar.
+        /// The progress, from 0 to 1, drawn as a bar; absent: no bar.
         std::optional<double> progress = std::nullopt;
 
         /// The title of a button that a tap, Return or Escape presses; empty: no button.
@@ -31,11 +31,11 @@ public:
     /// `window` must outlive this.
     explicit Notice(UIWindow& window);
 
-    /// Shows a text for `duration`, which a screen reader says, too.
+    /// Shows a text for `duration`; a screen reader says it, too.
     void show(const std::string& text);
 
     /// Shows something in place of what is shown, until something else is or `hide` is called. A screen
-    /// reader says the text when it comes without a progress, which changes too often.
+    /// reader says only a text without progress, since progress changes too often.
     void keep(const Content& content);
 
     void hide();

@@ -6,8 +6,8 @@
 
 namespace sela {
 
-/// A main queue that hands everything to another one and knows how many of its tasks have not run yet, due or
-/// delayed: by that, whoever drives the screen knows when it has come to rest. Thread-safe.
+/// A main queue that forwards everything to another one and counts the tasks that have not run yet, due or
+/// delayed, by which the code that drives the screen knows when it has come to rest. Thread-safe.
 class ObservedMainQueue : public DispatchQueue {
 public:
     /// `inner` must outlive this queue, and this queue every task given to it.
@@ -17,10 +17,10 @@ public:
     void asyncAfter(double seconds, Task task) override;
     double now() const override { return inner_.now(); }
 
-    /// Tasks that wait or run now.
+    /// Tasks that are queued or running.
     int pendingTasks() const { return pending_; }
 
-    /// The queue behind, whose tasks are not counted.
+    /// The inner queue, whose own tasks are not counted.
     DispatchQueue& inner() { return inner_; }
 
 private:

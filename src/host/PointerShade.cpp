@@ -14,7 +14,7 @@ namespace {
 constexpr double pointedAlpha = 0.08;
 constexpr double pressedAlpha = 0.16;
 
-/// Of controls that have no corners of their own, in points.
+/// Corner radius of controls that have none of their own, in points.
 constexpr double cornerRadius = 6;
 
 } // namespace

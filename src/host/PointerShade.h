@@ -12,8 +12,8 @@ namespace sela {
 /// The shade over the control that the mouse points at, darker while it is pressed. Main thread only.
 class PointerShade {
 public:
-    /// Puts the shade on `view` (null: takes it away) and returns the part of the window (points) that looks
-    /// different by that; empty when nothing does.
+    /// Puts the shade on `view` (null: takes it away) and returns the part of the window (points) that
+    /// changes; empty when nothing does.
     CGRect move(const UIWindow& window, const UIView* view, bool pressed);
 
     /// Draws the shade within `area` (pixels) of a picture of the window.

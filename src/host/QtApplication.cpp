@@ -13,10 +13,11 @@ namespace sela {
 
 namespace {
 
-/// Whether the QGuiApplication is being made, which Qt gives up with a fatal message and no return.
+/// Whether the QGuiApplication is being constructed; if that fails, Qt logs a fatal message and does not
+/// return.
 bool isQtStarting = false;
 
-/// Qt says nothing on standard error, which holds the system's log lines, but why it cannot go on.
+/// Qt prints nothing on standard error, which is for our log lines, except why it cannot go on.
 void handleQtMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
     if (type != QtFatalMsg)
         return;
@@ -41,8 +42,8 @@ void setEnvironment(const CommandLine& line) {
         qputenv("FC_LANG", language.replace('_', '-'));
 }
 
-/// The arguments of the QGuiApplication, which keeps the references: the program's name alone, since what
-/// the user wrote is not for Qt.
+/// The arguments of the QGuiApplication, which keeps the references: the program's name alone, since Qt must
+/// not interpret the user's arguments.
 int argumentCount = 1;
 char programName[] = "sela-share";
 char* arguments[] = {programName, nullptr};
@@ -53,15 +54,15 @@ QtApplication::QtApplication(const CommandLine& line) {
     setEnvironment(line);
     fonts_.emplace();
     qInstallMessageHandler(handleQtMessage);
-    // Fonts have the size that the views ask for, whatever the display says about its resolution.
+    // Fonts have the size that the views set, whatever resolution the display reports.
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
     isQtStarting = true;
     application_.emplace(argumentCount, arguments);
     isQtStarting = false;
-    // By this the desktop knows whose window it is.
+    // By this the desktop matches the window to its desktop file.
     QGuiApplication::setDesktopFileName(QStringLiteral("xyz.sela.share"));
     QGuiApplication::setQuitOnLastWindowClosed(false);
-    // Qt shares every fill out among these threads; a third of a frame's time went into waking them.
+    // Qt divides every fill among these threads; waking them took a third of a frame's time.
     QThreadPool::globalInstance()->setMaxThreadCount(1);
     fonts_->beginList();
 }

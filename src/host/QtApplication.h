@@ -13,7 +13,7 @@ namespace sela {
 class QtApplication {
 public:
     /// Ends the process with `badArguments`, and a line on standard error, when the display cannot be opened.
-    /// To be made before there is a second thread, since it sets what Qt reads of the environment.
+    /// Must be made before there is a second thread, since it sets environment variables that Qt reads.
     explicit QtApplication(const CommandLine& line);
 
     /// Waits for the fonts to be listed.
@@ -28,7 +28,7 @@ public:
 private:
     std::optional<QGuiApplication> application_;
 
-    /// Goes first: listing fonts needs the application object to its end.
+    /// Destroyed first: the thread that lists fonts needs the application object until it ends.
     std::optional<FontPreparation> fonts_;
 };
 

@@ -55,8 +55,8 @@ void QtMainLoop::timerEvent(QTimerEvent*) {
     runDueTasks();
 }
 
-/// Runs the tasks that are due now; those that they add run in the loop's next turn, so that events get their
-/// turn too.
+/// Runs the tasks that are due now; tasks that they add run in the loop's next turn, so that events are
+/// handled in between.
 void QtMainLoop::runDueTasks() {
     std::unique_lock lock(BackgroundWork::mutex());
     wakePosted_ = false;

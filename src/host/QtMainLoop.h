@@ -16,11 +16,11 @@ public:
     void asyncAfter(double seconds, Task task) override;
     double now() const override;
 
-    /// Runs events and tasks until `finish`, and then, without events, whatever background work still posts,
-    /// so that nothing that is under way is cut off. Tasks that are not due by then never run. Main thread.
+    /// Runs events and tasks until `finish`, and then, without events, the tasks that background work still
+    /// posts, so that no work is interrupted. Tasks that are not due by then never run. Main thread.
     void run();
 
-    /// Lets `run` come to its end. Main thread.
+    /// Makes `run` return. Main thread.
     void finish();
 
 protected:

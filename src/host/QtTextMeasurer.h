@@ -10,8 +10,8 @@
 
 namespace sela {
 
-/// Measures text with the fonts that draw it, and keeps what it laid out for those who draw. Needs a
-/// QGuiApplication from the first text on; main thread only.
+/// Measures text with the fonts that draw it, and keeps its layouts for drawing. Needs a QGuiApplication from
+/// the first text on; main thread only.
 class QtTextMeasurer : public TextMeasurer {
 public:
     CGSize size(const NSAttributedString& text, double maximumWidth, int maximumLines) const override;

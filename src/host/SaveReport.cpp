@@ -12,10 +12,10 @@ namespace {
 
 using Kind = AttachmentOutcome::Kind;
 
-/// Names told at most where files were not tried.
+/// The most names that are listed of files that were not tried.
 constexpr std::int64_t mostNames = 10;
 
-/// Reasons told at most in a summary.
+/// The most reasons that a summary gives.
 constexpr std::size_t mostReasons = 3;
 
 std::string nameOf(const AttachmentOutcome& outcome) {

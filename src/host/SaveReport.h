@@ -10,12 +10,13 @@
 
 namespace sela {
 
-/// What a run did with the files that it was given. A value.
+/// What a run did with its files. A value.
 struct SaveReport {
     /// How the request ended: `completed`, `cancelled`, `cannotEnd` or `stepFailed`.
     ExitStatus end = ExitStatus::cancelled;
 
-    /// Why it ended so, in a line, where the save run does not tell; absent when there is nothing to say.
+    /// Why it ended so, in a line, where the save run does not say it; absent when there is nothing to
+    /// report.
     std::optional<std::string> problem;
 
     SaveRun run;
@@ -23,15 +24,15 @@ struct SaveReport {
     /// What was in the request from its start, as it was named, in the order of the run's outcomes.
     std::vector<std::string> names;
 
-    /// What was not even in the request.
+    /// What was named but is not in the request.
     std::vector<LeftOut> leftOut;
 
-    /// What the process tells by its status: `completed` only when everything was added, `notAll` when a file
-    /// was not, `cancelled` when the request was and nothing was added.
+    /// The exit status of the process: `completed` only when everything was added, `notAll` when a file was
+    /// not, `cancelled` when the request was and nothing was added.
     ExitStatus status() const;
 
     /// Lines for standard error, in English: each file that failed, with the reason, and those that were not
-    /// tried. Files that were left out were told at the start.
+    /// tried. Files that were left out were reported at the start.
     std::vector<std::string> problems() const;
 
     /// "3 files added to Family"; empty when none was.

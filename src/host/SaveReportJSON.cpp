@@ -46,7 +46,7 @@ std::string saveReportJSON(const SaveReport& report) {
     JSONWriter writer;
     writer.beginObject().key("status").integer(static_cast<int>(report.status()));
     writer.member("problem", report.problem).key("files").beginArray();
-    // A run that never began has no outcomes, and what came later by a drop has a name alone.
+    // A run that never began has no outcomes, and an attachment that was dropped later has only a name.
     const std::vector<AttachmentOutcome>& outcomes = report.run.outcomes;
     for (std::size_t i = 0; i < std::max(report.names.size(), outcomes.size()); ++i) {
         const AttachmentOutcome outcome = i < outcomes.size() ? outcomes[i] : AttachmentOutcome();
@@ -55,7 +55,8 @@ std::string saveReportJSON(const SaveReport& report) {
     for (const LeftOut& file : report.leftOut)
         write(writer, file);
     writer.endArray().endObject();
-    // Characters that drive a terminal stand in texts alone, where the escapes of a log are JSON's too.
+    // Characters that control a terminal occur only inside strings, where the log's escapes are valid JSON
+    // too.
     return escapedForLog(writer.text()) + "\n";
 }
 

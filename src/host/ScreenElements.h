@@ -6,8 +6,8 @@
 
 namespace sela {
 
-/// What on a screen means something by itself to somebody who works it without seeing or touching it:
-/// controls, texts and lists, among the views that only place or adorn them. Main thread only.
+/// The elements of a screen for users who neither see nor touch it: controls, texts and lists, without the
+/// views that only place or decorate them. Main thread only.
 namespace ScreenElements {
 
 /// Whether a tap on the element does something.
@@ -20,10 +20,10 @@ std::vector<UIView*> inside(UIWindow& window, const UIView& view);
 /// The nearest element around `view`; null when there is none.
 UIView* around(const UIView& view);
 
-/// The control that a tap at `point` (window points) works; null when it works none.
+/// The control that a tap at `point` (window points) activates; null when there is none.
 UIView* controlAt(UIWindow& window, CGPoint point);
 
-/// Taps the element as a finger would. False when it cannot be reached, and nothing happens.
+/// Taps the element as a finger would. False, and nothing happens, when it cannot be reached.
 bool tap(UIWindow& window, UIView& view);
 
 } // namespace ScreenElements

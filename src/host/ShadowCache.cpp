@@ -42,7 +42,7 @@ void appendContent(std::string& key, const SpinnerContent& content) {
     append(key, content.leadingSpoke);
 }
 
-/// Everything of a view and its subviews that shows in the outline they draw.
+/// All properties of a view and its subviews that affect their outline.
 void appendLook(std::string& key, const UIView& view, const UIView& caster, const UITraitCollection& traits) {
     const UIView::Presentation shown = view.presentation();
     if (&view != &caster) {

@@ -11,7 +11,7 @@
 
 namespace sela {
 
-/// Blurred shadows of views, made anew only when what casts them looks different. Main thread only.
+/// Blurred shadows of views, drawn again only when what casts them looks different. Main thread only.
 class ShadowCache {
 public:
     struct Shadow {
@@ -23,12 +23,12 @@ public:
     /// view's coordinates.
     using DrawCaster = std::function<void(QImage& picture, QPointF origin)>;
 
-    /// The shadow of `view`, whose `drawCaster` is asked only when there is none for its present look.
+    /// The shadow of `view`, whose `drawCaster` is called only when none is cached for its present look.
     const Shadow& shadow(const UIView& view, double pixelsPerPoint, const UITraitCollection& traits,
                          const DrawCaster& drawCaster);
 
-    /// Whether a view and its subviews cover its rounded bounds wholly and nothing else, so that what is
-    /// inside has no part in a shadow.
+    /// Whether a view and its subviews cover its rounded bounds wholly and nothing else, so that its content
+    /// does not affect the shadow.
     static bool coversItsBounds(const UIView& view, const UITraitCollection& traits);
 
 private:

@@ -15,18 +15,18 @@ namespace sela {
 
 namespace {
 
-/// The most that is taken from standard input, in bytes: a picture of half a gigapixel fits.
+/// The most bytes read from standard input: a picture of half a gigapixel fits.
 constexpr std::int64_t largestInput = 512 << 20;
 
 constexpr const char* noPicture =
     "there is no picture that can be read; to add another kind of file, name it";
 
-/// A file without a name; not open when there can be none.
+/// A file in memory without a name; not open when it cannot be made.
 FileDescriptor memoryFile() {
     return FileDescriptor(::memfd_create("picture", MFD_CLOEXEC));
 }
 
-/// Why what starts with these bytes is no picture to wait for; null when it may be one.
+/// Why data that starts with these bytes is no picture; null when it may be one.
 ErrorRef problemWithStart(DataView start) {
     const std::string type = mediaTypeOfContent(start);
     if (type.starts_with("image/"))
@@ -70,7 +70,7 @@ std::optional<URL> fileURLOf(const std::string& argument) {
     return isURL ? URL::parse(argument) : URL::fileURL(argument);
 }
 
-/// Whether the store takes a file of that name, behind which it puts the time.
+/// Whether the store accepts a file of that name, after which it puts the time.
 bool isKept(const std::string& name) {
     return fileKind("0" + name) != FileKind::other;
 }
@@ -94,7 +94,7 @@ Result<std::int64_t> sizeOfUsableFile(const URL& file) {
     return attributes.value().size;
 }
 
-/// The picture that `file` holds. Nothing shows it, so few of its pixels are enough.
+/// The picture that `file` holds. It is not shown, so few of its pixels are enough.
 Result<std::shared_ptr<NSItemProvider>> pictureIn(FileDescriptor file) {
     constexpr PictureBounds leastPixels = 64;
     const std::optional<UIImage> picture = UIImage::contentsOfOpenFile(std::move(file), leastPixels);

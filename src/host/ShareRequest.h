@@ -25,14 +25,14 @@ struct LeftOut {
     std::string localizedDescription() const;
 };
 
-/// What was named for a share request: what can be added, and why the rest cannot. A value.
+/// The arguments of a share request: what can be added, and why the rest cannot. A value.
 struct Attachments {
     NSExtensionItem::Attachments providers;
 
     /// One for each provider: as it was named ("-" for standard input); empty for what the clipboard held.
     std::vector<std::string> names;
 
-    /// The size of the files among them together, in bytes; pictures without a file count nothing.
+    /// The total size of the files among them, in bytes; pictures without a file count nothing.
     std::int64_t totalSize = 0;
 
     /// One for each thing that cannot be added.
@@ -40,15 +40,15 @@ struct Attachments {
 
     bool isEmpty() const { return providers.empty() && problems.empty(); }
 
-    /// Takes in an ordinary file, named by its path or URL. It is a problem when it names nothing, a folder,
-    /// a device, a FIFO or a socket, cannot be read, or is of a kind that the vault does not keep.
+    /// Adds a regular file, named by its path or URL. It is a problem when it names nothing, a folder, a
+    /// device, a FIFO or a socket, cannot be read, or is of a kind that the vault does not keep.
     void addFile(const std::string& argument);
 
-    /// Takes in a picture that has no file, from the bytes of a picture file of any kind; `origin` says in a
-    /// problem where they came from. Called on the main thread, which waits for the decoding.
+    /// Adds a picture that has no file, from the bytes of a picture file of any kind; `origin` names their
+    /// source in a problem. Called on the main thread, which waits for the decoding.
     void addPicture(DataView bytes, const std::string& origin);
 
-    /// Takes in a picture that is read from standard input now.
+    /// Reads a picture from standard input and adds it.
     void addStandardInput();
 
     void append(const Attachments& more);

@@ -26,7 +26,7 @@ ShareSession::~ShareSession() {
 }
 
 void ShareSession::requestEnded(const ErrorRef& cancellation) {
-    // Pictures that come after the last step show the request's end, and may fail.
+    // Pictures after the last step show the request's end, and may fail.
     if (steps_)
         steps_->requestEnded();
     if (report_.end != ExitStatus::stepFailed)

@@ -21,7 +21,7 @@ namespace sela {
 /// `WindowedRun` and a `HeadlessRun` have in common. Main thread only.
 class ShareSession {
 public:
-    /// Starts the principal screen with a request of these attachments and sets it into the scope's window.
+    /// Starts the principal screen with a request of these attachments and shows it in the scope's window.
     /// `loop` becomes the main queue and must outlive this.
     ShareSession(const CommandLine& line, DispatchQueue& loop, const Attachments& attachments);
     ~ShareSession();
@@ -39,25 +39,24 @@ public:
 
     /// Takes the command line's steps, one after another, in later turns of the main queue, and calls `taken`
     /// after the last one; for none, neither happens. A step that fails cancels the request: only the file
-    /// that is under way is still added.
+    /// that is being copied is still added.
     void takeSteps(double pixelsPerPoint, std::function<void()> taken);
 
     /// Cancels the request for a reason; nothing happens when it has ended or was given up.
     void cancel(const std::string& why);
 
-    /// Leaves the request as it is, since nothing can end it any more; nothing happens when it has ended.
+    /// Gives the request up, since nothing can end it any more; nothing happens when it has ended.
     void giveUp();
 
-    /// Ends the request now, for a reason, in the way that fits how saving stands: completes it when the run
-    /// has ended, gives it up when that is stuck, and cancels it otherwise. Nothing happens when it has
-    /// ended.
+    /// Ends the request now, for a reason: completes it when the save run has ended, gives it up when the run
+    /// is stuck, and cancels it otherwise. Nothing happens when it has ended.
     void leave(const std::string& why);
 
-    /// Called on the main queue when a signal asks the process to end; by default the session is left. A
-    /// second later the copy that is still under way is stopped.
+    /// Called on the main queue when a signal asks the process to end; by default it leaves the session. A
+    /// copy that still runs a second later is stopped.
     void setInterruptHandler(std::function<void()> handler) { interruptHandler_ = std::move(handler); }
 
-    /// What was done with the files, as it stands now.
+    /// What has been done with the files so far.
     SaveReport report() const;
 
 private:

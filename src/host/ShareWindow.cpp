@@ -29,10 +29,10 @@ namespace {
 /// Points that a list moves by a step of a wheel without finer units.
 constexpr double pointsPerWheelStep = 48;
 
-/// What Qt counts for a step of a wheel, in eighths of a degree.
+/// The angle that Qt reports for one step of a wheel, in eighths of a degree.
 constexpr double wheelStepAngle = 120;
 
-/// What a window with the corners of the card covers.
+/// The region of a window with the card's rounded corners.
 QRegion roundedRegion(const QSize& size, double radius) {
     QPainterPath path;
     path.addRoundedRect(QRectF(QPointF(), size), radius, radius);
@@ -89,7 +89,7 @@ void ShareWindow::open() {
     }
 }
 
-/// In the middle of the display, of one size: the screens are laid out once, as on a phone.
+/// Centred on the display, with a fixed size: the screens are laid out once, as on a phone.
 void ShareWindow::openAsDialog() {
     const QSize units =
         (QSizeF(placement_.window.width, placement_.window.height) * unitsPerPoint()).toSize();
@@ -181,7 +181,8 @@ void ShareWindow::resizeEvent(QResizeEvent*) {
     scheduleFrame();
 }
 
-/// Asks for a frame at the display's pace: the compositor's where it tells, else by the refresh rate.
+/// Requests a frame at the display's rate: by the compositor's frame callbacks on Wayland, else by the
+/// refresh rate.
 void ShareWindow::scheduleFrame() {
     if (!isExposed())
         return;
@@ -207,7 +208,7 @@ void ShareWindow::drawFrame() {
     keyboard_.catchUp();
     const CGRect adornments = updateAdornments();
     const CGRect dirty = window_.takeDirtyRect().unionWith(adornments);
-    // What only came into sight again is in the store already.
+    // Parts that were only exposed again are in the backing store already.
     QRegion region;
     const bool isNew = std::exchange(storeRatio_, devicePixelRatio()) != devicePixelRatio();
     if (isNew)
@@ -237,8 +238,8 @@ void ShareWindow::drawFrame() {
         scheduleFrame();
 }
 
-/// Moves what is drawn over the screens to the views that have the focus and the pointer now, which come and
-/// go without either moving. What looks different by that, in points.
+/// Moves the focus ring, the pointer's shade and the tip to the views that have the focus and the pointer
+/// now, which can change without either moving. Returns the area that changed, in points.
 CGRect ShareWindow::updateAdornments() {
     UIView* const focused = keyboard_.focusedView();
     UIView* const pointed = pointer_ ? ScreenElements::controlAt(window_, *pointer_) : nullptr;
@@ -251,8 +252,8 @@ CGRect ShareWindow::updateAdornments() {
     return ring_.move(window_, focused).unionWith(shade_.move(window_, pointed, pressed_));
 }
 
-/// The pixels of the backing store, which are a picture in memory for a raster surface; between its
-/// `beginPaint` and `endPaint`.
+/// The pixels of the backing store, a QImage for a raster surface; valid between its `beginPaint` and
+/// `endPaint`.
 QImage& ShareWindow::surface() {
     return *static_cast<QImage*>(store_.paintDevice());
 }
@@ -270,7 +271,7 @@ QColor ShareWindow::backdrop() const {
     return Qt::transparent;
 }
 
-/// What is drawn, from below to above: the whole window, but of a dialog's root view only what is in it,
+/// The views to draw, from bottom to top: the whole window, but of a dialog's root view only its subviews,
 /// since there is nothing to dim around the card.
 std::vector<const UIView*> ShareWindow::drawnViews() const {
     if (placement_.style != CardPlacement::Style::dialog)
@@ -285,7 +286,7 @@ std::vector<const UIView*> ShareWindow::drawnViews() const {
     return views;
 }
 
-/// Draws a part (in Qt's units) straight into the pixels of the backing store.
+/// Draws a part (in Qt's units) directly into the pixels of the backing store.
 void ShareWindow::drawPart(const QRect& part) {
     QImage pixels(surface().bits(), surface().width(), surface().height(), surface().bytesPerLine(),
                   surface().format());

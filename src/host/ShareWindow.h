@@ -24,15 +24,15 @@ namespace sela {
 
 class AccessibleWindow;
 
-/// The desktop's window that shows a `UIWindow`: over the whole screen and translucent where the desktop
-/// composites, as the phone's sheet dims the application below it, else a dialog that is the card, or a
-/// window of the size that is asked for. It draws only what changed, and only while something changes; mouse,
-/// finger and wheel become touches, keys work the controls, and screen readers find the elements of the
-/// screen. Main thread only.
+/// The desktop's window that shows a `UIWindow`: translucent over the whole screen where the desktop
+/// composites, as the phone's sheet dims the application below it, else a dialog of the card's size, or a
+/// window of the requested size. It draws only what changed, and only while something changes; mouse, finger
+/// and wheel become touches, keys operate the controls, and screen readers find the elements of the screen.
+/// Main thread only.
 class ShareWindow : public QWindow {
 public:
-    /// Whether the clipboard can be read before a window has the keyboard. Where it cannot, as on Wayland, a
-    /// window whose command line asks for the clipboard takes it as soon as it has.
+    /// Whether the clipboard can be read before a window has the keyboard focus. Where it cannot, as on
+    /// Wayland, a window whose command line asks for the clipboard reads it as soon as it has the focus.
     static bool isClipboardOpen();
 
     /// `window` and `painter` must outlive this window.
@@ -43,11 +43,11 @@ public:
     /// Called when the user closes the window.
     void setCloseHandler(std::function<void()> handler) { closeHandler_ = std::move(handler); }
 
-    /// Called once, when the first frame has gone to the display.
+    /// Called once, when the first frame was sent to the display.
     void setFirstFrameHandler(std::function<void()> handler) { firstFrameHandler_ = std::move(handler); }
 
-    /// Whoever takes what the user pastes or drops: whether anything can be taken now, and the data (null: an
-    /// empty clipboard).
+    /// The handlers of pasted and dropped content: whether anything is accepted now, and one that takes the
+    /// data (null: an empty clipboard).
     struct ContentHandler {
         std::function<bool()> isOpen;
         std::function<void(const QMimeData* data)> take;
@@ -108,7 +108,7 @@ private:
     PointerShade shade_;
     FullTextTip tip_;
     QBackingStore store_;
-    QRegion exposed_;       ///< must be brought to the display whether it changed or not
+    QRegion exposed_;       ///< must be flushed to the display whether it changed or not
     double storeRatio_ = 0; ///< the pixel ratio that the store's content was drawn for; 0 when it has none
     QBasicTimer frameTimer_;
     double lastFrameTime_ = 0;

@@ -12,7 +12,7 @@ namespace sela {
 /// Pictures of a window's view tree, made without any display. Main thread only.
 namespace Snapshot {
 
-/// The colour that stands for the application below the window, so that what is dimmed shows as dimmed.
+/// The colour in place of the application below the window, so that dimming is visible.
 QColor backdrop(const UITraitCollection& traits);
 
 /// The window at this moment over the backdrop, `pixelsPerPoint` pixels to a point, laid out first.

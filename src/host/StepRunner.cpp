@@ -16,7 +16,7 @@ namespace sela {
 
 namespace {
 
-/// Seconds between two looks at the time, or at a screen that is not at rest yet: no task stays behind for
+/// Seconds between two checks of the time, or of a screen that is not at rest yet: no task stays queued for
 /// longer when the request ends.
 constexpr double lookInterval = 0.005;
 
@@ -25,7 +25,7 @@ bool isBackgroundAtWork() {
     return BackgroundWork::outstanding() > 0;
 }
 
-/// Replaces a file by what a step shows; why it cannot be written, or nothing.
+/// Writes a step's output to a file; returns why it cannot be written, or nothing.
 std::optional<std::string> write(const std::string& bytes, const char* what, const std::string& path) {
     errno = 0;
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
@@ -90,7 +90,7 @@ void StepRunner::next() {
     scheduleNext(0);
 }
 
-/// Content that is not shown is not waited for when nothing is at work any more that could bring it.
+/// Does not wait for missing content when no background work is left that could deliver it.
 bool StepRunner::isScreenAtRest() const {
     const bool contentCanCome = isBackgroundAtWork();
     if (!screen_.window.isIdle() || screen_.queue.pendingTasks() > 0)
@@ -106,7 +106,7 @@ std::optional<std::string> StepRunner::take(const Step& step) {
             return step.argument + " is not on the screen, or is hidden or covered";
         return std::nullopt;
     case Step::Kind::type:
-        // Which digit it was is nobody's business.
+        // The error must not reveal the digit.
         if (!step.digits.empty() && !type(step.digits.exposed().front()))
             return "a key to type is not on the screen, or is hidden or covered";
         return std::nullopt;

@@ -39,9 +39,9 @@ public:
     /// Takes the steps in later turns of the main queue and then calls `completion` on it.
     void start(Completion completion);
 
-    /// The request is over and the screen will not change any more: pictures and trees that come next are
-    /// taken now, and what follows them is left out. `completion` is called before this returns, if it was
-    /// not.
+    /// The request has ended and the screen will not change any more: the next steps are taken now as far as
+    /// they are pictures and trees, and those after them are skipped. `completion` is called before this
+    /// returns, unless it was called before.
     void requestEnded();
 
 private:
@@ -59,7 +59,7 @@ private:
     std::deque<Step> steps_;
     Completion completion_;
     bool running_ = false;
-    bool waited_ = false;         ///< the step before was a wait, so this one does not look at the screen
+    bool waited_ = false;         ///< the step before was a wait, so this one does not wait for the screen
     double previousStepTime_ = 0; ///< of the main queue's clock
 };
 

@@ -19,7 +19,7 @@ namespace {
 /// Seconds between two drawings of the line.
 constexpr double drawInterval = 0.1;
 
-/// Seconds of saving after which its rate says how long the rest takes.
+/// Seconds of saving after which the remaining time is estimated from its rate.
 constexpr double rateSeconds = 1;
 
 constexpr const char* wiping = "\r\x1b[K";

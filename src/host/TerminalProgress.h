@@ -6,22 +6,21 @@
 
 namespace sela {
 
-/// One line on a terminal that says how far saving has come, drawn over itself and wiped out at the end. Main
-/// thread only.
+/// A progress line on a terminal, redrawn in place and erased at the end. Main thread only.
 class TerminalProgress {
 public:
-    /// Whether standard error is a terminal on which a line can be wiped out.
+    /// Whether standard error is a terminal on which a line can be erased.
     static bool isPossible();
 
     /// `totalSize` is what is known of the size of all files, in bytes.
     explicit TerminalProgress(std::int64_t totalSize) : totalSize_(totalSize) {}
 
-    /// Wipes the line out.
+    /// Erases the line.
     ~TerminalProgress();
     TerminalProgress(const TerminalProgress&) = delete;
     TerminalProgress& operator=(const TerminalProgress&) = delete;
 
-    /// Draws how the run stands; at once when nothing is drawn yet, else ten times in a second at most.
+    /// Draws the run's progress; at once the first time, then at most ten times a second.
     void show(const SaveRun& run);
 
 private:

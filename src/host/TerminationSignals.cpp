@@ -18,12 +18,12 @@ constexpr std::array caughtSignals{SIGINT, SIGTERM, SIGHUP};
 /// Milliseconds between `begin` and `insist`.
 constexpr int graceTime = 1000;
 
-/// The event of the one object there is, for the handler.
+/// The eventfd of the only instance, for the signal handler.
 std::atomic<int> eventOfSignals = -1;
 
 void raiseEvent(int descriptor) {
     const std::uint64_t one = 1;
-    // An event that is raised already is enough.
+    // A write that fails because the event is already set is harmless.
     [[maybe_unused]] const ssize_t written = ::write(descriptor, &one, sizeof one);
 }
 
@@ -33,7 +33,7 @@ void handleSignal(int) {
     errno = error;
 }
 
-/// Whether the event is raised within that time (-1: for ever), which takes it down again.
+/// Whether the event is set within that time (-1: forever); resets it.
 bool waitForEvent(int descriptor, int milliseconds) {
     pollfd waited{descriptor, POLLIN, 0};
     while (::poll(&waited, 1, milliseconds) < 0 && errno == EINTR) {

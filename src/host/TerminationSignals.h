@@ -10,13 +10,13 @@
 
 namespace sela {
 
-/// Turns the first SIGINT, SIGTERM or SIGHUP into an orderly end while this object lives; a second one ends
-/// the process as it would without. A signal that the process was started to ignore, as under nohup, stays
-/// ignored. One at a time, made and destroyed on the main thread.
+/// Turns the first SIGINT, SIGTERM or SIGHUP into an orderly end while this object lives; a second one has
+/// its default effect. A signal that the process was started to ignore, as under nohup, stays ignored. One at
+/// a time, made and destroyed on the main thread.
 class TerminationSignals {
 public:
     /// `begin` is called on the main queue at the signal, and `insist` on another thread a second later, for
-    /// work that is not over by then. Both may be called for as long as this object lives.
+    /// work that has not ended by then. Both may be called for as long as this object lives.
     TerminationSignals(std::function<void()> begin, std::function<void()> insist);
     ~TerminationSignals();
     TerminationSignals(const TerminationSignals&) = delete;

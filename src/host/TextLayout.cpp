@@ -15,10 +15,10 @@ namespace {
 /// Wider than any text, yet within the range of Qt's fixed-point lengths.
 constexpr double widest = 1'000'000;
 
-/// Of a text that is cut off no more is looked at than ever fits into a line.
+/// Of a text that is cut off, at most this many characters are examined; more never fit into a line.
 constexpr int longestTruncatedLine = 1'000;
 
-/// Room for the rounding of widths that come out of a layout.
+/// Tolerance for the rounding of laid-out widths.
 constexpr double tolerance = 0.01;
 
 QTextOption textOption(QTextOption::WrapMode wrapMode) {
@@ -58,8 +58,7 @@ void TextLayout::addText(const NSAttributedString& text, const UITraitCollection
     text_.replace(QLatin1Char('\n'), QChar(QChar::LineSeparator));
 }
 
-/// Leaves out the middle of the first run that gives way, as much as the line is too long, or all but an
-/// ellipsis.
+/// Cuts the middle of the first run that gives way by as much as the line is too long, down to an ellipsis.
 void TextLayout::shortenWhatGivesWay(const NSAttributedString& text, double width) {
     const auto run = std::ranges::find_if(
         text.runs(), [](const NSAttributedString::Run& each) { return each.attributes.givesWay; });
@@ -112,7 +111,7 @@ void TextLayout::truncateFrom(int start, double width) {
     QString rest = text_.mid(start, longestTruncatedLine);
     if (const qsizetype lineEnd = rest.indexOf(QChar(QChar::LineSeparator)); lineEnd >= 0)
         rest.truncate(lineEnd);
-    // What is kept are the first characters in the order of reading, wherever they stand in the line.
+    // The first characters in reading order are kept, wherever they are in the line.
     const std::unique_ptr<QTextLayout> full =
         layOutLine(rest, formatsFrom(start, static_cast<int>(rest.size())), width, QTextOption::WrapAnywhere);
     int length = full->lineAt(0).textLength();

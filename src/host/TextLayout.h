@@ -20,8 +20,8 @@ namespace sela {
 class TextLayout {
 public:
     /// Breaks `text`, whose runs have fonts, at `width` points (infinite: only at line ends in the text) into
-    /// at most `maximumLines` lines (0: any number); of what has to be on one line, a stretch that gives way
-    /// is cut first. Colours are taken in the appearance `traits`; a run without one is black.
+    /// at most `maximumLines` lines (0: any number); when there can be one line only, a run that gives way is
+    /// cut first. Colours are taken in the appearance `traits`; a run without one is black.
     TextLayout(const NSAttributedString& text, double width, int maximumLines,
                const UITraitCollection& traits, FontCache& fonts);
 

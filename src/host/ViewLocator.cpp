@@ -31,7 +31,7 @@ std::optional<NumberedName> parse(std::string_view name) {
     return parsed;
 }
 
-/// Asks `find` about the views of the tree, the topmost first, until it finds something.
+/// Calls `find` on the views of the tree, the topmost first, until it returns something.
 template<class Find>
 auto searchFromTop(UIView& view, const Find& find) -> decltype(find(view)) {
     if (view.isHidden())

@@ -7,7 +7,7 @@
 
 namespace sela {
 
-/// Finds by name what a finger could touch. Main thread only.
+/// Finds touchable views by name. Main thread only.
 namespace ViewLocator {
 
 /// Where (window points) a tap reaches the topmost view called `name`. "row:SECTION:ROW" is that row of the
@@ -15,8 +15,8 @@ namespace ViewLocator {
 /// scrolled to when they are out of view. Absent when there is no such view, or it is hidden or covered.
 std::optional<CGPoint> tapPoint(UIWindow& window, std::string_view name);
 
-/// The key command of this input that the topmost view has which could be tapped, with the view; absent when
-/// there is none.
+/// The key command with this input of the topmost view that has one and could be tapped, with that view;
+/// absent when there is none.
 struct KeyTarget {
     UIView& view;
     CGPoint tapPoint;

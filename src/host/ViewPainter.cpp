@@ -30,13 +30,13 @@ QPainterPath roundedPath(const CGRect& rect, double radius) {
     return path;
 }
 
-/// Whether the transform leaves upright rectangles upright.
+/// Whether the transform keeps rectangles axis-aligned.
 bool isUpright(const QTransform& transform) {
     return transform.m12() == 0 && transform.m21() == 0;
 }
 
 /// Whether a point of the view is the usual number of pixels in each direction, so that its edges can be
-/// moved to whole pixels without anything being distorted.
+/// snapped to whole pixels without distortion.
 bool isAtScale(const QTransform& transform, double pixelsPerPoint) {
     constexpr double tolerance = 1e-6;
     return isUpright(transform) && std::abs(transform.m11() - pixelsPerPoint) < tolerance &&
@@ -48,8 +48,8 @@ QRectF withEdgesOnPixels(const QRectF& rect) {
     return {begin, QPointF(rect.bottomRight().toPoint())};
 }
 
-/// A rounded rectangle in pixels; its edges lie on whole pixels where nothing scales or turns it, so that
-/// they are as sharp as the screen can show them.
+/// A rounded rectangle in pixels; its edges lie on whole pixels unless it is scaled or rotated, so that they
+/// are sharp.
 QPainterPath devicePath(const QTransform& transform, const CGRect& rect, double radius,
                         double pixelsPerPoint) {
     if (!isAtScale(transform, pixelsPerPoint))
@@ -65,8 +65,8 @@ void fillDevicePath(QPainter& painter, const QPainterPath& path, const QColor& c
     painter.setWorldTransform(transform);
 }
 
-/// Fills whole pixels only where the rectangle is upright, so that edges between pixels meet those of the
-/// views above and below alike. A line thinner than a pixel is one pixel thick.
+/// Fills only whole pixels when the rectangle is axis-aligned, so that edges between pixels are rounded as
+/// those of the views around it. A line thinner than a pixel is one pixel thick.
 void fillBounds(QPainter& painter, const CGRect& bounds, const QColor& color) {
     if (bounds.isEmpty())
         return;
@@ -95,7 +95,7 @@ void fillEverything(QPainter& painter, const QColor& color) {
     painter.setWorldTransform(transform);
 }
 
-/// The pixels that are drawn to at all.
+/// The pixels that are drawn to.
 QRect drawnPixels(const QPainter& painter) {
     if (!painter.hasClipping())
         return deviceRect(painter);
@@ -155,9 +155,9 @@ void ViewPainter::paintView(QPainter& painter, const UIView& view) {
     painter.restore();
 }
 
-/// Draws the view into a picture of its own, which is then cut to the rounded bounds and laid over the target
-/// as one. The picture's place does not depend on what part of it is drawn, so that what lies between pixels
-/// is rounded alike each time.
+/// Draws the view into a picture of its own, which is then clipped to the rounded bounds and composited onto
+/// the target. The picture's position does not depend on which part of it is drawn, so that coordinates
+/// between pixels are always rounded the same way.
 void ViewPainter::paintGroup(QPainter& painter, const UIView& view, double opacity, bool masks) {
     const CGRect bounds = view.presentation().bounds;
     const QRect place = masks ? pixelsOf(painter, bounds) : deviceRect(painter);

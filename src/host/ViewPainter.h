@@ -14,21 +14,21 @@ class QPainter;
 namespace sela {
 
 /// Draws a view tree as it is shown at this moment: for each view its shadow, background, content, subviews
-/// and border, antialiased, by the presentation. What is costly to make (scaled pictures, blurred shadows,
-/// broken lines) is kept from one drawing to the next. Main thread only.
+/// and border, antialiased, by the presentation. Expensive results (scaled pictures, blurred shadows, line
+/// breaks) are cached between drawings. Main thread only.
 class ViewPainter {
 public:
     /// `measurer` must outlive the painter.
     explicit ViewPainter(const QtTextMeasurer& measurer) : measurer_(measurer) {}
 
-    /// How the points of the tree's root become the pixels of a picture.
+    /// The mapping from points of the tree's root to pixels of a picture.
     struct Screen {
         double pixelsPerPoint = 1;
         UITraitCollection traits;
     };
 
-    /// Draws `root` and what is in it over what `target` (Format_ARGB32_Premultiplied or RGB32) holds, within
-    /// `area` (pixels). The root's superview coordinates start at the target's top left pixel.
+    /// Draws `root` and its subviews onto `target` (Format_ARGB32_Premultiplied or RGB32), within `area`
+    /// (pixels). The origin of the root's superview coordinates is the target's top left pixel.
     void paint(QImage& target, const QRect& area, const UIView& root, const Screen& screen);
 
 private:
@@ -48,7 +48,7 @@ private:
     ImageCache images_;
     ShadowCache shadows_;
     Screen screen_;
-    bool paintsCaster_ = false; ///< only what is covered matters, for a shadow
+    bool paintsCaster_ = false; ///< only coverage matters, for a shadow
 };
 
 } // namespace sela

@@ -12,8 +12,8 @@ namespace sela {
 
 namespace {
 
-/// Seconds after which attachments are loaded even though no frame was shown, as in a window that opens
-/// behind others or on another desktop.
+/// Seconds after which attachments are loaded even when no frame was shown, as for a window that opens behind
+/// others or on another desktop.
 constexpr double longestWaitForFrame = 0.5;
 
 /// Seconds of saving before its progress is shown, so that a short run shows none.
@@ -26,7 +26,7 @@ std::string localized(std::string_view key) {
     return Bundle::main().localizedString(key);
 }
 
-/// That files are left out, and the first of them.
+/// The message that files are left out, with the first of them.
 std::string textOf(const std::vector<LeftOut>& leftOut) {
     return localized("Some files cannot be added.") + "\n" + leftOut.front().localizedDescription();
 }
@@ -43,7 +43,7 @@ WindowedRun::WindowedRun(QtApplication& application, const CommandLine& line, co
     window_.setCloseHandler([this] { close(); });
     window_.setContentHandler({[this] { return !session_.screen().saveRun().hasBegun(); },
                                [this](const QMimeData* data) { take(data); }});
-    // The helpers' start would take the processors from the card's.
+    // Starting the helpers earlier would compete with the card's first frame for the processors.
     window_.setFirstFrameHandler([this] {
         session_.scope().loading().open();
         showNextStep();
@@ -67,7 +67,7 @@ bool WindowedRun::isSavingForLong() const {
     return savingStart_ > 0 && loop_.now() >= savingStart_ + longSaving;
 }
 
-/// Says at once what is to be done when files, vault or albums are missing.
+/// Says what the user should do when files, vault or albums are missing.
 void WindowedRun::showNextStep() {
     if (!sharedFolderUrl())
         notice_.keep({.text = localized("Please launch the main Sela app first.")});
@@ -86,7 +86,7 @@ void WindowedRun::close() {
         leave();
 }
 
-/// Ends the run without waiting for anybody to read anything.
+/// Ends the run without waiting until a notice was read.
 void WindowedRun::leave() {
     isOutcomeRead_ = true;
     if (session_.hasEnded())
@@ -129,7 +129,7 @@ void WindowedRun::showSaving(const SaveRun& run) {
                           .action = [this] { session_.giveUp(); }});
         break;
     case SaveRun::State::ended:
-        // In the next turn, since a run may go on after an end that is told.
+        // In the next turn, since a run may go on after an end was reported.
         loop_.async([this] { showEnd(); });
         break;
     }
@@ -138,7 +138,7 @@ void WindowedRun::showSaving(const SaveRun& run) {
 /// "2 / 5 · 43 %", which needs no translation.
 void WindowedRun::showProgress(const SaveRun& run) {
     const double bytes = static_cast<double>(run.savedBytes + run.copiedBytes);
-    // A file that grows while it is copied, or a picture without one, may bring more than was known.
+    // A file that grows while it is copied, or a picture without a file, may exceed the known total.
     const double part = totalSize_ > 0 ? std::min(bytes / static_cast<double>(totalSize_), 1.0) : 0;
     const auto count = static_cast<std::int64_t>(run.outcomes.size());
     const std::int64_t number = std::min(run.currentAttachmentIndex + 1, count);
@@ -152,8 +152,8 @@ void WindowedRun::showProgress(const SaveRun& run) {
     notice_.keep(content);
 }
 
-/// The screen says "Done" whatever came of it, and ends the request soon; when files were not added, the
-/// window stays for as long as that is read.
+/// The screen says "Done" in any case and soon ends the request; when files were not added, the window stays
+/// until the notice about them was read.
 void WindowedRun::showEnd() {
     if (session_.screen().saveRun().state != SaveRun::State::ended || std::exchange(isEndShown_, true))
         return;
@@ -179,7 +179,7 @@ void WindowedRun::putAside() {
 }
 
 void WindowedRun::requestEnded() {
-    // The loop waits for loading that is under way, which needs the gate to be open.
+    // The loop waits for pending loads, which need the gate to be open.
     session_.scope().loading().open();
     if (isOutcomeRead_)
         finish();

@@ -12,20 +12,19 @@ class QMimeData;
 
 namespace sela {
 
-/// The extension in a window of the desktop, which a person uses, beside the command line's steps. What is
-/// pasted or dropped joins the request. Main thread only.
+/// The extension in a window of the desktop, used by a person and by the command line's steps. What is pasted
+/// or dropped joins the request. Main thread only.
 class WindowedRun {
 public:
     /// `application` must outlive this.
     WindowedRun(QtApplication& application, const CommandLine& line, const Attachments& attachments);
 
-    /// Shows the card and returns when the request has ended and nothing is under way any more. Closing the
-    /// window cancels the request while something can still be added, and completes it after that. Saving
-    /// that is stuck ends the run when the window is closed, or the last of the command line's steps was
-    /// taken.
+    /// Shows the card and returns when the request has ended and no work is left. Closing the window cancels
+    /// the request while something can still be added, and completes it after that. Saving that is stuck ends
+    /// the run when the window is closed, or the last of the command line's steps was taken.
     SaveReport run();
 
-    /// Whether the window was put aside while saving went on, so that nobody saw the end.
+    /// Whether the user put the window aside while saving went on, and so did not see the end.
     bool wasPutAside() const { return isAside_; }
 
 private:
@@ -40,7 +39,7 @@ private:
     void requestEnded();
     void finish();
 
-    /// Whether saving has gone on for so long that nobody should be kept from the desktop by it.
+    /// Whether saving has taken so long that the window may be put aside.
     bool isSavingForLong() const;
 
     QtApplication& application_;

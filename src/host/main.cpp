@@ -31,7 +31,7 @@
 
 namespace {
 
-/// About what the heap holds when the card is first shown.
+/// About the size of the heap when the card is first shown.
 constexpr std::size_t heapOfFirstFrame = 4 << 20;
 
 void tell(const std::string& message) {
@@ -53,7 +53,7 @@ bool hasDisplay() {
     return std::getenv("WAYLAND_DISPLAY") || std::getenv("DISPLAY") || std::getenv("QT_QPA_PLATFORM");
 }
 
-/// Tells on standard error what became of the files; on a terminal also when all is well.
+/// Prints on standard error what became of the files; on success only on a terminal.
 void tell(const sela::SaveReport& report, const sela::CommandLine& line) {
     const std::vector<std::string> problems = report.problems();
     for (const std::string& problem : problems)
@@ -64,8 +64,8 @@ void tell(const sela::SaveReport& report, const sela::CommandLine& line) {
         tell(success);
 }
 
-/// Tells the desktop what nobody would notice otherwise: files that were not added where standard error goes
-/// to no terminal, and the end of a run whose window was put aside.
+/// Shows a notification of what the user would not notice otherwise: files that were not added when standard
+/// error is not a terminal, and the end of a run whose window was put aside.
 void notify(const sela::SaveReport& report, const sela::CommandLine& line, bool wasPutAside) {
     const bool isUnseen = report.isIncomplete() && !::isatty(STDERR_FILENO);
     if (line.output != sela::CommandLine::Output::quiet && (isUnseen || wasPutAside))
@@ -95,7 +95,7 @@ int share(const sela::CommandLine& line) {
         tell(problem.description());
     if (attachments.providers.empty() && !attachments.problems.empty())
         return static_cast<int>(sela::ExitStatus::badArguments);
-    // The card opens all the same: the picker says so too, and the log what it means for each file.
+    // The card opens all the same: the picker says so too, and the log has the failure of each file.
     if (!sela::sharedFolderUrl())
         tell("there is no vault to add to yet; start the main Sela application once, or run \"sela-vault "
              "init\"");
@@ -107,7 +107,7 @@ int share(const sela::CommandLine& line) {
         return static_cast<int>(report.status());
     };
     if (line.headless) {
-        // The run is gone, and with it what it drew on the terminal, before anything is told.
+        // The run is destroyed, and its line on the terminal erased, before anything is printed.
         const sela::SaveReport report = sela::HeadlessRun(application, line, attachments).run();
         return finish(report, false);
     }
@@ -116,7 +116,7 @@ int share(const sela::CommandLine& line) {
     return finish(report, run.wasPutAside());
 }
 
-/// What the user wrote; digits among it cannot be read from outside any more.
+/// Copies the arguments and overwrites the digits among them, so that other users cannot read those.
 std::vector<std::string> takeArguments(int argc, char** argv) {
     std::vector<std::string> words(argv + 1, argv + argc);
     sela::overwriteTypedDigits(argc, argv);
@@ -129,10 +129,10 @@ int main(int argc, char** argv) {
     sela::makeUndumpable();
     sela::keepFreedMemory();
     sela::growHeap(heapOfFirstFrame);
-    // A file that would exceed a limit is an error of its write, not the end of the process.
+    // Exceeding the file size limit is an error of the write, not the end of the process.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
-    // Pictures of the screen show albums; whatever is made, here or by a library, is for the user alone.
+    // Pictures of the screen show albums; all files, a library's included, are for the user only.
     ::umask(077);
     sela::Bundle::main();
     const auto parsed = sela::CommandLine::parse(takeArguments(argc, argv));

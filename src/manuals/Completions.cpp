@@ -8,7 +8,7 @@ namespace sela {
 
 namespace {
 
-/// The words with something between them.
+/// Joins words with a separator.
 std::string joined(const std::vector<std::string>& words, std::string_view between = " ") {
     std::string text;
     for (const std::string& word : words)
@@ -73,7 +73,7 @@ std::string functionName(const OptionTable& table) {
     return name;
 }
 
-/// The albums that the passcode of the file before opens, a line each; nothing without it.
+/// The albums that the passcode in the file named before opens, a line each; nothing without it.
 constexpr std::string_view bashAlbums = R"(
         local i file=
         for ((i = 1; i < COMP_CWORD - 1; i++)); do
@@ -103,7 +103,7 @@ _sela_albums() {
 }
 )zsh";
 
-/// What bash offers behind each option that takes a value.
+/// What bash completes after each option that takes a value.
 std::string bashValues(const OptionTable& table) {
     std::vector<Option> options = commonOptions(table);
     for (const Command& command : table.commands)
@@ -116,7 +116,7 @@ std::string bashValues(const OptionTable& table) {
             continue;
         done.push_back(name);
         std::vector<std::string> words;
-        // A colon ends a word of bash, so the words stop before it.
+        // Bash splits words at colons, so the words stop before it.
         std::ranges::transform(option.words, std::back_inserter(words), [](std::string_view word) {
             return std::string(word.substr(0, word.find(':')));
         });
@@ -132,7 +132,7 @@ std::string bashValues(const OptionTable& table) {
     return text;
 }
 
-/// What bash offers elsewhere.
+/// What bash completes elsewhere.
 std::string bashWords(const OptionTable& table) {
     const std::string indent = "        ";
     const std::string common = joined(namesOf(commonOptions(table)));
@@ -163,7 +163,7 @@ std::string fishOption(const std::string& start, const Option& option) {
     return line + " -d " + quoted(std::string(option.help), "\\'") + "\n";
 }
 
-/// A text within brackets or before a colon of zsh's own notation.
+/// A text escaped for brackets and colons in zsh's notation.
 std::string zshText(std::string_view text) {
     std::string escaped;
     for (const char c : text) {

@@ -8,7 +8,7 @@ namespace sela {
 
 namespace {
 
-/// Text as roff takes it.
+/// Text escaped for roff.
 std::string roff(std::string_view text) {
     std::string escaped;
     for (const char c : text) {

@@ -15,7 +15,7 @@ sela::ErrorRef write(const std::string& text, const std::string& path) {
     return sela::FileManager::defaultManager().writeAtomically(sela::asData(text), sela::URL::fileURL(path));
 }
 
-/// Everything that is written from a program's table.
+/// All files that are generated from a program's table.
 sela::ErrorRef writeAll(const sela::OptionTable& table, const std::string& templates,
                         const std::string& folder) {
     const std::string program(table.program);
@@ -38,7 +38,7 @@ sela::ErrorRef writeAll(const sela::OptionTable& table, const std::string& templ
 } // namespace
 
 /// sela-manuals TEMPLATES FOLDER: writes the manual pages of the programs, from their templates, and their
-/// completions into a folder that is there.
+/// completions into an existing folder.
 int main(int argc, char** argv) {
     if (argc != 3)
         return 64;

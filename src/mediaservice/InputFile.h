@@ -9,13 +9,13 @@
 
 namespace sela {
 
-/// A file to decode, known by its open descriptor alone. It may be cut or changed by others at any time: what
-/// cannot be read any more reads as the end. One thread at a time.
+/// A file to decode, known by its open descriptor alone. Others may truncate or change it at any time: a part
+/// that cannot be read any more counts as the end of the file. One thread at a time.
 class InputFile {
 public:
     explicit InputFile(FileDescriptor descriptor);
 
-    /// The size when it was opened, in bytes; 0 when the descriptor is none that can be read from anywhere.
+    /// The size when it was opened, in bytes; 0 when the descriptor is not seekable.
     std::int64_t size() const { return size_; }
 
     /// Fills `buffer` from `offset`; returns how many bytes there were, fewer only at the end of the file.

@@ -12,8 +12,8 @@ namespace sela::Sandbox {
 
 namespace {
 
-/// As the kernel takes it; the C library's headers know the first member only. A kernel that knows fewer
-/// members is given fewer bytes.
+/// The kernel's struct landlock_ruleset_attr; the C library's headers know the first member only. For a
+/// kernel that knows fewer members, fewer bytes are passed.
 struct RulesetAttributes {
     std::uint64_t fileAccess;
     std::uint64_t networkAccess; ///< from version 4 on
@@ -26,7 +26,7 @@ constexpr std::uint64_t lowestBits(int count) {
     return (std::uint64_t{1} << count) - 1;
 }
 
-/// Every right that a version of Landlock knows. (Its documentation lists them by version.)
+/// Every access right that an ABI version of Landlock knows. (Its documentation lists them by version.)
 RulesetAttributes everythingOf(long version) {
     int fileRights = 13;
     if (version >= 2)
@@ -51,7 +51,7 @@ bool denyFiles() {
     if (version < 1)
         return false;
     const RulesetAttributes everything = everythingOf(version);
-    // Without a rule that gives some of it back.
+    // Without any rule that would allow something.
     const FileDescriptor ruleset(
         static_cast<int>(::syscall(SYS_landlock_create_ruleset, &everything, sizeOfAttributes(version), 0)));
     return ruleset.isOpen() && ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&

@@ -10,7 +10,7 @@ namespace sela::Sandbox {
 bool leaveNetwork() {
     if (::unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0)
         return false;
-    // Whoever makes a user namespace has every capability in it, which would open more of the kernel than
+    // The creator of a user namespace has all capabilities in it, which would expose more of the kernel than
     // before.
     __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
     const __user_cap_data_struct none[2]{};

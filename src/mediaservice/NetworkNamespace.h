@@ -2,8 +2,8 @@
 
 namespace sela::Sandbox {
 
-/// Moves the process into a network of its own that has nothing in it, and takes all capabilities from it.
-/// Called while there is one thread only. False where an ordinary user may not make namespaces.
+/// Moves the process into an empty network namespace of its own and drops all its capabilities. Must be
+/// called while there is one thread only. False where an unprivileged user may not create namespaces.
 bool leaveNetwork();
 
 } // namespace sela::Sandbox

@@ -7,7 +7,7 @@
 
 namespace {
 
-// The most that a picture may need: 144 megapixels of HEVC take about 900 MB.
+// The most memory that a picture may need: 144 megapixels of HEVC take about 900 MB.
 constexpr sela::Sandbox::Limits limits{.addressSpace = std::uint64_t{1536} << 20, .cpuSeconds = 120};
 
 sela::MediaOutcome decode(const sela::MediaRequest& request, const sela::InputFile& file) {

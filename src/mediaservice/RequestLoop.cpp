@@ -17,8 +17,8 @@ namespace {
 
 constexpr int exitUnavailable = 69;
 
-/// Ends the process when the client's end of the socket closes. (A signal at the parent's death would come
-/// when the client's thread ends that started this process, not the client.)
+/// Ends the process when the client's end of the socket closes. (PR_SET_PDEATHSIG would signal when the
+/// client's thread that started this process ends, not when the client does.)
 void endWithClient() {
     pollfd client{mediaHelperSocket, POLLRDHUP, 0};
     while (::poll(&client, 1, -1) <= 0) {
@@ -68,7 +68,8 @@ std::optional<MediaResponse> answer(MediaSocket::Packet packet, const RequestHan
 } // namespace
 
 int serveRequests(const Sandbox::Limits& limits, const RequestHandler& handler) {
-    // An arena for each thread would cost address space, and large blocks must go back when a file is done.
+    // A malloc arena for each thread would cost address space, and large blocks must be returned to the
+    // system after each file.
     ::mallopt(M_ARENA_MAX, 2);
     ::mallopt(M_MMAP_THRESHOLD, 1 << 20);
     if (!Sandbox::enter(limits))

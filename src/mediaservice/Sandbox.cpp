@@ -37,7 +37,7 @@ constexpr bool limitsAddressSpace = true;
 
 using Filter = std::unique_ptr<void, decltype(&seccomp_release)>;
 
-// Calls that need no look at their arguments: each works on what the process already holds.
+// Calls allowed with any arguments: each works only on what the process already holds.
 constexpr std::array allowedCalls = {
     SCMP_SYS(pread64),
     SCMP_SYS(lseek),
@@ -70,10 +70,10 @@ constexpr std::array allowedCalls = {
     SCMP_SYS(getrusage),
 };
 
-// What makes a new task a thread of this process rather than a process of its own.
+// The clone flags that make a new task a thread of this process.
 constexpr scmp_datum_t threadFlags = CLONE_VM | CLONE_THREAD | CLONE_SIGHAND;
 
-/// Allows a call when one of its arguments, with the bits of `mask` alone, has a value.
+/// Allows a call when one of its arguments, masked with `mask`, has this value.
 bool allowWhen(scmp_filter_ctx filter, int call, unsigned argument, scmp_datum_t mask, scmp_datum_t value) {
     const scmp_arg_cmp condition{argument, SCMP_CMP_MASKED_EQ, mask, value};
     return seccomp_rule_add_array(filter, SCMP_ACT_ALLOW, call, 1, &condition) == 0;
@@ -85,12 +85,12 @@ bool addRules(scmp_filter_ctx filter) {
     for (const int call : allowedCalls)
         good = good && seccomp_rule_add(filter, SCMP_ACT_ALLOW, call, 0) == 0;
 
-    // Memory, but none that can be executed.
+    // Memory that is not executable.
     for (const int call : {SCMP_SYS(mmap), SCMP_SYS(mprotect)})
         good = good && allowWhen(filter, call, 2, PROT_EXEC, 0);
     for (const int call : {SCMP_SYS(recvmsg), SCMP_SYS(sendmsg)})
         good = good && allowWhen(filter, call, 0, wholeArgument, mediaHelperSocket);
-    // What a library says before it gives up; there is nobody to read it.
+    // A library's last message before it aborts; it is not read.
     for (const int call : {SCMP_SYS(write), SCMP_SYS(writev)})
         good = good && allowWhen(filter, call, 0, wholeArgument, STDERR_FILENO);
     good = good && allowWhen(filter, SCMP_SYS(clone), 0, threadFlags, threadFlags);
@@ -115,7 +115,7 @@ bool enter(const Limits& limits) {
     if (!limited)
         return false;
     makeUndumpable();
-    // What follows holds without these two; with them, a hole in it leads nowhere.
+    // The filter below is complete without these two; they are a second layer behind a hole in it.
     leaveNetwork();
     denyFiles();
     const Filter filter(seccomp_init(SCMP_ACT_ERRNO(EPERM)), &seccomp_release);

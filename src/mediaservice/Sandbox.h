@@ -4,8 +4,8 @@
 
 namespace sela {
 
-/// Shuts the calling process off from everything but the descriptors it holds. Called once, after libraries
-/// and codecs are loaded and before the first byte of a file is read; threads that exist are shut off too.
+/// Confines the calling process to the descriptors it holds. Called once, after libraries and codecs are
+/// loaded and before the first byte of a file is read; existing threads are confined too.
 namespace Sandbox {
 
 struct Limits {
@@ -17,12 +17,12 @@ struct Limits {
 /// sent, talk on `mediaHelperSocket`, write to standard error, use memory and start threads. Everything else
 /// fails with EPERM: opening, creating or looking at files, reading and writing other descriptors, sockets,
 /// running programs, new processes, touching other processes, executable memory. No file can grow; the
-/// process dumps no core and cannot be traced. False when any of it cannot be had; nothing must be decoded
-/// then.
+/// process dumps no core and cannot be traced. False when any of this fails; nothing must be decoded then.
 ///
-/// Below that, where the kernel has them, lie an empty network and a Landlock domain without any right.
+/// A second layer, where the kernel supports it, is an empty network namespace and a Landlock domain without
+/// any right.
 ///
-/// Builds with sanitizers reserve terabytes of addresses, so they leave out the limit on address space.
+/// Builds with sanitizers reserve terabytes of address space, so they do not limit it.
 bool enter(const Limits& limits);
 
 } // namespace Sandbox

@@ -4,7 +4,7 @@
 
 namespace {
 
-// The codecs alone map 190 MB; 8K video of 10 bits takes about 700 MB more.
+// Loading the codecs maps 190 MB; 8K video of 10 bits takes about 700 MB more.
 constexpr sela::Sandbox::Limits limits{.addressSpace = std::uint64_t{1536} << 20, .cpuSeconds = 120};
 
 } // namespace

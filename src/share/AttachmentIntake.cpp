@@ -19,7 +19,7 @@ namespace {
 /// The share screen has three frames for thumbnails.
 constexpr std::int64_t thumbnailPlaces = 3;
 
-/// Quality of a picture that arrives without a file of its own; the vault's choice.
+/// The JPEG quality for a picture without a file of its own.
 constexpr double jpegQuality = 0.9;
 
 std::int64_t countOf(const auto& list) {
@@ -190,7 +190,7 @@ void AttachmentIntake::save(const UIImage& image, std::int64_t index, const Comp
 
 SharedItem AttachmentIntake::sharedItem(const std::string& nameEnd,
                                         std::optional<std::string> preferredName) const {
-    // The file system's limit may leave no room for all of a long name behind the time.
+    // After the time, the file system's limit on names may leave too little room for a long name.
     const auto [stem, extension] = stemAndExtension(nameEnd);
     return {fittedFileName(uniqueTimeText() + std::string(stem), extension), selectedAlbumName_,
             fakePasswordMode_, std::move(preferredName)};
@@ -241,13 +241,13 @@ AttachmentIntake::Completion AttachmentIntake::advancing(std::int64_t index, con
             return;
         }
         self->changeRun([index](SaveRun& run) {
-            // The store may take back the error with which the walk had ended.
+            // The store may call again without the error with which the walk had ended.
             run.state = SaveRun::State::saving;
             run.currentAttachmentIndex = index + 1;
             run.savedBytes += std::exchange(run.copiedBytes, 0);
             run.currentSize = 0;
         });
-        // What is under way is finished; nothing new begins once the user does not want it.
+        // After a cancellation the current copy is finished, but no new one begins.
         if (self->extensionContext_->isCancelled())
             self->endWalk(index + 1, nullptr, nullptr);
         else
@@ -261,7 +261,7 @@ void AttachmentIntake::endWalk(std::int64_t index, const ErrorRef& error, const 
         if (!error)
             return;
         AttachmentOutcome& outcome = run.outcomes.at(static_cast<std::size_t>(index));
-        // The store has told the cause itself; what comes by its completion may say less.
+        // The store's observer got the cause; the error of its completion may say less.
         if (outcome.kind == AttachmentOutcome::Kind::failed)
             return;
         outcome.kind = AttachmentOutcome::Kind::failed;

@@ -19,20 +19,20 @@
 
 namespace sela {
 
-/// Takes in what a share request brings: counts the attachments, loads up to three of them for thumbnails,
-/// and saves them all, one after another. The attachments of the first input item are all that is ever read.
+/// Processes the attachments of a share request: counts them, loads up to three of them for thumbnails, and
+/// saves them all, one after another. Only the attachments of the first input item are ever read.
 ///
 /// Made and used on the main thread, and held by a `std::shared_ptr`. Its two walks hold it weakly from step
-/// to step and end silently when it is gone or the request is cancelled; a copy that is under way is
-/// finished. A walk goes on on whatever thread its last step ended; what it has to tell goes to the main
-/// queue, where alone `saveRun` changes. One load or save is in flight at a time.
+/// to step and end silently when it is destroyed or the request is cancelled; a running copy is finished. A
+/// walk goes on on the thread on which its last step ended; its results are posted to the main queue, the
+/// only place where `saveRun` changes. One load or save is in flight at a time.
 class AttachmentIntake : public std::enable_shared_from_this<AttachmentIntake> {
 public:
     using Completion = std::function<void(const ErrorRef&)>;
 
     AttachmentIntake();
 
-    /// Takes up a request (null: none): counts its attachments and forgets all thumbnails, which will be
+    /// Starts on a request (null: none): counts its attachments and forgets all thumbnails, which will be
     /// decoded to `thumbnailBounds`.
     void begin(std::shared_ptr<NSExtensionContext> context, PictureBounds thumbnailBounds);
 
@@ -43,31 +43,31 @@ public:
     /// The file name of the first attachment; empty when there is none, or it has no name.
     std::string firstFileName() const;
 
-    /// Puts `more` behind the attachments of the first input item and counts anew. Whether there is such an
-    /// item; without one nothing happens. For the time before saving starts; thumbnails may be on their way.
+    /// Appends `more` to the attachments of the first input item and counts again. False, and nothing
+    /// happens, when there is no such item. To be called before saving starts; thumbnails may be loading.
     bool append(const NSExtensionItem::Attachments& more);
 
-    /// Loads thumbnails, attachment by attachment, until three attachments were looked at or none is left,
-    /// and then calls `completion` on the main queue, once. Called again for attachments that came later, it
-    /// goes on where it had ended. An attachment that yields no picture uses up one
-    /// of the three places; one without a type ends the walk.
+    /// Loads thumbnails, attachment by attachment, until three attachments were tried or none is left, and
+    /// then calls `completion` on the main queue, once. Called again for attachments that came later, it
+    /// continues where it had ended. An attachment that yields no picture uses up one of the three places;
+    /// one without a type ends the walk.
     void loadThumbnails(std::function<void()> completion);
 
-    /// Lets the save run begin at the first attachment, which `saveAttachments` then saves. False, and
-    /// nothing happens, when it had begun before.
+    /// Starts the save run at the first attachment, which `saveAttachments` then saves. False, and nothing
+    /// happens, when it had begun before.
     bool beginSaveRun();
 
-    /// Saves the attachment at `currentAttachmentIndex` and those after it. `completion` is called on
-    /// whatever thread the last step ended: without an error when all are saved, or there is nothing to save;
-    /// with the error that ended the walk. It comes twice when the store reports an error and then success
-    /// for one attachment, and never when the store never reports back.
+    /// Saves the attachment at `currentAttachmentIndex` and those after it. `completion` is called on the
+    /// thread on which the last step ended: without an error when all are saved, or there is nothing to save;
+    /// with the error that ended the walk. It is called twice when the store reports an error and then
+    /// success for one attachment, and never when the store never calls back.
     void saveAttachments(const Completion& completion);
 
-    /// Ends the copy that is under way, and each that begins later, with an error. Any thread.
+    /// Ends the running copy, and each that begins later, with an error. Any thread.
     void stopCopying() { stopsCopying_ = true; }
 
-    /// How saving stands. When `saveAttachments` hops to the main queue at its completion, this is up to
-    /// date.
+    /// The state of saving. A task that the completion of `saveAttachments` posts to the main queue finds it
+    /// up to date.
     const SaveRun& saveRun() const { return saveRun_; }
 
     /// Called on the main queue after each change of `saveRun`, and with each block that was copied.
@@ -87,7 +87,7 @@ public:
     /// The number of attachments as it was last counted.
     std::int64_t itemsCount() const { return itemsCount_; }
 
-    /// The next attachment to load for a thumbnail; also the number of attempts made. To be asked, as
+    /// The next attachment to load for a thumbnail; also the number of attempts made. To be called, as
     /// `thumbnails`, while no thumbnail is loading.
     std::int64_t thumbnailCount() const { return thumbnailCount_; }
 
@@ -109,16 +109,16 @@ private:
     void save(const UIImage& image, std::int64_t index, const Completion& completion);
     SharedItem sharedItem(const std::string& nameEnd, std::optional<std::string> preferredName) const;
 
-    /// What the store tells of the attachment beside its completion.
+    /// What the store reports about the attachment besides its completion.
     SaveObserver observing(std::int64_t index, const SharedItem& item);
 
-    /// What the store calls at the end of one attachment, as often as it calls it.
+    /// The store's completion for one attachment, for each time that it is called.
     Completion advancing(std::int64_t index, const Completion& completion);
 
-    /// Ends the walk at an attachment, or behind the last one.
+    /// Ends the walk at an attachment, or after the last one.
     void endWalk(std::int64_t index, const ErrorRef& error, const Completion& completion);
 
-    /// Changes `saveRun_` on the main queue, and tells the observer.
+    /// Changes `saveRun_` on the main queue, and calls the observer.
     void changeRun(std::function<void(SaveRun&)> change);
 
     std::shared_ptr<NSExtensionContext> extensionContext_;

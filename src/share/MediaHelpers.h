@@ -9,11 +9,11 @@
 
 namespace sela {
 
-// What the share screen shows of a shared file. The operations block until the picture is there, keep no
-// state and may be called from any thread; `bounds` tells at which size in pixels it will be drawn.
+// What the share screen shows of a shared file. The operations block until the picture is ready, have no
+// state and may be called from any thread; `bounds` is the size in pixels at which it will be drawn.
 
 /// The still image that stands for a video: an upright frame from about a quarter of the way in, else the
-/// first frame that can be had, else the image asset "SelaPicture". Each failure is logged.
+/// first frame that can be decoded, else the image asset "SelaPicture". Each failure is logged.
 UIImage getVideoCover(const URL& url, PictureBounds bounds);
 
 /// The size of a file in bytes; 0, and a log line, when its attributes cannot be read.

@@ -9,8 +9,8 @@ namespace sela {
 
 class SelaShareExtensionVc;
 
-/// The screen that the extension's configuration names as its start: "SelaShareExtensionEntryVc", or
-/// "SelaShareExtension.ShareViewController" to fall back on. Null for any other name. Main thread only.
+/// The screen that the extension's configuration names as its start: "SelaShareExtensionEntryVc", or the
+/// fallback "SelaShareExtension.ShareViewController". Null for any other name. Main thread only.
 std::shared_ptr<UIViewController> makePrincipalViewController(std::string_view className);
 
 /// The share screen inside a principal screen whose view is loaded; null when it has none.

@@ -10,17 +10,17 @@
 
 namespace sela {
 
-/// What became of one attachment of a save run.
+/// The outcome of one attachment of a save run.
 struct AttachmentOutcome {
     enum class Kind {
         notTried, ///< not reached (yet), or given up before it reached the store
-        recorded, ///< whole in "Items" and entered in the ledger
+        recorded, ///< complete in "Items" and recorded in the ledger
         failed,
     };
 
     Kind kind = Kind::notTried;
 
-    /// What the user knows it by: the file's name; empty for a picture without one.
+    /// The name that the user knows: the file's; empty for a picture without one.
     std::string name;
 
     /// The record that was made for it; absent until it reached the store.
@@ -35,7 +35,7 @@ struct AttachmentOutcome {
     std::int64_t size = 0; ///< bytes that were saved of it
 };
 
-/// How the saving of a request's attachments stands, at one moment. A value.
+/// The state of saving a request's attachments at one moment. A value.
 struct SaveRun {
     enum class State {
         waiting, ///< Add was not pressed
@@ -46,7 +46,7 @@ struct SaveRun {
 
     State state = State::waiting;
 
-    /// The attachment being saved, or at which the run stands still; -1 while it waits, and the number of
+    /// The attachment being saved, or at which the run stopped; -1 while it waits, and the number of
     /// attachments once all were saved.
     std::int64_t currentAttachmentIndex = -1;
 

@@ -26,16 +26,16 @@ constexpr double doneSeconds = 1.5;
 /// The width of the front thumbnail in design points; it and the other frames are less high than that.
 constexpr double frontFrameWidth = 178;
 
-/// What stands for the album's name until the rest of the title is filled: the character for an object that
-/// is none of the text, which no translation has.
+/// A placeholder for the album's name until the rest of the title is filled: U+FFFC, which no translation
+/// contains.
 constexpr std::string_view albumStandIn = "\xEF\xBF\xBC";
 
 std::string localized(std::string_view key) {
     return Bundle::main().localizedString(key);
 }
 
-/// The album's path as the card's line names it. Where that is too long, the parent gives way: the child is
-/// the album that was chosen.
+/// The album's path as shown in the card's line. Where that is too long, the parent is shortened: the child
+/// is the album that was chosen.
 NSAttributedString albumText(const std::vector<std::string>& path,
                              const NSAttributedString::Attributes& look) {
     NSAttributedString::Attributes parent = look;
@@ -46,7 +46,7 @@ NSAttributedString albumText(const std::vector<std::string>& path,
     return text;
 }
 
-/// What a delayed step holds of the screen: nothing that keeps it alive.
+/// A delayed step's weak reference to the screen.
 std::weak_ptr<SelaShareExtensionVc> weakReference(SelaShareExtensionVc& screen) {
     return std::static_pointer_cast<SelaShareExtensionVc>(screen.shared_from_this());
 }
@@ -91,7 +91,7 @@ void SelaShareExtensionVc::loadThumbnails() {
         if (!self)
             return;
         self->showThumbnails();
-        // The walk may have seen its end before more came.
+        // The walk may have ended before attachments were added.
         if (self->intake_->itemsCount() > count)
             self->loadThumbnails();
     });
@@ -116,7 +116,7 @@ void SelaShareExtensionVc::showThumbnails() {
         // Else the frame's own shadow would show through a picture that is partly transparent.
         frames[i]->setBackgroundColor(UIColor::named("AppCard"));
     }
-    // The frames stay empty where no file has a picture; what the first one is lies behind them.
+    // The frames stay empty where no file has a picture; behind them is the sheet with the first one's kind.
     documentSheet_.setFileName(intake_->firstFileName());
     documentSheet_.setHidden(!thumbnails.empty() || intake_->itemsCount() == 0);
     thumbnailsShown_ = true;
@@ -134,7 +134,7 @@ void SelaShareExtensionVc::updateTitle() {
     const UIFont font = UIFont::systemFont(std::ceil(14 * scale_));
     const NSAttributedString::Attributes plain{UIColor::named("AppTextSecond"), font};
     const NSAttributedString::Attributes highlight{UIColor::named("AppTint"), font};
-    // Arguments are read again for places to fill, and an album may be called "%@".
+    // Arguments are searched for placeholders again, and an album may be called "%@".
     const NSAttributedString standIn(albumStandIn, highlight);
     const std::int64_t count = intake_->itemsCount();
     NSAttributedString title =
@@ -199,8 +199,9 @@ void SelaShareExtensionVc::showAdding() {
 }
 
 void SelaShareExtensionVc::startSaving() {
-    // The screen does not show the error of a run; the log has it, and the host tells it. Only the first end
-    // of a run counts here: one that goes on after an error which the store takes back comes to a second.
+    // The screen does not show a run's error; the log has it, and the host reports it. Only the first end of
+    // a run counts here: a run that goes on after the store reported an error and then success ends a second
+    // time.
     auto isFirstEnd = std::make_shared<bool>(true);
     intake_->saveAttachments([weak = weakReference(*this), isFirstEnd](const ErrorRef&) {
         DispatchQueue::main().async([weak, isFirstEnd] {

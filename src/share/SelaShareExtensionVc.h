@@ -22,8 +22,7 @@ namespace sela {
 /// album (and is the button that chooses the album), Cancel and Add. After Add it turns into a small panel
 /// that says "Adding..." and then "Done", and the request ends. Main thread only.
 ///
-/// What it counts, previews and saves is its intake's doing; the album comes from the picker, whose delegate
-/// it is.
+/// Its intake counts, previews and saves; the album comes from the picker, whose delegate it is.
 class SelaShareExtensionVc : public UIViewController, public SelaShareExtensionAlbumsVcDelegate {
 public:
     SelaShareExtensionVc();
@@ -48,18 +47,18 @@ public:
 
     const AttachmentIntake& intake() const { return *intake_; }
 
-    /// Puts attachments that come later behind those of the request: count, title, pile and thumbnails
-    /// follow. False, and nothing happens, when there is nothing to add to, or Add was tapped already.
+    /// Appends further attachments to the request and updates count, title, pile and thumbnails. False, and
+    /// nothing happens, when there is no request to add to, or Add was tapped already.
     bool append(const NSExtensionItem::Attachments& attachments);
 
     /// Whether the pictures that load behind the screens are shown: the thumbnails here, the covers of the
     /// picker.
     bool areImagesShown() const;
 
-    /// How saving stands. Once it has begun only its end ends the request.
+    /// The state of saving. Once it has begun only its end ends the request.
     const SaveRun& saveRun() const { return intake_->saveRun(); }
 
-    /// Ends the copy that is under way with an error, so that its partial file goes. Any thread.
+    /// Ends the running copy with an error, so that its partial file is removed. Any thread.
     void stopCopying() { intake_->stopCopying(); }
 
     /// Called on the main queue whenever `saveRun` has changed.
@@ -105,7 +104,7 @@ private:
     UIButton cancelButton_{"cancelButton"};
     UIButton addButton_{"addButton"};
 
-    /// Holds the state fields: the chosen album, the mode, the counters and the thumbnails.
+    /// Has the state: the chosen album, the mode, the counters and the thumbnails.
     const std::shared_ptr<AttachmentIntake> intake_;
 
     /// Measured once, when the view loads, so that fonts and lengths stay what they are.

@@ -77,7 +77,7 @@ void SelaShareExtensionVc::layoutCard() {
         make.top().equalToSuperview();
         make.height().equalTo(whole(46));
     });
-    // The line is 44 points high and reaches from edge to edge, under the arrow, so that a finger finds it.
+    // The line is 44 points high and reaches from edge to edge, under the arrow, so that it is easy to hit.
     const double textInset = whole(24);
     const double arrowRoom = whole(24) + whole(8) + whole(8);
     const bool fromRight =

@@ -4,8 +4,8 @@
 
 namespace sela {
 
-/// The extension on the platform's own compose screen: a principal class to fall back on, which takes any
-/// content and completes the request without saving anything. Main thread only.
+/// The extension on the platform's own compose screen: a fallback principal class, which accepts any content
+/// and completes the request without saving anything. Main thread only.
 class ShareViewController : public SLComposeServiceViewController {
 public:
     using SLComposeServiceViewController::SLComposeServiceViewController;

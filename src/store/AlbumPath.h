@@ -8,11 +8,11 @@
 
 namespace sela {
 
-/// The path of an album as people write it: the names from the top level down with "/" between them, as in
+/// The path of an album in text form: the names from the top level down with "/" between them, as in
 /// "Trips/Rome". A "/" or "\" that belongs to a name has a "\" before it. Any thread.
 
-/// The names of a path. The error when a name is empty, is not UTF-8, or there are more than the two levels
-/// that the picker shows.
+/// Parses a path. The error when a name is empty or not UTF-8, or there are more than the two levels that the
+/// picker shows.
 Result<std::vector<std::string>> albumPath(std::string_view text);
 
 /// The path of these names.

@@ -15,7 +15,7 @@ namespace sela {
 
 namespace {
 
-/// One copy under way, on one background thread.
+/// One running copy, on one background thread.
 class FileCopy {
 public:
     FileCopy(URL source, URL destination, SharedItemManager::Progress progress,
@@ -70,7 +70,7 @@ private:
         std::int64_t total = 0;
         std::int64_t count = copy.copyBlock();
         while (count > 0) {
-            // A failed write is kept by the stream and told by synchronize.
+            // The stream keeps the error of a failed write, and synchronize returns it.
             if (__builtin_add_overflow(total, count, &total))
                 fatalError("copyItem: the number of bytes overflows");
             logBlock(count, total);
@@ -105,7 +105,7 @@ private:
         });
     }
 
-    /// Ends the copy with an error. What was copied so far is of no use to anybody.
+    /// Ends the copy with an error and removes the partial file.
     void abandon(const ErrorRef& error) {
         FileManager::defaultManager().removeItem(destination_.path());
         observer_.tellEnd(SaveEnd::Kind::failed, error);

@@ -5,7 +5,7 @@
 
 namespace sela {
 
-/// What a file is, told by its name alone.
+/// The kind of a file, by its name alone.
 enum class FileKind { image, video, audio, other };
 
 /// The kind of a file by the extension of its name, upper or lower case alike; `other` for anything the vault

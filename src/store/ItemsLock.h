@@ -7,15 +7,15 @@
 
 namespace sela {
 
-/// A lock on "Items", for as long as it lives: held by whoever saves, from before a file is made until it is
-/// recorded, and by whoever removes files that nobody recorded. Moves; any thread.
+/// A lock on "Items", for as long as it lives: savers hold it, shared, from before a file is made until it is
+/// recorded; code that removes unrecorded files holds it exclusively. Move-only; any thread.
 class ItemsLock {
 public:
-    /// Beside others who save. Waits while files are being removed, which takes a moment. Where the file
-    /// system has no locks there is none, and what is left behind is told by its age alone.
+    /// Shared with other savers. Waits while files are being removed, which is short. On a file system
+    /// without locks nothing is locked, and unrecorded files are recognized by their age alone.
     static ItemsLock forSaving(const URL& items);
 
-    /// Absent while somebody saves.
+    /// Absent while a save is running.
     static std::optional<ItemsLock> forRemoving(const URL& items);
 
 private:

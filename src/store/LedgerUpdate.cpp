@@ -30,7 +30,7 @@ std::string describe(const std::vector<std::string>& texts) {
     return description + "]";
 }
 
-/// What became of the ledger in one step.
+/// The result of one transaction on the ledger.
 struct Outcome {
     ErrorRef unreadable;    ///< why the ledger could not be decoded; nothing was changed because of it
     ErrorRef unencoded;     ///< why the item could not be added
@@ -42,8 +42,8 @@ ErrorRef encodingError() {
                                      "The item cannot be encoded: a text is not UTF-8");
 }
 
-/// Stores a ledger with this item alone. An unreadable one that it replaces is set aside first: somebody may
-/// still want to mend it.
+/// Stores a ledger with this item alone. An unreadable one that it replaces is kept under another key first,
+/// so that it can still be repaired.
 void storeFresh(SettingsTransaction& settings, const std::string& key, const SharedItem& item,
                 const std::optional<Data>& unreadable, Outcome& outcome) {
     const std::optional<Data> ledger = SharedItemLedger::fresh(key, item);
@@ -58,14 +58,15 @@ void storeFresh(SettingsTransaction& settings, const std::string& key, const Sha
     settings.setData(sharedItemsKey, *ledger);
 }
 
-/// The ledger as this process stored it last, which need not be read through again as long as nobody else
-/// changes it.
+/// The ledger as this process stored it last, which need not be parsed again unless another program changed
+/// it.
 struct KnownLedger {
     Data text;
     SharedItemLedger::Keys keys;
 };
 
-/// Exchanges what is known; who takes it leaves nothing, so that no two threads use it at once.
+/// Exchanges the known ledger; a thread that takes it leaves none behind, so that no two threads use it at
+/// once.
 KnownLedger exchangeKnownLedger(KnownLedger known) {
     static std::mutex mutex;
     static auto* const kept = new KnownLedger;
@@ -73,7 +74,7 @@ KnownLedger exchangeKnownLedger(KnownLedger known) {
     return std::exchange(*kept, std::move(known));
 }
 
-/// What is known of a ledger; the error when it is none.
+/// The keys of a ledger, from the cache where it is the same; the error when it is none.
 Result<KnownLedger> know(Data ledger) {
     KnownLedger known = exchangeKnownLedger({});
     if (asText(known.text) == asText(ledger) && !ledger.empty())
@@ -84,7 +85,7 @@ Result<KnownLedger> know(Data ledger) {
     return KnownLedger{std::move(ledger), std::move(keys.value())};
 }
 
-/// One attempt. What fails in the transaction it keeps itself.
+/// One attempt. The transaction keeps its own failures.
 void record(SettingsTransaction& settings, const SharedItem& item, bool replaceUnreadable, Outcome& outcome) {
     const std::string key = SharedItemLedger::key(item);
     const Result<std::optional<Data>> ledger = settings.readData(sharedItemsKey);
@@ -134,7 +135,7 @@ ErrorRef attempt(const SharedItem& item, bool replaceUnreadable, Outcome& outcom
     return settings.value().commit();
 }
 
-/// Goes on behind a first attempt, whose failure this is.
+/// Continues after a first attempt, whose failure this is.
 void conclude(const SharedItem& item, const SharedItemManager::Completion& completion,
               const SaveObserver& observer, ErrorRef failure, Outcome outcome,
               UserDefaults::Patience patience) {
@@ -143,7 +144,7 @@ void conclude(const SharedItem& item, const SharedItemManager::Completion& compl
             completion(error);
     };
     if (!failure && outcome.unreadable) {
-        // Reported between two steps, not inside one: the completion may do anything.
+        // Reported between two transactions, not inside one: the completion may do anything.
         NSLog("SharedItemManager, saveItem: falied to decode sharedItemsData");
         report(outcome.unreadable);
         failure = attempt(item, true, outcome, patience);
@@ -164,7 +165,7 @@ void conclude(const SharedItem& item, const SharedItemManager::Completion& compl
     report(nullptr);
 }
 
-/// The pause between two attempts on the main queue, and how many there are: ten seconds of them.
+/// The pause between two attempts on the main queue, and their number: ten seconds in all.
 constexpr double pauseInSeconds = 0.1;
 constexpr int mostAttempts = 50;
 

@@ -5,13 +5,13 @@
 
 namespace sela {
 
-/// Records one item in the ledger, on the calling thread, as one step that neither another extension nor the
-/// main application can come between. Any thread.
+/// Records one item in the ledger, on the calling thread, in one transaction, which excludes other extensions
+/// and the main application. Any thread.
 ///
 /// `completion` ends with a call without an error, also when the item was in the ledger already; the cases in
-/// which an error comes before it are those of `SharedItemManager::saveItem`. Only settings that cannot be
-/// opened or stored end with an error alone: nothing is recorded then, and the ledger is as it was.
-/// `observer` is told the end.
+/// which a call with an error precedes it are those of `SharedItemManager::saveItem`. Only settings that
+/// cannot be opened or stored end with an error alone: nothing is recorded then, and the ledger is unchanged.
+/// `observer` is called at the end.
 void updateLedger(const SharedItem& item, const SharedItemManager::Completion& completion,
                   const SaveObserver& observer = {});
 

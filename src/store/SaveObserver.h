@@ -7,12 +7,12 @@
 
 namespace sela {
 
-/// How saving one item came to its end.
+/// How saving one item ended.
 struct SaveEnd {
     enum class Kind {
-        recorded, ///< the file is whole in "Items" and the ledger has its entry
+        recorded, ///< the file is complete in "Items" and the ledger has its entry
         failed,   ///< it is not in the ledger
-        silent,   ///< nor is it, and the completion of the save will never be called
+        silent,   ///< not in the ledger either, and the completion of the save will never be called
     };
 
     Kind kind = Kind::recorded;
@@ -21,8 +21,8 @@ struct SaveEnd {
     ErrorRef reason;
 };
 
-/// What saving an item tells beside its completion: enough to show a person how far it is and what came of
-/// it. Either may be empty. Both are called on whatever thread saving is on at that moment.
+/// What saving an item reports besides its completion: enough to show its progress and outcome. Either may be
+/// empty. Both are called on the thread that saving is on at that moment.
 struct SaveObserver {
     /// After each block of a file: the bytes copied so far, and the size that the file had at the start.
     std::function<void(std::int64_t bytes, std::int64_t size)> copied;
@@ -30,7 +30,7 @@ struct SaveObserver {
     /// Once for each item, before the last call of its completion.
     std::function<void(const SaveEnd& end)> ended;
 
-    /// Asked before each block of a file: true ends the copy with an error and removes what there is of it.
+    /// Asked before each block of a file: true ends the copy with an error and removes the partial file.
     std::function<bool()> shouldStop;
 
     bool wantsStop() const { return shouldStop && shouldStop(); }

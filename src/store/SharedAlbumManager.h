@@ -10,17 +10,17 @@
 
 namespace sela {
 
-/// Reads what the main application publishes. Without state: every call reads the shared store afresh, so
-/// that a change is seen on the next call. Any thread; since it is mostly the main one, a lock of the
-/// settings is waited for for a tenth of a second only.
+/// Reads what the main application publishes. Without state: every call reads the shared store again, so that
+/// it sees all changes. Any thread; since it is mostly the main one, a call waits a tenth of a second only
+/// for a lock on the settings.
 class SharedAlbumManager {
 public:
     /// Whether another program keeps the settings locked for longer than this, so that nothing published can
-    /// be read now, though it may be there.
+    /// be read now, though it may exist.
     static bool isBusy(UserDefaults::Patience patience);
 
     /// The catalogue, normal and decoy albums mixed, in the main application's order. Absent when nothing is
-    /// published or the settings cannot be opened, and when it cannot be decoded (which is logged); an empty
+    /// published or the settings cannot be opened, or when it cannot be decoded (which is logged); an empty
     /// catalogue is an empty list.
     static std::optional<std::vector<SharedAlbum>> getAlbums();
 

@@ -8,19 +8,19 @@
 
 namespace sela {
 
-/// The two places that the programs of the group share. Looked up afresh at each call; any thread.
+/// The two places that the programs of the group share. Looked up at each call; any thread.
 
-/// The root of the group's container; absent while the main application has not provisioned the group. Makes
-/// and checks nothing inside.
+/// The root of the group's container; absent while the main application has not provisioned the group.
+/// Neither creates nor checks anything inside.
 std::optional<URL> sharedFolderUrl();
 
 /// The group's settings; absent when they cannot be opened (the reason is logged).
 std::optional<UserDefaults> sharedDefaults(UserDefaults::Patience patience = UserDefaults::longPatience);
 
-/// The same for whoever tells a person the reason.
+/// The same for callers that report the reason to the user.
 Result<UserDefaults> openSharedDefaults(UserDefaults::Patience patience = UserDefaults::longPatience);
 
-/// Begins changes to the group's settings that are one step; or why they cannot be changed.
+/// Begins a transaction on the group's settings; the error when that fails.
 Result<SettingsTransaction> changeSharedDefaults();
 
 /// Folders of the container.
@@ -33,7 +33,7 @@ inline constexpr std::string_view sharedPasswordKey = "sharedPassword";
 inline constexpr std::string_view sharedFakePasswordKey = "sharedFakePassword";
 inline constexpr std::string_view sharedItemsKey = "sharedItems";
 
-/// Where a ledger that could not be read is kept when a fresh one takes its place: this and the time.
+/// The key under which an unreadable ledger is kept when a new one replaces it: this prefix and the time.
 inline constexpr std::string_view unreadableItemsKeyPrefix = "sharedItems.unreadable.";
 
 } // namespace sela

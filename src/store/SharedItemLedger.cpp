@@ -17,9 +17,9 @@ std::optional<Data> textOf(const JSONWriter& writer) {
     return toData(writer.text());
 }
 
-/// The length up to which a ledger ends with its closing brace, and the step in which a longer one gets room
-/// behind it: a page of the settings (docs/formats.md). SQLite rewrites only those pages of a value that
-/// differ, but all of them when its length does.
+/// The length up to which a ledger ends with its closing brace, and the step by which a longer one is padded:
+/// a page of the settings (docs/formats.md). SQLite rewrites only those pages of a value that differ, but all
+/// of them when its length does.
 constexpr std::size_t roomStep = 65536;
 
 std::size_t lengthWithRoom(std::size_t used, std::size_t before) {
@@ -28,14 +28,14 @@ std::size_t lengthWithRoom(std::size_t used, std::size_t before) {
     return (used + roomStep - 1) / roomStep * roomStep;
 }
 
-/// One entry's place in a ledger's text.
+/// One entry's position in a ledger's text.
 struct Member {
     std::size_t begin; ///< the first quotation mark of its key
-    std::size_t end;   ///< behind its record
+    std::size_t end;   ///< after its record
     std::size_t comma; ///< the comma that follows; unset for the last
 };
 
-/// The places of all entries of a valid ledger, in their order.
+/// The positions of all entries of a valid ledger, in their order.
 std::vector<Member> membersOf(std::string_view ledger) {
     std::vector<Member> members;
     int depth = 0;
@@ -69,7 +69,7 @@ std::vector<Member> membersOf(std::string_view ledger) {
     return members;
 }
 
-/// The ledger's text with nothing but these of its entries.
+/// The ledger's text with only these of its entries.
 std::string packed(std::string_view ledger, const std::vector<Member>& kept) {
     std::string text = "{";
     for (const Member& member : kept) {
@@ -80,7 +80,7 @@ std::string packed(std::string_view ledger, const std::vector<Member>& kept) {
     return text + '}';
 }
 
-/// The ledger's text with blanks in place of all entries but these, of which there is one at least.
+/// The ledger's text with blanks in place of all entries but these, which are at least one.
 std::string blanked(std::string_view ledger, const std::vector<Member>& kept) {
     std::string text(ledger.size(), ' ');
     text[ledger.find('{')] = '{';
@@ -139,15 +139,15 @@ std::optional<Data> adding(DataView ledger, std::string_view key, const SharedIt
     const std::optional<Data> entry = fresh(key, item);
     if (!entry)
         return std::nullopt;
-    // The entry goes before the closing brace, so that an entry that stood there before, whatever another
-    // program put into it, is never rewritten; and the work is a copy rather than an encoding of everything.
+    // The entry is inserted before the closing brace, so that existing entries, whatever another program put
+    // into them, are never rewritten; and the text is copied rather than encoded again.
     constexpr std::string_view whiteSpace = " \t\r\n";
     std::string_view body = asText(ledger);
     body = body.substr(0, body.rfind('}'));
     const bool empty = body[body.find_last_not_of(whiteSpace)] == '{';
     const std::string_view text = asText(*entry);
     const std::size_t used = body.size() + (empty ? 0 : 1) + text.size() - 1;
-    // Made at its length at once: of a long ledger every copy counts.
+    // Allocated once at its final length: copying a long ledger is expensive.
     Data grown(lengthWithRoom(used, ledger.size()), std::byte{' '});
     auto end = std::ranges::copy(asData(body), grown.begin()).out;
     if (!empty)

@@ -14,16 +14,16 @@
 namespace sela {
 
 /// The ledger: a JSON object that maps ledger keys to records (docs/formats.md). Functions without state; any
-/// thread. All but `entries` work on its text alone.
+/// thread. All but `entries` only work on its text.
 namespace SharedItemLedger {
 
 using Entry = std::pair<std::string, SharedItem>;
 
 /// What the group's ledger holds at this moment, in its order; nothing while it is absent. The error when the
-/// settings cannot be opened or read, or what stands there is no ledger.
+/// settings cannot be opened or read, or the value is no ledger.
 Result<std::vector<Entry>> entries();
 
-/// The key of an item: each album name with every "-" doubled and one "-" behind it, then "fake" or "normal",
+/// The key of an item: each album name with every "-" doubled and one "-" after it, then "fake" or "normal",
 /// then the file name.
 std::string key(const SharedItem& item);
 
@@ -38,12 +38,12 @@ Result<Keys> keys(DataView ledger);
 /// A ledger with this one entry; absent when a text of the item is not UTF-8.
 std::optional<Data> fresh(std::string_view key, const SharedItem& item);
 
-/// A valid ledger with one entry more; what was in it stays byte for byte. White space behind the closing
-/// brace is used up, and a long ledger gets some more of it once none is left, so that most additions keep
-/// the length. Absent when a text of the item is not UTF-8.
+/// A valid ledger with one more entry; existing entries are kept byte for byte. White space after the closing
+/// brace is used up, and a long ledger is padded again once none is left, so that most additions keep the
+/// length. Absent when a text of the item is not UTF-8.
 std::optional<Data> adding(DataView ledger, std::string_view key, const SharedItem& item);
 
-/// A ledger without these entries; what else is in it stays byte for byte, and a long ledger mostly keeps its
+/// A ledger without these entries; the others are kept byte for byte, and a long ledger mostly keeps its
 /// length. Absent when no entry is left; the error when the text is no ledger.
 Result<std::optional<Data>> removing(DataView ledger, const std::vector<Entry>& gone);
 

@@ -28,8 +28,8 @@ struct Destination {
     std::shared_ptr<const ItemsLock> lock; ///< held until the item is recorded
 };
 
-/// The checks that both forms of saving begin with. Returns where the item is to go; absent when the saving
-/// has ended, with `completion` called unless "Items" could not be made.
+/// The checks at the start of both forms of saving. Returns the item's destination; absent when the save has
+/// ended, with `completion` called unless "Items" could not be made.
 std::optional<Destination> destinationOf(const SharedItem& item,
                                          const SharedItemManager::Completion& completion,
                                          const SaveObserver& observer) {

@@ -4,8 +4,8 @@
 
 namespace sela {
 
-/// The one setting of the programs of a group. Made on first use, from any thread, and kept for the life of
-/// the process.
+/// The only setting of a group's programs. Read on first use, from any thread, and kept for the life of the
+/// process.
 class StoreConst {
 public:
     static const StoreConst& shared();

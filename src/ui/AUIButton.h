@@ -18,11 +18,11 @@ public:
 
     explicit AUIButton(std::string_view name = {});
 
-    /// Neither a frame nor an archive makes one: both stop the process.
+    /// Construction with a frame or from an archive is not supported: both stop the process.
     explicit AUIButton(const CGRect& frame);
     explicit AUIButton(const NSCoder& coder);
 
-    /// Both fill the button and are hidden until its user shows the one that it fills.
+    /// Both fill the button and are hidden until its user sets one and shows it.
     UILabel& titleLabel() { return titleLabel_; }
     const UILabel& titleLabel() const { return titleLabel_; }
     UIImageView& imageView() { return imageView_; }
@@ -32,8 +32,8 @@ public:
     const Callback& callback() const { return callback_; }
     void setCallback(Callback callback) { callback_ = std::move(callback); }
 
-    /// The image's tint. Setting a colour gives it to the title's text and to the image; setting none changes
-    /// nothing.
+    /// The image's tint. Setting a colour applies it to the title's text and to the image; setting none
+    /// changes nothing.
     UIColor tintColor() const override;
     void setTintColor(const std::optional<UIColor>& color) override;
 

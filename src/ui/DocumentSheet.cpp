@@ -7,10 +7,10 @@ namespace sela {
 
 namespace {
 
-/// Longer endings of names are hardly a kind of file.
+/// Longer extensions are hardly a kind of file.
 constexpr std::size_t longestExtension = 8;
 
-/// Shares of the sheet's size.
+/// Fractions of the sheet's size.
 constexpr double labelTop = 0.5;
 constexpr double labelHeight = 0.3;
 constexpr double fontSize = 0.24;

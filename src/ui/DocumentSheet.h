@@ -16,7 +16,7 @@ public:
 
     explicit DocumentSheet(std::string_view name);
 
-    /// Shows the extension of a file's name in capitals; nothing where there is none, or it is no word.
+    /// Shows the extension of a file's name in capitals; nothing when there is none, or it is no word.
     void setFileName(std::string_view fileName);
 
     void layoutSubviews() override;

@@ -23,13 +23,13 @@ public:
     explicit SelaShareExtensionAlbumCell(Style style,
                                          const std::optional<std::string>& reuseIdentifier = std::nullopt);
 
-    /// Has the views but neither adds nor lays out any.
+    /// Constructs the views but neither adds nor lays out any.
     explicit SelaShareExtensionAlbumCell(const NSCoder& coder);
 
     UIImageView& thumbnailView() { return thumbnailView_; }
     UILabel& titleLabel() { return titleLabel_; }
 
-    /// As high as the row and as wide as it is high; takes taps also when the catalogue lacks its image.
+    /// As high as the row and as wide as it is high; takes taps even when the catalogue lacks its image.
     AUIButton& showChildButton() { return showChildButton_; }
 
     /// Covers the thumbnail exactly.

@@ -9,7 +9,7 @@
 
 namespace sela {
 
-/// Whoever is told of taps on a `SelaShareExtensionTopBar`. Called on the main thread.
+/// The delegate for taps on a `SelaShareExtensionTopBar`. Called on the main thread.
 class SelaShareExtensionTopBarDelegate {
 public:
     virtual ~SelaShareExtensionTopBarDelegate() = default;
@@ -27,14 +27,14 @@ class SelaShareExtensionTopBar : public UIView {
 public:
     explicit SelaShareExtensionTopBar(const CGRect& frame);
 
-    /// Has the views but neither adds nor lays out any.
+    /// Constructs the views but neither adds nor lays out any.
     explicit SelaShareExtensionTopBar(const NSCoder& coder);
 
     UIButton& leftButton() { return leftButton_; }
     UIButton& rightButton() { return rightButton_; }
     UILabel& titleLabel() { return titleLabel_; }
 
-    /// Whoever is told of taps on the buttons; nobody at first, and nobody once it is gone.
+    /// The delegate for taps on the buttons, held weakly; null at first.
     const std::weak_ptr<SelaShareExtensionTopBarDelegate>& delegate() const { return delegate_; }
     void setDelegate(std::weak_ptr<SelaShareExtensionTopBarDelegate> delegate) {
         delegate_ = std::move(delegate);

@@ -8,7 +8,7 @@ namespace sela {
 
 namespace {
 
-/// The element at a place that may be outside; null then.
+/// The element at an index; null when that is out of range.
 template<class List>
 auto* elementAt(List& list, int index) {
     const auto place = static_cast<std::size_t>(index);

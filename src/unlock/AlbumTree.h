@@ -13,9 +13,9 @@ namespace sela {
 /// without locks; main thread only.
 class AlbumTree {
 public:
-    /// Rebuilds the lists, all folded, from the albums of a catalogue whose `fake` is as asked for, in their
-    /// order; an absent catalogue leaves them empty. A child belongs to the last top-level album of its
-    /// parent's name. Not shown: children whose parent is missing, and paths of no name or of three or more.
+    /// Rebuilds the lists, all folded, from the albums of a catalogue with this `fake`, in their order; an
+    /// absent catalogue leaves them empty. A child belongs to the last top-level album of its parent's name.
+    /// Not shown: children whose parent is missing, and paths of no name or of three or more.
     void load(std::optional<std::vector<SharedAlbum>> catalogue, bool fake);
 
     /// Whether the last catalogue loaded was absent.
@@ -36,11 +36,11 @@ public:
     /// Whether the section exists and has child albums.
     bool hasChildren(int section) const;
 
-    /// Folds or unfolds a section and tells whether it did; one without children stays as it is.
+    /// Folds or unfolds a section and returns whether it did; one without children is left as it is.
     bool toggleChildren(int section);
 
-    /// The parent has no password from now on; its row shows that from the next toggle on. A section that
-    /// does not exist is ignored.
+    /// Removes the parent's password; its row shows that from the next toggle on. A section that does not
+    /// exist is ignored.
     void clearPassword(int section);
 
 private:

@@ -50,7 +50,7 @@ void PasscodeKeypad::setPasscodeLength(std::size_t passcodeLength) {
             indicatorContainer_.addSubview(indicators_[i]);
     indicatorContainer_.snp().remakeConstraints([&](ConstraintMaker& make) {
         make.height().equalTo(side);
-        // Without a passcode the row is one gap less than nothing wide; nobody sees it then.
+        // Without a passcode the row's width is negative by one gap; it is not shown then.
         make.width().equalTo(side * count + gap * (count - 1));
         make.centerX().equalToSuperview();
         make.top().equalTo(viewAbove_->snp().bottom()).offset(indicatorOffset_);

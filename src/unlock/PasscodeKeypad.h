@@ -11,12 +11,12 @@
 
 namespace sela {
 
-/// The views by which a screen asks for a passcode: ten digit keys, a row of dots that tells how many digits
-/// are entered, and the button that leaves the screen. What a digit leads to is the screen's own rule, and so
-/// is the entry; there is no key that deletes. Owned by its screen; main thread only.
+/// The views by which a screen asks for a passcode: ten digit keys, a row of dots that shows how many digits
+/// are entered, and the button that leaves the screen. The screen holds the entry and decides what a digit
+/// does; there is no delete key. Owned by its screen; main thread only.
 class PasscodeKeypad {
 public:
-    /// Where the parts stand on the screen's card, in points as they are on the screen.
+    /// Where the parts are placed on the screen's card, in points of the screen.
     struct Placement {
         UIView& titleLabel; ///< the back button stands in its strip
         UIView& viewAbove;  ///< the view above the dots
@@ -33,10 +33,10 @@ public:
 
     /// Adds back button, dots and keys, in this order, to the screen's card and lays them out by the screen's
     /// factor `scale`. `passcodeLength` is the number of characters of the vault passcode, 0 without one: the
-    /// row has six dots when it is 6 and four otherwise, and is as wide as so many dots would be.
+    /// row has six dots when it is 6 and four otherwise, and is as wide as that many dots would be.
     void assemble(UIView& card, double scale, std::size_t passcodeLength, const Placement& placement);
 
-    /// Lays the dots out anew for so many characters, when they could not be told before.
+    /// Lays the dots out again for this many characters, when their number was unknown before.
     void setPasscodeLength(std::size_t passcodeLength);
 
     /// Calls `onKeyTouched` of `screen`, which owns the keypad, with the tapped key, whose tag is its digit,
@@ -56,11 +56,11 @@ public:
     /// Shows or hides dots and keys; the back button stays.
     void setHidden(bool hidden);
 
-    /// Shows so many of the dots.
+    /// Shows this many of the dots.
     void showEntry(std::size_t digits);
 
-    /// Shows a wrong entry by moving the dots from side to side. When that is over, `completion` is called,
-    /// unless `screen`, which owns the keypad, is gone by then.
+    /// Shows a wrong entry by moving the dots from side to side. Then `completion` is called, unless
+    /// `screen`, which owns the keypad, is destroyed by then.
     void shake(std::weak_ptr<UIViewController> screen, std::function<void()> completion);
 
     /// Whether a wrong entry is being shown; the screen ignores its keys meanwhile.

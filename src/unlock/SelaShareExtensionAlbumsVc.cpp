@@ -19,7 +19,7 @@ namespace sela {
 
 namespace {
 
-/// Seconds between two looks at settings that another program keeps locked.
+/// Seconds between two attempts to read settings that another program keeps locked.
 constexpr double vaultPollInterval = 0.25;
 
 constexpr const char* launchMessage = "Please launch the main Sela app first.";
@@ -49,7 +49,7 @@ void SelaShareExtensionAlbumsVc::viewDidLoad() {
     refresh();
 }
 
-/// Whether another program keeps the settings locked; if so, the screen waits for it without standing still.
+/// Whether another program keeps the settings locked; if so, the screen waits for it without blocking.
 bool SelaShareExtensionAlbumsVc::findsVaultBusy() {
     if (!isVaultBusy_ && SharedAlbumManager::isBusy(UserDefaults::shortPatience)) {
         isVaultBusy_ = true;
@@ -140,8 +140,8 @@ void SelaShareExtensionAlbumsVc::loadAlbums() {
     albums_.load(std::move(catalogue), entryOpensDecoyAlbums(SharedAlbumManager::sharedPassword()));
 }
 
-/// The decoy albums exist beside a passcode of one of the two lengths that the vault knows only, although a
-/// decoy code unlocks beside any. Where both codes are the same the vault's albums are opened.
+/// The decoy albums are shown only if the passcode has one of the vault's two lengths, although a decoy code
+/// unlocks with any. Where both codes are the same the vault's albums are opened.
 bool SelaShareExtensionAlbumsVc::entryOpensDecoyAlbums(const std::optional<Secret>& passcode) const {
     const std::size_t length = characterCount(passcode.value_or(Secret()).exposed());
     return (length == 4 || length == 6) && currentPassword_ != passcode &&
@@ -205,7 +205,7 @@ void SelaShareExtensionAlbumsVc::onKeyTouched(UIButton& button) {
         currentPassword_.append(static_cast<char>('0' + button.tag()));
     const std::optional<Secret> decoyPasscode = SharedAlbumManager::sharedFakePassword();
 
-    // The delegate hears of a change only: what it was told before holds otherwise.
+    // The delegate is called for a change only.
     if (currentPassword_ == passcode) {
         unlock();
         if (const auto delegate = delegate_.lock(); delegate && wasDecoy)
@@ -289,7 +289,7 @@ void SelaShareExtensionAlbumsVc::fill(SelaShareExtensionAlbumCell& cell, const I
     setAccessibility(cell, indexPath, album);
 }
 
-/// What a screen reader says of a row.
+/// The label of a row for a screen reader.
 void SelaShareExtensionAlbumsVc::setAccessibility(SelaShareExtensionAlbumCell& cell,
                                                   const IndexPath& indexPath, const SharedAlbum& album) {
     std::string value = localized(album.password ? "Locked" : "Unlocked");
@@ -309,7 +309,7 @@ void SelaShareExtensionAlbumsVc::setAccessibility(SelaShareExtensionAlbumCell& c
     cell.setAccessibilityValue(value);
 }
 
-/// A cover that is not decoded yet leaves its place empty until it arrives, so that no frame waits for it.
+/// A cover that is not decoded yet leaves its place empty until it is, so that no frame waits for it.
 void SelaShareExtensionAlbumsVc::showCover(SelaShareExtensionAlbumCell& cell, const SharedAlbum& album) {
     if (album.password || !album.thumbNailName) {
         cell.thumbnailView().setImage(UIImage::named("EmptyFolder"));
@@ -321,7 +321,7 @@ void SelaShareExtensionAlbumsVc::showCover(SelaShareExtensionAlbumCell& cell, co
     }
 }
 
-/// Not while the table fills its rows: which of them are in view is known afterwards.
+/// Not while the table fills its rows: which of them are in view is known only afterwards.
 void SelaShareExtensionAlbumsVc::loadCoversLater() {
     DispatchQueue::main().async([weak = weak_from_this()] {
         if (const std::shared_ptr<UIViewController> self = weak.lock())
@@ -329,7 +329,7 @@ void SelaShareExtensionAlbumsVc::loadCoversLater() {
     });
 }
 
-/// Goes through the rows in view down to the first whose cover is missing still, and again when that is here.
+/// Decodes the first missing cover of the rows in view, and repeats once it has arrived.
 void SelaShareExtensionAlbumsVc::loadNextCover() {
     if (covers_->isLoading() || tableView_.isHidden())
         return;

@@ -19,13 +19,12 @@ class SelaShareExtensionAlbumCell;
 class SelaShareExtensionAlbumsVcDelegate;
 
 /// The screen on which the user picks an album. It asks for the vault passcode or the decoy passcode and then
-/// shows the albums of the vault that was unlocked, without a lock when the vault passcode is empty; where
-/// the main application has published no passcode or no catalogue it asks the user to launch that. A chosen
-/// album goes to the delegate, and the screen pops itself.
+/// shows the albums of the vault that was unlocked, without asking when the vault passcode is empty; where
+/// the main application has published no passcode or no catalogue it asks the user to launch it. The chosen
+/// album is passed to the delegate, and the screen pops itself.
 ///
-/// Catalogue and passcodes are read afresh at each use. That the screen is unlocked is remembered nowhere:
-/// after a match it is refreshed once more while the entry still holds the code, and not again. Main thread
-/// only.
+/// Catalogue and passcodes are read again at each use. The screen has no unlocked state: after a match it is
+/// refreshed once more while the entry still has the code, and not again. Main thread only.
 class SelaShareExtensionAlbumsVc : public UIViewController,
                                    public UITableViewDataSource,
                                    public UITableViewDelegate {
@@ -35,13 +34,13 @@ public:
     /// There are no archives: stops the process.
     explicit SelaShareExtensionAlbumsVc(const NSCoder& coder);
 
-    /// Whoever takes the choice; nobody at first, and nobody once it is gone.
+    /// The delegate, which gets the choice, held weakly; null at first.
     const std::weak_ptr<SelaShareExtensionAlbumsVcDelegate>& delegate() const { return delegate_; }
     void setDelegate(std::weak_ptr<SelaShareExtensionAlbumsVcDelegate> delegate) {
         delegate_ = std::move(delegate);
     }
 
-    /// Whether no cover is on its way any more.
+    /// Whether no cover is being decoded any more.
     bool areCoversShown() const { return !covers_->isLoading(); }
 
     const AlbumTree& albums() const { return albums_; }
@@ -49,8 +48,7 @@ public:
     void viewDidLoad() override;
 
     /// The action of the digit keys. The entry is compared after every digit, first with the vault passcode,
-    /// then with the decoy passcode of whatever length; it has failed when it is as long as the vault
-    /// passcode.
+    /// then with the decoy passcode of any length; it has failed when it is as long as the vault passcode.
     void onKeyTouched(UIButton& button);
 
     /// The action of the back button: leaves without a choice.
@@ -61,8 +59,8 @@ public:
     UITableViewCell& cellForRow(UITableView& tableView, const IndexPath& indexPath) override;
     double heightForRow(UITableView& tableView, const IndexPath& indexPath) override;
 
-    /// Hands the album to the delegate, without asking for the album's own password: that guards the
-    /// unfolding of its children only.
+    /// Passes the album to the delegate, without asking for the album's own password, which only protects
+    /// unfolding its children.
     void didSelectRow(UITableView& tableView, const IndexPath& indexPath) override;
 
 private:

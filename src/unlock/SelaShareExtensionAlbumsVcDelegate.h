@@ -5,7 +5,7 @@
 
 namespace sela {
 
-/// Whoever opened the album picker and takes its choice. Called on the main thread.
+/// The screen that opened the album picker and gets its choice. Called on the main thread.
 class SelaShareExtensionAlbumsVcDelegate {
 public:
     virtual ~SelaShareExtensionAlbumsVcDelegate() = default;
@@ -16,7 +16,7 @@ public:
     /// The chosen album's names from the top level down.
     virtual void setSelectedAlbumName(const std::vector<std::string>& selectedAlbumName) = 0;
 
-    /// Follows a choice: shows the chosen album.
+    /// Called after a choice: shows the chosen album.
     virtual void updateTitle() = 0;
 };
 

@@ -33,7 +33,8 @@ void SelaSharedAlbumPassCheck::viewDidLoad() {
     card_.assemble(view(), scale);
     card_.titleLabel().setBackgroundColor(UIColor::named("AppCard"));
     layoutSubTitle(scale);
-    // The dots follow the vault passcode, not the album's, whose length is nobody's business.
+    // The number of dots is that of the vault passcode, so that the length of the album's password is not
+    // revealed.
     keypad_.assemble(card_.containerView(), scale,
                      characterCount(SharedAlbumManager::sharedPassword().value_or(Secret()).exposed()),
                      {.titleLabel = card_.titleLabel(),

@@ -18,7 +18,7 @@ public:
     /// `checkPass` is the password to ask for, `subtitle` a text below the title.
     SelaSharedAlbumPassCheck(Secret checkPass, const std::string& subtitle);
 
-    /// No archive makes one: both stop the process.
+    /// Construction from an archive is not supported: both stop the process.
     explicit SelaSharedAlbumPassCheck(const std::optional<std::string>& nibName);
     explicit SelaSharedAlbumPassCheck(const NSCoder& coder);
 

@@ -14,7 +14,7 @@ namespace sela {
 /// The published catalogue, read and changed album by album. One thread.
 class Catalogue {
 public:
-    /// What names an album: its path, and the vault that it belongs to.
+    /// The identity of an album: its path, and the vault that it belongs to.
     struct Name {
         std::vector<std::string> path;
         bool fake = false;
@@ -23,11 +23,11 @@ public:
     };
 
     /// The catalogue as it is published now; empty before anything is. The error when the settings cannot be
-    /// read or hold something else.
+    /// read or the value is no catalogue.
     static Result<Catalogue> published();
 
-    /// Changes the published catalogue as one step that no other program comes between; nothing changes when
-    /// `edit` or storing fails.
+    /// Changes the published catalogue in one transaction, which excludes other programs; nothing changes
+    /// when `edit` or storing fails.
     static ErrorRef change(const std::function<ErrorRef(Catalogue&)>& edit);
 
     const std::vector<SharedAlbum>& albums() const { return albums_; }
@@ -38,14 +38,14 @@ public:
     /// Null when there is no such album.
     SharedAlbum* find(const Name& name);
 
-    /// Puts an album behind the others of its level. The error when it is there already or has no parent.
+    /// Adds an album after the others of its level. The error when it exists already or has no parent.
     ErrorRef add(SharedAlbum album);
 
-    /// Gives an album another last name, and the albums below it its new path. The error when there is no
-    /// such album or already one of the new name.
+    /// Renames an album and updates the paths of the albums below it. The error when there is no such album
+    /// or already one of the new name.
     ErrorRef rename(const Name& name, const std::string& newName);
 
-    /// Takes out an album and those below it. The error when there is no such album.
+    /// Removes an album and those below it. The error when there is no such album.
     ErrorRef remove(const Name& name);
 
 private:

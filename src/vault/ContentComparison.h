@@ -5,9 +5,8 @@
 
 namespace sela {
 
-/// Whether both URLs are regular files with the same bytes, or one and the same file; a symbolic link is no
-/// such file, and neither is a file that is missing. The error when both are there but cannot be read whole.
-/// One thread.
+/// Whether both URLs are regular files with the same bytes, or one and the same file; false for a symbolic
+/// link or a missing file. The error when both exist but cannot be read completely. One thread.
 Result<bool> hasSameContent(const URL& first, const URL& second);
 
 } // namespace sela

@@ -15,7 +15,7 @@ namespace sela {
 
 namespace {
 
-/// Sharp on every screen: the picker draws covers at 160 pixels.
+/// Enough for every screen: the picker draws covers at 160 pixels.
 constexpr int coverSide = 512;
 constexpr double coverQuality = 0.9;
 constexpr double secondsToBePublished = 3600;
@@ -54,7 +54,7 @@ Result<std::vector<std::string>> unusedCovers() {
     FileManager& files = FileManager::defaultManager();
     if (!folder || !files.fileExists(folder->path()))
         return std::vector<std::string>();
-    // The files first: a cover that is published in between then counts as published.
+    // The files are listed first, so that a cover that is published in between counts as published.
     Result<std::vector<std::string>> names = files.contentsOfDirectory(folder->path());
     if (!names)
         return names;

@@ -15,10 +15,10 @@ namespace sela {
 Result<std::string> storeCover(const std::string& path);
 
 /// The covers that no published album names, by their names. One that is younger than an hour is left out:
-/// somebody may be about to publish its album.
+/// its album may be about to be published.
 Result<std::vector<std::string>> unusedCovers();
 
-/// Removes them, and tells their names.
+/// Removes them and returns their names.
 Result<std::vector<std::string>> removeUnusedCovers();
 
 } // namespace sela

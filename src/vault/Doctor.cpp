@@ -24,7 +24,7 @@ namespace {
 constexpr mode_t folderMode = 0700;
 constexpr mode_t fileMode = 0600;
 
-/// Goes through the group and gathers what is found.
+/// Checks the group and collects the findings.
 class Examination {
 public:
     Examination(URL container, bool mend) : container_(std::move(container)), mend_(mend) {}
@@ -41,7 +41,7 @@ public:
 private:
     void tell(std::string text) { findings_.push_back({std::move(text), Finding::State::forTheUser}); }
 
-    /// Tells of something that `mending` mends, and mends it when that is asked for.
+    /// Reports a finding that `mending` repairs, and repairs it when that was asked for.
     void mend(std::string text, const std::function<ErrorRef()>& mending) {
         const ErrorRef error = mend_ ? mending() : nullptr;
         if (error && !error_)
@@ -90,7 +90,7 @@ private:
         }
     }
 
-    /// Whether the settings can be read any further.
+    /// Whether the settings are readable, so that their checks can go on.
     bool examineSettings() {
         const Result<UserDefaults> defaults = openSharedDefaults();
         const ErrorRef damage = defaults ? defaults.value().checkIntegrity() : defaults.error();
@@ -98,7 +98,8 @@ private:
             tell(damage->localizedDescription());
         if (!defaults)
             return false;
-        if (const Result<std::vector<std::string>> kept = defaults.value().keys(unreadableItemsKeyPrefix); kept)
+        if (const Result<std::vector<std::string>> kept = defaults.value().keys(unreadableItemsKeyPrefix);
+            kept)
             for (const std::string& key : kept.value())
                 tell("an earlier ledger could not be read and is kept in the settings under " + key);
         const std::optional<Secret> passcode = SharedAlbumManager::sharedPassword();

@@ -7,11 +7,11 @@
 
 namespace sela {
 
-/// Something in the group that is not as it should be.
+/// A problem found in the group.
 struct Finding {
     enum class State {
-        forTheUser, ///< only a person can tell what to do
-        mendable,   ///< mending it is safe and loses nothing
+        forTheUser, ///< the user must decide what to do
+        mendable,   ///< repairing it is safe and loses nothing
         mended,
     };
 
@@ -19,9 +19,9 @@ struct Finding {
     State state = State::forTheUser;
 };
 
-/// Looks at all of the group: the modes of its folders and files, the settings, the catalogue with its
-/// passcodes and covers, and the ledger against the files; and mends what can be mended when it is asked to.
-/// The error when there is no group, or when something cannot be looked at or mended. One thread.
+/// Checks all of the group: the modes of its folders and files, the settings, the catalogue with its
+/// passcodes and covers, and the ledger against the files; and repairs what can be repaired if asked to. The
+/// error when there is no group, or when something cannot be checked or repaired. One thread.
 Result<std::vector<Finding>> examineGroup(bool mend);
 
 } // namespace sela

@@ -21,7 +21,7 @@ namespace {
 
 constexpr double dayInSeconds = 86'400;
 
-/// How much of an import may be under way at once: so many flushes fewer, and so little to do again.
+/// The limits of one batch: larger ones need fewer flushes, smaller ones less repeated work after a kill.
 constexpr std::size_t largestBatch = 256;
 constexpr std::int64_t largestBatchSize = 64 << 20;
 
@@ -32,12 +32,12 @@ bool isOneOf(const ErrorRef& error, const std::array<int, count>& codes) {
            std::ranges::find(codes, posix->code()) != codes.end();
 }
 
-/// Whether a file system says that it cannot give this file a second name there.
+/// Whether an error means that the file cannot be hard-linked there.
 bool cannotLink(const ErrorRef& error) {
     return isOneOf(error, std::array{EXDEV, EPERM, EOPNOTSUPP, EMLINK, ENOSYS});
 }
 
-/// Whether a file system says that it cannot hold such a name.
+/// Whether an error means that the file system does not allow such a name.
 bool refusesName(const ErrorRef& error) {
     return isOneOf(error, std::array{EINVAL, EILSEQ, ENAMETOOLONG});
 }
@@ -78,7 +78,7 @@ Result<Import::Report> Import::run() {
         return lock.error();
     if (ErrorRef error = FileManager::defaultManager().createDirectory(options_.into.path()))
         return error;
-    // What an import that was killed had not finished copying.
+    // The partial copy of an import that was killed.
     FileManager::defaultManager().removeItem(temporaryCopy().path());
     if (ErrorRef error = recover())
         return error;
@@ -105,7 +105,7 @@ ErrorRef Import::recover() {
         const std::optional<URL> target = URL::parse(note.target);
         if (!target || !isSinglePathComponent(note.fileName))
             continue;
-        // The target is ours only if it holds the very content: somebody else may have made a file there.
+        // The target is ours only if it has the same content: another program may have made a file there.
         const URL source = itemURL(note.fileName);
         const Result<bool> isPlaced = hasSameContent(source, *target);
         if (!isPlaced)
@@ -115,7 +115,7 @@ ErrorRef Import::recover() {
         const auto entry = std::ranges::find_if(entries.value(), [&](const Entry& candidate) {
             return candidate.first == note.key && candidate.second.fileName == note.fileName;
         });
-        // One that left the ledger already only has to leave "Items".
+        // A file whose entry is removed from the ledger already must only be removed from "Items".
         placed.push_back({entry == entries.value().end() ? Entry() : *entry, source, *target});
     }
     if (ErrorRef error = takeOut(placed, {}))
@@ -238,7 +238,7 @@ ErrorRef Import::copyTo(const URL& source, const URL& target) {
     Result<InputStream> input = files.inputStream(source);
     if (!input)
         return input.error();
-    // A file that stands there is another's, who could read along.
+    // An existing file may be open in another program, which could read the content.
     Result<OutputStream> output =
         files.outputStream(temporary, input.value().expectedSize(), WhenThere::fail);
     if (!output)
@@ -282,7 +282,7 @@ ErrorRef Import::takeOut(const std::vector<Placement>& placed, const std::vector
 }
 
 URL Import::temporaryCopy() const {
-    // Named after the group, since imports of two groups may go to one folder.
+    // Named after the group, since imports of two groups may have the same target folder.
     return options_.into.appendingPathComponent(".sela-import-" + container_->lastPathComponent());
 }
 
@@ -308,7 +308,7 @@ ErrorRef Import::findUnrecorded() {
         if (!lock)
             report_.problems.emplace_back("nothing is pruned while something is being shared");
     }
-    // The names first: a file that is recorded in between then counts as recorded.
+    // The names are listed first, so that a file that is recorded in between counts as recorded.
     const Result<std::vector<std::string>> names = files.contentsOfDirectory(items.path());
     if (!names)
         return names.error();
@@ -320,7 +320,7 @@ ErrorRef Import::findUnrecorded() {
         const Result<std::vector<std::string>> keptLedgers = defaults->keys(unreadableItemsKeyPrefix);
         if (!keptLedgers)
             return keptLedgers.error();
-        // A ledger that is kept aside may still know some of the files.
+        // An unreadable ledger that was kept may still record some of the files.
         prune = keptLedgers.value().empty();
     }
     std::set<std::string_view> recorded;

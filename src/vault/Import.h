@@ -16,45 +16,45 @@
 
 namespace sela {
 
-/// Takes what the ledger records out of the group's container and into albums below a folder. One thread.
+/// Moves the files that the ledger records from the group's container to albums below a folder. One thread.
 ///
 /// May be killed at any point and run again: no file is lost, none is imported twice, none is overwritten.
-/// Files go in batches: their places are noted in the settings; each gets its place in its album; the folders
-/// are flushed; all leave the ledger in one step; then they leave "Items". A file that cannot be placed keeps
-/// its entry, and the others go on.
+/// Files are imported in batches: their targets are noted in the settings; each is linked or copied to its
+/// target; the folders are flushed; all entries are removed from the ledger in one transaction; then the
+/// files are unlinked from "Items". A file that cannot be placed keeps its entry, and the others go on.
 class Import {
 public:
     struct Options {
         URL into;          ///< made if missing
         bool keep = false; ///< copy only: the ledger and "Items" stay as they are
-        /// Remove files of "Items" that nobody recorded and that are older than a day. While an unreadable
-        /// ledger is kept in the settings nothing is removed: it may know them. Nor while somebody shares.
+        /// Remove unrecorded files of "Items" that are older than a day. Nothing is removed while an
+        /// unreadable ledger is kept in the settings, since it may record them, nor while a share is saving.
         bool prune = false;
-        bool dropMissing = false; ///< take entries whose file is missing out of the ledger
+        bool dropMissing = false; ///< remove entries whose file is missing from the ledger
 
-        /// Told which entry comes next, from 1 on, and how many there are.
+        /// Called with the number of the next entry, from 1 on, and the number of entries.
         std::function<void(std::size_t entry, std::size_t count)> progress = {};
     };
 
-    /// What became of the entries and files; each line is for a person.
+    /// The outcome for the entries and files; each line is for the user.
     struct Report {
         std::vector<std::string> imported; ///< paths
         std::vector<std::string> dropped;  ///< names of missing files whose entries were dropped
         std::vector<std::string> problems; ///< entries that stay in the ledger, and whatever else went wrong
-        std::vector<std::string> unrecorded; ///< names in "Items" that no entry knows
+        std::vector<std::string> unrecorded; ///< names in "Items" that no entry has
         std::vector<std::string> pruned;
     };
 
     explicit Import(Options options) : options_(std::move(options)) {}
 
-    /// Imports everything. The error when nothing could be begun: no group, settings or ledger that cannot be
+    /// Imports everything. The error when it could not begin: no group, settings or ledger that cannot be
     /// read, another import that is running.
     Result<Report> run();
 
 private:
     using Entry = SharedItemLedger::Entry;
 
-    /// An entry whose file has a place to go to.
+    /// An entry whose file has a target.
     struct Placement {
         Entry entry;
         URL source;
@@ -62,25 +62,26 @@ private:
         NameForm form = NameForm::own; ///< of the target's name
     };
 
-    /// What is imported in one go.
+    /// The files that are imported together.
     struct Batch {
         std::vector<Placement> placements;
         std::int64_t bytes = 0;
         std::vector<Entry> missing; ///< entries to be dropped
     };
 
-    /// Finishes what an import that was stopped had placed.
+    /// Finishes the files that an interrupted import had placed.
     ErrorRef recover();
 
-    /// Null when every entry was imported or has its line in the report; otherwise why nothing can go on.
+    /// Null when every entry was imported or has its line in the report; otherwise why the import cannot go
+    /// on.
     ErrorRef importAll(std::vector<Entry> entries);
 
-    /// Finds the entry's file and its place, and puts them into the batch.
+    /// Finds the entry's file and its target, and adds them to the batch.
     ErrorRef plan(const Entry& entry, Batch& batch);
     Result<URL> makeFolder(const SharedItem& item);
     URL freePlace(const URL& folder, const SharedItem& item);
 
-    /// Imports a batch; entries that are to be planned anew are added to `again`.
+    /// Imports a batch; entries that must be planned again are added to `again`.
     ErrorRef finish(const Batch& batch, std::vector<Entry>& again);
 
     /// Puts the files in place and returns those that are; the folders are not flushed yet.
@@ -88,8 +89,8 @@ private:
     ErrorRef putAt(const URL& source, const URL& target);
     ErrorRef copyTo(const URL& source, const URL& target);
 
-    /// Flushes the folders of these, takes their entries and others out of the ledger, and their files out of
-    /// "Items".
+    /// Flushes the folders of these, removes their entries and the missing ones from the ledger, and unlinks
+    /// their files from "Items".
     ErrorRef takeOut(const std::vector<Placement>& placed, const std::vector<Entry>& missing);
     ErrorRef findUnrecorded();
 
@@ -101,7 +102,7 @@ private:
     DefaultAlbum defaultAlbum_;
     std::optional<URL> container_;
     Report report_;
-    NameForm form_ = NameForm::own;       ///< what the target turned out to hold
+    NameForm form_ = NameForm::own;       ///< the names that the target turned out to allow
     std::set<std::string> madeFolders_;   ///< made and flushed by this run
     std::map<std::string, int> attempts_; ///< how many numbers of a path were tried
     bool journalNoted_ = false;

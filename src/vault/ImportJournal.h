@@ -9,11 +9,11 @@
 
 namespace sela {
 
-/// What an import notes in the settings before it touches anything, so that it may be stopped at any point.
-/// One thread.
+/// The notes that an import stores in the settings before it changes anything, so that it may be killed at
+/// any point. One thread.
 namespace ImportJournal {
 
-/// A file on its way.
+/// A file that is being imported.
 struct Note {
     std::string key;      ///< of its entry in the ledger
     std::string fileName; ///< in "Items"
@@ -25,11 +25,11 @@ struct Note {
     }
 };
 
-/// The notes of an import that was stopped; none when it came to its end, or when they cannot be decoded. The
-/// error when the settings cannot be read.
+/// The notes of an interrupted import; none when the last one was completed, or when they cannot be decoded.
+/// The error when the settings cannot be read.
 Result<std::vector<Note>> read();
 
-/// Notes these in place of what was noted before. On return without an error that is on the disk.
+/// Stores these notes in place of the former ones. When it returns without an error, they are flushed.
 ErrorRef write(const std::vector<Note>& notes);
 
 ErrorRef clear();

@@ -8,11 +8,11 @@
 
 namespace sela {
 
-/// Keeps a second import of the same group away while it lives. One thread.
+/// Excludes a second import of the same group while it lives. One thread.
 class ImportLock {
 public:
-    /// Locks the container's folder itself, so that no lock file is left behind; the error when another
-    /// import holds it.
+    /// Locks the container's folder itself, so that no lock file is left; the error when another import holds
+    /// it.
     static Result<ImportLock> take(const URL& container);
 
 private:

@@ -10,12 +10,12 @@ namespace sela {
 
 namespace {
 
-/// What eCryptfs leaves of that is 143.
+/// eCryptfs leaves 143 of that.
 constexpr std::size_t longestPortableName = 140;
 constexpr std::size_t longestCharacter = 4;
 
-/// Controls, line separators, and what turns the direction of the text behind it. The marks that names in
-/// Arabic and Hebrew are written with stay.
+/// Control characters, line separators, and overrides of the text direction. The directional marks used in
+/// Arabic and Hebrew names are kept.
 bool misleads(char32_t c) {
     const bool control = c < 0x20 || (c >= 0x7F && c < 0xA0);
     return control || (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
@@ -48,7 +48,7 @@ std::string safeFileName(std::string_view text, NameForm form) {
     if (form == NameForm::portable && (name.back() == '.' || name.back() == ' '))
         name += '_';
     auto [stem, extension] = stemAndExtension(name);
-    // What would leave no character before it is no extension, and its dot would hide the file.
+    // An extension needs a character before it; otherwise its dot would hide the file.
     if (extension.size() + longestCharacter > longestNameOf(form))
         std::tie(stem, extension) = std::pair(std::string_view(name), std::string_view());
     return fittedFileName(stem, extension, longestNameOf(form));

@@ -25,7 +25,7 @@ namespace sela {
 
 namespace {
 
-/// The signals that end a watch, held back until they are waited for.
+/// The signals that end a watch, blocked until they are waited for.
 FileDescriptor endingSignals() {
     sigset_t signals;
     ::sigemptyset(&signals);
@@ -35,8 +35,7 @@ FileDescriptor endingSignals() {
     return FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
 }
 
-/// Tells of changes in the folder of the settings, which is made when it is missing: the file itself may not
-/// be there yet.
+/// Watches the folder of the settings (inotify), which is made if missing: the file itself may not exist yet.
 Result<FileDescriptor> settingsChanges() {
     const std::optional<URL> config = BaseDirectories::config();
     if (!config)
@@ -50,7 +49,7 @@ Result<FileDescriptor> settingsChanges() {
     return changes;
 }
 
-/// Forgets what was told so far.
+/// Discards the events so far.
 void drain(const FileDescriptor& changes) {
     std::array<std::byte, 4096> events;
     while (retryingInterrupted([&] { return ::read(changes.get(), events.data(), events.size()); }) > 0) {
@@ -74,8 +73,7 @@ ErrorRef watchAndImport(const std::function<Result<Import::Report>()>& import) {
     if (!container)
         return ShareExtensionError::make("there is no vault yet; run \"sela-vault init\" first");
     const FileDescriptor signals = endingSignals();
-    // Each import locks the container, and whoever saves locks "Items": the folder that is left is the
-    // watch's.
+    // Each import locks the container, and each save locks "Items"; the watch locks the remaining folder.
     const Result<ImportLock> lock =
         ImportLock::take(container->appendingPathComponent(albumThumbnailsFolderName));
     if (!lock)
@@ -85,7 +83,8 @@ ErrorRef watchAndImport(const std::function<Result<Import::Report>()>& import) {
         return changes.error();
     std::set<std::string> left;
     while (true) {
-        // An import changes the settings itself, so that its own changes must be told from those of others.
+        // An import changes the settings itself, and its own changes must be distinguished from those of
+        // others.
         drain(changes.value());
         const Result<std::set<std::string>> keys = ledgerKeys();
         if (!keys)

@@ -20,8 +20,7 @@ namespace {
 
 using Row = std::vector<std::string>;
 
-/// The columns that a terminal needs for a text: as many fewer blanks than bytes are what fmt fills it up
-/// with.
+/// The display width that fmt pads a text by.
 std::size_t columnsOf(const std::string& text) {
     return 2 * text.size() - fmt::formatted_size("{:<{}}", text, text.size());
 }
@@ -111,7 +110,8 @@ Result<std::string> ledgerJSON() {
     const std::optional<Data> text = SharedItemLedger::encode(entries.value());
     if (!text)
         return ShareExtensionError::make("the ledger cannot be encoded");
-    // Characters that drive a terminal stand in texts alone, where the escapes of a log are JSON's too.
+    // Characters that control a terminal occur only inside strings, where the log's escapes are valid JSON
+    // too.
     return escapedForLog(asText(*text)) + "\n";
 }
 

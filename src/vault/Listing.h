@@ -7,8 +7,8 @@
 
 namespace sela {
 
-/// What the group holds, as text for standard output. One thread. Names are escaped as in a log, so that none
-/// can drive a terminal; passwords and passcodes are never shown.
+/// The group's content as text for standard output. One thread. Names are escaped as in a log, so that none
+/// can control a terminal; passwords and passcodes are never shown.
 
 /// The albums as a tree, each vault's with its children below it, and the files that wait for each.
 std::string albumsTable(const Catalogue& catalogue);
@@ -16,7 +16,7 @@ std::string albumsTable(const Catalogue& catalogue);
 /// The ledger as a table, newest last, with each file's size, or "missing".
 Result<std::string> ledgerTable();
 
-/// The ledger as the JSON object that the settings hold, members written anew; "{}" when there is none.
+/// The ledger as the JSON object of the settings, with its members written again; "{}" when there is none.
 Result<std::string> ledgerJSON();
 
 } // namespace sela

@@ -30,7 +30,7 @@ bool fillsItsDots(const Secret& passcode) {
     return passcode.size() == 4 || passcode.size() == 6;
 }
 
-/// What the picker makes of an album; empty when it shows it.
+/// Why the picker does not show an album; empty when it does.
 std::string fateOf(const SharedAlbum& album, const std::set<std::pair<bool, std::string>>& parents) {
     if (album.namePath.empty())
         return "an album without a name is not shown";

@@ -11,9 +11,8 @@
 
 namespace sela {
 
-/// What is to be published must not give the vault away on the keypad: it has ten digits and no key that ends
-/// an entry, so a code opens with its last digit, and the entry is at most as long as the vault passcode. Any
-/// thread.
+/// Published passcodes must not reveal the vault on the keypad: it has ten digits and no enter key, so a code
+/// opens with its last digit, and the entry is at most as long as the vault passcode. Any thread.
 
 /// Why these two passcodes (absent: none) must not be published together; null when they may.
 ErrorRef problemWithPasscodes(const std::optional<Secret>& vault, const std::optional<Secret>& decoy);
@@ -21,7 +20,7 @@ ErrorRef problemWithPasscodes(const std::optional<Secret>& vault, const std::opt
 /// Why an album's password must not be published; null when all may.
 ErrorRef problemWithPasswords(const std::vector<SharedAlbum>& albums);
 
-/// What works with passcodes that may be published, and is rather not meant: a line each.
+/// Warnings for passcodes that may be published but probably are a mistake, a line each.
 std::vector<std::string> warningsOfPasscodes(const Secret& vault, const std::optional<Secret>& decoy);
 
 /// The albums that the picker does not show, or shows twice, a line each; at most 20 lines and one with the

@@ -28,7 +28,7 @@ ErrorRef notProvisioned() {
     return ShareExtensionError::make("the group is not provisioned; run \"sela-vault init\" first");
 }
 
-/// Checks what is published together with what stays, and adds to the warnings.
+/// Checks the new values together with the stored ones, and adds to the warnings.
 ErrorRef checkPasscodes(const Publication& publication, PublicationWarnings& warnings) {
     if (!publication.passcode && !publication.decoyPasscode)
         return nullptr;
@@ -42,7 +42,7 @@ ErrorRef checkPasscodes(const Publication& publication, PublicationWarnings& war
     return nullptr;
 }
 
-/// The names of covers that can be files' names; a warning for each other one.
+/// The names of covers that are valid file names; a warning for each other one.
 std::set<std::string> coverNames(const std::vector<SharedAlbum>& albums, PublicationWarnings& warnings) {
     std::set<std::string> names;
     for (const SharedAlbum& album : albums) {
@@ -104,7 +104,7 @@ ErrorRef store(const Publication& publication, const std::optional<Data>& catalo
     return settings.value().commit();
 }
 
-/// A catalogue that may be published, as text and as what it says.
+/// A catalogue that may be published, as text and decoded.
 struct CheckedCatalogue {
     Data text;
     std::vector<SharedAlbum> albums;
@@ -122,7 +122,7 @@ Result<CheckedCatalogue> readCatalogue(const std::string& path) {
     return CheckedCatalogue{std::move(text.value()), std::move(albums.value())};
 }
 
-/// Puts the covers into the group, or says which are not there.
+/// Copies the covers into the group, or reports those that are missing.
 ErrorRef publishCovers(const Publication& publication, const std::set<std::string>& covers, const URL& folder,
                        PublicationWarnings& warnings) {
     if (!publication.coversFolder) {

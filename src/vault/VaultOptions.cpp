@@ -4,7 +4,7 @@ namespace sela {
 
 namespace {
 
-/// From nothing to an import.
+/// From an empty group to an import.
 constexpr std::string_view vaultExamples = R"(  sela-vault init
   sela-vault passcode set
   sela-vault album add Trips

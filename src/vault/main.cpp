@@ -43,7 +43,7 @@ int run(const sela::Arguments& arguments) {
 int main(int argc, char** argv) {
     sela::makeUndumpable();
     sela::keepFreedMemory();
-    // A file that would exceed a limit, or a reader that has gone, is an error of its write.
+    // Exceeding the file size limit, or a closed pipe, is an error of the write, not the end of the process.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
     ::umask(077);

@@ -1,5 +1,5 @@
-/// Preloaded into a program, lets its monotonic clock run SELA_CLOCK_SPEED times as fast, so that animations
-/// and delays cost a test hardly any time. Everything else runs as ever.
+/// Preloaded into a program, makes its monotonic clock run SELA_CLOCK_SPEED times as fast, so that animations
+/// and delays take a test hardly any time. Nothing else changes.
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-"""What the end-to-end tests share: a home of its own for each test, and the built programs run in it."""
+"""What the end-to-end tests share: a home folder of its own for each test, and running the built programs in it."""
 
 import json
 import os
@@ -30,7 +30,7 @@ CATALOGUE = [
 
 
 def kept_kinds():
-    """The words by which the store tells the kinds of file that it keeps."""
+    """The file extensions of the kinds that the store keeps."""
     source = (ROOT / "src/store/FileKind.cpp").read_text()
     return {word for table in re.findall(r'\{("[^}]+)\}', source) for word in re.findall(r'"([^"]+)"', table)}
 
@@ -66,12 +66,12 @@ class HomeTest(unittest.TestCase):
             "XDG_CONFIG_HOME": str(self.home / "config"),
             "XDG_RUNTIME_DIR": str(self.home),
             "LANG": "C.UTF-8",
-            # Else a program that looks for a session bus starts one, which stays.
+            # Otherwise a program that looks for a session bus starts one, which keeps running.
             "DBUS_SESSION_BUS_ADDRESS": "disabled:",
         }
 
     def run_program(self, name, *arguments, expect=0, environment=None, **options):
-        """Runs a program to its end, with more in its environment, and checks its status (None: any); standard
+        """Runs a program to its end, with additions to its environment, and checks its status (None: any); standard
         output and error are text."""
         result = subprocess.run([BIN / name, *map(os.fsencode, arguments)],
                                 env=self.environment | (environment or {}),
@@ -89,7 +89,7 @@ class HomeTest(unittest.TestCase):
         return self.run_program("sela-share", "--headless", *arguments, **options)
 
     def put_setting(self, key, text, kind="data"):
-        """Stores what no program of the system would."""
+        """Stores a value that none of the programs would."""
         with sqlite3.connect(self.settings) as connection:
             connection.execute("INSERT OR REPLACE INTO settings VALUES (?, ?, ?)",
                                (key, kind, text.encode() if kind == "data" else text))
@@ -99,7 +99,7 @@ class HomeTest(unittest.TestCase):
         return self.share(*files, "--tap", "addButton", **options)
 
     def start(self, *command, **options):
-        """Starts a command that ends with the test."""
+        """Starts a command that is ended with the test."""
         process = subprocess.Popen([*map(os.fsencode, command)], env=self.environment,
                                    **{"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL} | options)
         for stream in filter(None, (process.stdout, process.stderr)):
@@ -130,17 +130,17 @@ class HomeTest(unittest.TestCase):
         """The ledger as another program reads it from the settings."""
         if not self.settings.exists():
             return {}
-        # For writing too: after a kill inside a transaction the first reader rolls it back.
+        # Opened for writing: after a kill inside a transaction the first reader rolls it back.
         with sqlite3.connect(f"file:{self.settings}?mode=rw", uri=True) as connection:
             row = connection.execute("SELECT value FROM settings WHERE key = 'sharedItems'").fetchone()
         return json.loads(row[0]) if row else {}
 
     def ledger_values(self, field):
-        """What the ledger's entries hold in a field, in their order."""
+        """The values of a field of the ledger's entries, in their order."""
         return [entry.get(field) for entry in self.ledger().values()]
 
     def assert_recorded_files_are_whole(self, contents):
-        """Every entry of the ledger has its file, with one of the contents that were shared under its name."""
+        """Checks that every ledger entry has its file, with one of the contents that were shared under its name."""
         for entry in self.ledger().values():
             content = (self.items / entry["fileName"]).read_bytes()
             self.assertIn(content, contents[entry["preferredName"]], entry)
@@ -164,7 +164,7 @@ class WindowTest(HomeTest):
                               capture_output=True, text=True).stdout.strip()
 
     def open_card(self, *arguments, command=(), stderr=subprocess.DEVNULL):
-        """Starts the extension, by way of a command that runs it, and waits for its window."""
+        """Starts the extension through a command that runs it, and waits for its window."""
         process = self.start(*command, BIN / "sela-share", *arguments, stderr=stderr)
         self.window = self.x("search", "--sync", "--onlyvisible", "--name", "^Sela$").splitlines()[0]
         return process

@@ -1,4 +1,4 @@
-"""Working the card without a mouse: by keys, by the clipboard, and through a screen reader's eyes on a bus of its own."""
+"""Using the card without a mouse: by keys, by the clipboard, and as a screen reader on a bus of its own."""
 
 import os
 import pathlib
@@ -11,7 +11,7 @@ from harness import PNG, WindowTest
 
 
 class Keys(WindowTest):
-    """With screens that change at once, so that a key meets the screen that the one before it led to."""
+    """With screens that change at once, so that a key reaches the screen that the previous key opened."""
 
     def test_the_whole_flow_by_keys(self):
         self.environment["SELA_REDUCED_MOTION"] = "1"
@@ -129,7 +129,7 @@ class ScreenReader(WindowTest):
                 yield from self.walk(child)
 
     def elements(self):
-        """Role, name and description of all that is on the screen, with the accessible behind them."""
+        """Role, name and description of all elements on the screen, with their accessible objects."""
         desktop = self.atspi.get_desktop(0)
         found = {}
         for index in range(desktop.get_child_count()):
@@ -140,7 +140,7 @@ class ScreenReader(WindowTest):
                         element.clear_cache()
                         found[element.get_role_name(), element.get_name(), element.get_description()] = element
                 except self.glib.Error:
-                    return {}  # the screen changed on the way
+                    return {}  # the screen changed meanwhile
         return found
 
     def appears(self, role, name, description=""):
@@ -154,7 +154,7 @@ class ScreenReader(WindowTest):
         return {state.value_nick for state in element.get_state_set().get_states()}
 
     def press(self, element):
-        """Does what a tap on it would do."""
+        """Activates an element as a tap would."""
         actions = [self.atspi.Action.get_action_name(element, i) for i in range(element.get_n_actions())]
         self.atspi.Action.do_action(element, actions.index("Press"))
 
@@ -170,7 +170,7 @@ class ScreenReader(WindowTest):
         self.assertIn("focused", self.states(album))
         self.press(album)
 
-        # The entry tells how many digits there are; what is typed shows nowhere.
+        # The entry shows the number of digits; the digits themselves appear nowhere.
         entry = self.appears("password text", "Digits entered")
         for digit in "0123456789":
             self.appears("push button", digit)
@@ -196,7 +196,7 @@ class ScreenReader(WindowTest):
         self.press(rome)
 
         self.appears("push button", "Pick Album", "Add 1 file to Trips/Rome")
-        # The card is back where it can be worked.
+        # The card is back and can be used.
         self.has_heard("object:state-changed:focused", "push button", "Pick Album", 1)
         self.press(self.appears("push button", "Add"))
         self.has_heard("object:state-changed:showing", "notification", "Adding...", 1)

@@ -20,7 +20,7 @@ from harness import BIN, HomeTest, kept_kinds
 ID = "xyz.sela.share"
 CALL = ["gdbus", "call", "--session", "--timeout", "20", "--dest", ID, "--object-path", "/xyz/sela/share", "--method"]
 
-# Stands in for sela-share: notes how it was started, and adds without a window what it was given.
+# A stand-in for sela-share: records how it was started, and adds the files without a window.
 RECORDER = """#!/bin/sh
 printf '%s\\n' "$*" >>"$HOME/calls"
 printf '%s\\n' "$XDG_ACTIVATION_TOKEN$DESKTOP_STARTUP_ID" >>"$HOME/tokens"
@@ -55,7 +55,7 @@ class Files(Installed):
             self.assertEqual((result.returncode, complaints), (0, []))
 
     def test_every_kind_that_the_store_keeps_is_claimed(self):
-        # The shared database knows no type for these two; other packages take one of them for theirs.
+        # The shared MIME database has no type for these two; other packages claim one of them.
         files = [self.write("file." + extension, b"x") for extension in kept_kinds() - {"pic", "raw-image"}]
         output = subprocess.run(["gio", "info", "--attributes=standard::fast-content-type", *files],
                                 capture_output=True, text=True, check=True).stdout
@@ -136,7 +136,7 @@ class Launched(Installed):
         self.photo, self.video = self.write("a photo.jpg", b"x"), self.write("b.mov", b"y")
 
     def in_session(self, *commands):
-        """Runs commands one after another on a private bus, with all that is said on the bus in a file beside."""
+        """Runs commands one after another on a private bus, whose traffic is logged to a file."""
         script = f'dbus-monitor --session >"$HOME/said" & monitor=$!; sleep 0.3\n'
         script += "\n".join(" ".join("'" + str(word) + "'" for word in command) for command in commands)
         script += f"""
@@ -168,7 +168,7 @@ class Launched(Installed):
         self.assertEqual(len(self.calls()), 1)
 
     def test_purpose_hears_how_it_ended(self):
-        """As KDE's library speaks: a length, CBOR with texts and arrays of every size in it, and JSON back."""
+        """Uses the protocol of KDE's library: a length, CBOR with texts and arrays of every size, and JSON back."""
         urls = [f"file://{self.photo.replace(' ', '%20')}"] + [f"file://{self.video}"] * 30
 
         def text(word):
@@ -205,7 +205,7 @@ class Launched(Installed):
         self.assertEqual(sorted(self.calls()), sorted([both, both, "--quiet --paste", "--quiet", "--quiet -- https://a/b.jpg"]))
         self.assertEqual(self.shared(), ["a photo.jpg"] * 2 + ["b.mov"] * 2)
         self.assertIn("tokenstartup", (self.home / "tokens").read_text().splitlines())
-        # What goes wrong is shown as a notification.
+        # An error is shown as a notification.
         said = (self.home / "said").read_text()
         for text in ("member=Notify", 'string "Add to Sela"',
                      'it is no file of this computer; save it as a file and add that"'):

@@ -1,4 +1,4 @@
-"""Disks that are full or read-only, and files that change, as the programs meet them."""
+"""The programs on full or read-only disks, and with files that change."""
 
 import contextlib
 import os
@@ -85,7 +85,7 @@ class Faults(HomeTest):
         self.check_that_room_ends()
 
     def check_that_room_ends(self):
-        """Adds files until there is no room for more, and looks at what is there and whether it goes on."""
+        """Adds files until the disk is full, then checks the stored files and that adding works again."""
         self.provision()
         contents, files = self.many_files(30, 300_000)
         result = self.add(*files, expect=1)
@@ -94,7 +94,7 @@ class Faults(HomeTest):
         self.assertGreater(len(recorded), 5)
         self.assertLess(len(recorded), 30)
         self.assert_recorded_files_are_whole(contents)
-        # An import within the same disk needs no room, and makes some.
+        # An import within the same file system needs no space, and frees some.
         self.vault("import", "--into", self.home / "data/sela/into")
         self.assertEqual(self.ledger(), {})
         shutil.rmtree(self.home / "data/sela/into")

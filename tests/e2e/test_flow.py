@@ -49,7 +49,7 @@ class Window(WindowTest):
         time.sleep(1)
         subprocess.run(["import", "-window", self.window, screenshot], env=self.environment, check=True, timeout=60)
         process.terminate()
-        # The card alone: around it one shows a backdrop and the other the window's own.
+        # The card alone: around it the snapshot has a backdrop and the window its own background.
         for file in (picture, screenshot):
             subprocess.run(["convert", file, "-crop", "300x370+37+148", "+repage", file], check=True)
         compared = subprocess.run(["compare", "-metric", "RMSE", picture, screenshot, "null:"],
@@ -117,7 +117,7 @@ class Signals(HomeTest):
 
 class Lifetime(WindowTest):
     def test_a_request_that_ends_before_a_frame_was_shown_ends_the_process(self):
-        # A window manager that shows no window.
+        # A window manager that maps no window.
         x11 = ctypes.CDLL("libX11.so.6")
         x11.XOpenDisplay.restype = ctypes.c_void_p
         display = ctypes.c_void_p(x11.XOpenDisplay(self.environment["DISPLAY"].encode()))

@@ -1,4 +1,4 @@
-"""Files, names, ledgers and settings made to do harm."""
+"""Malicious files, names, ledgers and settings."""
 
 import json
 import os
@@ -13,7 +13,7 @@ import unittest
 
 from harness import BIN, CATALOGUE, PNG, HomeTest
 
-# What a terminal obeys, what ends a line, and what turns the direction of text.
+# Terminal escapes, line ends, and overrides of the text direction.
 HARMFUL = re.compile("[\x00-\x09\x0b-\x1f\x7f-\x9f\u200e\u200f\u061c\u2028-\u202e\u2066-\u2069]")
 
 NAMES = [
@@ -30,7 +30,7 @@ class HostileTest(HomeTest):
         self.provision()
 
     def run_program(self, name, *arguments, **options):
-        """As the base does, and nothing harmful may reach a terminal."""
+        """As the base class does, and checks that the output has nothing harmful to a terminal."""
         result = super().run_program(name, *arguments, **options)
         for text in (result.stdout, result.stderr):
             found = HARMFUL.search(text)
@@ -42,7 +42,7 @@ class HostileTest(HomeTest):
                 for name in folders + files}
 
     def import_all(self, **options):
-        """Imports, and looks that nothing was made outside of the import's folder."""
+        """Imports, and checks that nothing was made outside of the import's folder."""
         def outside():
             return {path for path in self.tree(self.home)
                     if not path.startswith((bytes(self.home / "into"), bytes(self.settings)))}
@@ -128,7 +128,7 @@ class SomebodyElsesGroup(HostileTest):
 
 
 class Attachments(HostileTest):
-    """Files that are no plain file, or do not stay the file they were."""
+    """Special files, and files that are changed or replaced meanwhile."""
 
     def test_files_without_a_size_or_without_an_end_stop_nothing(self):
         running = []
@@ -221,7 +221,7 @@ class Privacy(HostileTest):
             mask = 0 if "chmod" in line else masks.get(process, 0o077)
             self.assertEqual(int(mode[1], 8) & ~mask & 0o077, 0, line)
         self.assertGreater(made, 10)
-        # Whether the kernel has them or not, the helper asks for them.
+        # The helper makes these calls whether the kernel supports them or not.
         for layer in ("unshare(CLONE_NEWUSER|CLONE_NEWNET", "landlock_create_ruleset("):
             self.assertIn(layer, trace.read_text())
         for path in [self.home / name for name in ("screen.png", "tree.json", "data/sela", "config/sela", "into")]:

@@ -12,7 +12,7 @@ from harness import BIN, FAST_CLOCK, HomeTest
 
 KILLS = int(os.environ.get("SELA_KILLS", "300"))
 SIZES = (10, 300_000, 2 * 1024 * 1024 + 1)
-# How many rounds until everything is imported, looked at and cleared away.
+# The number of rounds after which everything is imported, checked and removed.
 SEASON = 50
 
 
@@ -29,7 +29,7 @@ class Kills(HomeTest):
         self.into = self.home / "into"
         self.digests = {}  # by the name under which a content is shared: each is shared once
         self.recorded = set()
-        self.lengths = {"share": 1.0, "import": 0.1}  # seconds; kept up with what is seen
+        self.lengths = {"share": 1.0, "import": 0.1}  # seconds; updated with the measured ones
         self.killed = self.entries_seen = 0
         self.tail = os.urandom(max(SIZES))
 
@@ -52,7 +52,7 @@ class Kills(HomeTest):
     def kill(self, process, program):
         alive = process.poll() is None
         self.killed += alive
-        # Most kills should strike while something happens, however busy the machine is.
+        # Most kills should happen while work is done, however busy the machine is.
         self.lengths[program] *= 1.01 if alive else 0.96
         process.send_signal(signal.SIGKILL)
         process.wait()
@@ -77,7 +77,7 @@ class Kills(HomeTest):
         self.recorded |= {entry["preferredName"] for entry in entries}
 
     def end_season(self):
-        """Imports the rest: every entry seen was placed, once and whole."""
+        """Imports the rest, and checks that every entry seen was placed once and completely."""
         self.vault("import", "--into", self.into)
         self.assertEqual(self.ledger(), {})
         placed = [path for path in self.into.rglob("*") if path.is_file()]

@@ -1,4 +1,4 @@
-"""Every string table: complete, and its texts made of what the English ones are made of."""
+"""Every string table: complete, and its texts with the same placeholders as the English ones."""
 
 import errno
 import gettext
@@ -25,7 +25,7 @@ class Tables(unittest.TestCase):
     def test_every_table_has_every_key(self):
         keys = set(keys_in_source())
         self.assertLessEqual(keys, set(ENGLISH))
-        # The others are reasons of errors: the system's, or ours.
+        # The others are texts of errors: the system's, or ours.
         reasons = {os.strerror(number) for number in errno.errorcode}
         source = "".join(path.read_text() for path in (ROOT / "src").rglob("*.cpp"))
         self.assertEqual([key for key in set(ENGLISH) - keys - reasons if key and f'"{key}"' not in source], [])

@@ -1,4 +1,4 @@
-"""Far more than anybody shares at once. SELA_LOAD=long takes the full numbers and the 20 GiB file (minutes, and 40 GiB
+"""Far more than is ever shared at once. SELA_LOAD=long takes the full numbers and the 20 GiB file (minutes, and 40 GiB
 of disk)."""
 
 import json
@@ -33,7 +33,7 @@ class Load(HomeTest):
         begin = time.monotonic()
         peak = 0
         while process.poll() is None:
-            # Not from the usage that the system tells at the end, which counts this process before the start too.
+            # Not from the rusage at the end, which includes this process before the exec.
             found = re.search(r"VmHWM:\s*(\d+) kB", pathlib.Path(f"/proc/{process.pid}/status").read_text())
             peak = int(found[1]) / 1024 if found else peak
             time.sleep(0.02)

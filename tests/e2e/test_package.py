@@ -1,4 +1,4 @@
-"""The Debian package: what is in it, what it asks for, and that the programs in it work where they were unpacked."""
+"""The Debian package: its content, its dependencies, and that its programs work where they were unpacked."""
 
 import os
 import pathlib

@@ -1,4 +1,4 @@
-"""The screens as they are laid out and as they look, compared with what people have looked at: a line for each view
+"""The layout and the look of the screens, compared with reviewed references: a line for each view
 in screens/*.txt, pictures in screens/*.png. scripts/renew-screens writes both anew."""
 
 import os
@@ -55,11 +55,11 @@ class Screens(HomeTest):
         self.empty = self.write("empty.jpg", b"")
 
     def walk(self, name, arguments, environment, count, steps, option="--tree"):
-        """Goes through screens, and returns the file that the option writes of each."""
+        """Walks through the screens, and returns the file that the option writes for each."""
         files = {screen: self.home / f"{name}-{screen}.{option[2:]}" for screen, *_ in steps}
         for screen, *before in steps:
             arguments = [*arguments, *before, option, files[screen]]
-        # The copy of an empty file never ends, so that "Adding..." stays.
+        # The copy of an empty file never completes, so that "Adding..." stays.
         self.share(*arguments, *self.files[:count], *([self.empty] if steps == WALK else []), environment=environment,
                    expect=None)
         return files
@@ -127,7 +127,7 @@ class Screens(HomeTest):
                 reference = REFERENCES / f"{screen}-{name}.png"
                 if RENEW:
                     shutil.copy(file, reference)
-                # Components that are apart by 48 of 255 are seen by anyone; a mean of half a step is seen by nobody.
+                # Components that differ by 48 of 255 are visible; a mean difference of half a step is not.
                 for measure, most in (["-fuzz", "19%", "-metric", "AE"], 30), (["-metric", "MAE"], 65):
                     result = subprocess.run(["compare", *measure, file, reference, "null:"], capture_output=True,
                                             text=True)

@@ -1,4 +1,4 @@
-"""What a terminal gets from the programs: the line that says how far saving has come, and a prompt that shows nothing."""
+"""The programs' output on a terminal: the progress line of saving, and a prompt without echo."""
 
 import concurrent.futures
 import contextlib

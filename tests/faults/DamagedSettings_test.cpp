@@ -30,8 +30,8 @@ protected:
         ASSERT_GT(whole.size(), 65'536u);
     }
 
-    /// A share and an import on damaged settings end by themselves; a share that was reported done is
-    /// recorded; one that failed leaves the file as it was.
+    /// A share and an import on damaged settings terminate; a share that was reported done is recorded; one
+    /// that failed leaves the file unchanged.
     void tryWith(const std::string& damaged, const std::string& what) {
         const std::string name = "3.5new.jpg";
         std::filesystem::remove(group.items() / name);

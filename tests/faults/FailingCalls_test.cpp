@@ -10,24 +10,24 @@ namespace {
 
 constexpr std::size_t block = 2'097'152;
 
-/// Whether every call meets every fault, rather than the faults in turn.
+/// Whether every call gets every fault, rather than one of them in turn.
 bool everything() {
     return std::getenv("SELA_ALL_FAULTS") != nullptr;
 }
 
-/// What happens to one call, and whether it goes on happening to all that follow. EIO that goes on is what a
-/// kill does to the disk: nothing of the program reaches it any more.
+/// The fault of one call, and whether all later calls have it too. A lasting EIO has the same effect on the
+/// disk as a kill: nothing that the program does reaches it any more.
 struct Fault {
-    int error; ///< 0: half of what was to be read or written is, or one byte
+    int error; ///< 0: only half of the bytes, or one, are read or written
     bool goesOn;
 };
 
-/// Makes a fault to the call of that number.
+/// Injects a fault into the call of that number.
 class FaultAt : public DiskWrapper {
 public:
     FaultAt(std::size_t place, const Fault& fault) : place_(place), fault_(fault) {}
 
-    /// The call that met the fault; empty when there were fewer calls.
+    /// The call that got the fault; empty when there were fewer calls.
     std::string struck;
 
     std::int64_t read(int descriptor, std::span<std::byte> buffer) override {
@@ -68,8 +68,8 @@ class FailingCalls : public testing::Test {
 protected:
     FaultyGroup group;
 
-    /// Makes a fault to the first call, then to the second, and so on until the operation ends before its
-    /// turn comes.
+    /// Injects a fault into the first call, then into the second, and so on until the operation makes no call
+    /// of that number.
     void sweep(const Operation& operation) {
         int runs = 0;
         std::vector<Fault> faults;
@@ -88,7 +88,7 @@ protected:
         std::printf("%s: %zu calls, %d runs\n", operation.name.c_str(), place - 1, runs);
     }
 
-    /// Whether the operation made so many calls that the fault met one.
+    /// Whether the operation made enough calls to get the fault.
     bool meets(const Operation& operation, std::size_t place, const Fault& fault) {
         group.reset(operation.entries, operation.records);
         bool succeeded = false;

@@ -25,10 +25,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// How the names of files end that have a long record.
+/// The suffix of the names of files with a long record.
 constexpr const char* longEnding = ".5long.jpg";
 
-/// A file system that cannot give a file a second name, as between two disks.
+/// A file system without hard links, as between two disks.
 class NoLinks : public DiskWrapper {
     int link(const std::string&, const std::string&) override { return -EXDEV; }
 };
@@ -52,7 +52,7 @@ SharedItem item(const std::string& fileName) {
     return {fileName, {"Trips", "Rome"}, false, std::string(length, 'n') + ".jpg"};
 }
 
-/// A new process has no connection to the settings. Another suite takes the place of the one that is kept.
+/// A new process has no connection to the settings: opening another suite replaces the one that is kept.
 void forgetConnection() {
     (void)UserDefaults::withSuiteName("another");
 }
@@ -71,8 +71,7 @@ bool runSave(Save save) {
 } // namespace
 
 FaultyGroup::FaultyGroup() {
-    // In memory where possible: what a disk would keep is the tests' own business, and thousands of runs
-    // flush.
+    // In memory where possible: the tests simulate the disk themselves, and thousands of runs call fsync.
     const fs::path memory = "/dev/shm";
     const bool usable = ::access(memory.c_str(), W_OK) == 0;
     std::string pattern = ((usable ? memory : fs::temp_directory_path()) / "sela-faults-XXXXXX").string();
@@ -115,7 +114,7 @@ const std::string& FaultyGroup::content(const std::string& fileName, std::size_t
     std::string& bytes = contents_[fileName];
     if (bytes.size() != size) {
         bytes = patternedBytes(size);
-        // A size of one has one byte to tell it from the others, and one is enough.
+        // A content of one byte differs from the others by that byte, which is enough.
         const std::string mark = size < 100 ? fileName.substr(0, 1) : fileName;
         bytes.replace(0, std::min(mark.size(), size), mark.substr(0, size));
     }
@@ -241,7 +240,7 @@ std::vector<Operation> operations(std::size_t size) {
     const auto import = [](const FaultyGroup& group) { return group.import(); };
     const auto importByCopies = [](const FaultyGroup& group) { return group.import(false); };
     const auto publish = [](const FaultyGroup& group) { return group.publish(2); };
-    // Of four long records the first leaves blanks behind.
+    // Of four long records the first one leaves blanks when it is removed.
     return {{"first save of a file", 0, usual, saveFile, name},
             {"first save of data", 0, usual, saveData, name},
             {"save of a file", 2, usual, saveFile, name},

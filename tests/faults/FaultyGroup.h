@@ -11,8 +11,8 @@
 
 namespace sela {
 
-/// A group in a home of its own, always at the same path, that faults are made to and that is looked at
-/// afterwards.
+/// A group in a home folder of its own, always at the same path, for injecting faults and checking the
+/// result.
 class FaultyGroup {
 public:
     FaultyGroup();
@@ -27,13 +27,14 @@ public:
     /// Two long records are more than a page of the settings.
     enum class Records { usual, longOnes };
 
-    /// Makes the group anew: provisioned; with `entries`, that many files recorded before and a publication.
+    /// Creates the group again: provisioned; with `entries`, that many files recorded before and a
+    /// publication.
     void reset(int entries, Records records = Records::usual);
 
     /// The content of an item: of this size, and of no other item.
     const std::string& content(const std::string& fileName, std::size_t size);
 
-    /// Each as a new process would do it, with its main loop. Whether it was reported done.
+    /// Each runs as in a new process, with its main loop. Whether it was reported done.
     bool save(const std::string& fileName, std::size_t size);
     bool saveData(const std::string& fileName, std::size_t size);
 
@@ -43,13 +44,13 @@ public:
     /// The album catalogue of that number, with its passcode and its cover.
     bool publish(int number) const;
 
-    /// What is wrong with the group, empty for nothing: an entry without its whole file; an entry of before
-    /// that went without having been placed by an import; a `saved` item that is not recorded; a `published`
-    /// number (0: not known) that is not what readers see, or a catalogue and passcode of different numbers;
-    /// and then a share, an import or a publication that does not work any more.
+    /// What is wrong with the group, empty for nothing: an entry without its whole file; an earlier entry
+    /// that was removed without having been placed by an import; a `saved` item that is not recorded; a
+    /// `published` number (0: not known) that is not what readers see, or a catalogue and passcode of
+    /// different numbers; and a share, an import or a publication that does not work afterwards.
     std::string wrong(const std::string& saved, int published);
 
-    /// The same behind an operation that ended, or did not end, with success.
+    /// The same after an operation that ended, or did not end, with success.
     std::string wrongBehind(const struct Operation& operation, bool succeeded);
 
 private:
@@ -57,17 +58,17 @@ private:
     std::string readLedger(std::multiset<std::string>& recorded) const;
     std::string wrongPublication(int published) const;
 
-    /// The names of items whose content was placed by imports; a file that holds something else is "torn".
+    /// The names of items whose content was placed by imports; a file with other content is "torn".
     std::multiset<std::string> placed() const;
 
-    LogCapture log_; ///< keeps the log away
+    LogCapture log_; ///< captures the log
     std::filesystem::path top_;
     std::filesystem::path home_;
     std::map<std::string, std::string> contents_; ///< by file name
     std::set<std::string> before_;                ///< names of the files recorded by `reset`
 };
 
-/// Something that a program does to a group.
+/// An operation of a program on a group.
 struct Operation {
     std::string name;
     int entries; ///< recorded before

@@ -13,19 +13,19 @@ namespace {
 
 using Survival = RecordingDisk::Survival;
 
-/// How many states are made at random behind each change, besides the four extremes.
+/// How many random states are made after each change, besides the four extremes.
 int randomStates() {
     const char* const text = std::getenv("SELA_POWER_CUTS");
     return text ? std::atoi(text) : 1;
 }
 
-/// Nothing that a program does reaches the disk any more from one call on, as if it were killed there.
+/// From one call on, nothing that a program does reaches the disk, as if it were killed there.
 class Kill : public DiskWrapper {
 public:
-    /// At the call behind so many.
+    /// After this many calls.
     explicit Kill(int calls) : left_(calls) {}
 
-    /// At the first flush behind a truncation.
+    /// At the first fsync after a truncation.
     Kill() = default;
 
     bool struck = false;
@@ -54,11 +54,11 @@ protected:
     FaultyGroup group;
     std::mt19937 chance{20'240'817};
     int states = 0;
-    RecordingDisk::State last; ///< that was looked at
+    RecordingDisk::State last; ///< that was checked
 
     void TearDown() override { std::printf("%d states\n", states); }
 
-    /// Looks at one state, unless the same was looked at just before.
+    /// Checks one state, unless the same was checked just before.
     void look(const RecordingDisk& disk, std::size_t changes, Survival contents, Survival entries,
               const Operation& operation) {
         const RecordingDisk::State state = disk.stateAfter(changes, contents, entries, chance);
@@ -89,14 +89,14 @@ protected:
         }
     }
 
-    /// What was recorded of a run that was killed and another that then went to its end.
+    /// The changes recorded of a run that was killed and of another that then completed.
     struct TwoRuns {
         std::unique_ptr<RecordingDisk> disk;
-        std::size_t killedAt; ///< behind so many changes
+        std::size_t killedAt; ///< after this many changes
     };
 
-    /// Lets a kill strike and then another run go to its end on what that left in the memory of the system.
-    /// Absent when the first run ended before the kill.
+    /// Kills a run and then completes another one on what the first left in the page cache. Absent when the
+    /// first run ended before the kill.
     template<class... Place>
     std::optional<TwoRuns> runAfterAKill(const Operation& operation, const Operation& again, Place... place) {
         group.reset(operation.entries, operation.records);

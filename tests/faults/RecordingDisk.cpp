@@ -22,7 +22,7 @@ std::pair<std::string, std::string> folderAndName(const std::string& path) {
     return {path.substr(0, slash), path.substr(slash + 1)};
 }
 
-/// Which of so many changes survive, in order.
+/// Which of this many changes survive, in order.
 std::vector<bool> survivors(std::size_t count, RecordingDisk::Survival survival, std::mt19937& chance) {
     using enum RecordingDisk::Survival;
     std::vector<bool> kept(count, survival == everything);
@@ -52,7 +52,7 @@ std::size_t RecordingDisk::scan(const fs::path& path) {
 }
 
 std::size_t RecordingDisk::made(const std::string& path, bool isFolder) {
-    // Its content is made of changes alone.
+    // Its content consists of changes only.
     initial_.push_back({isFolder, {}, {}});
     setEntry(path, initial_.size() - 1);
     return initial_.size() - 1;

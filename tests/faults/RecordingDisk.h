@@ -10,12 +10,12 @@
 
 namespace sela {
 
-/// Records what is changed below a folder while this lives, and makes the states that the disk may be in
-/// after a power cut behind any of the changes: all that was flushed, and of the rest anything, in any order.
-/// Only a flush of a file keeps its content, only a flush of a folder its entries.
+/// Records the changes below a folder while this lives, and constructs the states that the disk may be in
+/// after a power cut at any point: all that was flushed, and any subset of the rest, in any order. Only an
+/// fsync of a file makes its content durable, only an fsync of a folder its entries.
 class RecordingDisk : public DiskWrapper {
 public:
-    /// What stands below `root` now counts as flushed.
+    /// The present content of `root` counts as flushed.
     explicit RecordingDisk(const std::filesystem::path& root);
 
     std::size_t changes() const { return changes_.size(); }
@@ -35,11 +35,11 @@ public:
     /// The root is the first of them; some may have no entry any more.
     using State = std::vector<Object>;
 
-    /// The state after a power cut behind so many changes. With `some` a write that survives may
-    /// be torn at the end of a sector.
+    /// The state after a power cut after this many changes. With `some` a write that survives may be torn at
+    /// the end of a sector.
     State stateAfter(std::size_t changes, Survival contents, Survival entries, std::mt19937& chance) const;
 
-    /// Replaces what stands below the root by a state.
+    /// Replaces the content of the root by a state.
     void restore(const State& state) const;
 
     int open(const std::string& path, int flags, mode_t mode) override;
@@ -61,7 +61,7 @@ private:
         std::size_t object;
         std::size_t offset = 0; ///< or the new length
         std::string bytes;
-        /// Names of a folder and what they lead to from then on; one step of the disk.
+        /// Names in a folder and the objects that they refer to from then on; one atomic change.
         std::vector<std::pair<std::string, std::optional<std::size_t>>> entries;
     };
 

@@ -3,7 +3,7 @@
 #include "unlock/AlbumTree.h"
 
 // Reads arbitrary bytes as a catalogue. What is accepted must survive being written and read again, and each
-// vault must show albums of its own alone.
+// vault must show only its own albums.
 void fuzz(sela::DataView input) {
     const auto albums = sela::decodeJSONArray<sela::SharedAlbum>(input);
     if (!albums)

@@ -3,8 +3,8 @@
 #include "store/SharedItemLedger.h"
 #include "vault/ImportPlace.h"
 
-// Reads arbitrary bytes as a ledger. One that is accepted can be added to, keeps what it held, can do without
-// an entry, and leads to places below the folder of an import only.
+// Reads arbitrary bytes as a ledger. To an accepted one an entry can be added, which keeps the others; one
+// can be removed; and its import targets are below the import's folder.
 void fuzz(sela::DataView input) {
     namespace Ledger = sela::SharedItemLedger;
     const sela::SharedItem added{"1.5a.jpg", {"A-b", "C"}, true, "a.jpg"};

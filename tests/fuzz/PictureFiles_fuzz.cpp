@@ -7,8 +7,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-// Takes arbitrary bytes for a picture of the kinds that are read without a library, and for a block of EXIF.
-// (Files of the other kinds are mutated in the tests of the helper: their decoders may ask for more memory
+// Reads arbitrary bytes as a picture of the kinds that are read without a library, and as a block of EXIF.
+// (Files of the other kinds are mutated in the tests of the helper: their decoders may allocate more memory
 // than a sanitized process can refuse.)
 void fuzz(sela::DataView input) {
     sela::orientationOfEXIF(input);

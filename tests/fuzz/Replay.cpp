@@ -6,8 +6,8 @@
 #include <iterator>
 #include <string>
 
-// Hands each file of the folder that is named to the target, and its beginnings, which is how most of what
-// breaks a parser ends. A folder without a file is a mistake.
+// Passes each file of the given folder to the target, and its prefixes, since truncated input breaks most
+// parsers. A folder without a file is an error.
 int main(int, char** argv) {
     std::size_t files = 0;
     for (const auto& entry : std::filesystem::directory_iterator(argv[1])) {

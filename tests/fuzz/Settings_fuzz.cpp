@@ -21,7 +21,7 @@ const std::string& settingsFile() {
 
 } // namespace
 
-// Takes arbitrary bytes for the settings file, reads from it and stores in it.
+// Uses arbitrary bytes as the settings file, reads from it and stores in it.
 void fuzz(sela::DataView input) {
     std::remove((settingsFile() + "-journal").c_str());
     std::remove(settingsFile().c_str());

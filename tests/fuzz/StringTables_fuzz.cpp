@@ -1,7 +1,7 @@
 #include "fuzz/FuzzTarget.h"
 #include "platform/foundation/StringTable.h"
 
-// Takes the input for a compiled table.
+// Reads the input as a compiled table.
 void fuzz(sela::DataView input) {
     if (const auto table = sela::StringTable::parse(input, "table"); !table)
         require(table.error()->localizedDescription().starts_with("table is "));

@@ -5,7 +5,7 @@
 #include "store/FileKind.h"
 #include "vault/ImportPlace.h"
 
-// Takes arbitrary bytes for a URL, a path, a name and a log line.
+// Uses arbitrary bytes as a URL, a path, a name and a log line.
 void fuzz(sela::DataView input) {
     const std::string_view text = sela::asText(input);
     if (const auto url = sela::URL::parse(text)) {

@@ -31,8 +31,8 @@ private:
 inline const testing::Environment* const offscreenApplication =
     testing::AddGlobalTestEnvironment(new OffscreenApplication);
 
-/// What a test of drawing needs: a main queue whose clock stands still, and text measured as it is drawn.
-/// Qt's application is made before the first test and needs no display.
+/// The environment of a drawing test: a main queue whose clock stands still, and text measured as it is
+/// drawn. Qt's application is made before the first test and needs no display.
 class OffscreenEnvironment {
 public:
     OffscreenEnvironment() { TextMeasurer::setCurrent(&measurer); }

@@ -16,7 +16,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 
-/// What the window told since the last look, as "event name".
+/// The events of the window since the last call, as "event name".
 std::vector<std::string>& told() {
     static std::vector<std::string> events;
     return events;
@@ -52,7 +52,7 @@ protected:
         QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(active);
     }
 
-    /// Lets the window draw, and returns what it tells by that.
+    /// Makes the window draw, and returns the events.
     std::vector<std::string> look() {
         told().clear();
         EXPECT_TRUE(QTest::qWaitFor([&] { return !window_.needsFrame(); }));
@@ -99,7 +99,7 @@ TEST_F(AccessibilityTest, TellsWhatChangesAndForgetsWhatIsGone) {
     probe_->button7.setHidden(false);
     EXPECT_THAT(look(), ElementsAre("created seven"));
 
-    // A row that scrolls away may come back for another one.
+    // The cell of a row that scrolled away may be reused for another one.
     probe_->tableView.scrollToRow({.row = 20, .section = 1});
     look();
     EXPECT_THAT(names(*root().child(4)), Not(IsEmpty()));

@@ -26,7 +26,7 @@ const QString portalInterface = QStringLiteral("org.freedesktop.portal.Settings"
 const QString group = QStringLiteral("org.freedesktop.appearance");
 const QString interfaceGroup = QStringLiteral("org.gnome.desktop.interface");
 
-/// Stands for the desktop's settings portal.
+/// A stand-in for the desktop's settings portal.
 class Portal : public QDBusVirtualObject {
 public:
     explicit Portal(const QDBusConnection& bus) : bus_(bus) {
@@ -53,7 +53,7 @@ public:
         bus_.send(signal);
     }
 
-    bool couldLookAtCaller = false; ///< as a real one must, when it was asked
+    bool couldLookAtCaller = false; ///< as a real one must, at the call
     QVariantMap settings;
     QVariantMap interfaceSettings;
 

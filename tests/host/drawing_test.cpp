@@ -118,7 +118,7 @@ TEST(ViewPainter, AShadowFadesWithTheDistanceFromWhatIsDrawn) {
     EXPECT_EQ(scene.pixel(30, 30), redPixel);
 }
 
-/// What changed is drawn piece by piece, so pieces must add up to the whole, and touch nothing around them.
+/// Changed areas are drawn piece by piece, so pieces must add up to the whole, and draw nothing around them.
 TEST(ViewPainter, DrawsPiecesThatAddUpToTheWhole) {
     SmallScene scene;
     scene.view.setBackgroundColor(red);

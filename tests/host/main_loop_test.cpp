@@ -13,11 +13,11 @@
 namespace sela {
 namespace {
 
-/// What every main loop keeps to.
+/// The behaviour that all main loops share.
 template<typename Loop>
 class MainLoopTest : public testing::Test {
 protected:
-    /// Runs until the tasks of the next 0.2 seconds and what they lead to are over.
+    /// Runs until the tasks of the next 0.2 seconds, and those that they cause, have run.
     void run() {
         if constexpr (std::is_same_v<Loop, QtMainLoop>)
             queue.asyncAfter(0.2, [this] { queue.finish(); });

@@ -1,4 +1,4 @@
-"""Makes the samples that no tool makes: see make-samples, which runs this in their folder."""
+"""Makes the samples that no tool can make: see make-samples, which runs this in their folder."""
 
 import struct
 import sys
@@ -6,7 +6,7 @@ import zlib
 
 
 def swapped_profile():
-    """An ICC profile like sRGB whose red and blue are exchanged, so that obeying it shows."""
+    """An ICC profile like sRGB with red and blue exchanged, so that using it is visible."""
 
     def fixed(number):
         return struct.pack(">i", round(number * 65536))
@@ -102,7 +102,7 @@ def full_box(kind, content, version=0, flags=0):
 
 
 def boxes(content):
-    """The boxes that follow one another in `content`, as pairs of kind and content."""
+    """The consecutive boxes in `content`, as pairs of kind and content."""
     place = 0
     while place < len(content):
         size, kind = struct.unpack_from(">I4s", content, place)
@@ -166,7 +166,7 @@ def turned_pictures():
 
 
 def described_pictures():
-    """Pictures with items that belong to them: a gain map and what describes both, thumbnails that are true or not."""
+    """Pictures with items that belong to them: a gain map and what describes both, thumbnails that match the picture or not."""
     configuration, data = coded_picture(read("plain.heic"))
     picture = (b"hvc1", data, [configuration, size_box(640, 480)])
     exif = struct.pack(">I", 6) + b"Exif\0\0MM\0*\0\0\0\x08\0\0\0\0\0\0"

@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Seconds that a request may take here, and what is granted beyond them to a machine that is busy.
+// Seconds that a request may take here, and an allowance for a busy machine.
 constexpr double timeLimit = 5;
 constexpr double slack = 8;
 
@@ -36,8 +36,7 @@ MediaRequest request(MediaOperation operation, std::uint32_t asset) {
     return made;
 }
 
-/// Files made to cost more time, memory or stack than they are worth: each is offered as a picture and as a
-/// video.
+/// Files crafted to consume much time, memory or stack: each is requested as a picture and as a video.
 TEST(Bombs, CostNoMoreThanTheyMay) {
     MediaServiceClient client({SELA_BINARY_DIR "/bin", timeLimit});
     const auto answers = [&](const char* name, MediaOperation operation) {

@@ -75,7 +75,7 @@ std::ptrdiff_t openDescriptors() {
     return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
 }
 
-/// Bytes of this process's memory that is its own.
+/// The private memory of this process in bytes.
 long privateMemory() {
     long size = 0;
     long resident = 0;
@@ -90,8 +90,8 @@ bool endedItsHelper(const ErrorRef& error) {
            known->code() == AVErrorMediaServicesWereReset;
 }
 
-/// Whether a damaged file of that kind must not end its helper: those that this project's own code reads, and
-/// those of old codecs, which are allowed on this condition. (A crash elsewhere costs the thumbnail.)
+/// Whether a damaged file of that kind must not crash its helper: those that this project's own code reads,
+/// and those of old codecs, which are allowed on this condition. (A crash elsewhere costs the thumbnail.)
 bool mustNotEndItsHelper(const std::string& name) {
     constexpr const char* kinds[] = {".bmp",         ".dng",      ".pict",   "8bps.mov",
                                      "cinepak.mov",  "mjpeg.mov", "png.mov", "qtrle.mov",
@@ -130,7 +130,7 @@ TEST_P(MutatedFiles, CostNothingButTheirThumbnail) {
         EXPECT_FALSE(mustNotEndItsHelper(name) && endedItsHelper(answer.error())) << name << " " << i;
     }
     EXPECT_EQ(openDescriptors(), descriptors);
-#ifndef SELA_SANITIZED // which keep what was freed for a while
+#ifndef SELA_SANITIZED // which delay freeing memory
     EXPECT_LT(privateMemory() - memory, 32L << 20);
 #endif
     EXPECT_TRUE(UIImage::contentsOfFile(sample("baseline.jpg"), 64));

@@ -172,8 +172,8 @@ TEST(Sandbox, NobodyLooksIn) {
     ASSERT_EQ(::pipe(gate), 0);
     const pid_t child = ::fork();
     if (child == 0) {
-        // As an ordinary user's, whose files in /proc tell by their owner whether others of that user may
-        // read them.
+        // As an ordinary user, for whom the owner of a process's files in /proc decides whether others of
+        // that user may read them.
         if (::geteuid() == 0 && (::setuid(65534) != 0 || ::prctl(PR_SET_DUMPABLE, 1) != 0))
             ::_exit(notAsExpected);
         ::close(gate[0]);
@@ -194,7 +194,7 @@ TEST(Sandbox, NobodyLooksIn) {
     ::close(gate[0]);
 }
 
-/// What holds without the filter of system calls.
+/// The confinement without the seccomp filter.
 TEST(Sandbox, LayersBelowTheFilterHoldByThemselves) {
     const auto network = [] { return std::filesystem::read_symlink("/proc/self/ns/net").string(); };
     const auto inChild = [](const std::function<int()>& body) {

@@ -1,4 +1,4 @@
-"""The rule of the includes is kept by src, and the check sees it broken."""
+"""src follows the include rule, and the check detects violations."""
 
 import pathlib
 import subprocess

@@ -33,19 +33,19 @@ class Hardening(unittest.TestCase):
                 self.assertIn("__stack_chk_fail", symbols)
                 self.assertIn("__glibcxx_assert_fail", symbols)
                 fortified += bool(re.search(r"__\w+_chk@", symbols))
-        # Nothing in a program tells of these.
+        # These leave no trace in a program.
         for entry in json.loads((BIN.parent / "compile_commands.json").read_text()):
             if "/src/" in entry["file"]:
                 for flag in ("-fstack-clash-protection", "-ftrivial-auto-var-init=zero"):
                     self.assertIn(flag, entry["command"], entry["file"])
-        # The helper for videos and the service call nothing whose bounds are only known as they run.
+        # The video helper and the service make no call whose bounds are known only at run time.
         self.assertGreaterEqual(fortified, len(programs) - 2)
 
     def test_functions_begin_where_indirect_branches_may_go(self):
         mark = {"X86-64": b"\xf3\x0f\x1e\xfa", "AArch64": b"\x5f\x24\x03\xd5"}  # endbr64, bti c
         for program in sorted(BIN.glob("sela-*")):
             machine = re.search(r"Machine:.*\s(\S+)$", readelf("--file-header", program), re.MULTILINE)[1]
-            # Debian's start files leave out the note that says so for the whole program, so the code is looked at.
+            # Debian's start files lack the note that says so for the whole program, so the code is checked.
             text = re.search(r"\.text\s+PROGBITS\s+\w+ (\w+) (\w+)", readelf("--section-headers", program))
             start, size = int(text[1], 16), int(text[2], 16)
             code = program.read_bytes()[start:start + size]

@@ -7,8 +7,8 @@
 
 namespace sela {
 
-/// Forwards every call to the disk that is in use and stands in for it while it lives, so that a test makes a
-/// fault by overriding one call, or by refusing some of them.
+/// Replaces the disk in use while it lives and forwards every call to it, so that a test injects a fault by
+/// overriding one call, or by refusing some of them.
 class DiskWrapper : public Disk {
 public:
     DiskWrapper() : target_(inUse()) { use(this); }
@@ -16,7 +16,7 @@ public:
     DiskWrapper(const DiskWrapper&) = delete;
     DiskWrapper& operator=(const DiskWrapper&) = delete;
 
-    /// Puts the disk in use that was in use before, ahead of this one's end.
+    /// Restores the former disk before this one is destroyed.
     void takeOutOfUse() { use(&target_); }
 
     int open(const std::string& path, int flags, mode_t mode) override {
@@ -96,7 +96,7 @@ protected:
     /// result instead.
     virtual int refusal(const char*) { return 0; }
 
-    /// Where an open file lies.
+    /// The path of an open file.
     static std::string pathOf(int descriptor) {
         std::error_code ignored;
         return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), ignored).string();

@@ -6,7 +6,7 @@
 
 namespace sela {
 
-/// A home folder of its own for one test: XDG_DATA_HOME and XDG_CONFIG_HOME lead into it while this lives,
+/// A home folder of its own for one test: XDG_DATA_HOME and XDG_CONFIG_HOME point into it while this lives,
 /// and it is removed afterwards. One at a time.
 class TemporaryHome {
 public:
@@ -34,7 +34,7 @@ private:
 /// The bytes of a file; fails the test when it cannot be read.
 std::string contentOf(const std::filesystem::path& path);
 
-/// `size` bytes that repeat with no short period, so that a block in the wrong place shows.
+/// `size` bytes that repeat with no short period, so that a block in the wrong place is detected.
 std::string patternedBytes(std::size_t size);
 
 } // namespace sela

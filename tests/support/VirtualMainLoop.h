@@ -14,14 +14,14 @@ public:
     double now() const override;
 
     /// Moves the clock by `seconds`, running each task that comes due at its own time, and waits for
-    /// background work so that whatever it posts runs too.
+    /// background work so that the tasks that it posts run too.
     void advance(double seconds);
 
     /// Runs what is due now, waiting for background work, until nothing more is due; the clock stands still.
     void runPending();
 
-    /// Moves the clock from due task to due task until none is left. A task that repeats itself for ever
-    /// keeps this from returning.
+    /// Moves the clock from due task to due task until none is left. Does not return if a task repeats itself
+    /// forever.
     void runUntilIdle();
 
 private:

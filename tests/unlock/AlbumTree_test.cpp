@@ -10,7 +10,7 @@ namespace {
 
 using Albums = std::vector<SharedAlbum>;
 
-/// The rows that a catalogue leads to, found by looking through all of it for each row.
+/// The expected rows of a catalogue, found by searching all of it for each row.
 std::vector<Albums> rowsByModel(const Albums& catalogue, bool fake, const std::vector<bool>& unfolded) {
     std::vector<Albums> sections;
     for (std::size_t i = 0; i < catalogue.size(); ++i) {

@@ -10,10 +10,10 @@ namespace {
 
 constexpr double shakeDuration = 0.6;
 
-/// The vault's and the decoy's album, by which a picker's loaded albums tell which vault they are of.
+/// The vault's and the decoy's album, which identify the vault whose albums a picker loaded.
 const std::vector<SharedAlbum> twoVaults = {album({"vault"}), album({"decoy"}, true)};
 
-/// A passcode of a length that matters, of few digits so that entries often come close.
+/// A passcode of a relevant length, with few different digits so that entries often nearly match.
 rc::Gen<Passcode> somePasscode() {
     const auto digits =
         rc::gen::mapcat(rc::gen::element<std::size_t>(0, 1, 4, 4, 5, 6, 6, 7), [](std::size_t n) {
@@ -32,7 +32,7 @@ int someDigit(const std::string& entry, const std::vector<Passcode>& codes) {
     return *rc::gen::inRange(0, 3);
 }
 
-/// What a picker is expected to do, written down as a table of cases rather than as the screen does it.
+/// The expected behaviour of a picker, as a table of cases rather than in the way of the screen.
 struct PickerModel {
     Passcode vault;
     Passcode decoy;
@@ -126,7 +126,7 @@ RC_GTEST_FIXTURE_PROP(KeyRules, ThePickerKeepsItsRuleUnderRandomTaps, ()) {
             model.timePasses(loop_.now());
             break;
         default: {
-            // Also past the hidden keypad: the rule knows no state of its own.
+            // Also while the keypad is hidden: the rule does not depend on that.
             const int digit = someDigit(model.entry, {model.vault, model.decoy});
             picker_->onKeyTouched(button("button" + std::to_string(digit)));
             model.tap(digit, loop_.now());

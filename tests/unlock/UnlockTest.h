@@ -34,7 +34,7 @@ inline void publishText(std::string_view key, const Passcode& text) {
     ASSERT_FALSE(text ? defaults->setString(key, *text) : defaults->removeObject(key));
 }
 
-/// Stands for the main application: stores under a settings key, or takes away what is there.
+/// Acts as the main application: stores a value under a settings key, or removes it.
 inline void publishPasscode(const Passcode& passcode) {
     publishText(sharedPasswordKey, passcode);
 }
@@ -63,7 +63,7 @@ inline SharedAlbum album(std::vector<std::string> namePath, bool fake = false,
             std::nullopt};
 }
 
-/// Records what the picker tells whoever opened it.
+/// Records the picker's calls of its delegate.
 struct RecordingScreen : UIViewController, SelaShareExtensionAlbumsVcDelegate {
     void setFakePasswordMode(bool fakePasswordMode) override { modes.push_back(fakePasswordMode); }
     void setSelectedAlbumName(const std::vector<std::string>& name) override { selected = name; }
@@ -90,7 +90,7 @@ protected:
         settle();
     }
 
-    /// Lays out and runs whatever is due, without moving the clock beyond running transitions.
+    /// Lays out and runs what is due, without moving the clock beyond running transitions.
     void settle() {
         do {
             update();

@@ -30,7 +30,7 @@ Floats areaBetween(const std::uint32_t* sums, std::uint32_t begin, std::uint32_t
     return whole * 256.0F + pixelAt(sums, first) * firstPart + pixelAt(sums, last) * lastPart;
 }
 
-// Half a gigapixel: the slowest decoder just does it within the time that a request has.
+// Half a gigapixel: the slowest decoder just finishes it within a request's time limit.
 constexpr std::int64_t mostSourcePixels = std::int64_t{512} * 1000 * 1000;
 
 } // namespace

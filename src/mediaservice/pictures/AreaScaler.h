@@ -24,11 +24,11 @@ inline constexpr int largestSourceSide = 65535;
 /// pixels than the largest that cameras and panoramas make. A file of a few kilobytes can claim any size.
 bool isDecodableSize(PictureSize size);
 
-/// `size` made smaller, keeping its shape, so that no side is longer than `bounds`; never made larger.
+/// `size` scaled down with its aspect ratio so that no side is longer than `bounds`; never scaled up.
 PictureSize fitted(PictureSize size, PictureBounds bounds);
 
-/// Scales a picture down while it arrives row by row, so that the whole of it never is in memory: each pixel
-/// of the result is the mean of the area it covers, parts of pixels counted as parts. The four channels of a
+/// Scales a picture down while it arrives row by row, so that it is never in memory as a whole: each pixel of
+/// the result is the mean of the area it covers, parts of pixels counted as parts. The four channels of a
 /// pixel are treated alike, so colours must be premultiplied when there is alpha. One thread at a time.
 class AreaScaler {
 public:
@@ -45,7 +45,7 @@ public:
     PixelBuffer take() { return std::move(result_); }
 
 private:
-    /// The place of boundary number `index` between pixels of the result, in 1/256 pixels of the source.
+    /// The position of boundary number `index` between pixels of the result, in 1/256 pixels of the source.
     static std::uint32_t boundary(int index, int sourceLength, int targetLength);
 
     void accumulate(const std::uint8_t* row, std::uint32_t weight);

@@ -24,7 +24,7 @@ constexpr std::uint32_t masks = 3;
 constexpr std::uint32_t jpegOrRunsOf24Bits = 4; // the latter in OS/2
 constexpr std::uint32_t masksWithAlpha = 6;
 
-/// The headers as they lie in the file, zeros behind their end.
+/// The headers as stored in the file, followed by zeros.
 class Fields {
 public:
     explicit Fields(const InputFile& file) {
@@ -60,7 +60,7 @@ private:
     bool isWhole_ = false;
 };
 
-/// How the pixels are coded; absent when it is not known or does not go with their bits.
+/// How the pixels are encoded; absent when that is unknown or does not fit their number of bits.
 std::optional<BMPHeader::Coding> codingOf(const Fields& fields, std::uint32_t compression, int bits) {
     using Coding = BMPHeader::Coding;
     const bool hasMasks = bits == 16 || bits == 32;

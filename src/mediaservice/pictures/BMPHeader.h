@@ -17,7 +17,7 @@ public:
 
     bool exists() const { return mask_ != 0; }
 
-    /// The channel's value in `pixel`, brought to 0...255; 0 when there is no such channel.
+    /// The channel's value in `pixel`, scaled to 0...255; 0 when there is no such channel.
     std::uint8_t value(std::uint32_t pixel) const { return values_[(pixel & mask_) >> shift_]; }
 
 private:
@@ -26,7 +26,8 @@ private:
     std::array<std::uint8_t, 256> values_{};
 };
 
-/// What the start of a BMP file says of its pixels, in any of the headers of Windows and of OS/2. A value.
+/// The description of the pixels at the start of a BMP file, in any of the headers of Windows and of OS/2. A
+/// value.
 struct BMPHeader {
     enum class Coding {
         plain,        ///< rows of pixels, each row filled up to 32 bits
@@ -45,7 +46,7 @@ struct BMPHeader {
 
     bool hasAlpha() const { return channels[3].exists(); }
 
-    /// Reads the headers; absent when they are cut, contradict themselves, or are of a kind that is not read.
+    /// Reads the headers; absent when they are truncated, inconsistent, or of an unsupported kind.
     static std::optional<BMPHeader> read(const InputFile& file);
 };
 

@@ -54,7 +54,7 @@ bool readPlainRows(const InputFile& file, const BMPHeader& header, PictureTarget
         static_cast<std::size_t>(header.size.width) * static_cast<std::size_t>(header.bitsPerPixel);
     std::vector<std::byte> packed((bits + 31) / 32 * 4);
     const auto rowSize = static_cast<std::int64_t>(packed.size());
-    // Some writers do not fill up the last row.
+    // Some writers do not pad the last row.
     const std::size_t leastRowSize = (bits + 7) / 8;
     if (header.pixels + rowSize * (header.size.height - 1) + static_cast<std::int64_t>(leastRowSize) >
         file.size())

@@ -8,13 +8,13 @@ namespace sela {
 
 namespace {
 
-// What follows a length of zero; from 3 on it is a number of pixels that are stored one by one.
+// The escape codes after a length of zero; from 3 on the code is a number of pixels that are stored one by
+// one.
 constexpr int endOfRow = 0;
 constexpr int endOfPicture = 1;
 constexpr int moved = 2;
 
-// A run of two bytes covers at most 255 pixels. As much again and more is left to pixels that are passed
-// over.
+// A run of two bytes covers at most 255 pixels. The limit leaves more than as many again for skipped pixels.
 constexpr std::int64_t mostPixelsPerByte = 512;
 
 class Runs {
@@ -29,7 +29,7 @@ public:
             const int length = nextByte();
             const int value = length == 0 ? nextByte() : 0;
             if (isCut_)
-                // Some writers leave out the mark after the last row.
+                // Some writers omit the end mark after the last row.
                 return rows_ == header_.size.height - 1 && column_ >= header_.size.width && finishRow();
             if (length > 0)
                 addRun(length);

@@ -12,11 +12,11 @@ enum class PixelColours {
     cmyk, ///< cyan, magenta, yellow, black; 255 is full ink
 };
 
-/// The largest ICC profile that is looked at, in bytes. Those of presses reach two megabytes.
+/// The largest ICC profile that is used, in bytes. Those of presses reach two megabytes.
 inline constexpr std::size_t largestProfile = 4 << 20;
 
-/// How pixels of those colours and that ICC profile come to sRGB. A profile that is absent, broken or made
-/// for another kind of colours counts as sRGB (for CMYK: as that of a common press, see `convertPressInks`).
+/// The conversion of pixels of those colours and that ICC profile to sRGB. A profile that is absent, broken
+/// or of another colour space counts as sRGB (for CMYK: as that of a common press, see `convertPressInks`).
 PixelConversion conversionToSRGB(PixelColours colours, const Data& profile);
 
 } // namespace sela

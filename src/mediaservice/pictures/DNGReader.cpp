@@ -44,7 +44,7 @@ bool isPlainRGB(const TIFFDirectory& directory) {
            std::ranges::all_of(directory.numbers(bitsTag), [](std::uint32_t bits) { return bits == 8; });
 }
 
-/// Whether a directory describes a picture that can be shown as it is, not what the sensor saw.
+/// Whether a directory describes a picture that can be shown as it is, not raw sensor data.
 bool isPreview(const TIFFDirectory& directory) {
     const std::uint32_t photometric = directory.number(photometricTag).value_or(0);
     if (!isDecodableSize(sizeOf(directory)))

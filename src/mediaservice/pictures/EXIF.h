@@ -5,8 +5,8 @@
 
 namespace sela {
 
-/// The orientation that a block of EXIF data tells; upright when it is broken or tells none. The block may
-/// start with "Exif" and two zero bytes, as in JPEG. Thread-safe.
+/// The orientation in a block of EXIF data; upright when the block is broken or has none. The block may start
+/// with "Exif" and two zero bytes, as in JPEG. Thread-safe.
 Orientation orientationOfEXIF(DataView block);
 
 } // namespace sela

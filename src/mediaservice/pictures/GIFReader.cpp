@@ -28,8 +28,8 @@ struct Close {
     void operator()(GifFileType* gif) const { DGifCloseFile(gif, nullptr); }
 };
 
-/// Reads up to the first frame; false when there is none. `transparent` becomes the index of the colour that
-/// shows the ground, when the frame has one.
+/// Reads up to the first frame; false when there is none. `transparent` becomes the index of the transparent
+/// colour, when the frame has one.
 bool findFirstFrame(GifFileType* gif, int& transparent) {
     for (;;) {
         GifRecordType record = UNDEFINED_RECORD_TYPE;
@@ -53,7 +53,7 @@ bool findFirstFrame(GifFileType* gif, int& transparent) {
     }
 }
 
-/// The frame's colour indices by rows from the top; empty when it is cut.
+/// The frame's colour indices by rows from the top; empty when it is truncated.
 std::vector<GifPixelType> readIndices(GifFileType* gif) {
     const int width = gif->Image.Width;
     const int height = gif->Image.Height;

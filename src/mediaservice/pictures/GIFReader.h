@@ -5,7 +5,7 @@
 
 namespace sela {
 
-/// Reads the first frame of a GIF picture on its canvas. False when it is broken or cut.
+/// Reads the first frame of a GIF picture on its canvas. False when it is broken or truncated.
 bool readGIF(const InputFile& file, PictureTarget& target);
 
 } // namespace sela

@@ -19,8 +19,8 @@ namespace sela {
 namespace {
 
 // The most pixels that are decoded: with more, a picture does not fit into the memory that a helper gets. The
-// library's own limit is the side of a square; it refuses the whole file for a picture beyond it, thumbnails
-// and all, so it is that of what is looked at.
+// library's own limit is the side of a square; beyond it, it refuses the whole file, thumbnails included, so
+// it is set to that of the largest picture that is opened.
 constexpr std::int64_t mostDecodedPixels = std::int64_t{144} * 1000 * 1000;
 constexpr int libraryLimitSide = 22627;
 constexpr int decodingThreads = 2;
@@ -103,7 +103,7 @@ bool isTrueTo(PictureSize picture, PictureSize thumbnail) {
            std::abs(widened - heightened) <= std::max(picture.width, picture.height);
 }
 
-/// The thumbnails that are true to the picture, the smallest first.
+/// The thumbnails that match the picture, the smallest first.
 std::vector<Handle> thumbnailsOf(const Handle& main) {
     std::array<heif_item_id, mostThumbnails> identifiers{};
     const int count =
@@ -180,7 +180,7 @@ private:
 struct Destination {
     PictureTarget& target;
     Data profile;                          ///< of the image
-    std::optional<PictureSize> onlyOfSize; ///< an image that turns out to have another is not handed over
+    std::optional<PictureSize> onlyOfSize; ///< an image that turns out to have another size is not passed on
 };
 
 Data profileOf(const Handle& handle) {
@@ -193,8 +193,8 @@ Data profileOf(const Handle& handle) {
     return profile;
 }
 
-/// From luma and differences to sRGB, by the coding that the file tells (null: that of JPEG), and by the
-/// profile unless that coding is of a high dynamic range.
+/// From luma and colour differences to sRGB, by the coding that the file specifies (null: that of JPEG), and
+/// by the profile unless that coding is of a high dynamic range.
 PixelConversion conversion(const heif_color_profile_nclx* coding, const Data& profile) {
     const int matrix = coding ? static_cast<int>(coding->matrix_coefficients) : 6;
     const bool fullRange = !coding || coding->full_range_flag;
@@ -216,10 +216,10 @@ PixelConversion conversion(const heif_color_profile_nclx* coding, const Data& pr
     };
 }
 
-/// Hands over the planes as they are, to be brought to RGB when they are scaled: half the memory and less
-/// time than a picture of RGB in full size.
+/// Passes the planes on as they are, to be converted to RGB when they are scaled: half the memory and less
+/// time than a full-size RGB picture.
 bool readPlanes(const Handle& handle, const Destination& destination) {
-    // Asked for as nearly every encoder stores it, so that the library has nothing to convert.
+    // Requested in the format that nearly every encoder stores, so that the library converts nothing.
     const Image image = decode(handle, heif_colorspace_YCbCr, heif_chroma_420);
     if (!image)
         return false;
@@ -247,7 +247,7 @@ bool readPlanes(const Handle& handle, const Destination& destination) {
     return true;
 }
 
-/// Lets the library make RGB of rare kinds of pictures.
+/// Lets the library convert rare kinds of pictures to RGB.
 bool readInterleaved(const Handle& handle, const Destination& destination) {
     const Image image = decode(handle, heif_colorspace_RGB, heif_chroma_interleaved_RGBA);
     int stride = 0;
@@ -271,7 +271,7 @@ bool readInterleaved(const Handle& handle, const Destination& destination) {
     return true;
 }
 
-/// False when it cannot be decoded, or is beyond what is decoded.
+/// False when it cannot be decoded or is too large.
 bool readImage(const Handle& handle, const Destination& destination) {
     const PictureSize size = sizeOf(handle);
     if (std::int64_t{size.width} * size.height > mostDecodedPixels)
@@ -315,7 +315,7 @@ bool readHEIF(const InputFile& file, PictureTarget& target) {
             return true;
     if (readImage(main, {target, profileOf(main), std::nullopt}))
         return true;
-    // Better a blurred picture than none.
+    // A blurred picture is better than none.
     return std::any_of(thumbnails.rbegin(), thumbnails.rend(),
                        [&](const Handle& thumbnail) { return readThumbnail(thumbnail, main, target); });
 }

@@ -18,7 +18,7 @@ namespace sela {
 
 namespace {
 
-// Of a file that is cut off, at least this part of the rows must be there: one in so many.
+// Of a truncated file, at least one in this many rows must be there.
 constexpr int leastReadable = 4;
 
 /// libjpeg on an input file. Its errors come back by longjmp, so the functions that call it keep nothing on
@@ -88,7 +88,7 @@ void Decompressor::fail(j_common_ptr common) {
 }
 
 void Decompressor::noteMessage(j_common_ptr common, int level) {
-    // The one warning that says that rows are made up because their data is missing. Others are about
+    // The only warning that means that rows are made up because their data is missing. Others are about
     // unusual files that cameras do write.
     if (level < 0 && common->err->msg_code == JWRN_HIT_MARKER)
         self(common).dataIsMissing_ = true;
@@ -148,7 +148,7 @@ PictureSize Decompressor::chooseScale(PictureSize target) {
         if (scaled(size().width) >= target.width && scaled(size().height) >= target.height)
             break;
     jpeg_calc_output_dimensions(&decompressor_);
-    // Interpolating colours between pixels is lost work when the pixels are averaged afterwards.
+    // Interpolating colours between pixels is wasted work when the pixels are averaged afterwards.
     decompressor_.do_fancy_upsampling = size() == target ? TRUE : FALSE;
     decompressor_.buffered_image = decompressor_.progressive_mode;
     decompressor_.do_block_smoothing = FALSE;
@@ -164,7 +164,7 @@ void Decompressor::startRows() {
         readableRows_ = 0; // each scan holds one colour, so some are missing everywhere
 }
 
-/// Reads as many scans of a progressive file as the rows need, or as there are.
+/// Reads the scans of a progressive file that the rows need, as far as there are any.
 void Decompressor::readScans() {
     constexpr int missing = -1;
     // At an eighth each block of 8 x 8 is one pixel, its average. The averages are in the first scans, so the
@@ -251,7 +251,7 @@ Orientation Decompressor::orientation() const {
     return Orientation::up;
 }
 
-/// How the pixels come to sRGB; some files hold inks as what they leave of the light.
+/// The conversion of the pixels to sRGB; some files store inks inverted.
 PixelConversion conversion(PixelColours colours, const Data& profile, bool inksAreInverted) {
     PixelConversion toSRGB = conversionToSRGB(colours, profile);
     if (!inksAreInverted)

@@ -8,8 +8,8 @@
 
 namespace sela {
 
-/// A picture in its full size, written as a JPEG file into shared memory while its rows come: in sRGB, what
-/// is transparent on white, lying as it was stored, with the EXIF that tells how. It wants the whole of the
+/// A picture in its full size, written as a JPEG file into shared memory while its rows come: in sRGB,
+/// transparent parts on white, in its stored orientation, with EXIF that says which. It needs the complete
 /// picture.
 class JPEGWriter : public PictureTarget {
 public:
@@ -20,9 +20,8 @@ public:
     void begin(PictureRows rows) override;
     void addRow(const std::uint8_t* row) override;
 
-    /// Ends the file after the last row, and returns its size in bytes; absent when rows are missing, the
-    /// memory has no room for it, or the picture is larger than JPEG allows (65,500 pixels a side). Called
-    /// once.
+    /// Finishes the file after the last row, and returns its size in bytes; absent when rows are missing, the
+    /// memory is too small, or the picture is larger than JPEG allows (65,500 pixels a side). Called once.
     std::optional<std::int64_t> finish();
 
 private:

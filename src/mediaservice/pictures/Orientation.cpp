@@ -7,8 +7,8 @@ namespace sela {
 
 namespace {
 
-/// Where the walk through the stored pixels starts and how it goes on, in pixels, when the result is written
-/// from left to right and from top to bottom.
+/// The start and the steps, in pixels, of the walk through the stored pixels that writes the result from left
+/// to right and from top to bottom.
 struct Walk {
     std::ptrdiff_t start;
     std::ptrdiff_t alongRow;

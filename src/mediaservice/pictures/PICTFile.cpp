@@ -12,7 +12,7 @@ constexpr std::int64_t versionStart = pictureStart + 10;
 
 constexpr int mostOperations = 100'000;
 
-/// Reads numbers one after another; behind the end of the file they are zeros.
+/// Reads numbers one after another; beyond the end of the file they are zeros.
 class Cursor {
 public:
     Cursor(const InputFile& file, std::int64_t offset) : file_(file), offset_(offset) {}
@@ -50,7 +50,7 @@ private:
     bool isAtEnd_ = false;
 };
 
-// Operations that are looked at.
+// The operations that are evaluated.
 enum Operation : std::uint32_t {
     bitsRectangle = 0x90,
     bitsRegion = 0x91,
@@ -90,9 +90,9 @@ void skipRegion(Cursor& cursor) {
 struct Operands {
     enum class Rest { none, sized8, sized16, sized32, region, pattern };
 
-    std::uint32_t first; ///< of the operations of which this is true, up to those of the next row
+    std::uint32_t first; ///< first opcode of the range, which ends before the next row's
     int bytes;
-    Rest rest = Rest::none; ///< behind those bytes
+    Rest rest = Rest::none; ///< after those bytes
 };
 
 constexpr auto operandsOfOperations = [] {
@@ -114,9 +114,9 @@ constexpr auto operandsOfOperations = [] {
     });
 }();
 
-/// Passes over what follows an operation; false when it cannot be passed over.
+/// Skips what follows an operation; false when it cannot be skipped.
 bool skipOperands(Cursor& cursor, std::uint32_t operation) {
-    // The upper byte of these counts words.
+    // The upper byte of these opcodes is a number of words.
     if (operation >= 0x100 && operation < 0x8000)
         cursor.skip(std::int64_t{2} * (operation >> 8));
     const auto next = std::ranges::upper_bound(operandsOfOperations, operation, {}, &Operands::first);
@@ -172,7 +172,7 @@ PICTBitmap::Packing packingOf(std::uint32_t type, const PICTBitmap& bitmap) {
     return type == 2 ? Packing::noPadding : Packing::planes;
 }
 
-/// Reads the description of pixels up to where they start; absent when it makes no sense.
+/// Reads the description of pixels up to where they start; absent when it is invalid.
 std::optional<PICTBitmap> readBitmap(Cursor& cursor, std::uint32_t operation) {
     const bool isDirect = operation == directBitsRectangle || operation == directBitsRegion;
     if (isDirect)

@@ -18,7 +18,7 @@ struct PICTBitmap {
     PictureSize size;
     std::size_t rowSize = 0; ///< of an unpacked row, in bytes
     int bitsPerPixel = 1;    ///< 1, 2, 4, 8, 16 or 32
-    int planes = 3;          ///< of 32 bits: 3, or 4 with a first one that means nothing
+    int planes = 3;          ///< of 32 bits: 3, or 4 of which the first is unused
     Packing packing = Packing::bytes;
     std::vector<Colour> palette; ///< an entry for each value that a pixel of up to 8 bits can have
     std::int64_t pixels = 0;     ///< where they start in the file
@@ -38,8 +38,8 @@ struct PICTFile {
     std::optional<PICTBitmap> bitmap;
     std::optional<PICTCompressedImage> image; ///< when it is larger than any bitmap, which is absent then
 
-    /// Absent when the file does not start as one, or none of its operations draws pixels. Operations behind
-    /// one that is broken are not looked at.
+    /// Absent when the file does not start as one, or none of its operations draws pixels. Operations after a
+    /// broken one are not read.
     static std::optional<PICTFile> read(const InputFile& file);
 
     /// Whether the file starts as a PICT file.

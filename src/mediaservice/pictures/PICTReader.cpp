@@ -38,7 +38,8 @@ public:
     Rows(const InputFile& file, const PICTBitmap& bitmap)
         : file_(file), bitmap_(bitmap), offset_(bitmap.pixels), unpacked_(unpackedSize()) {}
 
-    /// The next row as red, green, blue; every fourth byte is left as it is. False when the file is cut.
+    /// The next row as red, green, blue; every fourth byte is left as it is. False when the file is
+    /// truncated.
     bool next(std::span<std::uint8_t> out) {
         if (!readUnpacked())
             return false;

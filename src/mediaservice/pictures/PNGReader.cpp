@@ -13,7 +13,7 @@ namespace sela {
 
 namespace {
 
-// Text and other side data that a picture may carry, per chunk and in number.
+// Limits on text and other ancillary chunks of a picture: size of one and number.
 constexpr png_alloc_size_t largestChunk = 8 << 20;
 constexpr png_uint_32 mostChunks = 1000;
 
@@ -69,7 +69,7 @@ bool Decompressor::readHeader() {
     if (!info_ || setjmp(png_jmpbuf(png_)) != 0)
         return false;
     png_set_read_fn(png_, this, &read);
-    // Texts and the like can be packed a thousand times smaller than they are, and nobody reads them.
+    // Text chunks can expand a thousandfold when unpacked, and are not used.
     png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, unreadChunks,
                                 sizeof unreadChunks / chunkNameSize);
     png_set_user_limits(png_, largestSourceSide, largestSourceSide);

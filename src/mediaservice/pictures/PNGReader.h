@@ -6,7 +6,7 @@
 namespace sela {
 
 /// Reads a PNG picture row by row; an interlaced one needs all its pixels in memory. False when it is broken
-/// or cut.
+/// or truncated.
 bool readPNG(const InputFile& file, PictureTarget& target);
 
 } // namespace sela

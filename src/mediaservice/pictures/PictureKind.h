@@ -7,7 +7,7 @@ namespace sela {
 /// The kinds of picture files that are read.
 enum class PictureKind { none, jpeg, png, gif, bmp, webp, heif, tiff, pict };
 
-/// The kind that the first bytes of a file tell.
+/// The kind of a file with these first bytes.
 PictureKind pictureKind(const InputFile& file);
 
 } // namespace sela

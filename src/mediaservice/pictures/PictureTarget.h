@@ -11,14 +11,14 @@
 
 namespace sela {
 
-/// Brings pixels of four bytes, as a file holds them, to red, green, blue, alpha in sRGB with the colours
-/// premultiplied, in place. Empty when that is what they are.
+/// Converts pixels of four bytes, as stored in a file, to red, green, blue, alpha in sRGB with the colours
+/// premultiplied, in place. Empty when they are in that form already.
 using PixelConversion = std::function<void(std::span<std::uint8_t>)>;
 
-/// The rows of a picture that a reader is about to hand over. A value.
+/// Describes the rows of a picture that a reader will deliver. A value.
 struct PictureRows {
     PictureSize size;     ///< how many there are, and of how many pixels
-    PictureSize fullSize; ///< of the picture, of which the reader may hand over a smaller one
+    PictureSize fullSize; ///< of the picture, which the reader may deliver scaled down
     Orientation orientation = Orientation::up;
     PixelConversion toSRGB;
 
@@ -28,7 +28,7 @@ struct PictureRows {
     }
 };
 
-/// What a reader hands a picture's rows to, one after another, so that the whole of it need not be in memory.
+/// Receives a picture's rows from a reader one after another, so that it need not be in memory as a whole.
 /// One thread at a time.
 class PictureTarget {
 public:
@@ -40,14 +40,14 @@ public:
     PictureTarget(const PictureTarget&) = delete;
     PictureTarget& operator=(const PictureTarget&) = delete;
 
-    /// How large the picture is wanted. Readers may hand over a larger one, but none that is smaller than it
-    /// could be.
+    /// The requested size. Readers may deliver a larger picture, but a smaller one only when the file has no
+    /// larger one.
     PictureBounds bounds() const { return bounds_; }
 
-    /// Whether a picture of which a part is missing is as good as none.
+    /// Whether a picture with a missing part is an error.
     bool wantsWhole() const { return wants_ == Wants::whole; }
 
-    /// Begins a picture. What came before does not count: a reader may have to start anew.
+    /// Begins a picture and discards what came before: a reader may have to start again.
     virtual void begin(PictureRows rows) = 0;
 
     /// Takes the next row. Rows that never come are transparent.

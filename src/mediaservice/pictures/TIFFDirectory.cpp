@@ -11,7 +11,8 @@ constexpr std::uint16_t subdirectoriesTag = 330;
 constexpr std::size_t mostSubdirectories = 8;
 constexpr std::size_t entrySize = 12;
 
-// Pictures have some dozens; each may make the reader fetch as many numbers as are read of a tag.
+// Pictures have some dozens of entries; each may make the reader fetch the most numbers that are read of a
+// tag.
 constexpr std::uint32_t mostEntries = 1000;
 
 // More numbers than this under one tag are no size, offset or orientation of a preview.
@@ -26,7 +27,7 @@ std::uint32_t readNumber(std::span<const std::byte> bytes, bool bigEndian) {
     return number;
 }
 
-/// Bytes of one value of a field type; 0 for types that are no whole numbers.
+/// Bytes of one value of a field type; 0 for types that are not integers.
 std::size_t valueSize(std::uint32_t type) {
     switch (type) {
     case 1: // BYTE

@@ -17,13 +17,13 @@ using ReadAt = std::function<std::size_t(std::int64_t offset, std::span<std::byt
 /// The directories of a TIFF file (TIFF 6.0), as EXIF and DNG use it too: numbers by their tags.
 class TIFFDirectory {
 public:
-    /// The first directory of a file; absent when it is no TIFF file or the directory is cut.
+    /// The first directory of a file; absent when it is no TIFF file or the directory is truncated.
     static std::optional<TIFFDirectory> first(const ReadAt& readAt);
 
     /// The directories that entry 330 of this one points to, at most eight.
     std::vector<TIFFDirectory> subdirectories() const;
 
-    /// The whole numbers under a tag, those below zero as large ones; empty when there are none.
+    /// The integers under a tag, negative ones wrapped to large ones; empty when there are none.
     std::span<const std::uint32_t> numbers(std::uint16_t tag) const;
 
     /// The first number under a tag.

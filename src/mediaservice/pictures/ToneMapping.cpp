@@ -13,8 +13,8 @@ using Light = std::array<float, 3>; ///< red, green, blue, in cd/m2
 using Matrix = std::array<Light, 3>;
 
 constexpr double screenWhite = 203; // cd/m2
-constexpr double brightest = 10000; // that PQ can tell
-constexpr double hlgPeak = 1000;    // of the display that HLG is seen on
+constexpr double brightest = 10000; // that PQ can encode
+constexpr double hlgPeak = 1000;    // of the display that HLG is viewed on
 
 // To the primaries of sRGB, all with the white of daylight (D65).
 constexpr Matrix fromBT2020{
@@ -72,7 +72,7 @@ double encodedSRGB(double linear) {
     return linear <= 0.0031308 ? linear * 12.92 : 1.055 * std::pow(linear, 1 / 2.4) - 0.055;
 }
 
-/// A function of light, 0 to its largest, kept as a table that is denser where it is darker.
+/// A function of light, from 0 to its largest value, as a table that is denser where it is darker.
 class Table {
 public:
     template<class Function>

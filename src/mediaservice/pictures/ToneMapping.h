@@ -14,15 +14,15 @@ struct HDRColours {
 
     Transfer transfer = Transfer::pq;
     int primaries = 9;  ///< 9: BT.2020, 12: P3; others count as sRGB's
-    double peak = 1000; ///< the brightest that was meant to be seen, in candela per square metre
+    double peak = 1000; ///< the brightest intended value, in candela per square metre
 
-    /// Absent for transfers of a common dynamic range.
+    /// Absent for transfers of standard dynamic range.
     static std::optional<HDRColours> of(int transfer, int primaries);
 };
 
-/// Brings colours of a high dynamic range to sRGB: light up to that of white paper (203 cd/m2, ITU-R BT.2408)
-/// nearly as it is, what is brighter compressed below the screen's white (ITU-R BT.2390). A value that is
-/// cheap to copy; thread-safe.
+/// Converts colours of a high dynamic range to sRGB: light up to that of white paper (203 cd/m2, ITU-R
+/// BT.2408) stays nearly unchanged, brighter light is compressed below the screen's white (ITU-R BT.2390). A
+/// value that is cheap to copy; thread-safe.
 class ToneMapping {
 public:
     explicit ToneMapping(const HDRColours& colours);

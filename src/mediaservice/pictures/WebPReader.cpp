@@ -14,7 +14,7 @@ namespace sela {
 
 namespace {
 
-// The decoder wants the file in memory; 48 megapixels without loss stay below this.
+// The decoder needs the file in memory; 48 megapixels of lossless data stay below this.
 constexpr std::int64_t largestFile = 256 << 20;
 
 struct Free {
@@ -80,7 +80,7 @@ bool readWebP(const InputFile& file, PictureTarget& target) {
     if (!content)
         return false;
     const WebPData data{reinterpret_cast<const std::uint8_t*>(content->data()), content->size()};
-    // A file that is cut cannot be taken apart whole.
+    // A truncated file cannot be parsed completely.
     const std::unique_ptr<WebPDemuxer, Free> demuxer(WebPDemux(&data));
     WebPIterator frame;
     if (!demuxer || !WebPDemuxGetFrame(demuxer.get(), 1, &frame))

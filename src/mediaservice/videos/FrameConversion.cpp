@@ -34,7 +34,7 @@ struct FreeScaler {
 
 /// The frame's size once its pixels are square: stretched, never shrunk, so that no detail is lost.
 PictureSize displaySize(const AVFrame& frame, const AVStream& track) {
-    // Where the container and the codec differ, players go by the container.
+    // Where the container and the codec differ, players use the container's value.
     AVRational shape = track.sample_aspect_ratio;
     if (shape.num <= 0 || shape.den <= 0)
         shape = frame.sample_aspect_ratio;
@@ -46,7 +46,7 @@ PictureSize displaySize(const AVFrame& frame, const AVStream& track) {
     return {frame.width, static_cast<int>(std::lround(frame.height / ratio))};
 }
 
-/// The frame's colour matrix; a frame that tells none is taken as its size suggests.
+/// The frame's colour matrix; a frame without one gets the usual matrix for its size.
 int colourMatrix(const AVFrame& frame) {
     switch (frame.colorspace) {
     case AVCOL_SPC_BT709:
@@ -61,7 +61,7 @@ int colourMatrix(const AVFrame& frame) {
     }
 }
 
-/// How the track's pictures are to be turned, a matrix of nine numbers; null when it does not say.
+/// The track's display matrix of nine numbers; null when it has none.
 const std::int32_t* displayMatrix(const AVStream& track) {
 #if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(60, 31, 102) // FFmpeg 6.1
     const AVCodecParameters& codec = *track.codecpar;
@@ -97,8 +97,7 @@ std::optional<HDRColours> hdrColours(const AVFrame& frame, const AVStream& track
     return colours;
 }
 
-/// Scales the frame to `target` in pixels of `format`, into `rows` of so many bytes each; false when it
-/// cannot.
+/// Scales the frame to `target` in pixels of `format`, into `rows` of this many bytes each; false on failure.
 bool scale(const AVFrame& frame, PictureSize target, AVPixelFormat format, std::uint8_t* rows, int rowSize) {
     const bool smaller = target.width < frame.width || target.height < frame.height;
     const std::unique_ptr<SwsContext, FreeScaler> scaler(sws_getContext(
@@ -146,7 +145,7 @@ Orientation displayOrientation(const AVStream& track) {
     const std::int32_t* const matrix = displayMatrix(track);
     if (!matrix)
         return Orientation::up;
-    // Rows of the matrix say where the frame's horizontal (a, b) and vertical (c, d) axes point on the
+    // The matrix's rows are the directions of the frame's horizontal (a, b) and vertical (c, d) axes on the
     // screen.
     const double a = matrix[0];
     const double b = matrix[1];

@@ -37,7 +37,7 @@ constexpr std::int64_t mostFramesOfOneThread = 16;
 /// The largest frame that is decoded by two threads, each of which holds frames of its own (4K).
 constexpr std::int64_t mostPixelsOfTwoThreads = std::int64_t{4096} * 2304;
 
-/// The decoder of a codec; null when it has none that is allowed.
+/// The decoder of a codec; null when none is allowed.
 const AVCodec* allowedDecoder(AVCodecID codec) {
     for (const char* name : allowedDecoders) {
         const AVCodec* decoder = avcodec_find_decoder_by_name(name);
@@ -52,7 +52,7 @@ int threadsFor(const AVStream& track, std::int64_t frames) {
     return frames > mostFramesOfOneThread && pixels <= mostPixelsOfTwoThreads ? 2 : 1;
 }
 
-/// A decoder for about so many frames of the track; null when its codec is not read.
+/// A decoder for about this many frames of the track; null when its codec is unsupported.
 Decoder openDecoder(const AVStream& track, std::int64_t frames) {
     const AVCodec* codec = allowedDecoder(track.codecpar->codec_id);
     Decoder decoder(codec ? avcodec_alloc_context3(codec) : nullptr);
@@ -166,7 +166,7 @@ private:
     std::int64_t previousTime_ = 0;
 };
 
-/// Goes to the key frame at or before `time` and reads its packet; null when there is none to be read.
+/// Seeks to the key frame at or before `time` and reads its packet; null when there is none.
 Packet readKeyPacket(VideoFile& video, std::int64_t time) {
     Packet packet(av_packet_alloc());
     if (!packet || !video.seek(time))
@@ -179,7 +179,7 @@ Packet readKeyPacket(VideoFile& video, std::int64_t time) {
 
 /// The packet of a key frame after `earlier`, when one lies in the window; null otherwise.
 Packet readLaterKeyPacket(VideoFile& video, const FrameWindow& window, const AVPacket& earlier) {
-    // The index holds times of decoding, none of which is later than the time of showing.
+    // The index holds decoding times, which are never later than presentation times.
     const auto next = video.keyFrameAfter(earlier.dts);
     if (!next || *next > window.to)
         return nullptr;
@@ -189,8 +189,8 @@ Packet readLaterKeyPacket(VideoFile& video, const FrameWindow& window, const AVP
 
 /// The packet to start from: of the last key frame before the window's end, else of the video's first.
 Packet readEarlierKeyPacket(VideoFile& video, const FrameWindow& window) {
-    // Files are searched by the times of decoding, so a search can land on a key frame that is shown later
-    // than asked for; the one before it is shown before.
+    // Seeking goes by decoding times, so it can land on a key frame that is shown later than asked for; the
+    // one before it is shown before.
     constexpr int searches = 3;
     std::int64_t target = window.time;
     for (int i = 0; i < searches; ++i) {

@@ -24,7 +24,7 @@ struct FrameWindow {
     bool contains(std::int64_t other) const { return other >= from && other <= to; }
 };
 
-/// A frame out of a video, and what it took.
+/// A frame of a video, and the effort it took.
 struct ReadFrame {
     VideoFrame frame;
     std::int64_t time = 0; ///< when it starts to be shown

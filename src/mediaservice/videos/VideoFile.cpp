@@ -18,12 +18,12 @@ namespace {
 
 constexpr int inputBufferSize = 64 << 10;
 
-// What is read of a file before it counts as unknown, in bytes and in microseconds.
+// The limits of probing before a file counts as unknown, in bytes and in microseconds.
 constexpr std::int64_t probeSize = 5 << 20;
 constexpr std::int64_t probeDuration = std::int64_t{5} * AV_TIME_BASE;
 constexpr int mostTracks = 64;
 
-// A longer video is taken for one with a damaged header.
+// A video of a longer duration counts as one with a damaged header.
 constexpr std::int64_t longestDuration = std::int64_t{30} * 24 * 3600; // seconds
 
 constexpr const char* containers =
@@ -85,14 +85,15 @@ bool VideoFile::openContainer() {
     AVDictionary* options = nullptr;
     av_dict_set(&options, "format_whitelist", containers, 0);
     av_dict_set(&options, "codec_whitelist", commaSeparated(allowedDecoders).c_str(), 0);
-    // No protocol at all: a container can name no other file or address.
+    // No protocol is allowed: a container cannot refer to other files or addresses.
     av_dict_set(&options, "protocol_whitelist", "", 0);
     const int opened = avformat_open_input(&container_, nullptr, nullptr, &options);
     av_dict_free(&options);
     if (opened != 0)
         return false;
 
-    // Containers with a table of contents tell all that is needed; the others tell it in their packets.
+    // Containers with a table of contents provide all that is needed; of the others it must be found in the
+    // packets.
     const auto isVideo = [](const AVStream* track) {
         return track->codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
                (track->disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;

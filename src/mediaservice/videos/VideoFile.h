@@ -15,8 +15,8 @@ struct AVStream;
 
 namespace sela {
 
-/// A video file taken apart into packets: its first video track. The containers and codecs that phones and
-/// cameras write are read, nothing else, and nothing beyond the file itself. One thread at a time.
+/// The packets of a video file's first video track. The containers and codecs that phones and cameras write
+/// are read, nothing else, and nothing beyond the file itself. One thread at a time.
 class VideoFile {
 public:
     /// Absent when the file is none of those containers or has no video track.
@@ -26,7 +26,7 @@ public:
     VideoFile(const VideoFile&) = delete;
     VideoFile& operator=(const VideoFile&) = delete;
 
-    /// The duration in the track's time scale; zero when the file tells none that makes sense.
+    /// The duration in the track's time scale; zero when the file has no valid one.
     CMTime duration() const;
 
     /// The track, for its codec and its times.
@@ -36,11 +36,11 @@ public:
     /// overflow, whatever the file says.
     static constexpr std::int64_t farthestTime = std::numeric_limits<std::int64_t>::max() / 8;
 
-    /// Where the track's clock stands at the start of the video, in the track's time base.
+    /// The track's time at the start of the video, in its time base.
     std::int64_t startTime() const;
 
-    /// Goes to the last key frame at or before `time` (in the track's time base, its clock); to the first one
-    /// when there is none. False when the file cannot be searched.
+    /// Seeks to the last key frame at or before `time` (in the track's time base and clock); to the first one
+    /// when there is none. False when the file is not seekable.
     bool seek(std::int64_t time);
 
     /// The first key frame after `time` that the file's index knows; absent when there is none.

@@ -11,8 +11,8 @@
 
 namespace sela {
 
-/// One share request: what the host application hands over, and the way to end it. The input items may be
-/// read from any thread; ending is for the main thread.
+/// One share request: what the host application passes, and the way to end it. The input items may be read
+/// from any thread; ending is for the main thread.
 class NSExtensionContext {
 public:
     /// How a request ended: completed (no error) or cancelled with an error.

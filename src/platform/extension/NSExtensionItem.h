@@ -27,7 +27,7 @@ public:
         return attachments_;
     }
 
-    /// Puts `more` at the end of the list, which is made where there is none.
+    /// Appends `more` to the list, which is created where there is none.
     void append(const Attachments& more);
 
 private:

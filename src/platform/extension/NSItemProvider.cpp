@@ -9,8 +9,8 @@ namespace sela {
 
 namespace {
 
-/// One thread: a request loads one attachment at a time anyway. Never destroyed, since an item may still load
-/// when main ends.
+/// One thread: a request loads one attachment at a time anyway. Never destroyed, since an item may still be
+/// loading when main ends.
 ThreadPoolQueue& loadingQueue() {
     static auto* const queue = new ThreadPoolQueue(1);
     return *queue;

@@ -15,7 +15,8 @@
 
 namespace sela {
 
-/// One attachment of a share request: says of which types it can be had, and loads it. Immutable; any thread.
+/// One attachment of a share request: lists the types in which it is available, and loads it. Immutable; any
+/// thread.
 class NSItemProvider : public NSObject {
 public:
     /// What loading yields: nothing, the URL of a file, a picture, bytes, or a text.
@@ -40,17 +41,17 @@ public:
     /// A provider of a text.
     static std::shared_ptr<NSItemProvider> ofText(std::string text);
 
-    /// The types, the one that tells most first; may be empty.
+    /// The types, the most specific first; may be empty.
     const std::vector<std::string>& registeredTypeIdentifiers() const { return typeIdentifiers_; }
 
-    /// The file's name; empty for what has none.
+    /// The file's name; empty when it has none.
     const std::string& suggestedName() const { return suggestedName_; }
 
     /// Loads the item on the loading queue, one item of the process at a time and never on the main thread,
     /// and calls `completion` there, once: with the item, or with an error and no item.
     void loadItem(const std::string& typeIdentifier, CompletionHandler completion) const;
 
-    /// Lets no further item of the process be loaded until `resumeLoading`.
+    /// Starts no further load in the process until `resumeLoading`.
     static void suspendLoading();
     static void resumeLoading();
 

@@ -2,7 +2,8 @@
 
 namespace sela {
 
-/// The root of what the platform hands over without naming its class. The receiver asks with dynamic_cast.
+/// The base of objects that the platform passes without naming their class. The receiver asks with
+/// dynamic_cast.
 class NSObject {
 public:
     virtual ~NSObject() = default;

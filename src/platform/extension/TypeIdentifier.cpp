@@ -46,8 +46,8 @@ constexpr auto types = std::to_array<Type>({
     {"com.microsoft.waveform-audio", {"wav"}},
 });
 
-/// Its table of patterns alone: what libmagic would take apart itself (archives, documents, programs) is none
-/// of the kinds here.
+/// Only its table of patterns: the formats that libmagic would parse itself (archives, documents, programs)
+/// are none of the kinds here.
 constexpr int magicFlags = MAGIC_MIME_TYPE | MAGIC_NO_CHECK_COMPRESS | MAGIC_NO_CHECK_TAR |
                            MAGIC_NO_CHECK_APPTYPE | MAGIC_NO_CHECK_ELF | MAGIC_NO_CHECK_TOKENS |
                            MAGIC_NO_CHECK_CDF | MAGIC_NO_CHECK_CSV | MAGIC_NO_CHECK_JSON;
@@ -62,8 +62,8 @@ std::string_view typeIdentifierOfName(std::string_view name) {
     return "public.data";
 }
 
-/// The bytes are handed to libmagic in memory, so a hostile file meets only its matching rules; decoders of
-/// the kinds found run in the sandboxed helper.
+/// The bytes are passed to libmagic in memory, so a hostile file reaches only its matching rules; the
+/// decoders run in the sandboxed helper.
 std::string mediaTypeOfContent(DataView start) {
     const std::unique_ptr<magic_set, void (*)(magic_t)> magic(::magic_open(magicFlags), &::magic_close);
     if (!magic || ::magic_load(magic.get(), nullptr) != 0)

@@ -6,8 +6,8 @@
 
 namespace sela {
 
-/// The asset catalogue compiled into the programs from resources/: named colours and named images. Constant,
-/// so any thread may ask.
+/// The asset catalogue compiled into the programs from resources/: named colours and named images. Constant;
+/// any thread.
 namespace AssetCatalogue {
 
 /// A named colour: 0xRRGGBBAA for the light and the dark appearance, and for both in high contrast.

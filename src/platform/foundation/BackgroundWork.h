@@ -5,10 +5,10 @@
 
 namespace sela {
 
-/// A token for work that is under way off the main thread and will end on the main queue or nowhere.
+/// A token for work in progress off the main thread, which ends on the main queue or nowhere.
 ///
-/// A main loop that ends when nothing is left to do asks `outstanding` whether more can still arrive. Queues
-/// hold one token per task; a task posts to the main queue before its token goes. Thread-safe.
+/// A main loop that ends when nothing is left to do checks `outstanding` for work that may still post tasks.
+/// Queues hold one token per task; a task posts to the main queue before its token is destroyed. Thread-safe.
 class BackgroundWork {
 public:
     BackgroundWork();
@@ -20,7 +20,7 @@ public:
     static int outstanding();
 
     /// What main loops wait with: the mutex guards their task lists and the number of tokens, and the
-    /// condition is notified when a task arrives and when the last token goes.
+    /// condition is notified when a task arrives and when the last token is destroyed.
     static std::mutex& mutex();
     static std::condition_variable& changed();
 };

@@ -36,7 +36,7 @@ std::string preferredLocales() {
     return locale.starts_with("C.") ? "" : locale;
 }
 
-/// The tables that serve a locale, "language[_TERRITORY][.codeset][@modifier]", the most special first.
+/// The tables that serve a locale, "language[_TERRITORY][.codeset][@modifier]", the most specific first.
 std::vector<std::string> localizations(std::string_view locale) {
     const std::string_view modifier = locale.substr(std::min(locale.find('@'), locale.size()));
     const std::string_view place = locale.substr(0, std::min(locale.find_first_of(".@"), locale.size()));
@@ -48,7 +48,7 @@ std::vector<std::string> localizations(std::string_view locale) {
     return names;
 }
 
-/// Names of tables in the order in which a text is looked for, each once.
+/// Names of tables in lookup order, each once.
 std::vector<std::string> preferredLocalizations() {
     std::vector<std::string> names;
     std::string locales = preferredLocales() + ":en:";
@@ -78,7 +78,7 @@ Bundle::Bundle() {
 std::optional<StringTable> Bundle::readTable(const std::string& language) const {
     const std::string path = resourcePath_ + "/locale/" + language + "/LC_MESSAGES/sela-share.mo";
     FileManager& files = FileManager::defaultManager();
-    // Most languages that are asked for have no table, which is nobody's mistake.
+    // A missing table is no error: most languages that are asked for have none.
     if (!isSinglePathComponent(language) || !files.fileExists(path))
         return std::nullopt;
     const Result<Data> content = files.contentsOfFile(path, maximumTableSize);

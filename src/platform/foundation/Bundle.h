@@ -9,8 +9,8 @@
 
 namespace sela {
 
-/// The resources of the program that stand beside it: its string tables. Any thread may use it; the languages
-/// are those that the environment asks for when `main` is first called.
+/// The resources installed with the program: its string tables. Any thread may use it; the languages are
+/// those that the environment asks for when `main` is first called.
 class Bundle {
 public:
     static const Bundle& main();
@@ -21,7 +21,7 @@ public:
     /// key itself. No locale need be installed for it. A damaged table is logged and passed over.
     std::string localizedString(std::string_view key) const;
 
-    /// The text of a key in every language that there is a table of, in no order, read afresh.
+    /// The text of a key in every language that there is a table of, in no order, read again at each call.
     std::vector<std::string> localizedStringsOfAllLanguages(std::string_view key) const;
 
     /// The language of the first of those tables, such as "de" or "zh_CN"; empty where no table is found.

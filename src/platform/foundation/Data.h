@@ -11,7 +11,7 @@ namespace sela {
 /// A block of bytes, owned. Values may be copied and read from any thread.
 using Data = std::vector<std::byte>;
 
-/// Bytes that somebody else owns.
+/// Bytes owned by someone else.
 using DataView = std::span<const std::byte>;
 
 inline DataView asData(std::string_view text) {

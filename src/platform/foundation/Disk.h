@@ -10,12 +10,12 @@
 
 namespace sela {
 
-/// The system calls by which files are read and changed, the settings' included: everything that the programs
-/// of the group keep on a disk goes through this one seam.
+/// The system calls by which files are read and changed, the settings' included: all file access of the
+/// group's programs goes through this interface.
 ///
 /// Each operation is the system call of its name and returns what that returns, or the negative error number
-/// on failure. A call that a signal interrupts is made again. Any thread. Descriptors are the system's own
-/// and are closed by their owner.
+/// on failure. A call that a signal interrupts is repeated. Any thread. Descriptors are the system's own and
+/// are closed by their owner.
 class Disk {
 public:
     virtual ~Disk() = default;
@@ -23,8 +23,8 @@ public:
     /// The disk in use.
     static Disk& inUse();
 
-    /// Puts another in use (null: the system's again). For tests, which wrap the disk in use so that single
-    /// calls fail (`DiskWrapper`); the caller keeps it alive.
+    /// Replaces the disk in use (null: the system's again). For tests, which wrap the disk in use so that
+    /// single calls fail (`DiskWrapper`); the caller keeps it alive.
     static void use(Disk* disk);
 
     virtual int open(const std::string& path, int flags, mode_t mode = 0) = 0;
@@ -32,15 +32,15 @@ public:
     virtual std::int64_t pread(int descriptor, std::span<std::byte> buffer, std::int64_t offset) = 0;
     virtual std::int64_t pwrite(int descriptor, DataView bytes, std::int64_t offset) = 0;
 
-    /// Copies from where a descriptor stands, which moves on, to an offset of another; the file systems may
-    /// share the bytes instead.
+    /// Copies from a descriptor's position, which advances, to an offset of another (copy_file_range); file
+    /// systems may share the extents instead.
     virtual std::int64_t copyFileRange(int from, int to, std::int64_t offset, std::int64_t length) = 0;
     virtual int ftruncate(int descriptor, std::int64_t length) = 0;
 
     /// Reserves the first `length` bytes of a file.
     virtual int fallocate(int descriptor, std::int64_t length) = 0;
 
-    /// Begins to write a range of a file to the disk, without waiting for it.
+    /// Starts writeback of a range of a file without waiting for it.
     virtual int syncFileRange(int descriptor, std::int64_t offset, std::int64_t length) = 0;
     virtual int fsync(int descriptor) = 0;
     virtual int fdatasync(int descriptor) = 0;
@@ -62,11 +62,11 @@ public:
 
     virtual int flock(int descriptor, int operation) = 0;
 
-    /// Locks bytes of a file (F_RDLCK, F_WRLCK) or lets go of them (F_UNLCK) without waiting, for the open
-    /// file description rather than for the process (F_OFD_SETLK).
+    /// Locks bytes of a file (F_RDLCK, F_WRLCK) or unlocks them (F_UNLCK) without waiting, for the open file
+    /// description rather than for the process (F_OFD_SETLK).
     virtual int lockBytes(int descriptor, short type, std::int64_t start, std::int64_t length) = 0;
 
-    /// Whether somebody else's lock keeps a byte from being locked for writing: 1 or 0 (F_OFD_GETLK).
+    /// Whether another holder's lock keeps a byte from being locked for writing: 1 or 0 (F_OFD_GETLK).
     virtual int isByteLocked(int descriptor, std::int64_t place) = 0;
 };
 

@@ -2,17 +2,16 @@
 
 namespace sela {
 
-/// Whether others can look into this process: get a core of it, trace it, read its memory. A process of the
-/// vault holds passcodes and names of albums, which are for nobody else. Process-wide; main thread.
+/// Whether others can inspect this process: get a core dump of it, trace it, read its memory. A process of
+/// the vault holds passcodes and names of albums, which must stay private. Process-wide; main thread.
 
-/// From here on the process dumps no core, not to a program that collects crashes either, and no process of
-/// the same user can trace it or read its memory. What it starts dumps no core either. Called first in a
-/// program.
+/// From here on the process dumps no core, not even to a crash collector, and no process of the same user can
+/// trace it or read its memory. Its child processes dump no core either. Called first in a program.
 void makeUndumpable();
 
-/// Lets processes of the same user look into this one while it lives; there is still no core. For services
-/// that answer only whom they can look at, as the desktop's portal does, and only while nothing is in memory
-/// that they must not see.
+/// Lets processes of the same user inspect this one while the object lives; there is still no core dump. For
+/// services that answer only callers that they can inspect, as the desktop's portal does, and only while
+/// nothing secret is in memory.
 class DumpableScope {
 public:
     DumpableScope();

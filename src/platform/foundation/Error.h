@@ -19,7 +19,7 @@ public:
     /// One line for a log or a person, in English; never empty.
     virtual std::string localizedDescription() const = 0;
 
-    /// The cause alone, for a person who is told what failed anyway.
+    /// The cause alone, for a message that already says what failed.
     virtual std::string localizedFailureReason() const { return localizedDescription(); }
 };
 
@@ -50,7 +50,7 @@ public:
     int code() const { return code_; }
     std::string localizedDescription() const override { return description_; }
 
-    /// For a failed system call what the system says of its errno.
+    /// For a failed system call, the system's text for its errno.
     std::string localizedFailureReason() const override;
 
 private:
@@ -69,7 +69,7 @@ public:
     explicit operator bool() const { return content_.index() == 0; }
     bool hasValue() const { return content_.index() == 0; }
 
-    /// The value. Asking a failed result for it is a programmer's mistake, which stops the process.
+    /// The value. Calling this on a failed result is a programming error and stops the process.
     T& value(SourceLocation place = SourceLocation::current()) {
         require(place);
         return *std::get_if<0>(&content_);

@@ -11,7 +11,8 @@ namespace sela {
 
 namespace {
 
-/// The path of a source file from the project's folder on: where it was built is nobody's business.
+/// The path of a source file relative to the project's folder, so that the build machine's path is not
+/// revealed.
 std::string_view pathInProject(std::string_view file) {
     const std::size_t place = std::min(file.rfind("/src/"), file.rfind("/tests/"));
     return place == std::string_view::npos ? file : file.substr(place + 1);

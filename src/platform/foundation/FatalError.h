@@ -6,8 +6,8 @@
 
 namespace sela {
 
-/// Stops the process because a programmer made a mistake: logs `message` and the place that called, then
-/// aborts. May be called on any thread. `message` is logged as it stands.
+/// Stops the process because of a programming error: logs `message` and the caller's location, then aborts.
+/// May be called on any thread. `message` is logged as it stands.
 [[noreturn]] void fatalError(std::string_view message, SourceLocation place = SourceLocation::current());
 
 } // namespace sela

@@ -5,8 +5,7 @@
 
 namespace sela {
 
-/// A POSIX descriptor that is closed with its owner; a negative number is none. Moves; used by one thread at
-/// a time.
+/// Owns a POSIX descriptor and closes it; a negative number is none. Move-only; used by one thread at a time.
 class FileDescriptor {
 public:
     explicit FileDescriptor(int descriptor = -1) : descriptor_(descriptor) {}
@@ -23,7 +22,7 @@ public:
     bool isOpen() const { return descriptor_ >= 0; }
     int get() const { return descriptor_; }
 
-    /// Gives the descriptor away, to be closed by whoever takes it.
+    /// Releases the descriptor to the caller, who closes it.
     int release() { return std::exchange(descriptor_, -1); }
 
     void reset() {

@@ -131,8 +131,8 @@ Result<FileAttributes> FileManager::attributesOfEntry(const std::string& path) c
 ErrorRef FileManager::createDirectory(const std::string& path) {
     if (ErrorRef error = makeFolders(path))
         return error;
-    // All of them, those that stood there included: whoever made them may have been stopped before they were
-    // flushed. Nobody who cannot write to a folder has made anything in it.
+    // All of them, existing ones included: the program that made them may have been killed before the fsync.
+    // Folders that we cannot write to need none, since we made nothing in them.
     for (std::string folder = path; folder != "/";) {
         folder = folderOf(folder);
         if (Disk::inUse().access(folder, W_OK) != 0)
@@ -169,7 +169,7 @@ ErrorRef FileManager::linkItem(const std::string& from, const std::string& to) {
 
 ErrorRef FileManager::moveItem(const std::string& from, const std::string& to) {
     int result = Disk::inUse().rename(from, to, RENAME_NOREPLACE);
-    // Some network file systems cannot rename without replacing; a second name never replaces either.
+    // Some network file systems do not support RENAME_NOREPLACE; link never replaces either.
     if (result == -EINVAL || result == -ENOSYS) {
         const int linked = Disk::inUse().link(from, to);
         if (linked == 0)
@@ -183,7 +183,7 @@ ErrorRef FileManager::moveItem(const std::string& from, const std::string& to) {
 ErrorRef FileManager::synchronizeDirectory(const std::string& path) {
     const FileDescriptor folder(Disk::inUse().open(path, O_RDONLY | O_DIRECTORY));
     const int result = folder.isOpen() ? Disk::inUse().fsync(folder.get()) : folder.get();
-    // EINVAL: the file system has no such operation.
+    // EINVAL: the file system does not support fsync of folders.
     return result == -EINVAL ? nullptr : errorOf(result, path);
 }
 
@@ -223,7 +223,7 @@ Result<OutputStream> FileManager::outputStream(const URL& destination, std::int6
 
 ErrorRef FileManager::writeAtomically(DataView bytes, const URL& destination) {
     const std::string folder = folderOf(destination.path());
-    // The time tells the names of one process apart, and its number those of several.
+    // The time makes the names of one process unique, and its id those of several.
     const std::string temporary = folder + "/.sela-" + std::to_string(::getpid()) + "-" + uniqueTimeText();
     const FileDescriptor descriptor(
         Disk::inUse().open(temporary, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600));

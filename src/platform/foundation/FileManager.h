@@ -14,14 +14,14 @@
 
 namespace sela {
 
-/// What the file system tells of a file.
+/// The attributes of a file.
 struct FileAttributes {
     enum class Type { regular, directory, symbolicLink, other };
 
     Type type = Type::other;
     std::int64_t size = 0;       ///< bytes
     double modificationDate = 0; ///< seconds since 1970
-    std::uint64_t device = 0;    ///< with `inode`, tells whether two names are one file
+    std::uint64_t device = 0;    ///< with `inode`, identifies the file
     std::uint64_t inode = 0;
 
     bool isSameFile(const FileAttributes& other) const {
@@ -29,11 +29,10 @@ struct FileAttributes {
     }
 };
 
-/// What to do about a file that stands where one is to be made.
+/// What to do when a file to be made exists already.
 enum class WhenThere { overwrite, fail };
 
-/// The file system, as the programs of the group use it: what they do with files is put together here from
-/// the calls of the `Disk` in use.
+/// The file operations of the group's programs, built from the calls of the `Disk` in use.
 ///
 /// Without state; operations may be called from any thread. Files made have mode 0600 and folders 0700,
 /// whatever the umask allows beyond that. Errors are those of the system, and name the file.
@@ -51,22 +50,21 @@ public:
     /// is no single path component.
     std::optional<URL> provisioningURL(std::string_view groupId) const;
 
-    /// Whether something exists at the path; a link that leads nowhere does not.
+    /// Whether something exists at the path; a dangling symbolic link does not count.
     bool fileExists(const std::string& path) const;
 
-    /// The attributes of what a path leads to, symbolic links followed.
+    /// The attributes of the file at a path, symbolic links followed (stat).
     Result<FileAttributes> attributesOfItem(const std::string& path) const;
 
-    /// The attributes of what stands at a path, which may be a symbolic link itself.
+    /// The attributes of the entry at a path, which may be a symbolic link itself (lstat).
     Result<FileAttributes> attributesOfEntry(const std::string& path) const;
 
-    /// Makes the folder and those above it that are missing, and flushes their entries, which is done for a
-    /// folder that is there already as well.
+    /// Makes the folder and its missing parents, and flushes their entries, also for a folder that exists
+    /// already.
     ErrorRef createDirectory(const std::string& path);
 
-    /// Takes from everybody else the rights to a file or folder that belongs to the user, if they have any;
-    /// it may have been made by a program that knew no better. One of somebody else, or that is not there,
-    /// stays.
+    /// Removes the rights of group and others to a file or folder that belongs to the user; another program
+    /// may have made it with them. One of another owner stays as it is; one that is missing is no error.
     void closeToOthers(const std::string& path);
 
     /// The names in a folder, "." and ".." left out, sorted by their bytes.
@@ -75,12 +73,12 @@ public:
     /// Removes a file (a link itself, not what it leads to).
     ErrorRef removeItem(const std::string& path);
 
-    /// Gives a file a second name, or another one, which must not exist yet (EEXIST otherwise) and lies in
-    /// the same file system (EXDEV otherwise). It is safe once the folder of `to` was flushed.
+    /// Hard-links or renames a file. `to` must not exist yet (EEXIST otherwise) and be in the same file
+    /// system (EXDEV otherwise). It is durable once the folder of `to` was flushed.
     ErrorRef linkItem(const std::string& from, const std::string& to);
     ErrorRef moveItem(const std::string& from, const std::string& to);
 
-    /// Flushes the entries of a folder. A file system that has no such operation is no error.
+    /// Flushes the entries of a folder. It is no error when the file system does not support that.
     ErrorRef synchronizeDirectory(const std::string& path);
 
     struct RegularFile {
@@ -96,15 +94,14 @@ public:
     Result<InputStream> inputStream(const URL& source);
 
     /// Opens a file for writing from its start, making it if it is missing, and reserves `expectedSize` bytes
-    /// of the disk where the file system can. A symbolic link at that place is not followed but is an error;
-    /// so is a file where none may be, and a disk without room, in which case the file that was made is
-    /// removed again.
+    /// of the disk where the file system can. A symbolic link there is not followed but is an error; so is an
+    /// existing file where none is allowed, and a full disk, in which case the new file is removed again.
     Result<OutputStream> outputStream(const URL& destination, std::int64_t expectedSize,
                                       WhenThere whenThere = WhenThere::overwrite);
 
-    /// Writes a whole file in one step: into a temporary file of the same folder, which is flushed
-    /// and then takes the file's name. On an error nothing temporary is left and the destination is as
-    /// it was, except that it may be the new one, not yet safe, when only the folder could not be flushed.
+    /// Writes a whole file atomically: into a temporary file of the same folder, which is flushed and then
+    /// renamed. On an error no temporary file is left and the destination is unchanged, except that it may be
+    /// the new file, not yet durable, when only the fsync of the folder failed.
     ErrorRef writeAtomically(DataView bytes, const URL& destination);
 
     /// All bytes of a regular file; an error when it is larger than `maximumSize`.

@@ -7,7 +7,7 @@ namespace sela {
 
 namespace {
 
-/// The longest start of `text` of at most `size` bytes that ends between two characters.
+/// The longest prefix of `text` of at most `size` bytes that ends between two characters.
 std::string_view shortened(std::string_view text, std::size_t size) {
     std::size_t length = 0;
     while (length < text.size()) {

@@ -9,11 +9,10 @@ namespace sela {
 
 /// Names of files as text: pure functions; any thread.
 
-/// The most bytes that the usual file systems hold in one name.
+/// The most bytes of a name on common file systems.
 inline constexpr std::size_t longestFileName = 255;
 
-/// A name in two: what stands before its extension, and the extension with its dot, which is empty where
-/// there is none.
+/// A name split into the part before its extension, and the extension with its dot, empty when there is none.
 std::pair<std::string_view, std::string_view> stemAndExtension(std::string_view name);
 
 /// `stem + ending`, the stem shortened at the end of a character so that both are `longest` bytes at most. An

@@ -11,10 +11,10 @@ namespace sela {
 /// returns when nothing is left to do, that is when no task is queued and no background work is outstanding.
 class HeadlessMainLoop : public DispatchQueue {
 public:
-    /// What becomes of time in which there is nothing to do but wait for a task that is not due yet.
+    /// What to do with the time until the next task is due.
     enum class Idle {
         waits,
-        isSkipped, ///< the clock goes ahead to the task: nobody looks at animations that nobody sees
+        isSkipped, ///< the clock is advanced to the task: animations are not visible
     };
 
     explicit HeadlessMainLoop(Idle idle = Idle::waits) : idle_(idle) {}

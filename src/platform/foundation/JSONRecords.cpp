@@ -15,7 +15,7 @@ using boost::json::string_view;
 enum class Container { array, object };
 
 /// Takes the parser's events and fills records. Levels: 1 is the collection, 2 a record, 3 a list of texts;
-/// what lies deeper, or belongs to a member without a slot, is passed over.
+/// deeper values, and those of a member without a slot, are skipped.
 class RecordHandler {
 public:
     static constexpr std::size_t max_object_size = std::size_t(-1);
@@ -104,7 +104,7 @@ private:
                std::holds_alternative<OptionalSecret>(slot.place);
     }
 
-    /// The key or text that ends with this part, which mostly is all of it.
+    /// The key or text that ends with this part, which usually is all of it.
     std::string_view whole(string_view part) {
         if (text_.empty())
             return part;
@@ -114,7 +114,7 @@ private:
     /// Whether the value at hand belongs to a member without a slot.
     bool isPassedOver() const { return skippedFrom_ != 0 || (level_ == 2 && !slot_); }
 
-    /// Puts a text where it belongs; false where none is expected.
+    /// Stores a text in its slot; false where none is expected.
     bool store(std::string_view text) {
         if (level_ < 2)
             return false;
@@ -214,8 +214,8 @@ private:
     const JSONRecordSource& nextRecord_;
 
     int level_ = 0;
-    int skippedFrom_ = 0; ///< the level whose end ends the skipping; 0: nothing is skipped
-    std::string text_;    ///< parts of a key or text that the parser hands over piecewise
+    int skippedFrom_ = 0; ///< skipping ends with this level; 0: nothing is skipped
+    std::string text_;    ///< parts of a key or text that the parser delivers in pieces
     std::string recordKey_;
     std::span<const JSONSlot> slots_;
     const JSONSlot* slot_ = nullptr; ///< that of the member at hand

@@ -31,8 +31,8 @@ struct JSONMember {
         member;
 };
 
-/// A member of the record that is being read, and the place for its value; a null pointer where the value is
-/// only to be checked.
+/// A member of the record that is being read, and the destination of its value; a null pointer where the
+/// value is only checked.
 struct JSONSlot {
     std::string_view key;
     std::variant<std::string*, std::optional<std::string>*, std::optional<Secret>*, bool*,
@@ -41,14 +41,14 @@ struct JSONSlot {
 };
 
 /// Called at the start of each record with its key (empty inside an array). Returns the slots to fill, always
-/// the same ones but for their places, which stay until the next call.
+/// the same ones except for their destinations, which are valid until the next call.
 using JSONRecordSource = std::function<std::span<const JSONSlot>(std::string_view key)>;
 
-/// Reads a JSON array, or a JSON object, whose elements are records, and nothing behind it but white space.
+/// Reads a JSON array, or a JSON object, whose elements are records, followed by nothing but white space.
 /// Strict: UTF-8 and at most 32 levels deep; a required member that is missing and a value of another type
 /// are errors; members without a slot are skipped; of a member given twice the last counts. Records of an
-/// object come in their order, also where two have the same key. On an error the records made so far are to
-/// be thrown away. The functions below, which know the type of the record, are what others call.
+/// object come in their order, also where two have the same key. After an error the records read so far must
+/// be discarded. Callers use the functions below, which know the type of the record.
 ErrorRef readJSONArray(DataView text, const JSONRecordSource& nextRecord);
 ErrorRef readJSONObject(DataView text, const JSONRecordSource& nextRecord);
 
@@ -56,7 +56,7 @@ ErrorRef readJSONObject(DataView text, const JSONRecordSource& nextRecord);
 template<class Record>
 class JSONSlots {
 public:
-    /// Lets the slots lead into `record`, or nowhere when it is null.
+    /// Points the slots into `record`, or nowhere when it is null.
     std::span<const JSONSlot> of(Record* record) {
         for (std::size_t i = 0; i < slots_.size(); ++i)
             std::visit(

@@ -12,8 +12,8 @@ namespace sela {
 
 /// Writes one JSON text, value after value, without white space. Used by one thread at a time.
 ///
-/// Inside an object each value follows a `key`. A text that is not UTF-8 spoils the result for good; the
-/// caller asks `isValid` at the end.
+/// Inside an object each value follows a `key`. A text that is not UTF-8 makes the result invalid; the caller
+/// checks `isValid` at the end.
 class JSONWriter {
 public:
     JSONWriter& beginObject();

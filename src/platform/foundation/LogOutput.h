@@ -4,12 +4,12 @@
 
 namespace sela {
 
-/// Whether the lines of `NSLog` are written to standard error, as they are until this says otherwise. The
-/// system's log has them in any case. Thread-safe.
+/// Sets whether `NSLog` writes its lines to standard error, as it does by default. The system's log gets them
+/// in any case. Thread-safe.
 void setLogPrinted(bool printed);
 
-/// Writes a line and its end to standard error, in one piece. Never waits for a reader: a line that a full
-/// pipe or a stopped terminal has no room for is dropped. Thread-safe.
+/// Writes a line with its end to standard error in one write. Never blocks: a line that does not fit into a
+/// full pipe or a stopped terminal is dropped. Thread-safe.
 void printToStandardError(std::string line);
 
 } // namespace sela

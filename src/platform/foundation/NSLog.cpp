@@ -54,8 +54,9 @@ std::string escape(char32_t c) {
     }
 }
 
-/// Standard error, as a description of its own that does not block where it is a pipe or a terminal: the flag
-/// on the inherited description would hold for the programs that share it, too. A file does not block.
+/// Standard error, for a pipe or a terminal opened again as a non-blocking file description of its own:
+/// O_NONBLOCK on the inherited description would apply to the programs that share it, too. A file does not
+/// block.
 int standardError() {
     static const int descriptor = [] {
         struct stat status {};

@@ -8,9 +8,9 @@ namespace sela {
 
 /// Writes one diagnostic line to the system's log and to standard error. Thread-safe.
 ///
-/// `text` is the whole line, without a line end. Control characters, line separators and characters that
-/// turn the direction of text are escaped, and bytes that are not UTF-8 become U+FFFD, so that a file name
-/// can neither break a line into two nor drive a terminal. Nothing else is changed and nothing is put before
+/// `text` is the whole line, without a line end. Control characters, line separators and characters that turn
+/// the direction of text are escaped, and bytes that are not UTF-8 become U+FFFD, so that a file name can
+/// neither break a line into two nor control a terminal. Nothing else is changed and nothing is put before
 /// the text.
 void NSLog(std::string_view text);
 
@@ -18,8 +18,8 @@ void NSLog(std::string_view text);
 std::string escapedForLog(std::string_view text);
 
 /// Where the lines of `NSLog` go instead of the log while this object lives: tests capture them with it.
-/// `sink` is called on whatever thread logs, one call at a time, with the escaped text. One redirection at
-/// a time.
+/// `sink` is called on the thread that logs, one call at a time, with the escaped text. One redirection at a
+/// time.
 class LogRedirection {
 public:
     explicit LogRedirection(std::function<void(const std::string&)> sink);

@@ -32,7 +32,7 @@ std::int64_t OutputStream::copy(int descriptor, std::int64_t size) {
 }
 
 void OutputStream::advance(std::int64_t count) {
-    // Only a hint: what it cannot do, the flush at the end does.
+    // Only a hint: the flush at the end writes the rest.
     Disk::inUse().syncFileRange(descriptor_.get(), written_, count);
     written_ += count;
 }

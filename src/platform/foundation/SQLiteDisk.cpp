@@ -22,8 +22,7 @@ namespace sela {
 
 namespace {
 
-/// The bytes of a database by whose locks programs know of each other, as SQLite's file format has them.
-/// Nothing is stored there.
+/// The lock bytes of a database, as SQLite's file format defines them. Nothing is stored there.
 constexpr std::int64_t pendingByte = 0x40000000;
 constexpr std::int64_t reservedByte = pendingByte + 1;
 constexpr std::int64_t firstSharedByte = pendingByte + 2;
@@ -32,11 +31,11 @@ constexpr std::int64_t sharedBytes = 510;
 constexpr int sectorSize = 4096;
 constexpr int longestPath = 4096;
 
-/// The error number of this thread's last failed call, for SQLite to ask for.
+/// The error number of this thread's last failed call, which SQLite can query.
 thread_local int lastError = 0;
 
-/// The journal whose entry in its folder is known to be on the disk: the last one that was flushed, as long
-/// as it is seen to be there, and empty as a finished transaction leaves it.
+/// The journal whose folder entry is known to be flushed: the last one that was flushed, as long as it is
+/// found there, and empty as a finished transaction leaves it.
 class KnownJournal {
 public:
     void remember(const struct stat& status) {
@@ -45,7 +44,7 @@ public:
         inode_ = status.st_ino;
     }
 
-    /// Whether an opened journal is that one. Another takes its place in memory of it.
+    /// Whether an opened journal is that one; if it is not, that one is forgotten.
     bool recognize(const struct stat& status) {
         const std::lock_guard lock(mutex_);
         const bool same = status.st_dev == device_ && status.st_ino == inode_ && status.st_size == 0;
@@ -69,7 +68,7 @@ struct DiskFile : sqlite3_file {
     FileDescriptor descriptor;
     std::string path;
     int lock = SQLITE_LOCK_NONE;
-    bool hasNewEntry = false; ///< its folder's entry may not be on the disk yet
+    bool hasNewEntry = false; ///< the entry in its folder may not be flushed yet
 };
 
 DiskFile& fileOf(sqlite3_file* file) {
@@ -103,7 +102,7 @@ int read(sqlite3_file* file, void* buffer, int size, sqlite3_int64 offset) {
         if (count < 0)
             return codeOf(count, SQLITE_IOERR_READ);
         if (count == 0) {
-            // What lies behind the end reads as zeros.
+            // Bytes beyond the end read as zeros.
             std::ranges::fill(rest, std::byte{0});
             return SQLITE_IOERR_SHORT_READ;
         }
@@ -150,7 +149,7 @@ int fileSize(sqlite3_file* file, sqlite3_int64* size) {
     return codeOf(result, SQLITE_IOERR_FSTAT);
 }
 
-/// Locks bytes, or says that somebody else has them.
+/// Locks bytes; SQLITE_BUSY when another connection holds them.
 int lockBytes(DiskFile& file, short type, std::int64_t start, std::int64_t length) {
     const int result = Disk::inUse().lockBytes(file.descriptor.get(), type, start, length);
     if (result == -EAGAIN || result == -EACCES)
@@ -159,7 +158,7 @@ int lockBytes(DiskFile& file, short type, std::int64_t start, std::int64_t lengt
 }
 
 int lockShared(DiskFile& file) {
-    // Who waits to write holds the pending byte, so that no new reader comes.
+    // A waiting writer holds the pending byte, which keeps new readers out.
     int code = lockBytes(file, F_RDLCK, pendingByte, 1);
     if (code != SQLITE_OK)
         return code;
@@ -232,14 +231,13 @@ const sqlite3_io_methods fileMethods = [] {
     methods.xCheckReservedLock = checkReservedLock;
     methods.xFileControl = [](sqlite3_file*, int, void*) { return SQLITE_NOTFOUND; };
     methods.xSectorSize = [](sqlite3_file*) { return sectorSize; };
-    // A write never changes bytes around it, a power cut included. That a file never grows by more than was
-    // written is not claimed: it would save a flush of the journal, but its checksums look at every 200th
-    // byte only.
+    // A write never changes bytes around it, even at a power cut. SQLITE_IOCAP_SAFE_APPEND is not claimed: it
+    // would save an fsync of the journal, but the journal's checksums cover every 200th byte only.
     methods.xDeviceCharacteristics = [](sqlite3_file*) { return SQLITE_IOCAP_POWERSAFE_OVERWRITE; };
     return methods;
 }();
 
-/// Opens a regular file and nothing else, never waiting for it.
+/// Opens a regular file and nothing else, without blocking.
 int openRegular(const std::string& path, int flags, struct stat& status) {
     Disk& disk = Disk::inUse();
     FileDescriptor opened(disk.open(path, flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, 0600));
@@ -250,8 +248,8 @@ int openRegular(const std::string& path, int flags, struct stat& status) {
     return S_ISREG(status.st_mode) ? opened.release() : -EINVAL;
 }
 
-/// Opens a journal, making it if it is missing. Tells whether its folder must be flushed: one that is there
-/// already may have been made by a program that was stopped before it did so.
+/// Opens a journal, making it if it is missing. `hasNewEntry` becomes whether its folder must be flushed: a
+/// program that made an existing one may have been killed before it did so.
 int openJournal(const std::string& path, bool& hasNewEntry) {
     struct stat status = {};
     int descriptor = openRegular(path, O_RDWR, status);
@@ -302,7 +300,7 @@ int remove(sqlite3_vfs*, const char* path, int flush) {
 int access(sqlite3_vfs*, const char* path, int question, int* answer) {
     struct stat status = {};
     if (question == SQLITE_ACCESS_EXISTS)
-        // An empty journal is none.
+        // An empty journal does not count.
         *answer = Disk::inUse().stat(path, status) == 0 && (!S_ISREG(status.st_mode) || status.st_size > 0);
     else
         *answer = Disk::inUse().access(path, R_OK | W_OK) == 0;
@@ -317,7 +315,7 @@ int fullPath(sqlite3_vfs*, const char* path, int size, char* full) {
     return SQLITE_OK;
 }
 
-/// SQLite's own layer, for what has nothing to do with files.
+/// SQLite's own VFS, for everything but files.
 sqlite3_vfs* system() {
     return sqlite3_vfs_find(nullptr);
 }
@@ -343,7 +341,7 @@ const char* sqliteDiskName() {
         made.xGetLastError = [](sqlite3_vfs*, int, char*) { return lastError; };
         return made;
     }();
-    // Registering starts SQLite up.
+    // Registering a VFS initializes SQLite.
     wipeSQLiteMemory();
     static const bool known = sqlite3_vfs_register(&layer, 0) == SQLITE_OK;
     if (!known)

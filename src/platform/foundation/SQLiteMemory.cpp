@@ -21,7 +21,7 @@ void release(void* memory) {
     inner().xFree(memory);
 }
 
-/// Never in place, since the allocator may move what it enlarges, and leave a copy.
+/// Never by realloc, which may move the block and leave a copy behind.
 void* resize(void* memory, int size) {
     void* const moved = inner().xMalloc(size);
     if (!moved)

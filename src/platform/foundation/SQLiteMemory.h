@@ -2,8 +2,8 @@
 
 namespace sela {
 
-/// Lets SQLite overwrite the memory that it frees, which held settings, and gives no memory to pages in
-/// advance. Called before anything else of SQLite; later calls change nothing. Any thread.
+/// Makes SQLite overwrite the memory that it frees, which held settings, and turns off its preallocated page
+/// cache. Called before anything else of SQLite; later calls change nothing. Any thread.
 void wipeSQLiteMemory();
 
 } // namespace sela

@@ -26,7 +26,7 @@ class LockedPages : public std::pmr::memory_resource {
     bool do_is_equal(const memory_resource& other) const noexcept override { return this == &other; }
 };
 
-/// Secrets of objects that outlive `main` are given back after it, so this is never destroyed.
+/// Never destroyed, since secrets of static objects are freed after `main`.
 std::pmr::memory_resource& memory() {
     static auto* const pool = new std::pmr::synchronized_pool_resource(new LockedPages);
     return *pool;

@@ -7,8 +7,8 @@
 
 namespace sela {
 
-/// Gives memory for secrets: locked into RAM as far as the limit allows, left out of cores, and overwritten
-/// when it is given back. Any thread.
+/// Allocates memory for secrets: locked into RAM as far as the limit allows, excluded from core dumps, and
+/// overwritten when it is freed. Any thread.
 struct SecretAllocator {
     using value_type = char;
     template<class>
@@ -22,12 +22,11 @@ struct SecretAllocator {
     bool operator==(const SecretAllocator&) const = default;
 };
 
-/// Overwrites bytes that held a secret, also where nobody reads them any more.
+/// Overwrites bytes that held a secret, even if they are never read again.
 void overwrite(std::span<std::byte> bytes);
 
-/// A text that is nobody's business: a passcode, what has been entered of one, an album's password. It has no
-/// way into a log, an error, a tree or an accessibility value but by `exposed()`. A value; one thread at a
-/// time.
+/// A secret text: a passcode, what has been entered of one, an album's password. It can get into a log, an
+/// error, a tree or an accessibility value only by `exposed()`. A value; one thread at a time.
 class Secret {
 public:
     Secret() = default;
@@ -42,7 +41,7 @@ public:
     void removeFirst() { characters_.erase(characters_.begin()); }
     void clear() { *this = Secret(); }
 
-    /// The text, for a comparison or for storing it; not to be copied anywhere else. Valid until the next
+    /// The text, for a comparison or for storing it; it must not be copied elsewhere. Valid until the next
     /// change.
     std::string_view exposed() const { return {characters_.data(), characters_.size()}; }
 

@@ -18,11 +18,11 @@ namespace sela {
 
 namespace {
 
-/// The format that this version writes, in the file's user_version; 0 stands for a file nobody stamped.
+/// The format that this version writes, in the file's user_version; 0 for a file without a version.
 constexpr std::int64_t formatVersion = 1;
 
-/// One program waits for another to let go of the file in even steps: SQLite's own waits grow, so that of
-/// many programs those that came first get the file last.
+/// The wait for another program's lock is in equal steps: SQLite's own waits grow, so that of many programs
+/// those that came first get the lock last.
 constexpr std::chrono::milliseconds lockStep{5};
 
 constexpr std::string_view sqliteErrorDomain = "SQLite";
@@ -32,7 +32,7 @@ constexpr const char* tableCountQuery =
 
 } // namespace
 
-/// A prepared statement that ends with its scope.
+/// A prepared statement that is finalized with its scope.
 struct SettingsDatabase::Statement {
     Statement(sqlite3* connection, const char* sql) {
         result = sqlite3_prepare_v2(connection, sql, -1, &handle, nullptr);
@@ -94,7 +94,7 @@ Result<std::unique_ptr<SettingsDatabase>> SettingsDatabase::open(const std::stri
 void SettingsDatabase::giveBack(std::unique_ptr<SettingsDatabase> database) {
     if (!database || database->failed_)
         return;
-    // Its pages hold passcodes, and are read again when they are asked for. There are none without a file.
+    // Its cached pages hold passcodes, and are read again when needed. There are none without a file.
     if (database->connection_)
         sqlite3_db_release_memory(database->connection_);
     const std::lock_guard lock(kept().mutex);
@@ -127,8 +127,7 @@ Result<std::optional<Data>> SettingsDatabase::read(std::string_view key, std::st
         return any.error();
     if (!any.value())
         return std::optional<Data>();
-    // By the rows alone, here and below: there are few, and one that a damaged index does not lead to is
-    // there all the same.
+    // By a scan of the rows, here and below: there are few, and a damaged index does not hide any of them.
     Statement statement(connection_, "SELECT value FROM settings NOT INDEXED WHERE key = ?1 AND kind = ?2");
     statement.bind(1, key);
     statement.bind(2, kind);
@@ -226,8 +225,8 @@ ErrorRef SettingsDatabase::remove(std::string_view key) {
 }
 
 ErrorRef SettingsDatabase::checkStored(std::string_view key, std::string_view kind, DataView value) {
-    // The same through the index and by the rows, and the only one: a damaged index doubles what it hides,
-    // and may lead to the row of another key.
+    // The row must be found both through the index and by a scan, and only once: with a damaged index a
+    // hidden row is stored twice, or the row of another key is found.
     Statement statement(connection_,
                         "SELECT 1 FROM settings WHERE key = ?1 AND kind = ?2 AND value = ?3 AND rowid = "
                         "(SELECT CASE count(*) WHEN 1 THEN max(rowid) END FROM settings NOT INDEXED "
@@ -278,8 +277,8 @@ ErrorRef SettingsDatabase::connect() {
 }
 
 void SettingsDatabase::distrustSchema() {
-    // The file is data of others too: a view in place of the table, or a trigger on it, would run what its
-    // writer wanted, for ever if need be.
+    // Other programs write the file too: a view in place of the table, or a trigger on it, could run
+    // arbitrary SQL, even without end.
     for (const int feature :
          {SQLITE_DBCONFIG_ENABLE_VIEW, SQLITE_DBCONFIG_ENABLE_TRIGGER, SQLITE_DBCONFIG_TRUSTED_SCHEMA})
         sqlite3_db_config(connection_, feature, 0, nullptr);
@@ -297,9 +296,9 @@ ErrorRef SettingsDatabase::checkFormat() {
                                          path_ + ": format " + std::to_string(version.value()) +
                                              " is later than this program's format " +
                                              std::to_string(formatVersion));
-    // A rollback journal that is truncated rather than deleted: with synchronous FULL its end is flushed, so
-    // a committed step survives a power cut, and no file is made and removed at each step.
-    // What is removed is overwritten, whatever the library was built to do by itself.
+    // A rollback journal that is truncated rather than deleted: with synchronous FULL the truncation is
+    // flushed, so a committed transaction survives a power cut, and no file is made and removed for each one.
+    // secure_delete overwrites removed values, whatever the library's default is.
     for (const char* const sql : {"PRAGMA journal_mode = TRUNCATE", "PRAGMA synchronous = FULL",
                                   "PRAGMA temp_store = MEMORY", "PRAGMA secure_delete = ON"})
         if (ErrorRef error = execute(sql))
@@ -312,7 +311,8 @@ ErrorRef SettingsDatabase::createFile() {
     FileManager& files = FileManager::defaultManager();
     if (ErrorRef error = files.createDirectory(folder))
         return error;
-    // Made here, since a connection makes none: a file that goes while one is open must not come back empty.
+    // Made here, since a connection makes none: a file that is removed while a connection is open must not
+    // reappear empty.
     const FileDescriptor file(Disk::inUse().open(path_, O_RDWR | O_CREAT | O_NOFOLLOW, 0600));
     if (!file.isOpen())
         return NSError::posix(-file.get(), path_);

@@ -16,8 +16,8 @@ struct sqlite3;
 
 namespace sela {
 
-/// A connection to the SQLite file behind `UserDefaults`. Used by one thread at a time; any number may lead
-/// to one file.
+/// A connection to the SQLite file behind `UserDefaults`. Used by one thread at a time; there may be any
+/// number for one file.
 class SettingsDatabase {
 public:
     /// A connection to the file at `path`, which waits for each lock as long as `patience` lasts; the error
@@ -26,7 +26,7 @@ public:
     static Result<std::unique_ptr<SettingsDatabase>> open(const std::string& path,
                                                           std::chrono::milliseconds patience);
 
-    /// Whether an error means that somebody else's lock was waited for in vain.
+    /// Whether an error means that waiting for another's lock timed out.
     static bool isBusy(const ErrorRef& error);
 
     /// Keeps a connection for the next `open`, in place of one that was kept before, unless something failed
@@ -38,13 +38,13 @@ public:
     SettingsDatabase(const SettingsDatabase&) = delete;
     SettingsDatabase& operator=(const SettingsDatabase&) = delete;
 
-    /// Whether there is a file with its table in it; the error when that cannot be told.
+    /// Whether there is a file with its table in it; the error when that cannot be determined.
     Result<bool> holdsSettings();
 
     /// Null when something can be read at this moment, or when there is no file.
     ErrorRef checkReadable();
 
-    /// The value of that kind ("text" or "data") under a key.
+    /// The value of this kind ("text" or "data") under a key.
     Result<std::optional<Data>> read(std::string_view key, std::string_view kind);
 
     /// The keys that begin with `prefix`, sorted by their bytes.
@@ -53,19 +53,18 @@ public:
     /// Reads the whole file; the error says the first thing that is wrong with it.
     ErrorRef checkIntegrity();
 
-    /// Begins a transaction, making the file where it is missing. Nobody else can store anything until its
-    /// end.
+    /// Begins a transaction, making the file if it is missing. No one else can store anything until its end.
     ErrorRef begin();
 
     /// Stores or removes a value inside a transaction.
     ErrorRef write(std::string_view key, std::string_view kind, DataView value);
     ErrorRef remove(std::string_view key);
 
-    /// Ends the transaction: with all of it on the disk, or with nothing of it when there is a `failure` or
-    /// one of ending it, which is returned.
+    /// Commits the transaction durably; rolls it back when there is a `failure`, or one of the commit, which
+    /// is returned.
     ErrorRef end(ErrorRef failure);
 
-    /// Ends a transaction, if one is under way, with nothing of it.
+    /// Rolls back a transaction, if one has begun.
     void rollBack();
 
 private:
@@ -90,7 +89,7 @@ private:
     /// parts of the next one in it.
     ErrorRef flushJournalOfOthers();
 
-    /// Reads back what was just stored: a damaged index takes in a row that nothing finds again.
+    /// Reads back what was just stored: with a damaged index a row may be stored but never found again.
     ErrorRef checkStored(std::string_view key, std::string_view kind, DataView value);
 
     /// The error of the connection's last failed call.

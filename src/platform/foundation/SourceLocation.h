@@ -2,7 +2,7 @@
 
 namespace sela {
 
-/// A place in the source, for telling a programmer where a mistake was made. A value.
+/// A place in the source, for reporting where a programming error was made. A value.
 ///
 /// As a default argument, `SourceLocation place = SourceLocation::current()`, it is the place of the call.
 /// The standard library's class does the same, but clang 14 cannot compile the one of g++ 12.

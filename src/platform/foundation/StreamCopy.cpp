@@ -13,8 +13,8 @@ std::int64_t StreamCopy::copyBlock() {
     const std::int64_t copied = systemCopies_ ? output_.copy(input_.descriptor(), blockSize) : -1;
     if (copied > 0)
         return copied;
-    // An error does not tell which side failed, and 0 need not be the end: some file systems say so of files
-    // that they only make up. Reading and writing tell both.
+    // An error does not say which side failed, and 0 need not be the end: some file systems return it for
+    // virtual files. Reading and writing find out both.
     buffer_.resize(static_cast<std::size_t>(copied == 0 ? probeSize : blockSize));
     const std::int64_t count = input_.read(buffer_);
     if (count > 0)

@@ -9,19 +9,18 @@
 
 namespace sela {
 
-/// Copies what is left of one stream to another, block by block. The system copies, and shares what the file
-/// system can share; where it does not, or fails, the block is read and written. Used by one thread at a
-/// time.
+/// Copies what is left of one stream to another, block by block. It uses copy_file_range, by which file
+/// systems can share extents; where that fails, the block is read and written. Used by one thread at a time.
 class StreamCopy {
 public:
-    /// The size of one block: 2 MiB, large enough that the calls cost nothing beside the copy.
+    /// The size of one block: 2 MiB, large enough that the cost of the calls is negligible.
     static constexpr std::int64_t blockSize = 2'097'152;
 
     StreamCopy(InputStream& input, OutputStream& output) : input_(input), output_(output) {}
 
     /// Copies one block, or less of it, and returns the number of bytes that were read; 0 at the end; -1 when
-    /// reading failed, which the input tells. A failure of writing is kept by the output, and reading goes
-    /// on.
+    /// reading failed, with the error in the input stream. A write error is kept by the output stream, and
+    /// reading goes on.
     std::int64_t copyBlock();
 
 private:

@@ -26,7 +26,7 @@ std::optional<std::uint32_t> number(DataView file, std::size_t offset) {
     return value;
 }
 
-/// What an element of a list stands for; absent where it, or the element, lies outside of the file.
+/// The text of a list element; absent when the text or the element is outside of the file.
 std::optional<std::string_view> string(DataView file, std::size_t element) {
     const auto length = number(file, element);
     const auto offset = number(file, element + 4);

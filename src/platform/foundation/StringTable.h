@@ -14,8 +14,8 @@ namespace sela {
 /// The texts of one language, as `msgfmt` compiles them into a .mo file. Immutable, so any thread may use it.
 class StringTable {
 public:
-    /// Reads a whole .mo file, whose byte order is little-endian on every machine. Where it says itself that
-    /// a text lies outside of it, or it is no such file, the error says so. `name` names it in the error.
+    /// Reads a whole .mo file, whose byte order is little-endian on every machine. The error when a text is
+    /// outside of the file, or it is no such file. `name` names it in the error.
     static Result<StringTable> parse(DataView file, std::string_view name);
 
     /// The text of a key; absent when the table has none. Valid as long as the table.

@@ -4,8 +4,8 @@
 
 namespace sela {
 
-/// Makes a system call again for as long as a signal interrupts it, and returns what it returned. `call`
-/// returns a negative number on failure and tells why in errno.
+/// Repeats a system call while a signal interrupts it (EINTR), and returns its result. `call` returns a
+/// negative number on failure and sets errno.
 template<class Call>
 auto retryingInterrupted(Call call) {
     while (true) {

@@ -10,12 +10,12 @@
 
 namespace sela {
 
-/// Tasks by due time, first given first among those due together. Every operation but `drain` wants the
-/// caller to hold `BackgroundWork::mutex`, so that a loop can look at the list and at the outstanding work at
-/// one moment.
+/// Tasks by due time, first given first among those due together. For every operation but `drain` the caller
+/// must hold `BackgroundWork::mutex`, so that a loop can check the list and the outstanding work at one
+/// moment.
 class TaskList {
 public:
-    /// Adds a task and wakes whoever waits for one.
+    /// Adds a task and wakes the threads that wait for one.
     void add(double dueTime, DispatchQueue::Task task);
 
     /// Takes out the first task that is due at `now`; absent when none is.

@@ -20,8 +20,7 @@ namespace sela {
 
 struct ThreadPoolQueue::Pool {
     explicit Pool(int count) : context(count), guard(context.get_executor()) {
-        // With fewer threads than wished for everything is done all the same; without any, nothing ever
-        // would.
+        // Fewer threads than requested suffice; without any, no task would ever run.
         try {
             for (int i = 0; i < count; ++i)
                 threads.emplace_back([this] { context.run(); });
@@ -95,7 +94,7 @@ void ThreadPoolQueue::resume() {
 }
 
 DispatchQueue& DispatchQueue::global() {
-    // Two threads: one copies while another may load; more would only compete for the disk. The queue is
+    // Two threads: one may load while the other copies; more would only compete for the disk. The queue is
     // never destroyed, since a task may still run when main ends.
     static auto* const queue = new ThreadPoolQueue(2);
     return *queue;

@@ -19,8 +19,8 @@ public:
     void asyncAfter(double seconds, Task task) override;
     double now() const override;
 
-    /// Lets no further task begin until `resume`; those under way go on. Any thread may call either, however
-    /// often. A queue that is destroyed resumes.
+    /// Starts no further task until `resume`; running tasks go on. Any thread may call either, any number of
+    /// times. Destroying a queue resumes it.
     void suspend();
     void resume();
 

@@ -10,7 +10,7 @@
 namespace sela {
 
 std::string describe(double value) {
-    std::array<char, 400> digits; // the longest: the smallest number, written out
+    std::array<char, 400> digits; // enough for the longest text, that of the smallest number
     const std::to_chars_result end =
         std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed);
     std::string text(digits.data(), end.ptr);

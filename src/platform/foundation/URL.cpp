@@ -63,7 +63,7 @@ URL URL::fileURL(std::string_view path) {
         return URL(std::string(path));
     std::error_code error;
     std::string absolute = std::filesystem::current_path(error).string();
-    // One that was removed has no name any more; by this one nothing can be made in it.
+    // A removed working directory has no path; below this one nothing can be created.
     if (error)
         absolute = "/proc/self/cwd";
     if (absolute.back() != '/')

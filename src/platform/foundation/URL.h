@@ -26,7 +26,7 @@ public:
     /// become U+FFFD.
     std::string lastPathComponent() const;
 
-    /// This URL with `component` added behind a "/". The component is not examined.
+    /// This URL with "/" and `component` appended. The component is not checked.
     URL appendingPathComponent(std::string_view component) const;
 
     /// This URL without its last component.

@@ -14,7 +14,7 @@ struct DecodedCharacter {
 };
 
 /// The character at the start of `text`, which must not be empty. Overlong forms, surrogates and values above
-/// U+10FFFF are not UTF-8 (RFC 3629); of a damaged sequence one byte is consumed.
+/// U+10FFFF are not UTF-8 (RFC 3629); of an invalid sequence one byte is consumed.
 DecodedCharacter decodeUTF8(std::string_view text);
 
 /// Whether `text` is UTF-8 throughout.

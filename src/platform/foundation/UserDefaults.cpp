@@ -22,7 +22,7 @@ std::optional<Data> valueOrLog(Result<std::optional<Data>> value) {
     return std::nullopt;
 }
 
-/// Absent when there is no place for it.
+/// Absent when there is no folder for it.
 std::optional<URL> fileOfSuite(std::string_view suiteName) {
     const std::optional<URL> config = BaseDirectories::config();
     if (!config || !isSinglePathComponent(suiteName))

@@ -15,21 +15,21 @@ namespace sela {
 
 class SettingsDatabase;
 
-/// Whether an error of the settings means that another program keeps them locked: what failed may work later.
+/// Whether an error of the settings means that another program keeps them locked, so that a retry may
+/// succeed.
 bool isBusy(const ErrorRef& error);
 
 /// The settings that the programs of a group share: texts and data by key, in one SQLite file,
 /// `<config>/sela/<suiteName>.sqlite3` (docs/formats.md describes it).
 ///
-/// A handle is opened at each use and thrown away; the last connection behind one is kept for the next. Each
-/// handle is used by one thread at a time. Handles, of one process or of several, are kept apart by the
-/// file's locks, and wait for each other as long as the handle's patience lasts, for each lock anew. No
-/// handle crosses a fork.
+/// A handle is opened at each use and discarded; the last connection is kept for the next one. Each handle is
+/// used by one thread at a time. Handles, of one process or of several, exclude each other by locks on the
+/// file, and wait up to the handle's patience for each lock. A handle must not be used after a fork.
 class UserDefaults {
 public:
     using Patience = std::chrono::milliseconds;
 
-    /// What other programs need for any change by far, and what a thread that shows something may spend.
+    /// Far more than other programs need for any change; and what a thread that draws may spend.
     static constexpr Patience longPatience{10'000};
     static constexpr Patience shortPatience{100};
 
@@ -43,7 +43,7 @@ public:
                                                      Patience patience = longPatience);
 
     /// Whether another program keeps the settings of a suite locked, so that nothing can be read there, for
-    /// longer than this. It may let go of them at any moment.
+    /// longer than this. It may release the lock at any moment.
     static bool areBusy(std::string_view suiteName, Patience patience);
 
     ~UserDefaults();
@@ -54,8 +54,8 @@ public:
     /// (which is logged).
     std::optional<Data> data(std::string_view key) const;
 
-    /// The same for whoever must not take a failure for an absent value: its error, or the data if there are
-    /// any.
+    /// The same for callers that must tell a failure from an absent value: the error, or the data if there
+    /// are any.
     Result<std::optional<Data>> readData(std::string_view key) const;
 
     /// The text under a key, which is a passcode in this system; absent when there is none, when data stand
@@ -68,7 +68,8 @@ public:
     /// What is wrong with the file that holds them, all of which is read; null when nothing is.
     ErrorRef checkIntegrity() const;
 
-    /// Stores a value under a key in place of what was there. On return without an error it is on the disk.
+    /// Stores a value under a key in place of what was there. When it returns without an error, the value is
+    /// flushed.
     ErrorRef setData(std::string_view key, DataView value);
     ErrorRef setString(std::string_view key, std::string_view value);
 
@@ -83,30 +84,30 @@ private:
     std::unique_ptr<SettingsDatabase> database_;
 };
 
-/// Changes to the settings that are one step: nobody else changes them from `begin` to the end, and
-/// afterwards either all of it is on the disk or nothing is. What is read, stored and removed as part of the
-/// step takes the transaction.
+/// A transaction on the settings: no one else changes them from `begin` to the end, and afterwards either all
+/// changes are flushed or none are made. All reads and writes that belong to it go through this object.
 ///
 /// The first failure is kept: after it nothing more is read or stored, and `commit` returns it, so that the
-/// calls between need not be looked at one by one. Used by one thread at a time.
+/// calls in between need not be checked one by one. Used by one thread at a time.
 class SettingsTransaction {
 public:
-    /// Begins a step, for which it takes the handle over; or why it cannot be begun.
+    /// Begins a transaction and takes over the handle; the error when it cannot begin.
     static Result<SettingsTransaction> begin(UserDefaults settings);
 
-    /// Takes back what was not committed.
+    /// Rolls back what was not committed.
     ~SettingsTransaction();
     SettingsTransaction(SettingsTransaction&&) noexcept = default;
     SettingsTransaction& operator=(SettingsTransaction&&) = delete;
 
-    /// The data under a key as this step has left them, if there are any; the first failure after one.
+    /// The data under a key as changed by this transaction, if there are any; after a failure, the first
+    /// failure.
     Result<std::optional<Data>> readData(std::string_view key);
 
     void setData(std::string_view key, DataView value);
     void setString(std::string_view key, std::string_view value);
     void removeObject(std::string_view key);
 
-    /// Ends the step. Null when all of it is on the disk; otherwise the first failure, and nothing is kept.
+    /// Commits. Null when everything is flushed; otherwise the first failure, and nothing is changed.
     ErrorRef commit();
 
 private:

@@ -3,9 +3,8 @@
 #include <malloc.h>
 #include <new>
 
-// A program that this is linked into overwrites what it deletes, so that names of albums and settings that it
-// has read do not stay in its memory until something else is written there. Not for builds with sanitizers,
-// which bring operators of their own.
+// A program that links this overwrites the memory that it deletes, so that names of albums and settings do
+// not stay there until the memory is reused. Not for builds with sanitizers, which have their own operators.
 
 void operator delete(void* memory) noexcept {
     if (!memory)

@@ -8,19 +8,19 @@
 
 namespace sela {
 
-/// A video file. A value that is cheap to copy: copies share what was learnt about the file. Thread-safe.
+/// A video file. A value that is cheap to copy: copies share what is known about the file. Thread-safe.
 class AVAsset {
 public:
-    /// The asset of a file, which is not looked at yet.
+    /// The asset of a file, which is not opened yet.
     static AVAsset assetWithURL(const URL& url);
 
     const URL& url() const;
 
     /// The duration, in the time scale of the video's track. Zero when the file cannot be read as a video or
-    /// tells no duration that makes sense. The first call asks the media helper and blocks.
+    /// has no valid duration. The first call asks the media helper and blocks.
     CMTime duration() const;
 
-    /// A number of this asset that no other asset of this process has, by which the helper knows it again.
+    /// A number of this asset that no other asset of this process has, by which the helper recognizes it.
     std::uint32_t identifier() const;
 
 private:

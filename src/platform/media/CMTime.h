@@ -10,8 +10,8 @@ struct CMTime {
     std::int32_t timescale = 1; ///< units a second, above 0
     bool positiveInfinity = false;
 
-    /// The time nearest to `seconds` that `timescale` (above 0) can express. Seconds that are no number give
-    /// zero; those beyond what the value can hold give its largest or smallest.
+    /// The time nearest to `seconds` that `timescale` (above 0) can express. NaN gives zero; seconds out of
+    /// range give the largest or smallest value.
     static CMTime fromSeconds(double seconds, std::int32_t timescale);
 
     /// Seconds; infinity for the infinite time.

@@ -10,8 +10,8 @@ namespace sela {
 
 namespace {
 
-/// What is done to a child between its start and its program: it gets the socket, and nothing else to
-/// read or write: not the user's terminal either.
+/// Set-up of the child before exec: it gets the socket, and no other descriptor to read or write, not even
+/// the user's terminal.
 class SpawnActions {
 public:
     explicit SpawnActions(int socket) {

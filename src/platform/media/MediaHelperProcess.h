@@ -11,8 +11,8 @@
 
 namespace sela {
 
-/// A running media helper, seen from its client: a child process and the socket to it. It is killed and
-/// reaped with this object. Used by one thread at a time.
+/// The client's side of a running media helper: a child process and the socket to it. The destructor kills
+/// and reaps it. Used by one thread at a time.
 class MediaHelperProcess {
 public:
     /// Starts the program at `path`; null when it cannot be started.
@@ -27,7 +27,7 @@ public:
     /// Sends one packet; false when the helper has ended.
     bool send(DataView bytes, std::span<const int> descriptors);
 
-    /// The next packet; absent when the helper ends, or says nothing until `deadline` (monotonic seconds).
+    /// The next packet; absent when the helper ends, or sends nothing until `deadline` (monotonic seconds).
     std::optional<MediaSocket::Packet> receive(double deadline);
 
 private:

@@ -13,7 +13,7 @@ namespace sela {
 /// order of the machine that both ends run on. The reader of a message trusts nothing in it. Values;
 /// thread-safe.
 
-/// What a request wants done with its file.
+/// What to do with a request's file.
 enum class MediaOperation : std::uint32_t {
     decodePicture, ///< the picture in the file
     readDuration,  ///< the duration of the video in the file
@@ -21,8 +21,8 @@ enum class MediaOperation : std::uint32_t {
     encodePicture, ///< the picture in the file as a JPEG file, in its full size unless a size is asked for
 };
 
-/// The largest JPEG file that a helper makes, in bytes. Shared memory of that size takes no room before it is
-/// written.
+/// The largest JPEG file that a helper makes, in bytes. Shared memory of that size takes no memory before it
+/// is written.
 inline constexpr std::uint64_t largestEncodedPicture = std::uint64_t{1} << 30;
 
 /// One request. With it travel the file's descriptor and, for pixels and JPEG files, that of shared memory of
@@ -33,12 +33,12 @@ struct MediaRequest {
     std::uint32_t maximumSide =
         0; ///< of the picture, 1 to `maximumPictureSide`; 0 for a duration and the full size
     std::uint32_t shorterSide = 0; ///< of the pixels, at most `maximumSide`; 0: as that allows
-    std::uint32_t asset = 0;       ///< requests of one number are about the same open video
+    std::uint32_t asset = 0;       ///< requests with the same number are about the same open video
     CMTime time;                   ///< of the frame, from the start of the video
     CMTime toleranceBefore;
     CMTime toleranceAfter;
     bool appliesTrackTransform = false; ///< whether the frame is turned upright
-    bool wholeOnly = false;             ///< whether a picture of which a part is missing is as good as none
+    bool wholeOnly = false;             ///< whether a picture with a missing part is an error
     std::uint32_t quality = 0;          ///< of the JPEG file, 1 to 100; 0 when none is made
 
     /// The size of the shared memory in bytes; 0 when the request needs none.
@@ -72,11 +72,11 @@ struct MediaResponse {
 Data encode(const MediaRequest& request);
 Data encode(const MediaResponse& response);
 
-/// Absent when the bytes are no request that the rules above allow.
+/// Absent when the bytes are no request that is valid by the rules above.
 std::optional<MediaRequest> decodeRequest(DataView bytes);
 
-/// The answer to `request`; absent when the bytes are no response that the rules above allow, answer another
-/// request, or claim more pixels than were asked for.
+/// The answer to `request`; absent when the bytes are no response that is valid by the rules above, answer
+/// another request, or claim more pixels than were asked for.
 std::optional<MediaResponse> decodeResponse(DataView bytes, const MediaRequest& request);
 
 } // namespace sela

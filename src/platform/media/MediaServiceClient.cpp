@@ -18,8 +18,8 @@ namespace sela {
 
 namespace {
 
-// A picture of half a gigapixel is written in its full size in about this many times the time that one of 48
-// megapixels takes to be decoded.
+// Encoding a picture of half a gigapixel in full size takes about this many times as long as decoding one of
+// 48 megapixels.
 constexpr double encodingFactor = 6;
 
 bool isOfPictures(MediaOperation operation) {
@@ -110,7 +110,7 @@ Result<MediaServiceClient::Answer> MediaServiceClient::performLocked(int file, c
     const Data message = encode(request);
     Helper& helper = helperFor(request.operation);
     if (helper && !helper->send(message, descriptors)) {
-        // It ended while nobody asked it anything, so this file is not to blame.
+        // It ended between requests, so this file is not the cause.
         helper.reset();
         if (helperFor(request.operation))
             helper->send(message, descriptors);

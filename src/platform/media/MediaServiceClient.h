@@ -16,9 +16,9 @@ class MediaHelperProcess;
 class SharedMemory;
 
 /// Has pictures and videos decoded by helper processes, one for each kind of work, which are started on first
-/// need and kept. They sit in a sandbox, so a file can at worst end its helper: that is an error for the
-/// file, and the next request starts a new helper; a video that cost its helper is not tried again under its
-/// asset's number. Thread-safe; one request is in flight at a time, others wait.
+/// need and kept. They run in a sandbox, so a file can at worst crash its helper: that is an error for the
+/// file, and the next request starts a new helper; a video that crashed its helper is not tried again under
+/// its asset's number. Thread-safe; one request is in flight at a time, others wait.
 class MediaServiceClient {
 public:
     struct Options {

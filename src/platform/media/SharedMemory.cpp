@@ -14,7 +14,7 @@ std::optional<SharedMemory> SharedMemory::create(std::size_t size) {
 }
 
 std::optional<SharedMemory> SharedMemory::open(FileDescriptor descriptor, std::size_t size) {
-    // Asked by lseek, since a helper in its sandbox may do no more.
+    // By lseek, since the sandbox of a helper denies fstat.
     const off_t available = ::lseek(descriptor.get(), 0, SEEK_END);
     if (size == 0 || available < 0 || static_cast<std::size_t>(available) < size)
         return std::nullopt;

@@ -11,13 +11,13 @@
 namespace sela {
 
 /// Memory that two processes see, into which a helper writes pixels or a file. Its size is sealed, so that no
-/// peer can shrink it under a reader. Used by one thread at a time.
+/// peer can shrink it while it is read. Used by one thread at a time.
 class SharedMemory {
 public:
     /// New memory of `size` bytes, above 0; absent when the system has none left.
     static std::optional<SharedMemory> create(std::size_t size);
 
-    /// The memory behind a descriptor that came from the peer; absent unless it holds at least `size` bytes.
+    /// The memory of a descriptor received from the peer; absent unless it has at least `size` bytes.
     static std::optional<SharedMemory> open(FileDescriptor descriptor, std::size_t size);
 
     SharedMemory(SharedMemory&& other) noexcept;

@@ -13,7 +13,7 @@ namespace sela {
 
 namespace {
 
-/// The encoder's quality, 1 to 100; one that is no number counts as the best.
+/// The encoder's quality, 1 to 100; NaN counts as the best.
 std::uint32_t encoderQuality(double quality) {
     if (!(quality < 1))
         return 100;

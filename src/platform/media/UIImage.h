@@ -24,7 +24,7 @@ struct PixelBuffer {
 /// A file's content. An immutable value that is cheap to copy.
 class EncodedImage {
 public:
-    /// Bytes that stay as long as `owner`.
+    /// Bytes that are valid as long as `owner`.
     EncodedImage(std::shared_ptr<const void> owner, DataView bytes)
         : owner_(std::move(owner)), bytes_(bytes) {}
 
@@ -73,8 +73,8 @@ public:
     /// The same picture drawn in another way.
     UIImage withRenderingMode(RenderingMode mode) const;
 
-    /// Whether a view that is read from the right shows the picture mirrored, as an arrow that points along
-    /// the text should be.
+    /// Whether a right-to-left view shows the picture mirrored, as is needed for an arrow in the direction of
+    /// reading.
     bool flipsForRightToLeftLayoutDirection() const { return flipsForRightToLeftLayoutDirection_; }
 
     /// The same picture, mirrored in such a view.

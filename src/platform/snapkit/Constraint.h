@@ -10,7 +10,7 @@
 namespace sela {
 
 /// How important a constraint is, above 0 and up to 1000; the platform's named steps. The more important one
-/// of two that contradict each other is kept, of equally important ones the one that was made first.
+/// of two that contradict each other is kept, of equally important ones the one made first.
 namespace ConstraintPriority {
 
 inline constexpr double required = 1000;
@@ -21,10 +21,10 @@ inline constexpr double low = 250;
 } // namespace ConstraintPriority
 
 /// One equation of a view's layout: its `attribute` = `multiplier` * the target's `targetAttribute` +
-/// `constant`, in points. Without a target, `attribute` = `constant`. Of leading and trailing edges all of
-/// this goes by the reading direction: a positive constant leads on in it. A multiplied place counts from the
-/// left (leading) or top edge of the nearest view that holds both views. A constraint sleeps while its target
-/// is not in the tree of its view, or is gone.
+/// `constant`, in points. Without a target, `attribute` = `constant`. For leading and trailing edges this
+/// follows the reading direction: a positive constant moves on in it. A multiplied place is measured from the
+/// left (leading) or top edge of the nearest view that contains both views. A constraint is inactive while
+/// its target is not in the tree of its view, or is destroyed.
 struct Constraint {
     ConstraintAttribute attribute;
     std::optional<ViewReference<const UIView>> target; ///< absent: none

@@ -6,8 +6,8 @@ namespace sela {
 
 class UIView;
 
-/// What of a view's rectangle a constraint speaks about. Leading is where reading begins: left, or right in a
-/// view that is read from the right; trailing is the other edge.
+/// The part of a view's rectangle that a constraint relates. Leading is where reading begins: left, or right
+/// in a right-to-left view; trailing is the other edge.
 enum class ConstraintAttribute {
     left,
     right,

@@ -5,7 +5,7 @@
 
 namespace sela {
 
-/// The words for attributes that every stage of the constraint language shares. `Stage` has an operation
+/// The words for attributes, shared by all stages of the constraint language. `Stage` has an operation
 /// `name(ConstraintAttributes, SourceLocation)` whose result is what each word returns.
 template<class Stage>
 class ConstraintAttributeWords {

@@ -9,7 +9,7 @@
 
 namespace sela {
 
-/// A chain of the constraint language while it is being said: the stages fill it in, and `resolve` turns it
+/// A chain of the constraint language while it is being built: the stages fill it in, and `resolve` turns it
 /// into constraints. A mistake stops the process with the place where the chain starts.
 class ConstraintDescription {
 public:

@@ -8,7 +8,7 @@
 
 namespace sela {
 
-/// What the body of `makeConstraints` says its chains to; each chain starts with an attribute:
+/// The object on which the body of `makeConstraints` builds its chains; each chain starts with an attribute:
 ///
 ///     make.left().equalTo(icon.snp().right()).offset(8);
 ///     make.top().bottom().equalToSuperview().inset(4);
@@ -19,7 +19,8 @@ public:
     ConstraintMaker(const ConstraintMaker&) = delete;
     ConstraintMaker& operator=(const ConstraintMaker&) = delete;
 
-    /// Appends what was said, in order. A chain that lacks its relation stops the process with its place.
+    /// Appends the constraints of all chains, in order. A chain without a relation stops the process with its
+    /// place.
     void resolve(std::vector<Constraint>& constraints) const {
         for (const ConstraintDescription& description : descriptions_)
             description.resolve(constraints);

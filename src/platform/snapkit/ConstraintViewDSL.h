@@ -20,21 +20,20 @@ namespace sela {
 /// A view with constraints gets its frame from them in the layout pass, its subviews after it. All
 /// constraints under a layout root are solved together, exactly: the more important ones first, and of
 /// equally important ones those that were made first. One that contradicts those before it is dropped, which
-/// is logged once for each line of source that made one. What they leave open is given the natural width and
-/// height of the view
-/// (`intrinsicContentSize`; a label that is narrower than its text grows in height), and what is still open
-/// then is 0: widths, heights, and the distance from the superview's left or top edge. A size may come out
-/// negative.
+/// is logged once for each line of source that made one. What they leave open gets the natural width and
+/// height of the view (`intrinsicContentSize`; a label that is narrower than its text grows in height), and
+/// what is still open then is 0: widths, heights, and the distance from the superview's left or top edge. A
+/// size may come out negative.
 ///
-/// All views under a layout root act on each other. A view under another root, or one without constraints, is
-/// followed but not moved, so its frame has to follow from what is said there.
+/// All views under a layout root act on each other. A view under another root, or one without constraints,
+/// can be a target but is not moved, so its frame must be determined elsewhere.
 ///
 /// A layout costs time in proportion to what is under the root that changed (`LinearSystem` says when it
 /// costs more), not to the size of the tree: a table costs per visible cell.
 ///
-/// What a line says is kept when a view leaves the tree, but sleeps while the views it relates are not in one
-/// tree; of a destroyed view nothing is left. Misuse (a chain without a relation, a size related to a place,
-/// a missing superview) stops the process with the line of source. Main thread only.
+/// A constraint is kept when a view leaves the tree, but is inactive while the views it relates are not in
+/// one tree; those of a destroyed view are dropped. Misuse (a chain without a relation, a size related to a
+/// place, a missing superview) stops the process with the line of source. Main thread only.
 class ConstraintViewDSL : public ConstraintAttributeWords<ConstraintViewDSL> {
 public:
     explicit ConstraintViewDSL(UIView& view) : view_(view) {}
@@ -47,7 +46,7 @@ public:
         add(maker);
     }
 
-    /// As `makeConstraints`, in place of all constraints made on this view before.
+    /// As `makeConstraints`, but replaces all constraints made on this view before.
     template<std::invocable<ConstraintMaker&> Body>
     void remakeConstraints(Body&& body) {
         removeConstraints();

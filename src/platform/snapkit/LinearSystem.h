@@ -21,7 +21,7 @@ namespace sela {
 /// gets a value costs n * n steps; equations that all relate all variables cost n * n * n.
 class LinearSystem {
 public:
-    /// What became of an equation.
+    /// The result of adding an equation.
     enum class Outcome {
         kept,          ///< it bound a variable
         redundant,     ///< it follows from those before it

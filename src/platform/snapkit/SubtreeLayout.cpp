@@ -111,7 +111,7 @@ bool SubtreeLayout::isLaidOutBefore(const UIView& view) const {
 }
 
 void SubtreeLayout::collectEquations() {
-    // Looking up a target may add a member, whose constraints are then looked at in their turn.
+    // Looking up a target may add a member, whose constraints are then processed in turn.
     for (std::size_t i = 0; i < members_.size(); ++i) {
         UIView* view = members_[i].view;
         const ViewConstraints* own = ViewConstraints::of(*view);
@@ -174,8 +174,8 @@ void SubtreeLayout::addEquations() {
 }
 
 void SubtreeLayout::addNaturalSizes() {
-    // Widths first: heights, as those of text, depend on them. Sizes that are known are not asked for, since
-    // measuring text is the dearest part of a layout.
+    // Widths first: heights, as those of text, depend on them. Sizes that are known are not measured, since
+    // measuring text is the most expensive part of a layout.
     for (const Member& member : members_) {
         if (system_.value(member.width))
             continue;

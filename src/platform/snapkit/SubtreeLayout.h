@@ -14,7 +14,7 @@ class UIView;
 /// One layout of what is under a layout root: the constraints of all its constrained views as one system of
 /// equations in the root's coordinates. Every constrained view has four unknowns; an unconstrained one lies
 /// in its superview where its frame says. The root, the views above it and what other roots above it have
-/// laid out are known. What is under any other layout root that is referred to is solved along, but not
+/// laid out are known. The views under any other layout root that is referred to are solved as well, but not
 /// moved. Main thread only.
 class SubtreeLayout {
 public:

@@ -27,11 +27,11 @@ public:
     /// Whether its duration has passed or all its changes were interrupted.
     bool isOver() const { return over_; }
 
-    /// One more property takes part.
+    /// Adds a property to the group.
     void join() { ++running_; }
 
-    /// A property that takes part was changed anew or its view went away: the group reports false. With the
-    /// last one the group is over.
+    /// A property that takes part was changed again or its view was destroyed: the group reports false. The
+    /// group ends with its last property.
     void interrupt();
 
 private:

@@ -45,7 +45,7 @@ public:
     double shadowRadius() const { return shadowRadius_; }
     void setShadowRadius(double radius);
 
-    /// Starts `animation` now; one that runs under the same key is replaced. It goes away when its duration
+    /// Starts `animation` now; one that runs under the same key is replaced. It is removed when its duration
     /// has passed, or when the view leaves its window. A key path other than "transform.translation.x" stops
     /// the process.
     void add(const CAKeyframeAnimation& animation, const std::string& key);
@@ -56,8 +56,8 @@ public:
     void removeAllAnimations();
     bool hasAnimations() const { return !animations_.empty(); }
 
-    /// How far the running animations move the view to the right now, in points; nowhere where motion is to
-    /// be reduced.
+    /// How far the running animations move the view to the right now, in points; 0 where motion is to be
+    /// reduced.
     double animatedTranslationX() const;
 
 private:

@@ -89,10 +89,10 @@ struct CGAffineTransform {
 
     bool isIdentity() const { return *this == CGAffineTransform{}; }
 
-    /// Whether it can be undone: a map that flattens the plane (a scale of 0) cannot.
+    /// Whether it is invertible: a map that flattens the plane (a scale of 0) is not.
     bool isInvertible() const;
 
-    /// The map that undoes this one; the process stops when there is none.
+    /// The inverse; the process stops when there is none.
     CGAffineTransform inverted() const;
 
     /// First this map, then `next`.

@@ -14,7 +14,7 @@ namespace sela {
 /// Text whose stretches carry a colour and a font. A value; any thread may use it.
 class NSAttributedString {
 public:
-    /// How a stretch of text looks. What is absent is chosen by whoever draws it.
+    /// How a stretch of text looks. Absent attributes are chosen where it is drawn.
     struct Attributes {
         std::optional<UIColor> foregroundColor;
         std::optional<UIFont> font;
@@ -53,8 +53,8 @@ public:
     void replace(std::size_t location, std::size_t length, const NSAttributedString& replacement);
 
     /// This text with each "%@" filled by the next argument. The first "%@" of the whole text is filled each
-    /// time, so one that an argument brings along is filled by the argument after it. Arguments left over are
-    /// ignored; too few stop the process with "Not enough arguments provided for " and the description.
+    /// time, so one inside an argument is filled by the argument after it. Arguments left over are ignored;
+    /// too few stop the process with "Not enough arguments provided for " and the description.
     NSAttributedString format(const std::vector<NSAttributedString>& arguments) const;
 
     /// Each stretch's text followed by its attributes in braces, for diagnostics.

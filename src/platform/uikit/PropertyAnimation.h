@@ -8,8 +8,8 @@
 
 namespace sela {
 
-/// The way of one property of a view from the value that was shown to the one it has. The property's owner
-/// keeps it until it is over. Move-only; destroying one that still runs interrupts its group.
+/// The animation of one property of a view from the value that was shown to the one it has. The property's
+/// owner keeps it until it ends. Move-only; destroying one that still runs interrupts its group.
 template<class T>
 class PropertyAnimation {
 public:
@@ -30,7 +30,7 @@ public:
 
     bool isRunning() const { return group_ && !group_->isOver(); }
 
-    /// Ends it before its time.
+    /// Ends it early.
     void stop() {
         if (const std::shared_ptr<AnimationGroup> group = std::move(group_); group && !group->isOver())
             group->interrupt();

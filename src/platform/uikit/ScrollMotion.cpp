@@ -14,11 +14,12 @@ const double decay = -std::log(0.998) * 1000;
 /// points and is back after half a second.
 constexpr double springFrequency = 12;
 
-/// Slower than this (points a second) a roll is at rest, and nearer than this (points) a spring is.
+/// A roll slower than this (points a second) is at rest, and so is a spring nearer to its end than this
+/// (points).
 constexpr double restVelocity = 6;
 constexpr double restDistance = 0.5;
 
-/// How strongly content follows a finger past its end, at the start.
+/// The share of a finger's movement past the end that the content follows at first.
 constexpr double rubberBandStrength = 0.55;
 
 } // namespace

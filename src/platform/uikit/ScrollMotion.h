@@ -2,7 +2,7 @@
 
 namespace sela {
 
-/// How a list rolls on after a finger let it go: a decaying roll within the ends, and past an end a spring
+/// How a list rolls on after a finger released it: a decaying roll within the ends, and past an end a spring
 /// back to it. A value; positions in points, times in seconds, each a function of the time since the start.
 class ScrollMotion {
 public:
@@ -18,7 +18,7 @@ public:
     /// less, never by more than `dimension`, the visible length.
     static double rubberBand(double wanted, double minimum, double maximum, double dimension);
 
-    /// What a finger wants when the content is shown at `shown`: the inverse of `rubberBand`.
+    /// The position that a finger pulls to when the content is shown at `shown`: the inverse of `rubberBand`.
     static double pullFor(double shown, double minimum, double maximum, double dimension);
 
 private:

@@ -7,7 +7,7 @@
 
 namespace sela {
 
-/// How large text is when drawn. Whoever draws the views installs its own measurer before the first
+/// How large text is when drawn. The code that draws the views installs its own measurer before the first
 /// layout, so that layout and drawing agree. Main thread only.
 class TextMeasurer {
 public:

@@ -5,19 +5,18 @@
 
 namespace sela {
 
-/// What the desktop says about how its user works, and the way to say something to a screen reader. Main
-/// thread only.
+/// The desktop's accessibility settings, and announcements by a screen reader. Main thread only.
 namespace UIAccessibility {
 
-/// Whether nothing is to move that need not: animations take their effect at once, a shake does not show,
-/// spinners turn slowly. What waits for an animation's end waits for the main queue's next turn instead.
+/// Whether motion is to be reduced: animations take effect at once, a shake is not shown, spinners turn
+/// slowly. Code that waits for an animation's end waits for the main queue's next turn instead.
 bool isReduceMotionEnabled();
 void setReduceMotionEnabled(bool enabled);
 
-/// Has a screen reader say `text`; nothing happens where nobody listens.
+/// Has a screen reader say `text`; nothing happens without one.
 void postAnnouncement(const std::string& text);
 
-/// Whoever hands announcements to the screen reader; empty: nobody.
+/// The function that passes announcements to the screen reader; empty: none.
 void setAnnouncementHandler(std::function<void(const std::string& text)> handler);
 
 } // namespace UIAccessibility

@@ -4,8 +4,8 @@
 
 namespace sela {
 
-/// A spinner of 20 by 20 points that says that work is under way; hidden while it does not turn. Main thread
-/// only.
+/// A spinner of 20 by 20 points that shows that work is in progress; hidden while it does not turn. Main
+/// thread only.
 class UIActivityIndicatorView : public UIView {
 public:
     /// Length of a side in points.

@@ -10,8 +10,8 @@
 namespace sela {
 
 /// A button of the system type: an image, then (in the reading direction) a title, in the tint colour; while
-/// pressed both fade. The image keeps its size where the room is too small for it. What it shows is in its
-/// two subviews. Main thread only.
+/// pressed both fade. The image keeps its size where there is too little room for it. Title and image are
+/// shown by its two subviews. Main thread only.
 class UIButton : public UIControl {
 public:
     enum class ContentHorizontalAlignment { center, left, right, leading, trailing };

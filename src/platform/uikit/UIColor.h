@@ -9,7 +9,7 @@ namespace sela {
 /// Whether the screen is shown in light or in dark colours.
 enum class UIUserInterfaceStyle { light, dark };
 
-/// Whether those colours stand out as usual or more.
+/// Whether those colours have normal or high contrast.
 enum class UIAccessibilityContrast { normal, high };
 
 /// The appearance that a screen is shown in. A value.
@@ -51,7 +51,7 @@ public:
     static UIColor white();
     static UIColor clear();
 
-    /// The platform's tint where nobody chose one.
+    /// The platform's default tint.
     static UIColor systemBlue();
 
     /// The catalogue's name; empty for any other colour.

@@ -8,13 +8,13 @@
 
 namespace sela {
 
-/// A view that turns touches into actions of its targets. A touch stays with it: views above never see it.
+/// A view that turns touches into actions of its targets. It keeps its touches: superviews never see them.
 /// Main thread only.
 class UIControl : public UIView {
 public:
     enum class Event { touchDown, touchUpInside, touchUpOutside, touchCancel };
 
-    /// Points that a finger finds without looking, in each direction.
+    /// The smallest side, in points, that a finger hits reliably.
     static constexpr double minimumTouchSide = 44;
 
     using UIView::UIView;

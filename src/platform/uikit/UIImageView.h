@@ -23,8 +23,7 @@ public:
     /// as a button's is.
     void setAlwaysDrawsTemplate(bool always);
 
-    /// The picture, fitted into the bounds; one that flips is drawn mirrored where reading begins at the
-    /// right.
+    /// The picture, fitted into the bounds; one that flips is drawn mirrored in a right-to-left view.
     ViewContent content() const override;
 
     /// The image's size; no natural size without one.

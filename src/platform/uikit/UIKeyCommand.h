@@ -6,8 +6,7 @@
 
 namespace sela {
 
-/// A key that works a view whatever has the keyboard's focus, for as long as a finger could reach the view.
-/// A value.
+/// A key that activates a view whatever has the keyboard focus, as long as the view can be touched. A value.
 struct UIKeyCommand {
     /// Inputs of keys that type nothing visible.
     static constexpr std::string_view inputEscape = "UIKeyInputEscape";

@@ -18,7 +18,7 @@ public:
     std::string text() const { return text_.string(); }
     void setText(std::string_view text);
 
-    /// Text with its own looks; font and colour of the label where a run has none.
+    /// Text with its own attributes; font and colour of the label where a run has none.
     const NSAttributedString& attributedText() const { return text_; }
     void setAttributedText(const NSAttributedString& text);
 
@@ -34,12 +34,12 @@ public:
     NSTextAlignment textAlignment() const { return textAlignment_; }
     void setTextAlignment(NSTextAlignment alignment);
 
-    /// At most so many lines, 1 at first; 0: any number.
+    /// The most lines, 1 at first; 0: any number.
     int numberOfLines() const { return numberOfLines_; }
     void setNumberOfLines(int lines);
 
     /// Whether a single line that is too wide shrinks, down to `minimumScaleFactor` (0 to 1) of its size; one
-    /// that holds what gives way is cut there instead.
+    /// with a run that gives way is cut there instead.
     bool adjustsFontSizeToFitWidth() const { return adjustsFontSizeToFitWidth_; }
     void setAdjustsFontSizeToFitWidth(bool adjusts);
     double minimumScaleFactor() const { return minimumScaleFactor_; }
@@ -48,7 +48,7 @@ public:
     /// The text as it is drawn into the bounds, shrunk when it must be.
     ViewContent content() const override;
 
-    /// The size of the text on lines as long as they come.
+    /// The size of the text on lines of unlimited length.
     CGSize intrinsicContentSize() const override;
 
     /// The height of the text when lines are broken at `width`.

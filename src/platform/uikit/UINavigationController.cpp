@@ -15,7 +15,7 @@ namespace {
 constexpr double parallax = 0.3;
 const UIColor dimmed = UIColor::dynamic({0, 0, 0, 0.12}, {0, 0, 0, 0.4});
 
-/// The shadow along the edge of the upper screen, and how wide what casts it is, in points.
+/// The shadow along the edge of the upper screen, and the width of the view that casts it, in points.
 constexpr double edgeShadowOpacity = 0.4;
 constexpr double edgeShadowRadius = 4;
 constexpr double edgeWidth = 3 * edgeShadowRadius;
@@ -75,7 +75,7 @@ std::shared_ptr<UIViewController> UINavigationController::popViewController(bool
     outgoing->removeFromParent();
     if (isViewLoaded())
         show(children().back(), outgoing, false, animated);
-    // The pop may come from a method of the screen that goes.
+    // The pop may be called from a method of the popped screen.
     DispatchQueue::main().async([outgoing] {});
     return outgoing;
 }
@@ -129,7 +129,7 @@ void UINavigationController::show(const std::shared_ptr<UIViewController>& incom
         });
 }
 
-/// Puts what the upper screen of a slide dims and shades under it.
+/// Inserts the dimming and the shadow below the upper screen of a slide.
 void UINavigationController::addDepth(const UIView& upper, bool fromRight) {
     const auto place = std::ranges::find(view().subviews(), &upper) - view().subviews().begin();
     const CGRect bounds = view().bounds();

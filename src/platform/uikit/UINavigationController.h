@@ -8,9 +8,9 @@
 namespace sela {
 
 /// A stack of screens of which the top one is shown; it owns them all. A new screen slides in from the right
-/// over the former one, which it dims and casts a shadow on, and out again when it is popped, or is there at
-/// once where motion is to be reduced. While screens slide, nothing inside takes touches.
-/// The bar is never drawn. Main thread only.
+/// over the former one, which it dims and casts a shadow on, and out again when it is popped, or appears at
+/// once where motion is to be reduced. While screens slide, nothing inside takes touches. The bar is never
+/// drawn. Main thread only.
 class UINavigationController : public UIViewController {
 public:
     /// Seconds of a slide.
@@ -22,10 +22,10 @@ public:
     const std::vector<std::shared_ptr<UIViewController>>& viewControllers() const { return children(); }
     UIViewController* topViewController() const;
 
-    /// Puts `controller` on top. A slide that still runs is brought to its end first.
+    /// Puts `controller` on top. A slide that still runs is completed first.
     void pushViewController(std::shared_ptr<UIViewController> controller, bool animated);
 
-    /// Takes the top screen away and returns it; null, and nothing happens, when only the root is left. The
+    /// Removes the top screen and returns it; null, and nothing happens, when only the root is left. The
     /// screen lives on at least until the slide is over and the current turn of the main queue has ended.
     std::shared_ptr<UIViewController> popViewController(bool animated);
 

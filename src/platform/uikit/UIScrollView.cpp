@@ -10,7 +10,7 @@ namespace {
 
 constexpr double frameDuration = 1.0 / 60;
 
-/// A finger that rests so long (seconds) before it goes up throws nothing.
+/// A finger that rests this long (seconds) before it goes up causes no roll.
 constexpr double restTime = 0.1;
 
 /// Lengths of the indicator in points.

@@ -7,9 +7,9 @@
 
 namespace sela {
 
-/// A view onto content that is taller than itself: the finger drags it, it rolls on when let go and bounces
-/// at its ends; a wheel moves it too. Scrolls vertically. An indicator along its side shows how much there is
-/// and where the bounds lie in it, when there is more than they hold. Main thread only.
+/// A view onto content that is taller than itself: the finger drags it, it rolls on when released and bounces
+/// at its ends; a wheel moves it too. Scrolls vertically. An indicator along its side shows the length of the
+/// content and the visible part, when there is more than fits. Main thread only.
 ///
 /// A touch belongs to the views inside until the finger has moved by more than `tapMovementLimit`; then the
 /// scroll view takes it over and those views see it cancelled.

@@ -28,7 +28,7 @@ public:
     virtual UITableViewCell& cellForRow(UITableView& tableView, const IndexPath& indexPath) = 0;
 };
 
-/// Decides how a table's rows are laid out, and hears what the user does with them. Called on the main
+/// Decides how a table's rows are laid out, and is called when the user selects one. Called on the main
 /// thread.
 class UITableViewDelegate {
 public:
@@ -42,8 +42,8 @@ public:
 };
 
 /// A scrolling list of rows of one height in sections (plain style, no headers). Only the rows in view have
-/// cells (none while the table is hidden), and a cell that scrolls out of view serves again; a reload costs
-/// time in the number of sections, and scrolling in the number of visible rows. Main thread only.
+/// cells (none while the table is hidden), and a cell that scrolls out of view is reused; a reload costs time
+/// in the number of sections, and scrolling in the number of visible rows. Main thread only.
 class UITableView : public UIScrollView {
 public:
     enum class SeparatorStyle { none, singleLine };
@@ -57,7 +57,8 @@ public:
     explicit UITableView(std::string_view name);
     ~UITableView() override;
 
-    /// Not owned; it must outlive the table or be set to null before it goes (usually it owns the table).
+    /// Not owned; it must outlive the table or be set to null before it is destroyed (usually it owns the
+    /// table).
     void setDataSource(UITableViewDataSource* dataSource);
     void setDelegate(UITableViewDelegate* delegate);
 
@@ -76,15 +77,15 @@ public:
         });
     }
 
-    /// A cell for the data source to fill: one that is out of use, else a new one. An identifier without a
-    /// class stops the process.
+    /// A cell for the data source to fill: a reused one, else a new one. An identifier without a class stops
+    /// the process.
     UITableViewCell& dequeueReusableCell(const std::string& identifier, const IndexPath& indexPath);
 
-    /// Asks the data source for everything again; the selection goes, the offset stays as far as it can.
+    /// Asks the data source for everything again; the selection is cleared, the offset kept as far as
+    /// possible.
     void reloadData();
 
-    /// Asks again for the rows of these sections only; nothing moves by animation. Their cells are filled
-    /// anew.
+    /// Asks again for the rows of these sections only, without animation. Their cells are filled again.
     void reloadSections(const std::vector<int>& sections);
 
     int numberOfSections();
@@ -108,7 +109,8 @@ public:
 
     std::optional<IndexPath> indexPathForSelectedRow() const { return selectedRow_; }
 
-    /// Selects without telling the delegate; the former selection goes. A row that does not exist is ignored.
+    /// Selects without calling the delegate; the former selection is cleared. A row that does not exist is
+    /// ignored.
     void selectRow(const IndexPath& indexPath);
     void deselectRow(const IndexPath& indexPath);
 

@@ -37,7 +37,8 @@ class PropertyAnimation;
 /// Where reading begins, and so which edge leads.
 enum class UIUserInterfaceLayoutDirection { leftToRight, rightToLeft };
 
-/// What a view is to a screen reader; `secureTextField` is an entry that tells how long it is and never what.
+/// What a view is to a screen reader; `secureTextField` is an entry that reveals its length but never its
+/// content.
 enum class AccessibilityRole {
     none,
     button,
@@ -55,15 +56,15 @@ enum class AccessibilityExpandedStatus { unsupported, expanded, collapsed };
 
 /// A rectangle of the screen that holds other views, in a tree whose root is a `UIWindow`.
 ///
-/// A view belongs to whoever declares it, usually as a member by value; the tree only refers to it, and a
-/// view that is destroyed leaves its superview and lets go of its subviews. Main thread only.
+/// A view is owned where it is declared, usually as a member by value; the tree only refers to it, and a view
+/// that is destroyed leaves its superview and releases its subviews. Main thread only.
 ///
 /// A view has the values that it was given (the model) and what is shown while it is animated (the
 /// presentation): changes made in an `animate` block take effect in the model at once, and the presentation
-/// follows as a function of the main queue's clock. Layout and touches go by the model, drawing by the
-/// presentation. Whoever draws walks the tree from the window: for each view that is not hidden it maps by
-/// `presentation().toSuperview()`, multiplies by `presentation().alpha`, draws shadow, background, border
-/// and content, and then the subviews in order, within the rounded bounds when `clipsToBounds`.
+/// follows as a function of the main queue's clock. Layout and touches use the model, drawing the
+/// presentation. To draw, walk the tree from the window: for each view that is not hidden map by
+/// `presentation().toSuperview()`, multiply by `presentation().alpha`, draw shadow, background, border and
+/// content, and then the subviews in order, within the rounded bounds when `clipsToBounds`.
 class UIView {
 public:
     /// How content is fitted into the bounds.
@@ -150,7 +151,7 @@ public:
     CGAffineTransform toSuperview() const;
 
     /// A point of this view in the coordinates of `view`, which must be of the same tree. In a view that is
-    /// scaled to 0, or lies in one, every point is infinitely far away.
+    /// scaled to 0, or inside one, every point is infinitely far away.
     CGPoint convert(CGPoint point, const UIView& view) const;
 
     // Looks
@@ -185,13 +186,13 @@ public:
     /// What the view itself shows now.
     virtual ViewContent content() const { return {}; }
 
-    /// The views whose contents together are what this view shows: itself, unless it is made of others, as a
-    /// button is of a title and an image.
+    /// The views whose contents together are what this view shows: itself, unless it consists of others, as a
+    /// button does of a title and an image.
     virtual std::vector<const UIView*> contentViews() const { return {this}; }
 
     // Accessibility
 
-    /// What the view is called: the label that was set, else the text that it shows.
+    /// The view's label for a screen reader: the label that was set, else the text that it shows.
     std::string accessibilityLabel() const;
     void setAccessibilityLabel(std::string label) { accessibilityLabel_ = std::move(label); }
     const std::string& accessibilityValue() const { return accessibilityValue_; }
@@ -214,7 +215,7 @@ public:
     /// The constraints that give this view its frame; null when there are none.
     LayoutConstraints* layoutConstraints() const { return layoutConstraints_.get(); }
 
-    /// Takes over constraints (null: none any more) and asks for layout. Call `constraintsChanged` when their
+    /// Takes over constraints (null: removes them) and asks for layout. Call `constraintsChanged` when their
     /// content changes later.
     void setLayoutConstraints(std::unique_ptr<LayoutConstraints> constraints);
 
@@ -224,12 +225,12 @@ public:
     /// Asks for `layoutSubviews` in the next layout pass.
     void setNeedsLayout();
 
-    /// Lays out what asked for it, from the root of the tree this view is in down to the whole of that tree.
+    /// Lays out all views of this view's tree that asked for it, from the root downwards.
     void layoutIfNeeded();
 
     /// Places subviews that have no constraints. Called in the layout pass after the bounds' size changed,
-    /// after a subview came or went, and after `setNeedsLayout`; subviews under constraints have their frames
-    /// by then.
+    /// after a subview was added or removed, and after `setNeedsLayout`; subviews under constraints have
+    /// their frames by then.
     virtual void layoutSubviews() {}
 
     /// The natural size, each length `noIntrinsicMetric` where there is none.
@@ -241,12 +242,12 @@ public:
     /// The natural size changed.
     void invalidateIntrinsicContentSize() { constraintsChanged(); }
 
-    /// The size the view wants when it may be `size` large; the bounds' size unless a class knows better.
+    /// The preferred size when it may be up to `size`; the bounds' size unless a class knows better.
     virtual CGSize sizeThatFits(CGSize size) const;
 
     // Drawing
 
-    /// The view looks different: the part of the window that it and its subviews cover is drawn anew.
+    /// The view looks different: the part of the window that it and its subviews cover is drawn again.
     void setNeedsDisplay();
 
     /// What is shown now.
@@ -265,14 +266,13 @@ public:
     /// The map from own coordinates to those of the root of the tree, as shown now.
     CGAffineTransform presentationToRoot() const;
 
-    /// Whether the view itself (not its subviews) looks different from moment to moment just now.
+    /// Whether the look of the view itself (not of its subviews) is changing over time now.
     virtual bool isAnimating() const;
 
-    /// Whether it only waits for something and would move for ever, as a spinner does.
+    /// Whether its motion has no end, as that of a spinner.
     virtual bool animatesForever() const { return false; }
 
-    /// Brings what depends on the clock beyond animations (a list that rolls on) up to date before it is
-    /// drawn.
+    /// Updates what depends on the clock beyond animations (a list that rolls on) before it is drawn.
     virtual void prepareForDisplay() {}
 
     // Keys
@@ -301,8 +301,8 @@ public:
     /// better.
     virtual bool pointInside(CGPoint point) const { return bounds_.contains(point); }
 
-    /// The way of a finger that came down on this view; cancelled instead of ended when something else takes
-    /// it over or the view goes. Each passes the touch on to the superview unless a class handles it.
+    /// The touch of a finger that came down on this view; cancelled instead of ended when another view takes
+    /// it over or this one is destroyed. Each passes the touch on to the superview unless a class handles it.
     virtual void touchesBegan(const UITouch& touch);
     virtual void touchesMoved(const UITouch& touch);
     virtual void touchesEnded(const UITouch& touch);
@@ -312,8 +312,8 @@ public:
 
     /// Runs `changes` at once and shows what they change (transform, alpha, frame, bounds, centre and
     /// background colour of any view) over `duration` seconds, eased in and out. `completion` (may be empty)
-    /// is called exactly once on the main queue when all is over: with true, or with false when a change was
-    /// cut short by another change of the same property or by its view leaving the window. Without any
+    /// is called exactly once on the main queue when all have ended: with true, or with false when a change
+    /// was cut short by another change of the same property or by its view leaving the window. Without any
     /// change, or with a duration of 0, it is called with true in the main queue's next turn.
     static void animate(double duration, const std::function<void()>& changes,
                         AnimationGroup::Completion completion = {}) {

@@ -188,7 +188,7 @@ std::vector<std::shared_ptr<UIViewController>> UIViewController::shownChildren()
 }
 
 void UIViewController::viewMovedToWindow() {
-    // During a transition whoever runs it tells the controller.
+    // During a transition the code that runs it notifies the controller.
     if (appearance_ == Appearance::appearing || appearance_ == Appearance::disappearing)
         return;
     const std::shared_ptr<UIViewController> self = weak_from_this().lock();

@@ -16,7 +16,7 @@ class NSExtensionContext;
 class UINavigationController;
 
 /// A screen: a root view that it makes when first asked for, and the steps of its life. Always held by
-/// `std::shared_ptr`; what outlives it holds it weakly. Main thread only.
+/// `std::shared_ptr`; longer-lived objects hold it weakly. Main thread only.
 class UIViewController : public std::enable_shared_from_this<UIViewController> {
 public:
     /// The name of an archive is ignored: views are built in code.
@@ -54,7 +54,7 @@ public:
     /// the child's `didMove`.
     void addChild(std::shared_ptr<UIViewController> child);
 
-    /// The parent lets go of this controller, which may be destroyed by that.
+    /// The parent releases this controller, which may be destroyed by that.
     void removeFromParent();
 
     /// Called with the new parent (null: none) before and after a move.
@@ -84,8 +84,8 @@ public:
     virtual void present(std::shared_ptr<UIViewController> controller, bool animated,
                          Completion completion = {});
 
-    /// Takes away what this controller presents, or else this controller (or the one it is a child of) where
-    /// it is presented. `completion` is called on the main queue when it has gone, also when there was
+    /// Dismisses what this controller presents, or else this controller (or the one it is a child of) where
+    /// it is presented. `completion` is called on the main queue when that has ended, also when there was
     /// nothing to dismiss.
     virtual void dismiss(bool animated, Completion completion = {});
 

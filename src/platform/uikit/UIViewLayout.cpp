@@ -12,7 +12,7 @@ namespace sela {
 
 namespace {
 
-/// Layout that keeps asking for more layout does not settle; after so many passes the rest waits for the next
+/// Limit for layout that keeps asking for more layout; after this many passes the rest waits for the next
 /// frame.
 constexpr int maximumPasses = 16;
 
@@ -23,7 +23,8 @@ UIUserInterfaceLayoutDirection UIView::effectiveUserInterfaceLayoutDirection() c
 }
 
 void UIView::setLayoutConstraints(std::unique_ptr<LayoutConstraints> constraints) {
-    // The former constraints go last: until then the view counts as constrained and finds its layout root.
+    // The former constraints are destroyed last: until then the view counts as constrained and finds its
+    // layout root.
     solveAgain();
     std::swap(layoutConstraints_, constraints);
     solveAgain();

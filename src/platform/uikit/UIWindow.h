@@ -12,20 +12,20 @@ namespace sela {
 
 class UIScrollView;
 
-/// The root of the view tree, as large as the screen: takes the touches of whoever shows it, runs the layout
-/// pass, and knows what must be drawn. Main thread only.
+/// The root of the view tree, as large as the screen: receives touches from the host, runs the layout pass,
+/// and keeps track of what must be drawn. Main thread only.
 ///
-/// Whoever shows it calls `prepareFrame` when a frame is due, draws what `takeDirtyRect` returns, and asks
-/// `needsFrame` whether another frame is due; `setNeedsFrameHandler` tells it when that changes while it
-/// waits.
+/// The host calls `prepareFrame` when a frame is due, draws what `takeDirtyRect` returns, and checks
+/// `needsFrame` for whether another frame is due; the handler of `setNeedsFrameHandler` is called when that
+/// changes while it waits.
 class UIWindow : public UIView {
 public:
     /// `size` in points becomes the screen's size.
     explicit UIWindow(CGSize size);
     ~UIWindow() override;
 
-    /// The window becomes another size than the screen's, and the root view follows. Screens that are loaded
-    /// later are still measured for the screen, as those that are shown were.
+    /// Sets a window size other than the screen's, which the root view follows. Screens that are loaded later
+    /// are still measured for the screen, as those that are shown were.
     void setSize(CGSize size);
 
     UIViewController* rootViewController() const { return rootViewController_.get(); }
@@ -38,7 +38,7 @@ public:
 
     // Frames
 
-    /// Brings the tree up to date for this moment: rolling lists move, and what asked for layout is laid out.
+    /// Updates the tree for this moment: rolling lists move, and views that asked for layout are laid out.
     void prepareFrame();
 
     /// The part of the window (points) that looks different since the last call, animations included; empty

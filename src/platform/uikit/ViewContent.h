@@ -16,7 +16,7 @@ enum class NSTextAlignment { natural, left, center, right };
 /// Text, vertically centred, cut off with an ellipsis where it does not fit.
 struct TextContent {
     NSAttributedString text;                           ///< as it is drawn: every run has a font and a colour
-    UIFont font;                                       ///< the view's own, before anything shrank
+    UIFont font;                                       ///< the view's own, before shrinking
     int maximumLines = 1;                              ///< 0: any number
     NSTextAlignment alignment = NSTextAlignment::left; ///< never natural
 
@@ -40,7 +40,7 @@ struct SpinnerContent {
     int leadingSpoke = 0; ///< the darkest one, counted clockwise from the top
 };
 
-/// What a view itself shows between its background and its subviews: a value, so that whoever draws or
+/// What a view itself shows between its background and its subviews: a value, so that code that draws or
 /// describes a view need not know its class.
 using ViewContent = std::variant<std::monostate, TextContent, ImageContent, SpinnerContent>;
 

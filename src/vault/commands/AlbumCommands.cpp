@@ -35,7 +35,7 @@ ErrorRef problemWithWaiting(const Arguments& arguments, const Catalogue& catalog
         albumPathText(name.path) + "; import first, or use --force and they go to a folder of the old name");
 }
 
-/// Changes the catalogue and tells of the album, and of what the picker will not show.
+/// Changes the catalogue and reports the album, and albums that the picker will not show.
 int change(const Arguments& arguments, const Catalogue::Name& name, const std::string& what,
            const std::function<ErrorRef(Catalogue&)>& edit) {
     std::vector<std::string> warnings;

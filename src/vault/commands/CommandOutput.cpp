@@ -36,7 +36,8 @@ int printJSON(const std::function<void(JSONWriter&)>& write) {
     writer.beginObject();
     write(writer);
     writer.endObject();
-    // Characters that drive a terminal stand in texts alone, where the escapes of a log are JSON's too.
+    // Characters that control a terminal occur only inside strings, where the log's escapes are valid JSON
+    // too.
     return print(escapedForLog(writer.text()) + "\n");
 }
 

@@ -8,9 +8,8 @@
 
 namespace sela {
 
-/// What `sela-vault` does for each of its commands. Each does its work, prints what came of it, for people
-/// or, with --json, as one JSON object (docs/formats.md), and gives the exit status of the program. One
-/// thread.
+/// The commands of `sela-vault`. Each does its work, prints the result, as text or, with --json, as one JSON
+/// object (docs/formats.md), and returns the exit status of the program. One thread.
 
 int initCommand(const Arguments& arguments);
 int passcodeSetCommand(const Arguments& arguments);
@@ -25,7 +24,7 @@ int ledgerCommand(const Arguments& arguments);
 int importCommand(const Arguments& arguments);
 int doctorCommand(const Arguments& arguments);
 
-/// Tells on standard error what could not be done, or a warning; the exit status of a failure.
+/// Prints an error or a warning on standard error; returns the exit status of a failure.
 int fail(const std::string& message);
 int fail(const ErrorRef& error);
 

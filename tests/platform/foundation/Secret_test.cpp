@@ -26,7 +26,7 @@ TEST(Secret, IsOverwrittenWhereverItWas) {
         std::optional<Secret> secret = original;
         const char* const place = secret->exposed().data();
         change(secret, way);
-        // The allocator keeps its own notes at the start of what is free.
+        // The allocator stores its own data at the start of a freed block.
         EXPECT_EQ(std::string(place + sizeof(void*), place + 16), std::string(16 - sizeof(void*), '\0'))
             << way;
     }

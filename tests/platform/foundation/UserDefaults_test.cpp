@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* suite = "group.sela.vault";
 
-/// A connection of another program, in the eyes of the settings.
+/// A connection that acts as another program's.
 void executeSQL(const fs::path& file, const char* sql) {
     sqlite3* connection = nullptr;
     ASSERT_EQ(sqlite3_open(file.c_str(), &connection), SQLITE_OK);
@@ -78,7 +78,7 @@ TEST_F(UserDefaultsTest, ATransactionIsKeptWholeOrNotAtAll) {
 
 TEST_F(UserDefaultsTest, AFailureInsideATransactionUndoesItEvenIfNobodyLooks) {
     EXPECT_FALSE(open().setString("a", "1"));
-    // As an error of the disk does, the second ends the whole transaction inside SQLite.
+    // Like a disk error, the second one rolls back the whole transaction inside SQLite.
     executeSQL(home.settingsFile(),
                "DROP TABLE settings;"
                "CREATE TABLE settings(key TEXT PRIMARY KEY, kind TEXT, value BLOB,"
@@ -138,7 +138,7 @@ TEST_F(UserDefaultsTest, ADamagedIndexHidesNothingAndWhatItWouldHideIsNotStored)
     std::mt19937 chance(5);
     int refused = 0;
     for (int i = 0; i < 60; ++i) {
-        // The index lies behind the table; its keys are what it has of small letters.
+        // The index is stored after the table; its only lower-case letters are its keys.
         std::string damaged = whole;
         for (auto byte = damaged.begin() + std::ptrdiff_t{2} * 65'536; byte != damaged.end(); ++byte)
             if (*byte >= 'a' && *byte <= 'z')

@@ -69,7 +69,7 @@ TEST_F(MediaServiceClientTest, StartsTheHelperOnFirstNeedKeepsItAndReplacesIt) {
     EXPECT_EQ(client.helperProcessIdentifier(MediaOperation::decodePicture), helper);
     EXPECT_FALSE(client.helperProcessIdentifier(MediaOperation::copyFrame));
 
-    // One that ended between two requests costs nothing.
+    // A helper that ended between two requests causes no failure.
     ::kill(*helper, SIGKILL);
     siginfo_t ended{};
     ::waitid(P_PID, static_cast<id_t>(*helper), &ended, WEXITED | WNOWAIT);

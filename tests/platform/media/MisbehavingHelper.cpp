@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <string>
 
-// A media helper that does what the file it is given says, to show that its client bears with anything.
+// A media helper that misbehaves as its input file says, to test that the client handles it.
 
 namespace {
 

@@ -45,7 +45,7 @@ struct Unknowns {
     }
 };
 
-/// What an equation leaves over, and the largest number that goes into it.
+/// The residual of an equation, and the largest number in it.
 std::pair<double, double> residual(const LinearExpression& equation, const Values& values) {
     double sum = equation.constant();
     double largest = std::max(1.0, std::abs(sum));

@@ -16,7 +16,7 @@ class AnimationTest : public ViewTest {
 protected:
     AnimationTest() { window.addSubview(view); }
 
-    /// Animates and notes the report.
+    /// Animates and records the report.
     void animate(double seconds, const std::function<void()>& changes) {
         UIView::animate(seconds, changes, [this](bool finished) { reports.push_back(finished); });
     }

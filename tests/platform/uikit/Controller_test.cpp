@@ -42,7 +42,7 @@ private:
 
 class ControllerTest : public ViewTest {
 protected:
-    /// The screens go before the journal does.
+    /// The screens are destroyed before the journal.
     ~ControllerTest() override {
         window.setRootViewController(nullptr);
         loop.runUntilIdle();

@@ -12,7 +12,7 @@ protected:
         drawFrame();
     }
 
-    /// What a frame would draw anew.
+    /// The area that a frame would draw again.
     CGRect drawFrame() {
         window.prepareFrame();
         return window.takeDirtyRect();

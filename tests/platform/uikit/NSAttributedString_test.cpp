@@ -22,7 +22,7 @@ TEST(NSAttributedString, FormatFillsTheFirstPlaceholderEachTime) {
         {"nothing", {"ignored"}, "nothing"},
         {"%@", {""}, ""},
         {"Add %@ files to %@", {"3", "Holidays", "ignored"}, "Add 3 files to Holidays"},
-        // A placeholder that an argument brings along is filled before those behind it.
+        // A placeholder inside an argument is filled before those after it.
         {"%@ and %@", {"a %@", "b", "c"}, "a b and c"},
         {"to %@", {"%@", "x"}, "to x"},
         // One that forms where an argument ends counts as well.
