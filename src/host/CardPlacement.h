@@ -2,6 +2,7 @@
 
 #include "host/CommandLine.h"
 #include "platform/uikit/Geometry.h"
+#include "ui/UIScale.h"
 
 namespace sela {
 
@@ -20,6 +21,9 @@ struct CardPlacement {
     Style style = Style::asAsked;
     CGSize screen; ///< the size in points that the screens are measured for
     CGSize window; ///< the size in points of the window that shows them
+
+    /// The factor of the screens, by which what the host lays over them grows, too.
+    double scale() const { return getUIScale(screen); }
 
     /// For the display with the pointer, which the QGuiApplication is connected to. Main thread only.
     static CardPlacement on(const CommandLine& line);

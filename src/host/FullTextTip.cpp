@@ -7,7 +7,9 @@ namespace sela {
 
 namespace {
 
-/// Lengths in points.
+/// Lengths in points on a screen of scale 1.
+constexpr double fontSize = 14;
+constexpr double cornerRadius = 8;
 constexpr double widest = 400;
 constexpr double margin = 16; ///< to the window's edges
 constexpr double padding = 10;
@@ -29,11 +31,11 @@ std::string cutOffText(const UIView& view) {
 
 } // namespace
 
-FullTextTip::FullTextTip(UIWindow& window) : window_(window) {
+FullTextTip::FullTextTip(UIWindow& window, double scale) : window_(window), scale_(scale) {
     panel_.setUserInteractionEnabled(false);
     panel_.setBackgroundColor(UIColor::named("AppText"));
-    panel_.layer().setCornerRadius(8);
-    label_.setFont(UIFont::systemFont(14));
+    panel_.layer().setCornerRadius(cornerRadius * scale);
+    label_.setFont(UIFont::systemFont(fontSize * scale));
     label_.setTextColor(UIColor::named("AppCard"));
     label_.setNumberOfLines(0);
     panel_.addSubview(label_);
@@ -57,15 +59,16 @@ void FullTextTip::show(const UIView* view) {
 void FullTextTip::layOut() {
     label_.setText(text_);
     const CGSize room = window_.bounds().size;
+    const double inset = padding * scale_;
+    const double edge = margin * scale_;
     const CGSize text =
-        label_.sizeThatFits({std::min(widest, room.width - 2 * margin) - 2 * padding, room.height});
-    const CGSize size{text.width + 2 * padding, text.height + 2 * padding};
-    label_.setFrame({{padding, padding}, text});
-    const double x =
-        std::max(margin, std::min(place_.midX() - size.width / 2, room.width - margin - size.width));
-    const double below = place_.maxY() + gap;
-    const double y = below + size.height + margin <= room.height ? below : place_.minY() - gap - size.height;
-    panel_.setFrame({{x, y}, size});
+        label_.sizeThatFits({std::min(widest * scale_, room.width - 2 * edge) - 2 * inset, room.height});
+    const CGSize size{text.width + 2 * inset, text.height + 2 * inset};
+    label_.setFrame({{inset, inset}, text});
+    const double x = std::max(edge, std::min(place_.midX() - size.width / 2, room.width - edge - size.width));
+    const double below = place_.maxY() + gap * scale_;
+    const bool fitsBelow = below + size.height + edge <= room.height;
+    panel_.setFrame({{x, fitsBelow ? below : place_.minY() - gap * scale_ - size.height}, size});
 }
 
 } // namespace sela

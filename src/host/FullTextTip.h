@@ -11,8 +11,8 @@ namespace sela {
 /// or it has the focus. Takes no touches. Main thread only.
 class FullTextTip {
 public:
-    /// `window` must outlive this.
-    explicit FullTextTip(UIWindow& window);
+    /// `window` must outlive this. `scale` is that of the screens in it, by which the tip grows.
+    FullTextTip(UIWindow& window, double scale);
 
     /// Shows what is cut off in `view`; nothing when nothing is, and for null.
     void show(const UIView* view);
@@ -21,6 +21,7 @@ private:
     void layOut();
 
     UIWindow& window_;
+    const double scale_;
     UIView panel_{"tip"};
     UILabel label_;
     CGRect place_; ///< of the view that the text is shown for, in window points

@@ -5,36 +5,40 @@
 #include "platform/uikit/UIAccessibility.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace sela {
 
 namespace {
 
-/// Lengths in points.
+/// Lengths in points on a screen of scale 1.
+constexpr double fontSize = 15;
 constexpr double widest = 400;
 constexpr double margin = 16;
 constexpr double padding = 12;
 constexpr double gap = 10;
 constexpr double barHeight = 4;
 constexpr double buttonHeight = 40;
+constexpr double cornerRadius = 10;
 
 } // namespace
 
-Notice::Notice(UIWindow& window) : window_(window) {
+Notice::Notice(UIWindow& window, double scale) : window_(window), scale_(scale) {
     panel_.setBackgroundColor(UIColor::named("AppText"));
-    panel_.layer().setCornerRadius(10);
-    label_.setFont(UIFont::systemFont(15));
+    panel_.layer().setCornerRadius(cornerRadius * scale);
+    label_.setFont(UIFont::systemFont(fontSize * scale));
     label_.setTextColor(UIColor::named("AppCard"));
     label_.setTextAlignment(NSTextAlignment::center);
     label_.setNumberOfLines(0);
     track_.setBackgroundColor(UIColor::named("AppTextSecond"));
     bar_.setBackgroundColor(UIColor::named("AppTint"));
     for (UIView* const part : {&track_, &bar_})
-        part->layer().setCornerRadius(barHeight / 2);
+        part->layer().setCornerRadius(barHeight * scale / 2);
     button_.setTitleColor(UIColor::named("AppCard"));
     button_.layer().setBorderWidth(1);
     button_.layer().setBorderColor(UIColor::named("AppTextSecond"));
-    button_.layer().setCornerRadius(buttonHeight / 2);
+    button_.setTitleFont(UIFont::systemFont(fontSize * scale));
+    button_.layer().setCornerRadius(buttonHeight * scale / 2);
     button_.addTarget(this, &Notice::buttonTapped, UIControl::Event::touchUpInside);
     button_.addKeyCommand(UIKeyCommand::inputReturn);
     button_.addKeyCommand(UIKeyCommand::inputEscape);
@@ -74,44 +78,58 @@ void Notice::hide() {
 void Notice::layOut() {
     panel_.setUserInteractionEnabled(!content_.button.empty());
     const CGSize screen = window_.bounds().size;
-    const double room = std::min(widest, screen.width - 2 * margin) - 2 * padding;
+    const double inset = padding * scale_;
+    const double room = std::min(widest * scale_, screen.width - 2 * margin * scale_) - 2 * inset;
     const CGSize text = label_.sizeThatFits({room, screen.height});
     const bool isOnlyText = !content_.progress && content_.button.empty();
     const double width = isOnlyText ? text.width : room;
-    double y = padding;
-    label_.setFrame({padding, y, width, text.height});
+    double y = inset;
+    label_.setFrame({inset, y, width, text.height});
     y += text.height;
     track_.setHidden(!content_.progress);
     if (content_.progress) {
-        y += gap;
-        track_.setFrame({padding, y, width, barHeight});
-        bar_.setFrame({0, 0, width * std::clamp(*content_.progress, 0.0, 1.0), barHeight});
-        y += barHeight;
+        const double height = barHeight * scale_;
+        y += gap * scale_;
+        track_.setFrame({inset, y, width, height});
+        bar_.setFrame({0, 0, width * std::clamp(*content_.progress, 0.0, 1.0), height});
+        y += height;
     }
     button_.setHidden(content_.button.empty());
     if (!content_.button.empty()) {
-        y += gap;
-        button_.setFrame({padding, y, width, buttonHeight});
-        y += buttonHeight;
+        y += gap * scale_;
+        button_.setFrame({inset, y, width, buttonHeight * scale_});
+        y += buttonHeight * scale_;
     }
-    const double height = y + padding;
-    const CGRect bottom{(screen.width - width) / 2 - padding, screen.height - margin - height,
-                        width + 2 * padding, height};
-    panel_.setFrame({bottom.origin.x, topBeside(bottom), bottom.size.width, bottom.size.height});
+    panel_.setFrame(place({width + 2 * inset, y + inset}));
 }
 
-/// The top of the panel: that of `bottom`, moved up where the panel would cover buttons.
-double Notice::topBeside(const CGRect& bottom) const {
-    double top = bottom.minY();
-    for (const UIView* const element : ScreenElements::inside(window_, window_)) {
-        const CGRect rect = window_.shownRect(*element);
-        const bool isCovered = element->accessibilityRole() == AccessibilityRole::button &&
-                               !element->isDescendant(panel_) && rect.maxY() > bottom.minY() &&
-                               rect.minX() < bottom.maxX() && rect.maxX() > bottom.minX();
-        if (isCovered)
-            top = std::min(top, rect.minY() - gap - bottom.size.height);
-    }
-    return std::max(top, 0.0);
+/// Where a panel of this size lies: at the bottom, or above the buttons that it would cover there; but at the
+/// top where it would hide a text there, and nothing at the top.
+CGRect Notice::place(CGSize size) const {
+    const CGSize screen = window_.bounds().size;
+    const std::vector<CGRect> texts = shownRects(AccessibilityRole::staticText);
+    const std::vector<CGRect> buttons = shownRects(AccessibilityRole::button);
+    const auto hidesAny = [](const CGRect& panel, const std::vector<CGRect>& rects) {
+        return std::ranges::any_of(rects,
+                                   [&](const CGRect& rect) { return !panel.intersection(rect).isEmpty(); });
+    };
+    const CGRect top{{(screen.width - size.width) / 2, margin * scale_}, size};
+    CGRect bottom = top;
+    bottom.origin.y = screen.height - margin * scale_ - size.height;
+    for (const CGRect& button : std::views::reverse(buttons))
+        if (hidesAny(bottom, {button}))
+            bottom.origin.y = button.minY() - gap * scale_ - size.height;
+    bottom.origin.y = std::max(bottom.origin.y, 0.0);
+    return hidesAny(bottom, texts) && !hidesAny(top, texts) && !hidesAny(top, buttons) ? top : bottom;
+}
+
+/// The frames of what the screens show in this role, in reading order.
+std::vector<CGRect> Notice::shownRects(AccessibilityRole role) const {
+    std::vector<CGRect> rects;
+    for (const UIView* const element : ScreenElements::inside(window_, window_))
+        if (element->accessibilityRole() == role && !element->isDescendant(panel_))
+            rects.push_back(window_.shownRect(*element));
+    return rects;
 }
 
 void Notice::buttonTapped(UIButton&) {

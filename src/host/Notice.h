@@ -7,12 +7,13 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace sela {
 
 /// A panel at the bottom of a window with a message of the host, over whatever the extension shows: a text, a
-/// progress bar, and a button. It covers no button of a screen, and without one of its own it takes no
-/// touches. Main thread only.
+/// progress bar, and a button. It covers no button of a screen, lies at the top where it would hide a text at
+/// the bottom, and takes no touches without a button of its own. Main thread only.
 class Notice {
 public:
     static constexpr double duration = 5; ///< seconds
@@ -28,8 +29,8 @@ public:
         std::function<void()> action = {};
     };
 
-    /// `window` must outlive this.
-    explicit Notice(UIWindow& window);
+    /// `window` must outlive this. `scale` is that of the screens in it, by which the panel grows.
+    Notice(UIWindow& window, double scale);
 
     /// Shows a text for `duration`; a screen reader says it, too.
     void show(const std::string& text);
@@ -42,10 +43,12 @@ public:
 
 private:
     void layOut();
-    double topBeside(const CGRect& bottom) const;
+    CGRect place(CGSize size) const;
+    std::vector<CGRect> shownRects(AccessibilityRole role) const;
     void buttonTapped(UIButton&);
 
     UIWindow& window_;
+    const double scale_;
     UIView panel_{"notice"};
     UILabel label_;
     UIView track_;

@@ -10,10 +10,10 @@
 #include "platform/foundation/MonotonicClock.h"
 #include "platform/uikit/UIAccessibility.h"
 #include "share/SelaShareExtensionEntryVc.h"
-#include "ui/UIScale.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QIcon>
 #include <QPainter>
 #include <QPainterPath>
 #include <QScreen>
@@ -43,8 +43,8 @@ QRegion roundedRegion(const QSize& size, double radius) {
 
 ShareWindow::ShareWindow(UIWindow& window, ViewPainter& painter, const CommandLine& line,
                          const CardPlacement& placement)
-    : window_(window), painter_(painter), line_(line), placement_(placement), keyboard_(window), tip_(window),
-      store_(this), pastesOnFocus_(line.paste && !isClipboardOpen()) {
+    : window_(window), painter_(painter), line_(line), placement_(placement), keyboard_(window),
+      tip_(window, placement.scale()), store_(this), pastesOnFocus_(line.paste && !isClipboardOpen()) {
     setSurfaceType(RasterSurface);
     setTitle(QStringLiteral("Sela"));
     if (QScreen* const display = displayWithPointer())
@@ -98,12 +98,15 @@ void ShareWindow::openAsDialog() {
     QRect place(QPoint(), units);
     place.moveCenter(screen()->availableGeometry().center());
     setGeometry(place);
-    if (placement_.style == CardPlacement::Style::dialog) {
-        setFlags(Qt::Dialog);
-        setMask(roundedRegion(units, SelaShareExtensionEntryVc::cornerRadius * getUIScale(placement_.screen) *
-                                         unitsPerPoint()));
-    }
+    if (isDialog())
+        setFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
     show();
+}
+
+/// Gives a dialog the card's corners where no window manager put a frame around it.
+void ShareWindow::shapeDialog() {
+    const double radius = SelaShareExtensionEntryVc::cornerRadius * placement_.scale() * unitsPerPoint();
+    setMask(frameMargins().isNull() ? roundedRegion(size(), radius) : QRegion());
 }
 
 double ShareWindow::unitsPerPoint() const {
@@ -169,6 +172,8 @@ bool ShareWindow::event(QEvent* event) {
 void ShareWindow::exposeEvent(QExposeEvent*) {
     if (!isExposed())
         return;
+    if (isDialog())
+        shapeDialog();
     exposed_ = QRect(QPoint(), size());
     drawFrame();
 }
@@ -230,8 +235,11 @@ void ShareWindow::drawFrame() {
     }
     if (const QRegion shown = region + std::exchange(exposed_, {}); !shown.isEmpty())
         store_.flush(shown);
-    if (const auto handler = std::exchange(firstFrameHandler_, {}))
+    if (const auto handler = std::exchange(firstFrameHandler_, {})) {
         handler();
+        // For title bars and task bars that do not look for it in the desktop file.
+        setIcon(QIcon::fromTheme(QGuiApplication::desktopFileName()));
+    }
     if (QAccessible::isActive())
         accessible().update();
     if (window_.needsFrame())
@@ -274,7 +282,7 @@ QColor ShareWindow::backdrop() const {
 /// The views to draw, from bottom to top: the whole window, but of a dialog's root view only its subviews,
 /// since there is nothing to dim around the card.
 std::vector<const UIView*> ShareWindow::drawnViews() const {
-    if (placement_.style != CardPlacement::Style::dialog)
+    if (!isDialog())
         return {&window_};
     std::vector<const UIView*> views;
     for (const UIView* const view : window_.subviews()) {

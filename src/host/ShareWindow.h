@@ -77,7 +77,9 @@ protected:
 
 private:
     bool coversDisplay() const { return placement_.style == CardPlacement::Style::overDisplay; }
+    bool isDialog() const { return placement_.style == CardPlacement::Style::dialog; }
     void openAsDialog();
+    void shapeDialog();
     double unitsPerPoint() const;
     CGPoint toPoints(QPointF position) const;
     QRect toDesktop(const CGRect& rect) const;

@@ -35,7 +35,8 @@ std::string textOf(const std::vector<LeftOut>& leftOut) {
 
 WindowedRun::WindowedRun(QtApplication& application, const CommandLine& line, const Attachments& attachments)
     : application_(application), line_(line), totalSize_(attachments.totalSize),
-      session_(line, loop_, attachments), notice_(session_.scope().window()),
+      session_(line, loop_, attachments),
+      notice_(session_.scope().window(), session_.scope().placement().scale()),
       window_(session_.scope().window(), session_.scope().painter(), line, session_.scope().placement()) {
     session_.setEndHandler([this] { requestEnded(); });
     session_.setInterruptHandler([this] { leave(); });

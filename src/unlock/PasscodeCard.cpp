@@ -4,6 +4,7 @@
 #include "platform/snapkit/ConstraintViewDSL.h"
 #include "unlock/PasscodeKeypad.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace sela {
@@ -12,6 +13,9 @@ namespace {
 
 /// Between the back button's arrow and the title, in points.
 constexpr double titleGap = 6;
+
+/// The smallest font of the title, in points, where the back button leaves it no room.
+constexpr double smallestTitle = 1;
 
 } // namespace
 
@@ -44,7 +48,7 @@ void PasscodeCard::setTitle(std::string_view key) {
         titleLabel_.setFont(font);
         titleLabel_.setText(bundle.localizedString(title));
         if (const double width = titleLabel_.intrinsicContentSize().width; width > room)
-            font = font.withSize(font.size() * room / width);
+            font = font.withSize(std::max(smallestTitle, font.size() * room / width));
     }
     titleLabel_.setFont(font);
     titleLabel_.setText(bundle.localizedString(key));

@@ -24,7 +24,7 @@ WALK = CARD + KEYPAD + [("albums", "--type", "123456", "--tap", "showChildButton
                         ("adding", "--tap", "row:1:1", "--tap", "addButton")]
 # The name of each walk, the arguments and the environment that it takes, how many files are shared, and its steps.
 WALKS = ([(size, ["--screen", size], {}, 3, WALK) for size in SIZES]
-         + [("rtl", [], {"LANGUAGE": "ar"}, 3, WALK)]
+         + [("rtl", [], {"LANGUAGE": "ar"}, 3, WALK), ("60x60", ["--screen", "60x60"], {}, 1, KEYPAD)]
          + [(f"files-{count}", [], {}, count, CARD) for count in (0, 1, 2, 3, 12)])
 LOOKS = {"light": [], "dark": ["--appearance", "dark", "--scale", "2"], "contrast": ["--contrast", "high"], "rtl": []}
 
