@@ -8,8 +8,11 @@
 #include "store/SharedItemLedger.h"
 #include "store/StoreConst.h"
 
+#include <chrono>
+#include <functional>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <utility>
 
 namespace sela {
@@ -30,7 +33,7 @@ std::string describe(const std::vector<std::string>& texts) {
     return description + "]";
 }
 
-/// The result of one transaction on the ledger.
+/// What became of the ledger in one step.
 struct Outcome {
     ErrorRef unreadable;    ///< why the ledger could not be decoded; nothing was changed because of it
     ErrorRef unencoded;     ///< why the item could not be added
@@ -42,8 +45,8 @@ ErrorRef encodingError() {
                                      "The item cannot be encoded: a text is not UTF-8");
 }
 
-/// Stores a ledger with this item alone. An unreadable one that it replaces is kept under another key first,
-/// so that it can still be repaired.
+/// Stores a ledger with this item alone. An unreadable one that it replaces is set aside first: somebody may
+/// still want to mend it.
 void storeFresh(SettingsTransaction& settings, const std::string& key, const SharedItem& item,
                 const std::optional<Data>& unreadable, Outcome& outcome) {
     const std::optional<Data> ledger = SharedItemLedger::fresh(key, item);
@@ -58,15 +61,14 @@ void storeFresh(SettingsTransaction& settings, const std::string& key, const Sha
     settings.setData(sharedItemsKey, *ledger);
 }
 
-/// The ledger as this process stored it last, which need not be parsed again unless another program changed
-/// it.
+/// The ledger as this process stored it last, which need not be read through again as long as nobody else
+/// changes it.
 struct KnownLedger {
     Data text;
     SharedItemLedger::Keys keys;
 };
 
-/// Exchanges the known ledger; a thread that takes it leaves none behind, so that no two threads use it at
-/// once.
+/// Exchanges what is known; who takes it leaves nothing, so that no two threads use it at once.
 KnownLedger exchangeKnownLedger(KnownLedger known) {
     static std::mutex mutex;
     static auto* const kept = new KnownLedger;
@@ -74,7 +76,7 @@ KnownLedger exchangeKnownLedger(KnownLedger known) {
     return std::exchange(*kept, std::move(known));
 }
 
-/// The keys of a ledger, from the cache where it is the same; the error when it is none.
+/// What is known of a ledger; the error when it is none.
 Result<KnownLedger> know(Data ledger) {
     KnownLedger known = exchangeKnownLedger({});
     if (asText(known.text) == asText(ledger) && !ledger.empty())
@@ -85,7 +87,7 @@ Result<KnownLedger> know(Data ledger) {
     return KnownLedger{std::move(ledger), std::move(keys.value())};
 }
 
-/// One attempt. The transaction keeps its own failures.
+/// One attempt. What fails in the transaction it keeps itself.
 void record(SettingsTransaction& settings, const SharedItem& item, bool replaceUnreadable, Outcome& outcome) {
     const std::string key = SharedItemLedger::key(item);
     const Result<std::optional<Data>> ledger = settings.readData(sharedItemsKey);
@@ -135,20 +137,45 @@ ErrorRef attempt(const SharedItem& item, bool replaceUnreadable, Outcome& outcom
     return settings.value().commit();
 }
 
-/// Continues after a first attempt, whose failure this is.
-void conclude(const SharedItem& item, const SharedItemManager::Completion& completion,
-              const SaveObserver& observer, ErrorRef failure, Outcome outcome,
-              UserDefaults::Patience patience) {
+/// What happens after an attempt.
+using AttemptEnd = std::function<void(const ErrorRef& failure, const Outcome& outcome)>;
+
+/// Makes an attempt, repeats it while the settings are locked, and calls `end` with the last one's result.
+using Attempting = std::function<void(const SharedItem& item, bool replaceUnreadable, const AttemptEnd& end)>;
+
+void attemptHere(const SharedItem& item, bool replaceUnreadable, const AttemptEnd& end) {
+    Outcome outcome;
+    const ErrorRef failure = attempt(item, replaceUnreadable, outcome, UserDefaults::longPatience);
+    end(failure, outcome);
+}
+
+/// The pause between two attempts on the main queue, and their number: ten seconds in all.
+constexpr std::chrono::milliseconds pause{100};
+constexpr int mostAttempts = 50;
+
+/// The pause is on another thread: a main loop drops work that is due later when it ends, but waits for
+/// threads.
+void attemptOnMainQueue(const SharedItem& item, bool replaceUnreadable, const AttemptEnd& end,
+                        int attemptsBefore) {
+    Outcome outcome;
+    const ErrorRef failure = attempt(item, replaceUnreadable, outcome, UserDefaults::shortPatience);
+    if (!isBusy(failure) || attemptsBefore + 1 >= mostAttempts) {
+        end(failure, outcome);
+        return;
+    }
+    DispatchQueue::global().async([=] {
+        std::this_thread::sleep_for(pause);
+        DispatchQueue::main().async(
+            [=] { attemptOnMainQueue(item, replaceUnreadable, end, attemptsBefore + 1); });
+    });
+}
+
+void conclude(const SharedItemManager::Completion& completion, const SaveObserver& observer,
+              const ErrorRef& failure, const Outcome& outcome) {
     const auto report = [&](const ErrorRef& error) {
         if (completion)
             completion(error);
     };
-    if (!failure && outcome.unreadable) {
-        // Reported between two transactions, not inside one: the completion may do anything.
-        NSLog("SharedItemManager, saveItem: falied to decode sharedItemsData");
-        report(outcome.unreadable);
-        failure = attempt(item, true, outcome, patience);
-    }
     if (failure) {
         NSLog("SharedItemManager, saveItem: failed to store sharedItems, error = " +
               failure->localizedDescription());
@@ -165,34 +192,36 @@ void conclude(const SharedItem& item, const SharedItemManager::Completion& compl
     report(nullptr);
 }
 
-/// The pause between two attempts on the main queue, and their number: ten seconds in all.
-constexpr double pauseInSeconds = 0.1;
-constexpr int mostAttempts = 50;
-
-void attemptOnMainQueue(const SharedItem& item, const SharedItemManager::Completion& completion,
-                        const SaveObserver& observer, int attemptsBefore) {
-    Outcome outcome;
-    const ErrorRef failure = attempt(item, false, outcome, UserDefaults::shortPatience);
-    if (isBusy(failure) && attemptsBefore + 1 < mostAttempts)
-        DispatchQueue::main().asyncAfter(pauseInSeconds, [item, completion, observer, attemptsBefore] {
-            attemptOnMainQueue(item, completion, observer, attemptsBefore + 1);
+void update(const SharedItem& item, const SharedItemManager::Completion& completion,
+            const SaveObserver& observer, const Attempting& attempting) {
+    attempting(item, false, [=](const ErrorRef& failure, const Outcome& outcome) {
+        if (failure || !outcome.unreadable) {
+            conclude(completion, observer, failure, outcome);
+            return;
+        }
+        // Reported between two transactions, not inside one: the completion may do anything.
+        NSLog("SharedItemManager, saveItem: falied to decode sharedItemsData");
+        if (completion)
+            completion(outcome.unreadable);
+        attempting(item, true, [=](const ErrorRef& replacingFailure, const Outcome& replaced) {
+            conclude(completion, observer, replacingFailure, replaced);
         });
-    else
-        conclude(item, completion, observer, failure, outcome, UserDefaults::shortPatience);
+    });
 }
 
 } // namespace
 
 void updateLedger(const SharedItem& item, const SharedItemManager::Completion& completion,
                   const SaveObserver& observer) {
-    Outcome outcome;
-    const ErrorRef failure = attempt(item, false, outcome, UserDefaults::longPatience);
-    conclude(item, completion, observer, failure, outcome, UserDefaults::longPatience);
+    update(item, completion, observer, attemptHere);
 }
 
 void updateLedgerOnMainQueue(const SharedItem& item, const SharedItemManager::Completion& completion,
                              const SaveObserver& observer) {
-    attemptOnMainQueue(item, completion, observer, 0);
+    update(item, completion, observer,
+           [](const SharedItem& recorded, bool replaceUnreadable, const AttemptEnd& end) {
+               attemptOnMainQueue(recorded, replaceUnreadable, end, 0);
+           });
 }
 
 } // namespace sela

@@ -106,18 +106,37 @@ TEST_F(SharedItemManagerTest, ItemsIsLockedUntilTheItemIsRecorded) {
     EXPECT_TRUE(ItemsLock::forRemoving(folder));
 }
 
-TEST_F(SharedItemManagerTest, TheMainQueueGoesOnWhileSettingsAreLocked) {
+TEST_F(SharedItemManagerTest, TheMainQueueGoesOnWhileSettingsAreLockedAndEndsNotBefore) {
     home.provision();
     saveFile("a.jpg", "x");
-    bool isLockedMeanwhile = false;
-    loop.asyncAfter(0.05, [&] {
-        isLockedMeanwhile = calls.size() == 1 && !ItemsLock::forRemoving(URL::fileURL(items().string()));
-    });
     const LockedSettings settings(30);
+    bool isLockedMeanwhile = false;
+    const std::function<void()> look = [&] {
+        isLockedMeanwhile |= settings.met() > 0 && !ItemsLock::forRemoving(URL::fileURL(items().string()));
+        if (calls.size() == 1)
+            loop.async(look);
+    };
+    loop.async(look);
     saveFile("b.jpg", "x");
     EXPECT_TRUE(isLockedMeanwhile);
     EXPECT_THAT(calls, ElementsAre("ok", "ok"));
     EXPECT_EQ(ledger(), ledgerOf({"a.jpg", "b.jpg"}));
+}
+
+TEST_F(SharedItemManagerTest, AnUnreadableLedgerIsReplacedThoughSettingsAreLockedInBetween) {
+    home.provision();
+    ASSERT_EQ(sharedDefaults()->setData(sharedItemsKey, toData("no ledger")), nullptr);
+    std::optional<LockedSettings> settings;
+    std::vector<bool> errors;
+    SharedItemManager::saveItem(item("a.jpg"), URL::fileURL(home.write("source/a.jpg", "x").string()),
+                                [&](const ErrorRef& error) {
+                                    errors.push_back(error != nullptr);
+                                    if (error)
+                                        settings.emplace(30);
+                                });
+    loop.runPending();
+    EXPECT_THAT(errors, ElementsAre(true, false));
+    EXPECT_EQ(ledger(), ledgerOf({"a.jpg"}));
 }
 
 TEST_F(SharedItemManagerTest, EachBlockIsLoggedAndProgressIsAFraction) {
