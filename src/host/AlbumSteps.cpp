@@ -65,7 +65,8 @@ ErrorRef lockedAlbum(const Step& step) {
 Result<std::string> viewOfAlbum(const UIViewController& screen, const Step& step) {
     const SelaShareExtensionAlbumsVc* const picker = pickerAbove(screen);
     const Result<std::vector<std::string>> path = albumPath(step.argument);
-    if (!picker || !path)
+    // Behind the keypad are albums as well: whether one of this name is there must not be told.
+    if (!picker || !picker->showsAlbums() || !path)
         return lockedAlbum(step);
     const AlbumTree& albums = picker->albums();
     for (std::size_t section = 0; section < albums.showAlbums().size(); ++section) {

@@ -28,10 +28,8 @@ void write(JSONWriter& writer, const std::string& path, const AttachmentOutcome&
     writer.beginObject().member("path", path).member("outcome", std::string(textOf(outcome.kind)));
     if (outcome.reason)
         writer.member("reason", outcome.reason->localizedFailureReason());
-    if (outcome.kind == Kind::recorded && outcome.item) {
+    if (outcome.kind == Kind::recorded && outcome.item)
         writer.member("key", outcome.ledgerKey).member("album", outcome.item->albumNames);
-        writer.member("decoy", outcome.item->fake);
-    }
     writer.endObject();
 }
 

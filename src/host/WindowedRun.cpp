@@ -76,7 +76,8 @@ void WindowedRun::showNextStep() {
         notice_.keep({.text = localized("Paste or drop the files that you want to add.")});
     else if (const std::vector<LeftOut> leftOut = session_.report().leftOut; !leftOut.empty())
         notice_.show(textOf(leftOut));
-    else if (SharedAlbumManager::getAlbums().value_or(std::vector<SharedAlbum>()).empty())
+    else if (!SharedAlbumManager::isBusy(UserDefaults::Patience::zero()) &&
+             SharedAlbumManager::getAlbums().value_or(std::vector<SharedAlbum>()).empty())
         notice_.show(localized("There are no albums yet. Files go to the default album."));
 }
 

@@ -43,7 +43,7 @@ void SelaShareExtensionAlbumsVc::viewDidLoad() {
     const bool isBusy = findsVaultBusy();
     buildViews();
     if (!isBusy)
-        loadAlbums();
+        loadAlbums(Passcodes::read());
     styleTable();
     launchMainAppLabel_.setText(localized(launchMessage));
     refresh();
@@ -76,7 +76,7 @@ void SelaShareExtensionAlbumsVc::onVaultFree() {
     launchMainAppLabel_.setText(localized(launchMessage));
     keypad_.setPasscodeLength(passcodeLength());
     if (currentPassword_.empty()) {
-        loadAlbums();
+        loadAlbums(Passcodes::read());
         tableView_.reloadData();
     }
     refresh();
@@ -135,38 +135,52 @@ void SelaShareExtensionAlbumsVc::styleTable() {
     tableView_.setDelegate(this);
 }
 
-void SelaShareExtensionAlbumsVc::loadAlbums() {
+SelaShareExtensionAlbumsVc::Passcodes SelaShareExtensionAlbumsVc::Passcodes::read() {
+    return {SharedAlbumManager::sharedPassword(), SharedAlbumManager::sharedFakePassword()};
+}
+
+void SelaShareExtensionAlbumsVc::loadAlbums(const Passcodes& passcodes) {
     auto catalogue = SharedAlbumManager::getAlbums();
-    albums_.load(std::move(catalogue), entryOpensDecoyAlbums(SharedAlbumManager::sharedPassword()));
+    albums_.load(std::move(catalogue), entryOpensDecoyAlbums(passcodes));
 }
 
 /// The decoy albums are shown only if the passcode has one of the vault's two lengths, although a decoy code
 /// unlocks with any. Where both codes are the same the vault's albums are opened.
-bool SelaShareExtensionAlbumsVc::entryOpensDecoyAlbums(const std::optional<Secret>& passcode) const {
-    const std::size_t length = characterCount(passcode.value_or(Secret()).exposed());
-    return (length == 4 || length == 6) && currentPassword_ != passcode &&
-           currentPassword_ == SharedAlbumManager::sharedFakePassword();
+bool SelaShareExtensionAlbumsVc::entryOpensDecoyAlbums(const Passcodes& passcodes) const {
+    const std::size_t length = characterCount(passcodes.vault.value_or(Secret()).exposed());
+    return (length == 4 || length == 6) && currentPassword_ != passcodes.vault &&
+           currentPassword_ == passcodes.decoy;
 }
 
 void SelaShareExtensionAlbumsVc::refresh() {
-    if (isVaultBusy_) {
-        launchMainAppLabel_.setText(localized("The vault is busy. One moment, please."));
-        return showMessage();
-    }
-    const std::optional<Secret> passcode = SharedAlbumManager::sharedPassword();
-    const std::optional<Secret> decoyPasscode = SharedAlbumManager::sharedFakePassword();
-    if (!passcode || albums_.sharedAlbumManagerAlbumNil()) {
-        showMessage();
-    } else if (passcode->empty()) {
+    if (findsVaultBusy())
+        showVaultBusy();
+    else
+        refresh(Passcodes::read());
+}
+
+void SelaShareExtensionAlbumsVc::refresh(const Passcodes& passcodes) {
+    if (!passcodes.vault || albums_.sharedAlbumManagerAlbumNil()) {
+        // What could not be read may be there all the same.
+        if (findsVaultBusy())
+            showVaultBusy();
+        else
+            showMessage();
+    } else if (passcodes.vault->empty()) {
         showAlbumTable();
     } else {
-        const bool matches = currentPassword_ == *passcode || currentPassword_ == decoyPasscode;
+        const bool matches = currentPassword_ == *passcodes.vault || currentPassword_ == passcodes.decoy;
         if (!currentPassword_.empty() && matches)
             showAlbumTable();
         else
             showKeypad();
         keypad_.showEntry(currentPassword_.size());
     }
+}
+
+void SelaShareExtensionAlbumsVc::showVaultBusy() {
+    launchMainAppLabel_.setText(localized("The vault is busy. One moment, please."));
+    showMessage();
 }
 
 void SelaShareExtensionAlbumsVc::showMessage() {
@@ -196,26 +210,26 @@ void SelaShareExtensionAlbumsVc::onKeyTouched(UIButton& button) {
         return;
     if (findsVaultBusy()) {
         keyTouchedMeanwhile_ = &button;
-        return refresh();
+        return showVaultBusy();
     }
-    const std::optional<Secret> passcode = SharedAlbumManager::sharedPassword();
-    const std::size_t length = characterCount(passcode.value_or(Secret()).exposed());
-    const bool wasDecoy = entryOpensDecoyAlbums(passcode);
+    // Read once for all that follows, which must not differ about what the entry opens.
+    const Passcodes passcodes = Passcodes::read();
+    const std::size_t length = characterCount(passcodes.vault.value_or(Secret()).exposed());
+    const bool wasDecoy = entryOpensDecoyAlbums(passcodes);
     if (currentPassword_.size() < length)
         currentPassword_.append(static_cast<char>('0' + button.tag()));
-    const std::optional<Secret> decoyPasscode = SharedAlbumManager::sharedFakePassword();
 
     // The delegate is called for a change only.
-    if (currentPassword_ == passcode) {
-        unlock();
+    if (currentPassword_ == passcodes.vault) {
+        unlock(passcodes);
         if (const auto delegate = delegate_.lock(); delegate && wasDecoy)
             delegate->setFakePasswordMode(false);
-    } else if (currentPassword_ == decoyPasscode) {
-        unlock();
+    } else if (currentPassword_ == passcodes.decoy) {
+        unlock(passcodes);
         if (const auto delegate = delegate_.lock(); delegate && !wasDecoy)
             delegate->setFakePasswordMode(true);
     } else {
-        refresh();
+        refresh(passcodes);
         if (length >= 1 && currentPassword_.size() >= length)
             keypad_.shake(weak_from_this(), [this] { clearEntry(); });
     }
@@ -227,10 +241,10 @@ void SelaShareExtensionAlbumsVc::clearEntry() {
 }
 
 /// The order matters: which albums are loaded and what is shown both follow from the entry.
-void SelaShareExtensionAlbumsVc::unlock() {
-    loadAlbums();
+void SelaShareExtensionAlbumsVc::unlock(const Passcodes& passcodes) {
+    loadAlbums(passcodes);
     tableView_.reloadData();
-    refresh();
+    refresh(passcodes);
     currentPassword_.clear();
 }
 

@@ -45,6 +45,9 @@ public:
 
     const AlbumTree& albums() const { return albums_; }
 
+    /// Whether the albums are shown, that is whether they are unlocked.
+    bool showsAlbums() const { return !tableView_.isHidden(); }
+
     void viewDidLoad() override;
 
     /// The action of the digit keys. The entry is compared after every digit, first with the vault passcode,
@@ -64,22 +67,32 @@ public:
     void didSelectRow(UITableView& tableView, const IndexPath& indexPath) override;
 
 private:
+    /// The published passcodes, read at one moment.
+    struct Passcodes {
+        std::optional<Secret> vault;
+        std::optional<Secret> decoy;
+
+        static Passcodes read();
+    };
+
     void buildViews();
     void layoutTable();
     void layoutLaunchMessage(double scale);
     void styleTable();
-    void loadAlbums();
+    void loadAlbums(const Passcodes& passcodes);
     void refresh();
+    void refresh(const Passcodes& passcodes);
     void clearEntry();
     void showMessage();
+    void showVaultBusy();
     bool findsVaultBusy();
     std::size_t passcodeLength() const;
     void waitForVault();
     void onVaultFree();
     void showAlbumTable();
     void showKeypad();
-    bool entryOpensDecoyAlbums(const std::optional<Secret>& passcode) const;
-    void unlock();
+    bool entryOpensDecoyAlbums(const Passcodes& passcodes) const;
+    void unlock(const Passcodes& passcodes);
 
     void fill(SelaShareExtensionAlbumCell& cell, const IndexPath& indexPath, const SharedAlbum& album);
     void setAccessibility(SelaShareExtensionAlbumCell& cell, const IndexPath& indexPath,

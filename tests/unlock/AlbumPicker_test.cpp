@@ -75,10 +75,39 @@ TEST_F(AlbumPickerTest, AVaultThatIsBusyIsWaitedForAndNothingIsLost) {
     EXPECT_EQ(shown(), locked);
     EXPECT_EQ(view("indicatorContainer").subviews().size(), 6u);
     EXPECT_EQ(label("launchMainAppLabel").text(), "Please launch the main Sela app first.");
+    type("123450");
+    waitWhileBusy([] {});
+    EXPECT_EQ(shown(), locked);
     type("12345");
     waitWhileBusy([&] { type("6"); });
     EXPECT_EQ(shown(), albumTable);
     EXPECT_THAT(sections(), ElementsAre("A"));
+}
+
+TEST_F(AlbumPickerTest, AReadThatFailsNeverOpensTheOtherSide) {
+    struct FailingLock : DiskWrapper {
+        explicit FailingLock(int number) : callsLeft(number) {}
+        int refusal(const char* call) override {
+            return std::string_view(call) == "lockBytes" && callsLeft-- == 0 ? -ENOLCK : 0;
+        }
+        int callsLeft;
+    };
+    publishAlbums({album({"vault"}), album({"decoy"}, true)});
+    publishPasscode("1234");
+    publishDecoyPasscode("0000");
+    int number = -1;
+    for (bool hasFailed = true; hasFailed;) {
+        openPicker();
+        type("000");
+        {
+            FailingLock disk(++number);
+            type("0");
+            hasFailed = disk.callsLeft < 0;
+        }
+        EXPECT_TRUE(shown() != albumTable || sections() == std::vector<std::string>{"decoy"}) << number;
+        navigation_->popViewController(false);
+    }
+    EXPECT_GT(number, 3);
 }
 
 TEST_F(AlbumPickerTest, OfEqualPasscodesTheVaultsWins) {

@@ -9,6 +9,13 @@
 
 namespace sela {
 
+namespace {
+
+/// The real time that skipping to a task takes at least, so that a task that polls does not occupy a core.
+constexpr std::chrono::microseconds shortestPause{100};
+
+} // namespace
+
 void HeadlessMainLoop::async(Task task) {
     asyncAfter(0, std::move(task));
 }
@@ -33,6 +40,7 @@ void HeadlessMainLoop::run() {
         } else if (const std::optional<double> due = tasks_.nextDueTime()) {
             if (idle_ == Idle::isSkipped && BackgroundWork::outstanding() == 0) {
                 skipped_ = skipped_ + std::max(0.0, *due - now());
+                BackgroundWork::changed().wait_for(lock, shortestPause);
                 continue;
             }
             BackgroundWork::changed().wait_for(lock, std::chrono::duration<double>(*due - now()));

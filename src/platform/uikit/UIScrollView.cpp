@@ -48,10 +48,16 @@ void UIScrollView::setContentSize(CGSize size) {
     placeIndicator();
 }
 
+/// A hidden view must not tell how long its content is, which its tree would.
+void UIScrollView::setHidden(bool hidden) {
+    UIView::setHidden(hidden);
+    placeIndicator();
+}
+
 void UIScrollView::placeIndicator() {
     const CGRect bounds = this->bounds();
     const double room = bounds.size.height - 2 * indicatorMargin;
-    if (maximumOffset() <= 0 || room < shortestIndicator) {
+    if (isHidden() || maximumOffset() <= 0 || room < shortestIndicator) {
         indicator_.removeFromSuperview();
         return;
     }

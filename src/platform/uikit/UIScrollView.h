@@ -29,6 +29,8 @@ public:
     /// Sets the content's size; an offset that is now beyond the end moves back to it.
     void setContentSize(CGSize size);
 
+    void setHidden(bool hidden) override;
+
     /// The largest vertical offset at rest; the smallest is 0.
     double maximumOffset() const;
 

@@ -131,6 +131,10 @@ TEST_F(TableTest, AListThatGoesOnShowsWhereItIs) {
     EXPECT_EQ(indicator->frame(), CGRect(294, 3, 3, 197));
     table.setContentOffset({0, 400});
     EXPECT_EQ(indicator->frame(), CGRect(294, 600, 3, 197));
+    table.setHidden(true);
+    EXPECT_EQ(table.viewNamed("verticalScrollIndicator"), nullptr);
+    table.setHidden(false);
+    EXPECT_NE(table.viewNamed("verticalScrollIndicator"), nullptr);
 }
 
 TEST_F(TableTest, AReloadForgetsTheSelection) {
