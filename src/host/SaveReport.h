@@ -24,7 +24,7 @@ struct SaveReport {
     /// What was in the request from its start, as it was named, in the order of the run's outcomes.
     std::vector<std::string> names;
 
-    /// What was named but is not in the request.
+    /// What was named, pasted or dropped but is not in the request: first what was from the start.
     std::vector<LeftOut> leftOut;
 
     /// The exit status of the process: `completed` only when everything was added, `notAll` when a file was
@@ -32,7 +32,7 @@ struct SaveReport {
     ExitStatus status() const;
 
     /// Lines for standard error, in English: each file that failed, with the reason, and those that were not
-    /// tried. Files that were left out were reported at the start.
+    /// tried. Files that were left out are not among them.
     std::vector<std::string> problems() const;
 
     /// "3 files added to Family"; empty when none was.

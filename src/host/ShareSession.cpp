@@ -84,6 +84,10 @@ void ShareSession::leave(const std::string& why) {
         cancel(why);
 }
 
+void ShareSession::leaveOut(const std::vector<LeftOut>& files) {
+    report_.leftOut.insert(report_.leftOut.end(), files.begin(), files.end());
+}
+
 SaveReport ShareSession::report() const {
     SaveReport report = report_;
     report.run = screen_->saveRun();

@@ -14,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace sela {
 
@@ -55,6 +56,9 @@ public:
     /// Called on the main queue when a signal asks the process to end; by default it leaves the session. A
     /// copy that still runs a second later is stopped.
     void setInterruptHandler(std::function<void()> handler) { interruptHandler_ = std::move(handler); }
+
+    /// Reports files as well that were to join the request and cannot be added.
+    void leaveOut(const std::vector<LeftOut>& files);
 
     /// What has been done with the files so far.
     SaveReport report() const;

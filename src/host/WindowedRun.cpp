@@ -104,6 +104,7 @@ void WindowedRun::take(const QMimeData* data) {
         totalSize_ += attachments.totalSize;
         notice_.hide();
     }
+    session_.leaveOut(attachments.problems);
     if (!attachments.problems.empty())
         notice_.show(textOf(attachments.problems));
     else if (found.onlyText)

@@ -100,6 +100,8 @@ int share(const sela::CommandLine& line) {
         tell("there is no vault to add to yet; start the main Sela application once, or run \"sela-vault "
              "init\"");
     const auto finish = [&](const sela::SaveReport& report, bool wasPutAside) {
+        for (std::size_t i = attachments.problems.size(); i < report.leftOut.size(); ++i)
+            tell(report.leftOut[i].description());
         tell(report, line);
         notify(report, line, wasPutAside);
         if (line.json)

@@ -72,9 +72,11 @@ class Clipboard(WindowTest):
         self.keys("ctrl+v")
         self.copy("UTF8_STRING", b"only words")
         self.keys("ctrl+v")
+        self.copy("text/uri-list", self.uris(self.home / "missing.jpg"))
+        self.keys("ctrl+v")
         self.copy("image/png", PNG)
         self.keys("ctrl+v", "Return")
-        self.assertEqual(process.wait(30), 0)
+        self.assertEqual(process.wait(30), 1)
         self.assertEqual(self.names(), ["a picture", "file 0.jpg", "file 1.jpg"])
 
 
