@@ -4,15 +4,12 @@
 #include "platform/foundation/DispatchQueue.h"
 #include "platform/foundation/FatalError.h"
 #include "platform/foundation/UTF8.h"
-#include "platform/snapkit/ConstraintViewDSL.h"
 #include "platform/uikit/UINavigationController.h"
 #include "store/SharedAlbumManager.h"
 #include "ui/SelaShareExtensionAlbumCell.h"
-#include "ui/UIScale.h"
 #include "unlock/SelaShareExtensionAlbumsVcDelegate.h"
 #include "unlock/SelaSharedAlbumPassCheck.h"
 
-#include <cmath>
 #include <numbers>
 
 namespace sela {
@@ -88,42 +85,6 @@ std::size_t SelaShareExtensionAlbumsVc::passcodeLength() const {
     if (isVaultBusy_)
         return 0;
     return characterCount(SharedAlbumManager::sharedPassword().value_or(Secret()).exposed());
-}
-
-void SelaShareExtensionAlbumsVc::buildViews() {
-    const double scale = getUIScale(*this);
-    card_.assemble(view(), scale);
-    keypad_.assemble(card_.containerView(), scale, passcodeLength(),
-                     {.titleLabel = card_.titleLabel(),
-                      .viewAbove = card_.titleLabel(),
-                      .backButtonWidth = std::ceil(46 * scale),
-                      .indicatorOffset = std::round(28 * scale),
-                      .keypadOffset = std::round(34 * scale)});
-    keypad_.setActions(this, &SelaShareExtensionAlbumsVc::onKeyTouched,
-                       &SelaShareExtensionAlbumsVc::onBackButtonTouched,
-                       &SelaShareExtensionAlbumsVc::clearEntry);
-    layoutTable();
-    layoutLaunchMessage(scale);
-}
-
-void SelaShareExtensionAlbumsVc::layoutTable() {
-    card_.containerView().addSubview(tableView_);
-    tableView_.snp().makeConstraints([&](ConstraintMaker& make) {
-        make.width().centerX().bottom().equalToSuperview();
-        make.top().equalTo(card_.titleLabel().snp().bottom());
-    });
-}
-
-void SelaShareExtensionAlbumsVc::layoutLaunchMessage(double scale) {
-    launchMainAppLabel_.setFont(UIFont::systemFont(std::round(18 * scale)));
-    launchMainAppLabel_.setTextColor(UIColor::named("AppText"));
-    launchMainAppLabel_.setNumberOfLines(0);
-    launchMainAppLabel_.setTextAlignment(NSTextAlignment::center);
-    card_.containerView().addSubview(launchMainAppLabel_);
-    launchMainAppLabel_.snp().makeConstraints([&](ConstraintMaker& make) {
-        make.width().equalTo(std::round(220 * scale));
-        make.height().center().equalToSuperview();
-    });
 }
 
 void SelaShareExtensionAlbumsVc::styleTable() {
