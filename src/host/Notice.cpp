@@ -21,6 +21,11 @@ constexpr double barHeight = 4;
 constexpr double buttonHeight = 40;
 constexpr double cornerRadius = 10;
 
+bool meetsAny(const CGRect& panel, const std::vector<CGRect>& rects) {
+    return std::ranges::any_of(rects,
+                               [&](const CGRect& rect) { return !panel.intersection(rect).isEmpty(); });
+}
+
 } // namespace
 
 Notice::Notice(UIWindow& window, double scale) : window_(window), scale_(scale) {
@@ -106,21 +111,31 @@ void Notice::layOut() {
 /// Where a panel of this size lies: at the bottom, or above the buttons that it would cover there; but at the
 /// top where it would hide a text there, and nothing at the top.
 CGRect Notice::place(CGSize size) const {
-    const CGSize screen = window_.bounds().size;
     const std::vector<CGRect> texts = shownRects(AccessibilityRole::staticText);
     const std::vector<CGRect> buttons = shownRects(AccessibilityRole::button);
-    const auto hidesAny = [](const CGRect& panel, const std::vector<CGRect>& rects) {
-        return std::ranges::any_of(rects,
-                                   [&](const CGRect& rect) { return !panel.intersection(rect).isEmpty(); });
-    };
-    const CGRect top{{(screen.width - size.width) / 2, margin * scale_}, size};
-    CGRect bottom = top;
-    bottom.origin.y = screen.height - margin * scale_ - size.height;
-    for (const CGRect& button : std::views::reverse(buttons))
-        if (hidesAny(bottom, {button}))
+    const CGRect bottom = bottomPlace(size);
+    const CGRect top{{bottom.origin.x, margin * scale_}, size};
+    return meetsAny(bottom, texts) && !meetsAny(top, texts) && !meetsAny(top, buttons) ? top : bottom;
+}
+
+CGRect Notice::bottomPlace(CGSize size) const {
+    const CGSize screen = window_.bounds().size;
+    CGRect bottom{{(screen.width - size.width) / 2, screen.height - margin * scale_ - size.height}, size};
+    for (const CGRect& button : std::views::reverse(shownRects(AccessibilityRole::button)))
+        if (meetsAny(bottom, {button}))
             bottom.origin.y = button.minY() - gap * scale_ - size.height;
     bottom.origin.y = std::max(bottom.origin.y, 0.0);
-    return hidesAny(bottom, texts) && !hidesAny(top, texts) && !hidesAny(top, buttons) ? top : bottom;
+    return bottom;
+}
+
+double Notice::heightBesideTexts() const {
+    const CGRect bottom = bottomPlace(panel_.bounds().size);
+    double hidden = 0;
+    for (const CGRect& text : shownRects(AccessibilityRole::staticText))
+        if (meetsAny(bottom, {text}))
+            hidden = std::max(hidden, text.maxY() + gap * scale_ - bottom.minY());
+    // What is in the middle moves down by half of what the window grows.
+    return window_.bounds().size.height + 2 * hidden;
 }
 
 /// The frames of what the screens show in this role, in reading order.

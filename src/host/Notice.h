@@ -41,9 +41,16 @@ public:
 
     void hide();
 
-private:
+    /// Finds the panel's place again, for a window that has another size now.
     void layOut();
+
+    /// The height in points of a window in which the panel that is shown hides no text at its bottom,
+    /// provided that texts stay in the window's middle.
+    double heightBesideTexts() const;
+
+private:
     CGRect place(CGSize size) const;
+    CGRect bottomPlace(CGSize size) const;
     std::vector<CGRect> shownRects(AccessibilityRole role) const;
     void buttonTapped(UIButton&);
 

@@ -89,18 +89,30 @@ void ShareWindow::open() {
     }
 }
 
-/// Centred on the display, with a fixed size: the screens are laid out once, as on a phone.
+/// The screens are laid out once, as on a phone.
 void ShareWindow::openAsDialog() {
-    const QSize units =
-        (QSizeF(placement_.window.width, placement_.window.height) * unitsPerPoint()).toSize();
+    setFixedSize(placement_.window);
+    if (isDialog())
+        setFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
+    show();
+}
+
+/// Centred on the display.
+void ShareWindow::setFixedSize(const CGSize& points) {
+    const QSize units = (QSizeF(points.width, points.height) * unitsPerPoint()).toSize();
     setMinimumSize(units);
     setMaximumSize(units);
     QRect place(QPoint(), units);
     place.moveCenter(screen()->availableGeometry().center());
     setGeometry(place);
-    if (isDialog())
-        setFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
-    show();
+}
+
+void ShareWindow::growTo(double height) {
+    const QMargins frame = frameMargins();
+    const int room = screen()->availableSize().height() - frame.top() - frame.bottom();
+    const double possible = std::min(height, room / unitsPerPoint());
+    if (isDialog() && possible * unitsPerPoint() > minimumHeight())
+        setFixedSize({placement_.window.width, possible});
 }
 
 /// Gives a dialog the card's corners where no window manager put a frame around it.
@@ -156,6 +168,9 @@ bool ShareWindow::event(QEvent* event) {
             contentHandler_.take(drop.mimeData());
         return true;
     }
+    case QEvent::Enter:
+        pointAt(toPoints(static_cast<QEnterEvent&>(*event).position()));
+        return true;
     case QEvent::Leave:
         pointAt(std::nullopt);
         return true;
@@ -182,6 +197,11 @@ void ShareWindow::resizeEvent(QResizeEvent*) {
     store_.resize(size());
     storeRatio_ = 0;
     window_.setSize({width() / unitsPerPoint(), height() / unitsPerPoint()});
+    if (isDialog())
+        shapeDialog();
+    window_.prepareFrame();
+    if (resizeHandler_)
+        resizeHandler_();
     exposed_ = QRect(QPoint(), size());
     scheduleFrame();
 }

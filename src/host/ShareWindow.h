@@ -43,6 +43,9 @@ public:
     /// Called when the user closes the window.
     void setCloseHandler(std::function<void()> handler) { closeHandler_ = std::move(handler); }
 
+    /// Called when the window has another size, before it is drawn so.
+    void setResizeHandler(std::function<void()> handler) { resizeHandler_ = std::move(handler); }
+
     /// Called once, when the first frame was sent to the display.
     void setFirstFrameHandler(std::function<void()> handler) { firstFrameHandler_ = std::move(handler); }
 
@@ -56,6 +59,10 @@ public:
 
     /// Shows the window.
     void open();
+
+    /// Makes a dialog as high as this (points), as far as the display has room; nothing else changes its
+    /// size.
+    void growTo(double height);
 
     QAccessibleInterface* accessibleRoot() const override;
 
@@ -79,6 +86,7 @@ private:
     bool coversDisplay() const { return placement_.style == CardPlacement::Style::overDisplay; }
     bool isDialog() const { return placement_.style == CardPlacement::Style::dialog; }
     void openAsDialog();
+    void setFixedSize(const CGSize& points);
     void shapeDialog();
     double unitsPerPoint() const;
     CGPoint toPoints(QPointF position) const;
@@ -103,6 +111,7 @@ private:
     const CommandLine line_;
     const CardPlacement placement_;
     std::function<void()> closeHandler_;
+    std::function<void()> resizeHandler_;
     std::function<void()> firstFrameHandler_;
     ContentHandler contentHandler_;
     KeyboardNavigation keyboard_;

@@ -42,6 +42,7 @@ WindowedRun::WindowedRun(QtApplication& application, const CommandLine& line, co
     session_.setInterruptHandler([this] { leave(); });
     session_.screen().setSaveObserver([this](const SaveRun& run) { showSaving(run); });
     window_.setCloseHandler([this] { close(); });
+    window_.setResizeHandler([this] { notice_.layOut(); });
     window_.setContentHandler({[this] { return !session_.screen().saveRun().hasBegun(); },
                                [this](const QMimeData* data) { take(data); }});
     // Starting the helpers earlier would compete with the card's first frame for the processors.
@@ -127,9 +128,7 @@ void WindowedRun::showSaving(const SaveRun& run) {
         if (endsWhenStuck_)
             session_.giveUp();
         else
-            notice_.keep({.text = session_.report().summary(),
-                          .button = localized("Close"),
-                          .action = [this] { session_.giveUp(); }});
+            showOutcome([this] { session_.giveUp(); });
         break;
     case SaveRun::State::ended:
         // In the next turn, since a run may go on after an end was reported.
@@ -170,8 +169,15 @@ void WindowedRun::showEnd() {
         if (session_.hasEnded())
             finish();
     };
-    notice_.keep({.text = session_.report().summary(), .button = localized("Close"), .action = read});
+    showOutcome(read);
     loop_.asyncAfter(Notice::duration, read);
+}
+
+/// What became of the files, and a button that calls `close`.
+void WindowedRun::showOutcome(std::function<void()> close) {
+    notice_.keep(
+        {.text = session_.report().summary(), .button = localized("Close"), .action = std::move(close)});
+    window_.growTo(notice_.heightBesideTexts());
 }
 
 /// Saving goes on without the window.

@@ -7,6 +7,7 @@
 #include "host/ShareWindow.h"
 
 #include <cstdint>
+#include <functional>
 
 class QMimeData;
 
@@ -35,6 +36,7 @@ private:
     void showSaving(const SaveRun& run);
     void showProgress(const SaveRun& run);
     void showEnd();
+    void showOutcome(std::function<void()> close);
     void putAside();
     void requestEnded();
     void finish();

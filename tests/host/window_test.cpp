@@ -27,7 +27,7 @@ TEST_F(ShareWindowTest, IsAsLargeAsTheScreenAskedForAndTellsWhenItIsClosed) {
     EXPECT_EQ(closed, 1);
 }
 
-TEST_F(ProbeTest, ADialogIsTheCardAndDimsNothing) {
+TEST_F(ProbeTest, ADialogIsTheCardAndDimsNothingAndGrows) {
     probe_->view().setBackgroundColor(UIColor::black().withAlpha(0.5));
     const CardPlacement placement{CardPlacement::Style::dialog, {375, 667}, {320, 390}};
     ShareWindow dialog(window_, painter_, CommandLine(), placement);
@@ -36,6 +36,13 @@ TEST_F(ProbeTest, ADialogIsTheCardAndDimsNothing) {
     QTest::qWait(50);
     EXPECT_EQ(dialog.size(), QSize(320, 390));
     EXPECT_EQ(dialog.screen()->grabWindow(dialog.winId()).toImage().pixelColor(10, 195), QColor(Qt::white));
+    int resizes = 0;
+    dialog.setResizeHandler([&] { ++resizes; });
+    for (const double height : {500, 400})
+        dialog.growTo(height);
+    QTest::qWait(50);
+    EXPECT_EQ(dialog.size(), QSize(320, 500));
+    EXPECT_EQ(resizes, 1);
 }
 
 TEST_F(ShareWindowTest, TurnsClicksIntoTouchesAndTakesThemBackWithTheFocus) {
@@ -142,6 +149,10 @@ TEST_F(ShareWindowTest, ShowsWhatTheMouseCouldPress) {
     QTest::mouseMove(&shareWindow_, QPoint(600, 300));
     EXPECT_EQ(pixelOfAddButton(), before);
     EXPECT_NE(shareWindow_.cursor().shape(), Qt::PointingHandCursor);
+    // A window that opens under the mouse, which does not move.
+    QEnterEvent enter({140, 80}, {140, 80}, {140, 80});
+    QCoreApplication::sendEvent(&shareWindow_, &enter);
+    EXPECT_EQ(pixelOfAddButton(), pointed);
 }
 
 TEST_F(ShareWindowTest, DrawsARingAroundTheFocusAndOnlyThere) {
