@@ -182,9 +182,12 @@ void AttachmentIntake::save(const UIImage& image, std::int64_t index, const Comp
         return;
     }
     const SharedItem record = sharedItem(".jpg", std::nullopt);
-    const SaveObserver observer = observing(index, record);
-    const std::int64_t size = countOf(jpeg->bytes());
-    observer.copied(size, size);
+    SaveObserver observer = observing(index, record);
+    // The largest are half a gigabyte, of which only what is being written need be in this process's memory.
+    observer.copied = [tellCopied = observer.copied, jpeg = *jpeg](std::int64_t bytes, std::int64_t size) {
+        jpeg.release(static_cast<std::size_t>(bytes));
+        tellCopied(bytes, size);
+    };
     SharedItemManager::saveItem(record, jpeg->bytes(), advancing(index, completion), observer);
 }
 

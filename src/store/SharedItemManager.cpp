@@ -97,7 +97,12 @@ void SharedItemManager::saveItem(const SharedItem& item, DataView data, const Co
     const std::optional<Destination> destination = destinationOf(item, completion, observer);
     if (!destination)
         return;
-    if (const ErrorRef error = FileManager::defaultManager().writeAtomically(data, destination->file)) {
+    const auto size = static_cast<std::int64_t>(data.size());
+    const auto written = [&](std::size_t bytes) {
+        observer.tellCopied(static_cast<std::int64_t>(bytes), size);
+    };
+    if (const ErrorRef error =
+            FileManager::defaultManager().writeAtomically(data, destination->file, written)) {
         observer.tellEnd(SaveEnd::Kind::failed, error);
         report(completion, error);
         return;

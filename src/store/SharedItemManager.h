@@ -40,7 +40,7 @@ public:
                          const SaveObserver& observer = {});
 
     /// Saves `data` under `item.fileName`, entirely on the calling thread: `completion` is called before the
-    /// return, in the cases of the other form, or with the write error.
+    /// return, in the cases of the other form, or with the write error. `observer` gets the same.
     static void saveItem(const SharedItem& item, DataView data, const Completion& completion,
                          const SaveObserver& observer = {});
 

@@ -10,7 +10,7 @@ import subprocess
 import time
 import unittest
 
-from harness import BIN, FAST_CLOCK, HomeTest
+from harness import BIN, FAST_CLOCK, ROOT, HomeTest
 
 LONG = os.environ.get("SELA_LOAD") == "long"
 ATTACHMENTS = 5000 if LONG else 200
@@ -26,9 +26,9 @@ class Load(HomeTest):
         self.provision()
         self.environment |= {"LD_PRELOAD": str(FAST_CLOCK), "SELA_CLOCK_SPEED": "20"}
 
-    def run_measured(self, program, *arguments):
+    def run_measured(self, program, *arguments, stdin=subprocess.DEVNULL):
         """Runs a program to its end, checks its status, and returns its peak memory in MiB. Its output goes nowhere."""
-        process = subprocess.Popen([BIN / program, *map(os.fsencode, arguments)], env=self.environment,
+        process = subprocess.Popen([BIN / program, *map(os.fsencode, arguments)], env=self.environment, stdin=stdin,
                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         begin = time.monotonic()
         peak = 0
@@ -65,6 +65,13 @@ class Load(HomeTest):
         self.vault("import", "--into", self.home / "into")
         placed = {path.name: path.read_bytes() for path in (self.home / "into/vault/Default Album").iterdir()}
         self.assertEqual(placed, contents)
+
+    def test_a_huge_picture_without_a_file(self):
+        with open(ROOT / "build/samples/stripes.png", "rb") as picture:
+            peak = self.run_measured("sela-share", "--headless", "--tap-now", "addButton", "-", stdin=picture)
+        self.assertLess(peak, 48)
+        [entry] = self.ledger().values()
+        self.assertGreater((self.items / entry["fileName"]).stat().st_size, 24 * 2**20)
 
     def test_a_huge_catalogue(self):
         albums = [{"namePath": [f"Album {i // 10}"] + ([f"Child {i}"] if i % 10 else []), "fake": False}

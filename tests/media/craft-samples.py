@@ -1,5 +1,6 @@
 """Makes the samples that no tool can make: see make-samples, which runs this in their folder."""
 
+import random
 import struct
 import sys
 import zlib
@@ -315,6 +316,22 @@ def png(width, height, depth, colours, interlaced, *chunks):
     return b"\x89PNG\r\n\x1a\n" + png_chunk(b"IHDR", head) + b"".join(chunks)
 
 
+def perceptual_pngs():
+    """White paper and a grey card by the signals of PQ (16) and HLG (18)."""
+    for name, transfer, paper in (("perceptual", 16, 0.58), ("hybrid", 18, 0.75)):
+        row = b"\0" + struct.pack(">HHH", *[round(65535 * paper)] * 3) * 80 + struct.pack(">HHH", *[round(65535 * 0.38)] * 3) * 80
+        write(name + ".png", png(160, 120, 16, 2, 0, png_chunk(b"cICP", bytes([9, transfer, 0, 1])),
+                                 png_chunk(b"IDAT", zlib.compress(row * 120)), png_chunk(b"IEND", b"")))
+
+
+def stripes():
+    """A picture of 90 megapixels, all rows alike, whose JPEG is large."""
+    row = zlib.compressobj(1)
+    data = row.compress(b"\0" + random.Random(1).randbytes(3 * 10_000))
+    data += b"".join(row.compress(b"\2" + bytes(3 * 10_000)) for _ in range(8_999)) + row.flush()
+    write("stripes.png", png(10_000, 9_000, 8, 2, 0, png_chunk(b"IDAT", data), png_chunk(b"IEND", b"")))
+
+
 def jpeg_head(width, height, start_of_frame):
     return bytes([0xFF, start_of_frame]) + struct.pack(">HBHHB", 17, 8, height, width, 3) + \
         b"\1\x22\0\2\x11\0\3\x11\0"
@@ -451,6 +468,8 @@ def pictures():
     bitmaps()
     picts()
     cut_pictures()
+    perceptual_pngs()
+    stripes()
     picture_bombs()
 
 

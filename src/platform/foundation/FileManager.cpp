@@ -50,6 +50,21 @@ ErrorRef reserve(int descriptor, std::int64_t size, const std::string& path) {
     return result == -EOPNOTSUPP || result == -ENOSYS ? nullptr : errorOf(result, path);
 }
 
+/// Writes all bytes, and tells after each block how many there are.
+ErrorRef writeBlocks(int descriptor, DataView bytes, const std::string& path,
+                     const std::function<void(std::size_t)>& written) {
+    constexpr std::size_t blockSize = 2 << 20;
+    for (std::size_t offset = 0; offset < bytes.size();) {
+        const DataView block = bytes.subspan(offset, std::min(blockSize, bytes.size() - offset));
+        if (ErrorRef error = writeFully(descriptor, block, static_cast<std::int64_t>(offset), path))
+            return error;
+        offset += block.size();
+        if (written)
+            written(offset);
+    }
+    return nullptr;
+}
+
 /// Makes one folder; the error when there is none afterwards.
 int makeFolder(const std::string& path) {
     const int made = Disk::inUse().mkdir(path, 0700);
@@ -221,7 +236,8 @@ Result<OutputStream> FileManager::outputStream(const URL& destination, std::int6
     return OutputStream(std::move(descriptor), destination.path());
 }
 
-ErrorRef FileManager::writeAtomically(DataView bytes, const URL& destination) {
+ErrorRef FileManager::writeAtomically(DataView bytes, const URL& destination,
+                                      const std::function<void(std::size_t)>& written) {
     const std::string folder = folderOf(destination.path());
     // The time makes the names of one process unique, and its id those of several.
     const std::string temporary = folder + "/.sela-" + std::to_string(::getpid()) + "-" + uniqueTimeText();
@@ -229,7 +245,7 @@ ErrorRef FileManager::writeAtomically(DataView bytes, const URL& destination) {
         Disk::inUse().open(temporary, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600));
     if (!descriptor.isOpen())
         return NSError::posix(-descriptor.get(), destination.path());
-    ErrorRef error = writeFully(descriptor.get(), bytes, 0, destination.path());
+    ErrorRef error = writeBlocks(descriptor.get(), bytes, destination.path(), written);
     if (!error)
         error = errorOf(Disk::inUse().fsync(descriptor.get()), destination.path());
     if (!error)

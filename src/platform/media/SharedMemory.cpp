@@ -1,5 +1,6 @@
 #include "platform/media/SharedMemory.h"
 
+#include <algorithm>
 #include <fcntl.h>
 #include <sys/mman.h>
 
@@ -36,6 +37,11 @@ SharedMemory& SharedMemory::operator=(SharedMemory&& other) noexcept {
 SharedMemory::~SharedMemory() {
     if (!bytes_.empty())
         ::munmap(bytes_.data(), bytes_.size());
+}
+
+void SharedMemory::release(std::size_t count) const {
+    // Advice on shared memory touches the mapping alone; when it is not taken, the pages stay.
+    ::madvise(bytes_.data(), std::min(count, bytes_.size()), MADV_DONTNEED);
 }
 
 std::optional<PixelBuffer> SharedMemory::copy(std::uint32_t width, std::uint32_t height) const {

@@ -27,6 +27,10 @@ public:
     int descriptor() const { return descriptor_.get(); }
     std::span<std::uint8_t> bytes() const { return bytes_; }
 
+    /// Takes whole pages of the first `count` bytes out of this process's resident memory. They keep their
+    /// content, and come back when they are used again.
+    void release(std::size_t count) const;
+
     /// A copy of the first 4 * width * height bytes; absent when the memory is smaller.
     std::optional<PixelBuffer> copy(std::uint32_t width, std::uint32_t height) const;
 

@@ -44,11 +44,17 @@ std::optional<EncodedImage> encoded(const std::string& path, MediaRequest reques
     const auto answer = MediaServiceClient::shared().perform(path, request);
     if (!answer)
         return std::nullopt;
-    const auto& file = answer.value().file;
-    return EncodedImage(file, std::as_bytes(file->bytes()).first(answer.value().response.fileSize));
+    return EncodedImage(answer.value().file, answer.value().response.fileSize);
 }
 
 } // namespace
+
+EncodedImage::EncodedImage(std::shared_ptr<const SharedMemory> memory, std::size_t size)
+    : memory_(std::move(memory)), bytes_(std::as_bytes(memory_->bytes()).first(size)) {}
+
+void EncodedImage::release(std::size_t count) const {
+    memory_->release(count);
+}
 
 std::optional<UIImage> UIImage::named(std::string_view name) {
     const auto asset = AssetCatalogue::image(name);

@@ -13,6 +13,8 @@
 
 namespace sela {
 
+class SharedMemory;
+
 /// Pixels of a picture: rows from the top, `4 * width` bytes each, every pixel red, green, blue, alpha with
 /// the colours premultiplied by alpha, in sRGB.
 struct PixelBuffer {
@@ -21,17 +23,20 @@ struct PixelBuffer {
     std::vector<std::uint8_t> bytes;
 };
 
-/// A file's content. An immutable value that is cheap to copy.
+/// A file's content, in memory that a helper wrote. An immutable value that is cheap to copy.
 class EncodedImage {
 public:
-    /// Bytes that are valid as long as `owner`.
-    EncodedImage(std::shared_ptr<const void> owner, DataView bytes)
-        : owner_(std::move(owner)), bytes_(bytes) {}
+    /// The first `size` bytes of `memory`, which has as many.
+    EncodedImage(std::shared_ptr<const SharedMemory> memory, std::size_t size);
 
+    /// Valid as long as this or a copy of it. Those that are read are resident in this process.
     DataView bytes() const { return bytes_; }
 
+    /// Says that the first `count` bytes will hardly be read again, so that they need not stay resident.
+    void release(std::size_t count) const;
+
 private:
-    std::shared_ptr<const void> owner_;
+    std::shared_ptr<const SharedMemory> memory_;
     DataView bytes_;
 };
 
