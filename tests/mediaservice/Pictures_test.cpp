@@ -132,10 +132,14 @@ TEST(Pictures, OfADNGAreItsSmallestPreviewThatIsLargeEnough) {
     EXPECT_EQ(quarters(*image->pixels()), "rgbw");
 }
 
-TEST(Pictures, OfAHighDynamicRangeShowPaperAsNearlyWhite) {
-    const auto image = UIImage::contentsOfFile(sample("perceptual.heic"), 40);
-    ASSERT_TRUE(image);
-    EXPECT_NEAR(pixelAt(*image->pixels(), 0.5, 0.5) >> 24, 225, 8); // stored as 148
+TEST(Pictures, OfAHighDynamicRangeShowPaperAsNearlyWhiteAndGreyAsGrey) {
+    for (const char* name : {"perceptual.heic", "perceptual.png", "hybrid.png"}) {
+        const auto image = UIImage::contentsOfFile(sample(name), 40);
+        ASSERT_TRUE(image) << name;
+        for (const auto& [x, level] : {std::pair(0.25, 225), std::pair(0.75, 100)})
+            for (const int shift : {24, 16, 8})
+                EXPECT_NEAR(pixelAt(*image->pixels(), x, 0.5) >> shift & 0xFF, level, 8) << name;
+    }
 }
 
 TEST(Pictures, OfInksLookAsPrinted) {

@@ -209,10 +209,7 @@ PixelConversion conversion(const heif_color_profile_nclx* coding, const Data& pr
         };
     return [=, mapping = ToneMapping(*hdr)](std::span<std::uint8_t> pixels) {
         convertYCbCr(pixels, matrix, fullRange);
-        std::vector<std::uint16_t> signals(pixels.size());
-        std::ranges::transform(pixels, signals.begin(),
-                               [](std::uint8_t value) { return static_cast<std::uint16_t>(value * 257); });
-        mapping.convert(signals, pixels);
+        mapping.convert(pixels);
     };
 }
 

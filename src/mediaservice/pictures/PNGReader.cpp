@@ -3,8 +3,13 @@
 #include "mediaservice/pictures/ColourProfile.h"
 #include "mediaservice/pictures/EXIF.h"
 #include "mediaservice/pictures/Premultiplication.h"
+#include "mediaservice/pictures/ToneMapping.h"
 
+#include <algorithm>
+#include <cstring>
 #include <memory>
+#include <optional>
+#include <span>
 #include <vector>
 
 #include <png.h>
@@ -19,6 +24,11 @@ constexpr png_uint_32 mostChunks = 1000;
 
 constexpr std::size_t chunkNameSize = 5; // with the null behind it
 constexpr png_byte unreadChunks[] = "tEXt\0zTXt\0iTXt\0sPLT\0hIST\0pCAL\0sCAL";
+
+// The chunk of coding-independent code points: primaries, transfer, matrix and whether the range is full.
+// Older versions of the library do not know it.
+constexpr png_byte codePointsChunk[] = "cICP";
+constexpr std::size_t codePointsSize = 4;
 
 /// libpng on an input file. Its errors come back by longjmp, so the functions that call it keep nothing on
 /// the stack that needs a destructor.
@@ -39,6 +49,9 @@ public:
     bool isGray() const { return gray_; }
     Data profile();
     Orientation orientation();
+
+    /// The colours of a picture with a high dynamic range; absent for others.
+    std::optional<HDRColours> hdrColours();
 
 private:
     [[noreturn]] static void fail(png_structp png, png_const_charp) { png_longjmp(png, 1); }
@@ -72,6 +85,7 @@ bool Decompressor::readHeader() {
     // Text chunks can expand a thousandfold when unpacked, and are not used.
     png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, unreadChunks,
                                 sizeof unreadChunks / chunkNameSize);
+    png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_ALWAYS, codePointsChunk, 1);
     png_set_user_limits(png_, largestSourceSide, largestSourceSide);
     png_set_chunk_malloc_max(png_, largestChunk);
     png_set_chunk_cache_max(png_, mostChunks);
@@ -138,6 +152,26 @@ Orientation Decompressor::orientation() {
     return orientationOfEXIF({reinterpret_cast<const std::byte*>(bytes), size});
 }
 
+std::optional<HDRColours> Decompressor::hdrColours() {
+    png_unknown_chunkp chunks = nullptr;
+    const int count = png_get_unknown_chunks(png_, info_, &chunks);
+    for (const png_unknown_chunk& chunk : std::span(chunks, static_cast<std::size_t>(std::max(count, 0)))) {
+        const bool found = std::memcmp(chunk.name, codePointsChunk, sizeof codePointsChunk) == 0;
+        if (found && chunk.size == codePointsSize)
+            return HDRColours::of(chunk.data[1], chunk.data[0]);
+    }
+    return std::nullopt;
+}
+
+/// A picture's colours of a high dynamic range, premultiplied, to sRGB.
+PixelConversion conversionFrom(const HDRColours& colours) {
+    return [mapping = ToneMapping(colours)](std::span<std::uint8_t> pixels) {
+        unpremultiply(pixels);
+        mapping.convert(pixels);
+        premultiply(pixels);
+    };
+}
+
 } // namespace
 
 bool readPNG(const InputFile& file, PictureTarget& target) {
@@ -145,8 +179,10 @@ bool readPNG(const InputFile& file, PictureTarget& target) {
     if (!decompressor.readHeader())
         return false;
     const PixelColours colours = decompressor.isGray() ? PixelColours::gray : PixelColours::rgb;
+    // The code points take precedence over a profile.
+    const std::optional<HDRColours> hdr = decompressor.hdrColours();
     target.begin({decompressor.size(), decompressor.size(), decompressor.orientation(),
-                  conversionToSRGB(colours, decompressor.profile())});
+                  hdr ? conversionFrom(*hdr) : conversionToSRGB(colours, decompressor.profile())});
     return decompressor.readRows(target);
 }
 

@@ -157,4 +157,15 @@ void ToneMapping::convert(std::span<const std::uint16_t> from, std::span<std::ui
     }
 }
 
+void ToneMapping::convert(std::span<std::uint8_t> pixels) const {
+    constexpr int wider = 257; // from 255 to 65,535
+    for (std::size_t i = 0; i + 4 <= pixels.size(); i += 4) {
+        std::array<std::uint16_t, 3> signals{};
+        std::transform(pixels.begin() + static_cast<std::ptrdiff_t>(i),
+                       pixels.begin() + static_cast<std::ptrdiff_t>(i + 3), signals.begin(),
+                       [](std::uint8_t value) { return static_cast<std::uint16_t>(value * wider); });
+        tables_->convert(signals.data(), pixels.data() + i);
+    }
+}
+
 } // namespace sela

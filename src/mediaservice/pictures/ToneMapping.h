@@ -31,6 +31,9 @@ public:
     /// each.
     void convert(std::span<const std::uint16_t> from, std::span<std::uint8_t> to) const;
 
+    /// The same for pixels of 8 bits a value, in place.
+    void convert(std::span<std::uint8_t> pixels) const;
+
 private:
     struct Tables;
 
