@@ -7,7 +7,8 @@
 
 namespace {
 
-// The most memory that a picture may need: 144 megapixels of HEVC take about 900 MB.
+// The most memory that a picture may need: 200 megapixels of HEVC, or 100 of more than 8 bits,
+// take about 900 MB.
 constexpr sela::Sandbox::Limits limits{.addressSpace = std::uint64_t{1536} << 20, .cpuSeconds = 120};
 
 sela::MediaOutcome decode(const sela::MediaRequest& request, const sela::InputFile& file) {

@@ -18,10 +18,14 @@ namespace sela {
 
 namespace {
 
-// The most pixels that are decoded: with more, a picture does not fit into the memory that a helper gets. The
-// library's own limit is the side of a square; beyond it, it refuses the whole file, thumbnails included, so
-// it is set to that of the largest picture that is opened.
+// The most pixels that are decoded: with more, a picture may not fit into the memory that a helper gets (one
+// of 8 bits takes 4.5 bytes a pixel, a deeper one twice as much). The largest sensors of phones have 200
+// megapixels, which take longer than anybody should wait where a thumbnail serves.
 constexpr std::int64_t mostDecodedPixels = std::int64_t{144} * 1000 * 1000;
+constexpr std::int64_t mostPlainPixels = std::int64_t{200} * 1000 * 1000; ///< 8 bits, opaque, no thumbnail
+
+// The library's own limit is the side of a square; beyond it, it refuses the whole file, thumbnails included,
+// so it is set to that of the largest picture that is opened.
 constexpr int libraryLimitSide = 22627;
 constexpr int decodingThreads = 2;
 constexpr int mostThumbnails = 16;
@@ -181,6 +185,7 @@ struct Destination {
     PictureTarget& target;
     Data profile;                          ///< of the image
     std::optional<PictureSize> onlyOfSize; ///< an image that turns out to have another size is not passed on
+    bool nothingElseServes = false;        ///< whether there is no thumbnail to take instead
 };
 
 Data profileOf(const Handle& handle) {
@@ -270,13 +275,15 @@ bool readInterleaved(const Handle& handle, const Destination& destination) {
 
 /// False when it cannot be decoded or is too large.
 bool readImage(const Handle& handle, const Destination& destination) {
-    const PictureSize size = sizeOf(handle);
-    if (std::int64_t{size.width} * size.height > mostDecodedPixels)
-        return false;
     constexpr auto identityMatrix = heif_matrix_coefficients_RGB_GBR;
     const ColourCoding coding = colourCoding(handle, nullptr);
     const bool rare = heif_image_handle_has_alpha_channel(handle.get()) ||
                       (coding && coding->matrix_coefficients == identityMatrix);
+    const bool plain = !rare && heif_image_handle_get_luma_bits_per_pixel(handle.get()) == 8;
+    const PictureSize size = sizeOf(handle);
+    if (std::int64_t{size.width} * size.height >
+        (plain && destination.nothingElseServes ? mostPlainPixels : mostDecodedPixels))
+        return false;
     return (!rare && readPlanes(handle, destination)) || readInterleaved(handle, destination);
 }
 
@@ -310,7 +317,7 @@ bool readHEIF(const InputFile& file, PictureTarget& target) {
         if (longerSide(thumbnail) >= std::max(wanted.width, wanted.height) &&
             readThumbnail(thumbnail, main, target))
             return true;
-    if (readImage(main, {target, profileOf(main), std::nullopt}))
+    if (readImage(main, {target, profileOf(main), std::nullopt, thumbnails.empty()}))
         return true;
     // A blurred picture is better than none.
     return std::any_of(thumbnails.rbegin(), thumbnails.rend(),
