@@ -1,5 +1,6 @@
 #include "host/SaveReport.h"
 
+#include "host/LocalizedReason.h"
 #include "platform/foundation/Bundle.h"
 #include "platform/uikit/NSAttributedString.h"
 
@@ -103,7 +104,7 @@ std::string SaveReport::summary() const {
     for (const AttachmentOutcome& outcome : run.outcomes)
         if (outcome.kind == Kind::failed)
             reasons.push_back((outcome.name.empty() ? "" : outcome.name + ": ") +
-                              Bundle::main().localizedString(outcome.reason->localizedFailureReason()));
+                              localizedReason(*outcome.reason));
     reasons.resize(std::min(reasons.size(), mostReasons));
     for (const std::string& reason : reasons)
         text += "\n" + reason;

@@ -1,7 +1,7 @@
 #include "host/ShareRequest.h"
 
+#include "host/LocalizedReason.h"
 #include "platform/extension/TypeIdentifier.h"
-#include "platform/foundation/Bundle.h"
 #include "platform/foundation/FileManager.h"
 #include "store/FileKind.h"
 #include "store/ShareExtensionError.h"
@@ -110,8 +110,7 @@ Result<std::shared_ptr<NSItemProvider>> pictureIn(FileDescriptor file) {
 
 std::string LeftOut::localizedDescription() const {
     const std::optional<URL> file = fileURLOf(name);
-    return (file ? file->lastPathComponent() : name) + ": " +
-           Bundle::main().localizedString(reason->localizedFailureReason());
+    return (file ? file->lastPathComponent() : name) + ": " + localizedReason(*reason);
 }
 
 void Attachments::addFile(const std::string& argument) {

@@ -1,4 +1,4 @@
-"""Every string table: complete, and its texts with the same placeholders as the English ones."""
+"""Every string table: complete, and its texts with the same placeholders as the English ones. The terminal is English."""
 
 import errno
 import gettext
@@ -6,7 +6,7 @@ import os
 import re
 import unittest
 
-from harness import BIN, ROOT
+from harness import BIN, ROOT, HomeTest
 
 TABLES = {path.parts[-3]: gettext.GNUTranslations(path.open("rb"))._catalog
           for path in (BIN.parent / "share/locale").glob("*/LC_MESSAGES/sela-share.mo")}
@@ -45,3 +45,11 @@ class Tables(unittest.TestCase):
                 self.assertEqual(text.count("\u2068"), text.count("\u2069"), (language, key))
                 if language != "en":
                     self.assertNotEqual(text, ENGLISH[key], (language, key))
+
+
+class Terminal(HomeTest):
+    @unittest.skipUnless(gettext.find("libc", "/usr/share/locale", ["de"]), "needs the C library's German texts")
+    def test_a_terminal_is_told_in_english(self):
+        told = self.share("missing.jpg", expect=64, environment={"LANGUAGE": "de"}).stderr
+        self.assertIn("missing.jpg", told)
+        self.assertIn("No such file or directory", told)

@@ -1,17 +1,22 @@
 #include "platform/foundation/Error.h"
 
-#include <system_error>
+#include <cstring>
 
 namespace sela {
 
+std::string systemErrorText(int code) {
+    const char* const text = ::strerrordesc_np(code);
+    return text ? text : "Unknown error " + std::to_string(code);
+}
+
 ErrorRef NSError::posix(int code, std::string_view what) {
     std::string description(what);
-    description += ": " + std::generic_category().message(code);
+    description += ": " + systemErrorText(code);
     return std::make_shared<NSError>(NSPOSIXErrorDomain, code, std::move(description));
 }
 
 std::string NSError::localizedFailureReason() const {
-    return domain_ == NSPOSIXErrorDomain ? std::generic_category().message(code_) : description_;
+    return domain_ == NSPOSIXErrorDomain ? systemErrorText(code_) : description_;
 }
 
 } // namespace sela

@@ -37,6 +37,9 @@ inline constexpr int NSUserCancelledError = 3072;
 inline constexpr int NSCoderReadCorruptError = 4864;
 inline constexpr int NSCoderInvalidValueError = 4866;
 
+/// The system's text for an errno, in English whatever the locale, as all that programs print. Any thread.
+std::string systemErrorText(int code);
+
 /// An error of the platform: a domain, a code of that domain, and a description.
 class NSError : public Error {
 public:

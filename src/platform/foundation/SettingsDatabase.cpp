@@ -369,7 +369,7 @@ ErrorRef SettingsDatabase::failure(std::string_view what) {
     const int code = sqlite3_errcode(connection_);
     std::string description = path_ + ": " + std::string(what) + ": " + sqlite3_errmsg(connection_);
     if (const int reason = sqlite3_system_errno(connection_); reason != 0 && code != SQLITE_FULL)
-        description += " (" + std::generic_category().message(reason) + ")";
+        description += " (" + systemErrorText(reason) + ")";
     return std::make_shared<NSError>(sqliteErrorDomain, code, std::move(description));
 }
 
