@@ -24,22 +24,29 @@ std::vector<float> kernel(double deviation) {
 }
 
 /// Blurs along the rows of a `width` by `height` block and stores the result with rows and columns swapped,
-/// so that two calls blur both ways.
+/// so that two calls blur both ways. Most rows of a rectangle are the same, and are blurred once.
 std::vector<float> blurRowsTransposed(const std::vector<float>& block, int width, int height,
                                       const std::vector<float>& weights) {
     const int radius = static_cast<int>(weights.size()) - 1;
     std::vector<float> result(block.size());
     std::vector<float> padded(static_cast<std::size_t>(width + 2 * radius));
+    std::vector<float> blurred(static_cast<std::size_t>(width));
     for (int y = 0; y < height; ++y) {
-        std::copy_n(block.begin() + std::ptrdiff_t{y} * width, width, padded.begin() + radius);
-        for (int x = 0; x < width; ++x) {
-            const float* const middle = padded.data() + x + radius;
-            float value = weights[0] * *middle;
-            for (int distance = 1; distance <= radius; ++distance)
-                value += weights[static_cast<std::size_t>(distance)] * (middle[-distance] + middle[distance]);
-            result[static_cast<std::size_t>(x) * static_cast<std::size_t>(height) +
-                   static_cast<std::size_t>(y)] = value;
+        const auto row = block.begin() + std::ptrdiff_t{y} * width;
+        if (y == 0 || !std::equal(row, row + width, row - width)) {
+            std::copy_n(row, width, padded.begin() + radius);
+            for (int x = 0; x < width; ++x) {
+                const float* const middle = padded.data() + x + radius;
+                float value = weights[0] * *middle;
+                for (int distance = 1; distance <= radius; ++distance)
+                    value +=
+                        weights[static_cast<std::size_t>(distance)] * (middle[-distance] + middle[distance]);
+                blurred[static_cast<std::size_t>(x)] = value;
+            }
         }
+        for (int x = 0; x < width; ++x)
+            result[static_cast<std::size_t>(x) * static_cast<std::size_t>(height) +
+                   static_cast<std::size_t>(y)] = blurred[static_cast<std::size_t>(x)];
     }
     return result;
 }

@@ -1,5 +1,7 @@
 #include "host/ViewPainter.h"
 
+#include "host/CoveredPixels.h"
+#include "host/PixelGrid.h"
 #include "host/QtConversions.h"
 
 #include <QPainter>
@@ -22,42 +24,6 @@ void setHints(QPainter& painter) {
                            QPainter::SmoothPixmapTransform);
 }
 
-QPainterPath roundedPath(const CGRect& rect, double radius) {
-    const double largest = std::min(rect.size.width, rect.size.height) / 2;
-    const double shown = std::clamp(radius, 0.0, std::max(largest, 0.0));
-    QPainterPath path;
-    path.addRoundedRect(toQt(rect), shown, shown);
-    return path;
-}
-
-/// Whether the transform keeps rectangles axis-aligned.
-bool isUpright(const QTransform& transform) {
-    return transform.m12() == 0 && transform.m21() == 0;
-}
-
-/// Whether a point of the view is the usual number of pixels in each direction, so that its edges can be
-/// snapped to whole pixels without distortion.
-bool isAtScale(const QTransform& transform, double pixelsPerPoint) {
-    constexpr double tolerance = 1e-6;
-    return isUpright(transform) && std::abs(transform.m11() - pixelsPerPoint) < tolerance &&
-           std::abs(transform.m22() - pixelsPerPoint) < tolerance;
-}
-
-QRectF withEdgesOnPixels(const QRectF& rect) {
-    const QPointF begin = rect.topLeft().toPoint();
-    return {begin, QPointF(rect.bottomRight().toPoint())};
-}
-
-/// A rounded rectangle in pixels; its edges lie on whole pixels unless it is scaled or rotated, so that they
-/// are sharp.
-QPainterPath devicePath(const QTransform& transform, const CGRect& rect, double radius,
-                        double pixelsPerPoint) {
-    if (!isAtScale(transform, pixelsPerPoint))
-        return transform.map(roundedPath(rect, radius));
-    const QRectF pixels = withEdgesOnPixels(transform.mapRect(toQt(rect)));
-    return roundedPath({pixels.x(), pixels.y(), pixels.width(), pixels.height()}, radius * pixelsPerPoint);
-}
-
 void fillDevicePath(QPainter& painter, const QPainterPath& path, const QColor& color) {
     const QTransform transform = painter.worldTransform();
     painter.resetTransform();
@@ -65,34 +31,25 @@ void fillDevicePath(QPainter& painter, const QPainterPath& path, const QColor& c
     painter.setWorldTransform(transform);
 }
 
-/// Fills only whole pixels when the rectangle is axis-aligned, so that edges between pixels are rounded as
-/// those of the views around it. A line thinner than a pixel is one pixel thick.
-void fillBounds(QPainter& painter, const CGRect& bounds, const QColor& color) {
+/// The whole pixels that a view's background fills, so that edges between pixels are rounded as those of the
+/// views around it. A line thinner than a pixel is one pixel thick. Only for upright views.
+QRect pixelsBelow(const QPainter& painter, const CGRect& bounds) {
     if (bounds.isEmpty())
-        return;
+        return {};
+    const QRect pixels = PixelGrid::withEdgesOnPixels(painter.worldTransform().mapRect(toQt(bounds)));
+    return {pixels.topLeft(), pixels.size().expandedTo({1, 1})};
+}
+
+void fillPixels(QPainter& painter, const QRegion& pixels, const QColor& color) {
     const QTransform transform = painter.worldTransform();
-    if (!isUpright(transform)) {
-        painter.fillRect(toQt(bounds), color);
-        return;
-    }
-    const QRectF exact = transform.mapRect(toQt(bounds));
-    const QPoint begin = exact.topLeft().toPoint();
-    const QPoint end = exact.bottomRight().toPoint();
-    const QSize size(std::max(1, end.x() - begin.x()), std::max(1, end.y() - begin.y()));
     painter.resetTransform();
-    painter.fillRect(QRect(begin, size), color);
+    for (const QRect& rect : pixels)
+        painter.fillRect(rect, color);
     painter.setWorldTransform(transform);
 }
 
 QRect deviceRect(const QPainter& painter) {
     return {0, 0, painter.device()->width(), painter.device()->height()};
-}
-
-void fillEverything(QPainter& painter, const QColor& color) {
-    const QTransform transform = painter.worldTransform();
-    painter.resetTransform();
-    painter.fillRect(deviceRect(painter), color);
-    painter.setWorldTransform(transform);
 }
 
 /// The pixels that are drawn to.
@@ -134,12 +91,16 @@ void ViewPainter::paintView(QPainter& painter, const UIView& view) {
     const bool isOutside = masks && !pixelsOf(painter, shown.bounds).intersects(drawnPixels(painter));
     if (paintsCaster_ && ShadowCache::coversItsBounds(view, screen_.traits)) {
         painter.setOpacity(painter.opacity() * shown.alpha);
-        paintBackground(painter, view, true);
+        paintBackground(painter, view, drawnPixels(painter), true);
     } else if (!isOutside) {
         const bool needsShape =
-            masks && (view.layer().cornerRadius() > 0 || !isUpright(painter.worldTransform()));
+            masks && (view.layer().cornerRadius() > 0 || !PixelGrid::isUpright(painter.worldTransform()));
         const bool needsOneOpacity = shown.alpha < 1 && !view.subviews().empty();
-        if (needsShape || needsOneOpacity) {
+        const bool isOpaque = shown.alpha >= 1 && painter.opacity() >= 1;
+        if (needsShape && isOpaque &&
+            PixelGrid::isAtScale(painter.worldTransform(), screen_.pixelsPerPoint)) {
+            paintRounded(painter, view);
+        } else if (needsShape || needsOneOpacity) {
             if (!masks)
                 paintShadow(painter, view);
             paintGroup(painter, view, shown.alpha, masks);
@@ -178,8 +139,8 @@ void ViewPainter::paintGroup(QPainter& painter, const UIView& view, double opaci
         if (masks) {
             QPainterPath outside;
             outside.addRect(QRectF(group.rect()).adjusted(-1, -1, 1, 1));
-            outside.addPath(devicePath(inside.worldTransform(), bounds, view.layer().cornerRadius(),
-                                       screen_.pixelsPerPoint));
+            outside.addPath(PixelGrid::roundedPath(inside.worldTransform(), bounds,
+                                                   view.layer().cornerRadius(), screen_.pixelsPerPoint));
             inside.resetTransform();
             inside.setCompositionMode(QPainter::CompositionMode_DestinationOut);
             inside.fillPath(outside, Qt::black);
@@ -190,27 +151,92 @@ void ViewPainter::paintGroup(QPainter& painter, const UIView& view, double opaci
     painter.drawImage(place.topLeft() + drawn.topLeft(), group, drawn);
 }
 
+/// Draws the view onto the target itself, and gives the pixels outside of its corners back what they showed:
+/// the same picture as of `paintGroup`, without a second one that is filled and composited.
+void ViewPainter::paintRounded(QPainter& painter, const UIView& view) {
+    const QTransform transform = painter.worldTransform();
+    const QRect place = PixelGrid::withEdgesOnPixels(transform.mapRect(toQt(view.presentation().bounds)));
+    const QRect drawn = place & drawnPixels(painter);
+    if (drawn.isEmpty())
+        return;
+    struct Corner {
+        QPainterPath outside;
+        QRect pixels;
+        QImage before;
+    };
+    std::vector<Corner> corners;
+    for (QPainterPath& outside :
+         PixelGrid::outsideOfCorners(place, view.layer().cornerRadius() * screen_.pixelsPerPoint)) {
+        const QRect pixels = outside.boundingRect().toAlignedRect() & drawn;
+        if (!pixels.isEmpty())
+            corners.push_back(
+                {std::move(outside), pixels, static_cast<const QImage*>(painter.device())->copy(pixels)});
+    }
+    painter.resetTransform();
+    painter.setClipRect(drawn, Qt::IntersectClip);
+    painter.setWorldTransform(transform);
+    paintInside(painter, view, false);
+
+    painter.resetTransform();
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    for (const Corner& corner : corners) {
+        QBrush before(corner.before);
+        before.setTransform(QTransform::fromTranslate(corner.pixels.x(), corner.pixels.y()));
+        painter.fillPath(corner.outside, before);
+    }
+}
+
 void ViewPainter::paintInside(QPainter& painter, const UIView& view, bool roundsBackground) {
-    paintBackground(painter, view, roundsBackground);
-    std::visit([&](const auto& content) { paintContent(painter, view, content); }, view.content());
-    for (const UIView* const subview : view.subviews())
-        paintView(painter, *subview);
+    // What is covered is not drawn: a screen below one that slides over it, the display's dimming below the
+    // card.
+    const QRect drawn = drawnPixels(painter);
+    QRegion visible(drawn);
+    const std::vector<UIView*>& subviews = view.subviews();
+    std::vector<QRect> shown(subviews.size());
+    for (std::size_t i = subviews.size(); i-- > 0;) {
+        shown[i] = visible.boundingRect();
+        visible -=
+            coveredPixels(*subviews[i], painter.worldTransform(), screen_.pixelsPerPoint, screen_.traits);
+    }
+    if (!visible.isEmpty()) {
+        paintBackground(painter, view, visible, roundsBackground);
+        std::visit([&](const auto& content) { paintContent(painter, view, content); }, view.content());
+    }
+    for (std::size_t i = 0; i < subviews.size(); ++i) {
+        if (shown[i] == drawn)
+            paintView(painter, *subviews[i]);
+        else if (!shown[i].isEmpty())
+            paintWithin(painter, *subviews[i], shown[i]);
+    }
     paintBorder(painter, view);
 }
 
-void ViewPainter::paintBackground(QPainter& painter, const UIView& view, bool rounds) {
+/// Draws no other pixels than these.
+void ViewPainter::paintWithin(QPainter& painter, const UIView& view, const QRect& pixels) {
+    painter.save();
+    const QTransform transform = painter.worldTransform();
+    painter.resetTransform();
+    painter.setClipRect(pixels, Qt::IntersectClip);
+    painter.setWorldTransform(transform);
+    paintView(painter, view);
+    painter.restore();
+}
+
+void ViewPainter::paintBackground(QPainter& painter, const UIView& view, const QRegion& visible,
+                                  bool rounds) {
     const UIView::Presentation shown = view.presentation();
     if (!shown.backgroundColor)
         return;
-    if (!rounds)
-        fillEverything(painter, color(*shown.backgroundColor));
-    else if (view.layer().cornerRadius() > 0)
+    const QColor fill = color(*shown.backgroundColor);
+    if (rounds && view.layer().cornerRadius() > 0)
         fillDevicePath(painter,
-                       devicePath(painter.worldTransform(), shown.bounds, view.layer().cornerRadius(),
-                                  screen_.pixelsPerPoint),
-                       color(*shown.backgroundColor));
+                       PixelGrid::roundedPath(painter.worldTransform(), shown.bounds,
+                                              view.layer().cornerRadius(), screen_.pixelsPerPoint),
+                       fill);
+    else if (rounds && !PixelGrid::isUpright(painter.worldTransform()))
+        painter.fillRect(toQt(shown.bounds), fill);
     else
-        fillBounds(painter, shown.bounds, color(*shown.backgroundColor));
+        fillPixels(painter, rounds ? visible & pixelsBelow(painter, shown.bounds) : visible, fill);
 }
 
 void ViewPainter::paintShadow(QPainter& painter, const UIView& view) {
@@ -244,7 +270,7 @@ void ViewPainter::paintBorder(QPainter& painter, const UIView& view) {
         return;
     const CGRect bounds = view.presentation().bounds;
     const auto path = [&](const CGRect& rect, double radius) {
-        return devicePath(painter.worldTransform(), rect, radius, screen_.pixelsPerPoint);
+        return PixelGrid::roundedPath(painter.worldTransform(), rect, radius, screen_.pixelsPerPoint);
     };
     QPainterPath frame = path(bounds, view.layer().cornerRadius());
     const CGRect hole = bounds.insetBy(width, width);
@@ -282,7 +308,7 @@ void ViewPainter::paintContent(QPainter& painter, const UIView& view, const Imag
         const QImage rendered = images_.scaled(image, {0, 0, 1, 1}, size, tint);
         QRectF target(toQt(whole.origin), QSizeF(size) / scale);
         const QTransform transform = painter.worldTransform();
-        if (isUpright(transform) && transform.m11() == scale && transform.m22() == scale) {
+        if (PixelGrid::isUpright(transform) && transform.m11() == scale && transform.m22() == scale) {
             const QPointF corner = transform.map(target.topLeft()).toPoint();
             target.moveTopLeft(transform.inverted().map(corner));
         }
@@ -298,8 +324,8 @@ void ViewPainter::paintContent(QPainter& painter, const UIView& view, const Imag
     const QTransform transform = painter.worldTransform();
     QRectF target = toQt(visible);
     QSize size = (target.size() * scale).toSize().expandedTo({1, 1});
-    if (isAtScale(transform, scale)) {
-        const QRectF pixels = withEdgesOnPixels(transform.mapRect(target));
+    if (PixelGrid::isAtScale(transform, scale)) {
+        const QRectF pixels = PixelGrid::withEdgesOnPixels(transform.mapRect(target));
         size = pixels.size().toSize().expandedTo({1, 1});
         target = transform.inverted().mapRect(pixels);
     }

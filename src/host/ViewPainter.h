@@ -34,8 +34,10 @@ public:
 private:
     void paintView(QPainter& painter, const UIView& view);
     void paintGroup(QPainter& painter, const UIView& view, double opacity, bool masks);
+    void paintRounded(QPainter& painter, const UIView& view);
     void paintInside(QPainter& painter, const UIView& view, bool roundsBackground);
-    void paintBackground(QPainter& painter, const UIView& view, bool rounds);
+    void paintWithin(QPainter& painter, const UIView& view, const QRect& pixels);
+    void paintBackground(QPainter& painter, const UIView& view, const QRegion& visible, bool rounds);
     void paintShadow(QPainter& painter, const UIView& view);
     void paintBorder(QPainter& painter, const UIView& view);
     void paintContent(QPainter&, const UIView&, const std::monostate&) {}

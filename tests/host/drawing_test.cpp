@@ -118,6 +118,50 @@ TEST(ViewPainter, AShadowFadesWithTheDistanceFromWhatIsDrawn) {
     EXPECT_EQ(scene.pixel(30, 30), redPixel);
 }
 
+/// What an opaque view covers is not drawn, and nothing more.
+TEST(ViewPainter, DrawsWhatIsSeenAroundAndThroughAViewAbove) {
+    SmallScene scene;
+    scene.view.setFrame({0, 0, 60, 60});
+    scene.view.setBackgroundColor(red);
+    UIView above({-10, -10, 80, 80}), inside({0, 0, 80, 80});
+    scene.controller->view().addSubview(above);
+    above.addSubview(inside);
+    const QColor green(0, 255, 0), mixed(128, 127, 0);
+    const struct {
+        const char* what;
+        std::function<void()> change;
+        QColor middle, corner;
+    } steps[] = {
+        {"nothing", [] {}, redPixel, redPixel},
+        {"all", [&] { inside.setBackgroundColor(UIColor(0, 1, 0, 1)); }, green, green},
+        {"no rounded corners", [&] { inside.layer().setCornerRadius(40); }, green, redPixel},
+        {"none that are cut off",
+         [&] {
+             inside.layer().setCornerRadius(0);
+             above.layer().setCornerRadius(40);
+             above.setClipsToBounds(true);
+         },
+         green, redPixel},
+        {"less where it shrinks",
+         [&] {
+             above.layer().setCornerRadius(0);
+             above.setTransform(CGAffineTransform::scale(0.5, 0.5));
+         },
+         green, redPixel},
+        {"nothing where it fades",
+         [&] {
+             above.setTransform({});
+             inside.setAlpha(0.5);
+         },
+         mixed, mixed},
+    };
+    for (const auto& [what, change, middle, corner] : steps) {
+        change();
+        EXPECT_EQ(scene.pixel(30, 30).name(), middle.name()) << what;
+        EXPECT_EQ(scene.pixel(0, 0).name(), corner.name()) << what;
+    }
+}
+
 /// Changed areas are drawn piece by piece, so pieces must add up to the whole, and draw nothing around them.
 TEST(ViewPainter, DrawsPiecesThatAddUpToTheWhole) {
     SmallScene scene;
