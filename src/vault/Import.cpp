@@ -21,9 +21,13 @@ namespace {
 
 constexpr double dayInSeconds = 86'400;
 
-/// The limits of one batch: larger ones need fewer flushes, smaller ones less repeated work after a kill.
-constexpr std::size_t largestBatch = 256;
-constexpr std::int64_t largestBatchSize = 64 << 20;
+/// What makes a batch full: larger ones need fewer flushes, smaller ones less repeated work after a kill.
+constexpr std::size_t fullBatch = 256;
+constexpr std::int64_t fullBatchSize = 64 << 20;
+
+/// Each batch reads and stores all of the ledger. A long one is taken out in at most this many, so that the
+/// cost of an item does not grow with it.
+constexpr std::size_t mostFullBatches = 64;
 
 template<std::size_t count>
 bool isOneOf(const ErrorRef& error, const std::array<int, count>& codes) {
@@ -134,7 +138,9 @@ ErrorRef Import::importAll(std::vector<Entry> entries) {
                 options_.progress(std::min(++done, count), count);
             if (ErrorRef error = plan(entry, batch))
                 addProblem(entry.second, error);
-            if (batch.placements.size() < largestBatch && batch.bytes < largestBatchSize)
+            const std::size_t planned = batch.placements.size();
+            const bool isFull = planned >= fullBatch || batch.bytes >= fullBatchSize;
+            if (!isFull || planned < count / mostFullBatches)
                 continue;
             if (ErrorRef error = finish(std::exchange(batch, {}), again))
                 return error;
