@@ -75,7 +75,7 @@ std::string helpText(const OptionTable& table) {
     std::string page = "Usage: " + std::string(table.program) + " " + std::string(table.usage) + "\n\n";
     addWrapped(page, table.introduction, 0);
     if (!table.examples.empty())
-        page += "\n" + std::string(table.examples);
+        page += "\n" + table.examples;
     if (!table.commands.empty()) {
         page += "\nCommands:\n";
         std::vector<Row> rows;

@@ -54,12 +54,21 @@ struct OptionTable {
     std::string_view program;
     std::string_view usage;        ///< the arguments, as the usage line shows them
     std::string_view introduction; ///< what the program is for
-    std::string_view examples;     ///< lines of a terminal
+    std::string examples;          ///< lines of a terminal
     std::vector<Command> commands;
     std::vector<OptionGroup> groups;
     std::vector<ExitStatusText> statuses;
     Completion completion = Completion::nothing; ///< of the operands of a program without commands
 };
+
+/// From nothing to an import, as lines of a terminal, for the examples of both programs.
+inline constexpr std::string_view firstVault = R"(  sela-vault init
+  sela-vault passcode set
+  sela-vault album add Trips
+  sela-vault album add Trips/Rome --cover colosseum.jpg
+  sela-share photo.jpg
+  sela-vault import --into ~/Pictures/Vault
+)";
 
 /// What --help prints of a program: at most 80 columns wide.
 std::string helpText(const OptionTable& table);

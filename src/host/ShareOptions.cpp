@@ -21,7 +21,9 @@ OptionTable makeTable() {
     table.examples = R"(  sela-share photo.jpg video.mp4                     choose an album on the card
   sela-share --headless --tap addButton photo.jpg    the default album, no window
   convert plot.png jpg:- | sela-share -              a picture that a program makes
-)";
+
+From nothing to an import:
+)" + std::string(firstVault);
     table.completion = Completion::files;
     table.groups = {
         {"What to add", {{.name = "--paste", .help = "the files or the picture on the clipboard, too"}}},

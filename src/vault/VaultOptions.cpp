@@ -4,22 +4,13 @@ namespace sela {
 
 namespace {
 
-/// From an empty group to an import.
-constexpr std::string_view vaultExamples = R"(  sela-vault init
-  sela-vault passcode set
-  sela-vault album add Trips
-  sela-vault album add Trips/Rome --cover colosseum.jpg
-  sela-share photo.jpg
-  sela-vault import --into ~/Pictures/Vault
-)";
-
 OptionTable makeTable() {
     OptionTable table;
     table.program = "sela-vault";
     table.usage = "COMMAND [OPTION]...";
     table.introduction =
         "Looks after the vault that sela-share adds to: its passcodes and albums, and what was shared.";
-    table.examples = vaultExamples;
+    table.examples = firstVault;
     const Option decoy = {.name = "--decoy", .help = "of the decoy vault"};
     const Option force = {.name = "--force", .help = "also while files wait for it in the ledger"};
     table.commands = {

@@ -55,3 +55,12 @@ class Transcripts(unittest.TestCase):
                 with self.subTest(file.name):
                     difference = difflib.unified_diff(file.read_text().splitlines(), lines, lineterm="")
                     self.assertEqual("\n".join(difference), "")
+
+
+class Beginning(HomeTest):
+    def test_all_that_tells_how_to_begin_tells_the_same(self):
+        steps = re.search(r"    sela-vault init\n(?:    sela-.*\n){5}", (ROOT / "README.md").read_text())[0]
+        for program in "sela-share", "sela-vault":
+            manual = (BIN.parent / f"manuals/{program}.1").read_text().replace("\\-", "-")
+            for text in self.run_program(program, "--help").stdout, manual:
+                self.assertIn(steps.replace("    ", "  "), text)
