@@ -66,4 +66,12 @@ PixelConversion conversionToSRGB(PixelColours colours, const Data& profile) {
     };
 }
 
+PixelConversion conversionToSRGB(const HDRColours& colours) {
+    return [mapping = ToneMapping(colours)](std::span<std::uint8_t> pixels) {
+        unpremultiply(pixels);
+        mapping.convert(pixels);
+        premultiply(pixels);
+    };
+}
+
 } // namespace sela

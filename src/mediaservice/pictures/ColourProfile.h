@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mediaservice/pictures/PictureTarget.h"
+#include "mediaservice/pictures/ToneMapping.h"
 #include "platform/foundation/Data.h"
 
 namespace sela {
@@ -18,5 +19,8 @@ inline constexpr std::size_t largestProfile = 4 << 20;
 /// The conversion of pixels of those colours and that ICC profile to sRGB. A profile that is absent, broken
 /// or of another colour space counts as sRGB (for CMYK: as that of a common press, see `convertPressInks`).
 PixelConversion conversionToSRGB(PixelColours colours, const Data& profile);
+
+/// The conversion of red, green, blue, alpha of a high dynamic range, the colours premultiplied, to sRGB.
+PixelConversion conversionToSRGB(const HDRColours& colours);
 
 } // namespace sela

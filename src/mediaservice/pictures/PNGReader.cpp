@@ -3,7 +3,6 @@
 #include "mediaservice/pictures/ColourProfile.h"
 #include "mediaservice/pictures/EXIF.h"
 #include "mediaservice/pictures/Premultiplication.h"
-#include "mediaservice/pictures/ToneMapping.h"
 
 #include <algorithm>
 #include <cstring>
@@ -163,15 +162,6 @@ std::optional<HDRColours> Decompressor::hdrColours() {
     return std::nullopt;
 }
 
-/// A picture's colours of a high dynamic range, premultiplied, to sRGB.
-PixelConversion conversionFrom(const HDRColours& colours) {
-    return [mapping = ToneMapping(colours)](std::span<std::uint8_t> pixels) {
-        unpremultiply(pixels);
-        mapping.convert(pixels);
-        premultiply(pixels);
-    };
-}
-
 } // namespace
 
 bool readPNG(const InputFile& file, PictureTarget& target) {
@@ -182,7 +172,7 @@ bool readPNG(const InputFile& file, PictureTarget& target) {
     // The code points take precedence over a profile.
     const std::optional<HDRColours> hdr = decompressor.hdrColours();
     target.begin({decompressor.size(), decompressor.size(), decompressor.orientation(),
-                  hdr ? conversionFrom(*hdr) : conversionToSRGB(colours, decompressor.profile())});
+                  hdr ? conversionToSRGB(*hdr) : conversionToSRGB(colours, decompressor.profile())});
     return decompressor.readRows(target);
 }
 
