@@ -73,35 +73,52 @@ std::string functionName(const OptionTable& table) {
     return name;
 }
 
-/// The albums that the passcode in the file named before opens, a line each; nothing without it.
-constexpr std::string_view bashAlbums = R"(
-        local i file=
+/// The albums that the passcode in the file named before opens, a line each; nothing without it. Their names
+/// are never expanded. Words that were typed have quotes, "~", and in bash a "=" of their own.
+constexpr std::string_view bashAlbums = R"sh(
+        local i file= album
         for ((i = 1; i < COMP_CWORD - 1; i++)); do
-            [[ ${COMP_WORDS[i]} != --passcode-file ]] || file=${COMP_WORDS[i + 1]}
+            [[ ${COMP_WORDS[i]} == --passcode-file ]] || continue
+            file=${COMP_WORDS[i + 1]}
+            [[ $file != = ]] || file=${COMP_WORDS[i + 2]}
         done
         [[ -n $file ]] || return
-        local IFS=$'\n'
-        words=$(sela-vault album list --passcode-file "$file" 2>/dev/null)
+        file=${file/#\~\//$HOME/}
+        while IFS= read -r album; do
+            [[ $album != "${current//[\\\'\"]/}"* ]] || COMPREPLY+=("$album")
+        done < <(sela-vault album list --passcode-file "${file//[\\\'\"]/}" 2>/dev/null)
         compopt -o filenames 2>/dev/null
-       )";
+        return)sh";
 
-constexpr std::string_view fishAlbums = R"(
+constexpr std::string_view fishAlbums = R"sh(
 function __sela_albums
+    set -l file
     set -l words (commandline -opc)
-    if set -l place (contains -i -- --passcode-file $words)
-        sela-vault album list --passcode-file $words[(math $place + 1)] 2>/dev/null
+    for place in (seq (count $words))
+        switch $words[$place]
+            case --passcode-file
+                set file $words[(math $place + 1)]
+            case '--passcode-file=*'
+                set file (string replace -- --passcode-file= '' $words[$place])
+        end
     end
+    test -n "$file"; or return
+    sela-vault album list --passcode-file (string replace -r '^~/' "$HOME/" -- $file) 2>/dev/null |
+        string replace -r '$' '\talbum'
 end
-)";
+)sh";
 
-constexpr std::string_view zshAlbums = R"zsh(
+constexpr std::string_view zshAlbums = R"sh(
 _sela_albums() {
-    local place=${words[(i)--passcode-file]}
-    ((place < $#words)) || return
-    local -a albums=(${(f)"$(sela-vault album list --passcode-file ${(Q)words[place + 1]} 2>/dev/null)"})
+    local place=${words[(i)--passcode-file(|=*)]}
+    local file=${(Q)words[place]#--passcode-file=}
+    [[ $file != --passcode-file ]] || file=${(Q)words[place + 1]}
+    [[ -n $file ]] || return
+    [[ $file != '~/'* ]] || file=$HOME/${file#'~/'}
+    local -a albums=(${(f)"$(sela-vault album list --passcode-file $file 2>/dev/null)"})
     compadd -a albums
 }
-)zsh";
+)sh";
 
 /// What bash completes after each option that takes a value.
 std::string bashValues(const OptionTable& table) {
@@ -192,7 +209,8 @@ std::string zshArguments(const std::vector<Option>& options, Completion operands
             what += ":" + zshText(option.value) + ":" +
                     (words.empty() ? zshFiles(option.completion) : "(" + joined(words) + ")");
         }
-        const std::string name(option.name);
+        // The value follows behind a blank or a "=".
+        const std::string name = std::string(option.name) + (option.takesValue() ? "=" : "");
         parts.push_back(quoted("*" + name + what, "'\\''"));
         if (option.letter)
             parts.push_back(quoted("*-" + std::string(1, option.letter) + what, "'\\''"));
@@ -210,6 +228,12 @@ std::string bashCompletion(const OptionTable& table) {
     return "# Completion of " + program + " for bash.\n" + name +
            "() {\n"
            "    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} words=\n"
+           "    COMPREPLY=()\n"
+           "    if [[ $current == = ]]; then\n"
+           "        current=\n"
+           "    elif [[ $previous == = ]]; then\n"
+           "        previous=${COMP_WORDS[COMP_CWORD - 2]}\n"
+           "    fi\n"
            "    case $previous in\n" +
            bashValues(table) + "    *)\n" + bashWords(table) +
            "        ;;\n"
