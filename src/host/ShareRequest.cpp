@@ -21,8 +21,7 @@ constexpr std::int64_t largestInput = 512 << 20;
 constexpr const char* noPicture =
     "there is no picture that can be read; to add another kind of file, name it";
 constexpr const char* noUsablePicture =
-    "the picture is damaged, or too large to be read (above half a gigapixel, or 200 megapixels of HEIC); "
-    "save it as a file and add that";
+    "the picture is damaged or too large to be read; save it as a file and add that";
 
 /// A file in memory without a name; not open when it cannot be made.
 FileDescriptor memoryFile() {
