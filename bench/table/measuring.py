@@ -42,6 +42,7 @@ class Measured:
     milliseconds: float
     mebibytes: float  # the peak of the process itself
     helper_mebibytes: float = 0.0  # of the largest process it started and waited for, where that is larger
+    read_mebibytes: float = 0.0  # from the disk
 
 
 class Bench:
@@ -109,18 +110,20 @@ class Bench:
         process.returncode = os.waitstatus_to_exitcode(ended)
         if process.returncode != status:
             raise RuntimeError(f"{command[0]} ended with {process.returncode} instead of {status}")
-        return Measured(elapsed * 1000, usage.ru_maxrss / 1024)
+        return Measured(elapsed * 1000, usage.ru_maxrss / 1024, read_mebibytes=usage.ru_inblock * 512 / 2**20)
 
-    def alternate(self, *runners):
-        """The medians of some runs of each, taken in turn after one that warms up; one Measured per runner."""
+    def alternate(self, *runners, once=False):
+        """The medians of some runs of each, taken in turn after one that warms up (`once`: of one run, without);
+        one Measured per runner."""
         taken = [[] for _ in runners]
-        for turn in range(self.runs + 1):
+        for turn in range(1 if once else self.runs + 1):
             for results, runner in zip(taken, runners):
                 measured = runner()
-                if turn > 0:
+                if turn > 0 or once:
                     results.append(measured)
         return [Measured(statistics.median(m.milliseconds for m in results),
-                         max(m.mebibytes for m in results), max(m.helper_mebibytes for m in results))
+                         max(m.mebibytes for m in results), max(m.helper_mebibytes for m in results),
+                         statistics.median(m.read_mebibytes for m in results))
                 for results in taken]
 
     def google(self, program):
@@ -130,7 +133,7 @@ class Bench:
              "--benchmark_report_aggregates_only=true"],
             env=self.environment, check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True).stdout
         scale = {"ns": 1e-6, "us": 1e-3, "ms": 1, "s": 1e3}
-        return {re.sub(r"/(iterations:\d+|real_time)", "", benchmark["run_name"]):
+        return {re.sub(r"/(iterations:\d+|process_time|real_time)", "", benchmark["run_name"]):
                 benchmark["real_time"] * scale[benchmark["time_unit"]]
                 for benchmark in json.loads(output)["benchmarks"] if benchmark["aggregate_name"] == "median"}
 

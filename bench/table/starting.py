@@ -1,13 +1,24 @@
 """From the start of the process to what the user sees first."""
 
+import os
+import pathlib
+import re
+import shutil
 import subprocess
 
 from measuring import SAMPLES, Row
 
 
+DROP_CACHES = pathlib.Path("/proc/sys/vm/drop_caches")
+
+
+def preloading(bench, environment, library):
+    """The environment of a program that ends once its first frame was sent to the display."""
+    return bench.environment | environment | {"LD_PRELOAD": str(bench.bin / library)}
+
+
 def first_frame(bench, name, environment):
-    """The same library ends both programs once their first frame was sent to the display."""
-    environment = bench.environment | environment | {"LD_PRELOAD": str(bench.bin / "first-frame.so")}
+    environment = preloading(bench, environment, "first-frame.so")
     bench.provision()
     file = SAMPLES / "baseline.jpg"
     window = bench.bin / "empty-window"
@@ -22,13 +33,64 @@ def first_frame(bench, name, environment):
               "15 MiB above an empty Qt window", 15, "at most", 1.0)
 
 
+def opened(bench, command, environment):
+    """How many files, and how many of them libraries, a program opens by its first frame."""
+    log = bench.folder / "opened"
+    preload = environment["LD_PRELOAD"]
+    traced = {name: value for name, value in environment.items() if name != "LD_PRELOAD"}
+    bench.run(["strace", "-f", "-E", f"LD_PRELOAD={preload}", "-e", "trace=open,openat", "-o", log, *command], traced)
+    files = {match[1] for match in re.finditer(r'open(?:at)?\(.*?"(.*?)".*\) = \d', log.read_text())}
+    return len(files), sum(".so" in file for file in files)
+
+
+def beside_a_dialog(bench, environment):
+    """A dialog of GTK with one text as the peer, with everything in the page cache and with nothing."""
+    if not shutil.which("zenity"):
+        print("zenity is missing: its rows are left out", flush=True)
+        return
+    bench.provision()
+    own = [bench.bin / "sela-share", SAMPLES / "baseline.jpg"]
+    own_environment = preloading(bench, environment, "first-frame.so")
+    dialog = ["zenity", "--info", "--text", "Add 1 file to Trips"]
+    dialog_environment = preloading(bench, environment, "first-gtk-frame.so")
+
+    def started(command, its_environment, is_cold):
+        if is_cold:
+            os.sync()
+            DROP_CACHES.write_text("3")
+        return bench.run(command, its_environment)
+
+    for is_cold in (False, True):
+        if is_cold and not os.access(DROP_CACHES, os.W_OK):
+            print("caches cannot be dropped: the rows of a cold start are left out", flush=True)
+            continue
+        ours, zenity = bench.alternate(lambda: started(own, own_environment, is_cold),
+                                       lambda: started(dialog, dialog_environment, is_cold))
+        name = "cold start" if is_cold else "start"
+        yield Row(f"{name} to first frame, Xvfb", ours.milliseconds, "ms", "zenity", zenity.milliseconds,
+                  "at most 0.3", 0.3)
+        if is_cold:
+            yield Row("read from the disk by then", ours.read_mebibytes, "MiB", "zenity", zenity.read_mebibytes)
+    if shutil.which("strace"):
+        window = opened(bench, [bench.bin / "empty-window"], own_environment)
+        theirs = opened(bench, dialog, dialog_environment)
+        for kind, count, of_window, of_dialog in zip(("files", "libraries"), opened(bench, own, own_environment),
+                                                     window, theirs):
+            yield Row(f"{kind} opened by the first frame", count, "", "zenity", of_dialog)
+            yield Row(f"{kind} opened by the first frame", count, "", "empty Qt window", of_window)
+    else:
+        print("strace is missing: the rows of opened files are left out", flush=True)
+
+
 def with_display(bench):
     # Without a reset after each program, which takes longer than the window does.
     display = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp",
                                 "-noreset"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
     try:
         number = display.stdout.readline().strip()
-        yield from first_frame(bench, "Xvfb", {"DISPLAY": ":" + number, "QT_QPA_PLATFORM": "xcb"})
+        environment = {"DISPLAY": ":" + number, "QT_QPA_PLATFORM": "xcb"}
+        yield from first_frame(bench, "Xvfb", environment)
+        yield from beside_a_dialog(bench, environment | {"GDK_BACKEND": "x11"})
     finally:
         display.terminate()
         display.wait()

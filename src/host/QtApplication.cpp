@@ -40,6 +40,10 @@ void setEnvironment(const CommandLine& line) {
     QByteArray language = QByteArray::fromStdString(Bundle::main().preferredLocalization());
     if (!language.isEmpty() && !qEnvironmentVariableIsSet("FC_LANG"))
         qputenv("FC_LANG", language.replace('_', '-'));
+    // Only single digits are typed. An input method would be loaded, be asked about each key, and could keep
+    // it.
+    qputenv("QT_IM_MODULE", "none");
+    qunsetenv("QT_IM_MODULES");
 }
 
 /// The arguments of the QGuiApplication, which keeps the references: the program's name alone, since Qt must
@@ -54,6 +58,9 @@ QtApplication::QtApplication(const CommandLine& line) {
     setEnvironment(line);
     fonts_.emplace();
     qInstallMessageHandler(handleQtMessage);
+    // A desktop's theme for Qt changes no pixel of ours, but that of GTK desktops loads GTK, which takes as
+    // long as the rest of the start. One that the environment names (QT_QPA_PLATFORMTHEME) is used.
+    QGuiApplication::setDesktopSettingsAware(false);
     // Fonts have the size that the views set, whatever resolution the display reports.
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
     isQtStarting = true;
