@@ -22,6 +22,8 @@ namespace {
 
 constexpr std::int64_t largestFile = 4096;
 
+constexpr std::string_view passcodeErrorDomain = "PasscodeErrorDomain";
+
 /// The signals that would end or stop the program while the terminal's echo is off.
 sigset_t interruptions() {
     sigset_t signals;
@@ -104,7 +106,7 @@ Result<Secret> askForNewPasscode(const std::string& what) {
     if (!repeated)
         return repeated;
     if (repeated.value() != passcode.value())
-        return NSError::posix(EINVAL, "the two entries differ");
+        return ErrorRef(std::make_shared<NSError>(passcodeErrorDomain, 1, "the two entries differ"));
     return passcode;
 }
 

@@ -11,7 +11,7 @@ Result<Secret> readDigits(const std::string& file) {
     Result<Secret> code = readPasscode(file);
     const std::string place = file == "-" ? "standard input" : file;
     if (!code)
-        return usageError(place + ": " + code.error()->localizedDescription());
+        return usageError(place + ": " + code.error()->localizedFailureReason());
     if (code.value().empty() || code.value().exposed().find_first_not_of("0123456789") != std::string::npos)
         return usageError(place + ": the first line is not a passcode of digits");
     return code;

@@ -64,7 +64,7 @@ int change(const Arguments& arguments, const Catalogue::Name& name, const std::s
 int listOpened(const Catalogue& catalogue, const std::string& file) {
     const Result<Secret> passcode = readPasscode(file);
     if (!passcode)
-        return fail(file + ": " + passcode.error()->localizedDescription());
+        return fail(file + ": " + passcode.error()->localizedFailureReason());
     const bool opensVault = passcode.value() == SharedAlbumManager::sharedPassword();
     const bool opensDecoy = !opensVault && passcode.value() == SharedAlbumManager::sharedFakePassword();
     std::string text;

@@ -55,7 +55,7 @@ int publishCommand(const Arguments& arguments) {
             continue;
         const Result<Secret> read = readPasscode(*file);
         if (!read)
-            return fail(*file + ": " + read.error()->localizedDescription());
+            return fail(*file + ": " + read.error()->localizedFailureReason());
         *passcode = read.value();
     }
     return publishAndTell(arguments, publication, "");
@@ -67,7 +67,7 @@ int passcodeSetCommand(const Arguments& arguments) {
     const Result<Secret> passcode =
         file ? readPasscode(*file) : askForNewPasscode(decoy ? "New decoy passcode" : "New passcode");
     if (!passcode)
-        return fail(file.value_or("passcode") + ": " + passcode.error()->localizedDescription());
+        return fail(file.value_or("passcode") + ": " + passcode.error()->localizedFailureReason());
     Publication publication;
     (decoy ? publication.decoyPasscode : publication.passcode) = passcode.value();
     return publishAndTell(arguments, publication,
