@@ -170,9 +170,7 @@ def described_pictures():
     """Pictures with items that belong to them: a gain map and what describes both, thumbnails that match the picture or not."""
     configuration, data = coded_picture(read("plain.heic"))
     picture = (b"hvc1", data, [configuration, size_box(640, 480)])
-    exif = struct.pack(">I", 6) + b"Exif\0\0MM\0*\0\0\0\x08\0\0\0\0\0\0"
-    write("gain-map.heic", heif([picture, (b"tmap", b"\0" * 62, [size_box(640, 480)]), (b"Exif", exif, [])],
-                                (b"dimg", 2, (1,)), (b"cdsc", 3, (1, 2))))
+    write("gain-map.heic", with_gain_map(picture, (640, 480)))
     configuration, data = coded_picture(read("tile-red.heic"))
     for name, width, height in (("square", 320, 320), ("boasting", 640, 480)):
         thumbnail = (b"hvc1", data, [configuration, size_box(width, height)])
@@ -181,8 +179,19 @@ def described_pictures():
     perceptual = box(b"colr", b"nclx" + struct.pack(">HHHB", 9, 16, 9, 0x80))
     write("perceptual.heic", heif([(b"hvc1", data, [configuration, size_box(160, 120), perceptual])]))
     configuration, data = coded_picture(read("tile-red.heic"))
-    huge = (b"hvc1", b"", [configuration, size_box(16384, 12288)])
-    write("huge.heic", heif([huge, picture], (b"thmb", 2, (1,))))
+    write("huge.heic", huge_with_thumbnail(configuration, picture))
+
+
+def with_gain_map(coded, side):
+    """A picture with a gain map and EXIF data that belong to both, as phones write them."""
+    exif = struct.pack(">I", 6) + b"Exif\0\0MM\0*\0\0\0\x08\0\0\0\0\0\0"
+    return heif([coded, (b"tmap", b"\0" * 62, [size_box(*side)]), (b"Exif", exif, [])],
+                (b"dimg", 2, (1,)), (b"cdsc", 3, (1, 2)))
+
+
+def huge_with_thumbnail(configuration, thumbnail):
+    """A picture of 200 megapixels that cannot be decoded, and its thumbnail."""
+    return heif([(b"hvc1", b"", [configuration, size_box(16384, 12288)]), thumbnail], (b"thmb", 2, (1,)))
 
 
 def quarters_of(width, height, red, green, blue, white):
@@ -485,4 +494,12 @@ def videos():
     video_bombs()
 
 
-{"pictures": pictures, "videos": videos}[sys.argv[1]]()
+def large():
+    configuration, data = coded_picture(read("medium.heic"))
+    write("medium-gain-map.heic", with_gain_map((b"hvc1", data, [configuration, size_box(4032, 3024)]), (4032, 3024)))
+    configuration, data = coded_picture(read("thumbnail-512.heic"))
+    thumbnail = (b"hvc1", data, [configuration, size_box(512, 384)])
+    write("huge-thumbnail.heic", huge_with_thumbnail(configuration, thumbnail))
+
+
+{"pictures": pictures, "videos": videos, "large": large}[sys.argv[1]]()
