@@ -68,7 +68,6 @@ struct Screen {
           window(CardPlacement::screenFor(display.points)) {
         TextMeasurer::setCurrent(&measurer);
         UIScreen::main().setScale(pixelsPerPoint);
-        publish();
         NSExtensionItem::Attachments attachments;
         for (int i = 0; i < 3; ++i)
             attachments.push_back(NSItemProvider::ofFile(URL::fileURL(home + "/picture.png")));
@@ -243,6 +242,7 @@ int main(int argc, char** argv) {
     const sela::BenchHome home;
     sela::home = home.path();
     sela::savePicture(sela::home + "/picture.png");
+    sela::publish();
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     return 0;

@@ -112,14 +112,14 @@ class Bench:
             raise RuntimeError(f"{command[0]} ended with {process.returncode} instead of {status}")
         return Measured(elapsed * 1000, usage.ru_maxrss / 1024, read_mebibytes=usage.ru_inblock * 512 / 2**20)
 
-    def alternate(self, *runners, once=False):
-        """The medians of some runs of each, taken in turn after one that warms up (`once`: of one run, without);
-        one Measured per runner."""
+    def alternate(self, *runners, most=None):
+        """The medians of some runs of each, taken in turn after one that warms up; of what takes minutes `most` at
+        most, without warming up. One Measured per runner."""
         taken = [[] for _ in runners]
-        for turn in range(1 if once else self.runs + 1):
+        for turn in range(min(self.runs, most) if most else self.runs + 1):
             for results, runner in zip(taken, runners):
                 measured = runner()
-                if turn > 0 or once:
+                if turn > 0 or most:
                     results.append(measured)
         return [Measured(statistics.median(m.milliseconds for m in results),
                          max(m.mebibytes for m in results), max(m.helper_mebibytes for m in results),
@@ -129,7 +129,8 @@ class Bench:
     def google(self, program):
         """The median real time, in milliseconds, of each benchmark of a program, by its name."""
         output = subprocess.run(
-            [self.bin / program, "--benchmark_format=json", f"--benchmark_repetitions={self.runs}",
+            # A single repetition has no median.
+            [self.bin / program, "--benchmark_format=json", f"--benchmark_repetitions={max(self.runs, 2)}",
              "--benchmark_report_aggregates_only=true"],
             env=self.environment, check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True).stdout
         scale = {"ns": 1e-6, "us": 1e-3, "ms": 1, "s": 1e3}
