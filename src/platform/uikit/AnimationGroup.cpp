@@ -57,10 +57,16 @@ void AnimationGroup::start() {
 }
 
 void AnimationGroup::end() {
-    if (std::exchange(over_, true) || !completion_)
+    if (std::exchange(ended_, true))
         return;
-    DispatchQueue::main().async(
-        [completion = std::exchange(completion_, {}), finished = !interrupted_] { completion(finished); });
+    if (!completion_) {
+        over_ = true;
+        return;
+    }
+    DispatchQueue::main().async([self = shared_from_this(), finished = !interrupted_] {
+        self->over_ = true;
+        std::exchange(self->completion_, {})(finished);
+    });
 }
 
 } // namespace sela

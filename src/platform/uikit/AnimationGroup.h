@@ -24,7 +24,8 @@ public:
     /// The fraction of the change that is shown now, eased in and out, 0 to 1.
     double progress() const;
 
-    /// Whether its duration has passed or all its changes were interrupted.
+    /// Whether its duration has passed or all its changes were interrupted, and it has reported so: until
+    /// then whoever waits for its completion is not ready, although nothing moves any more.
     bool isOver() const { return over_; }
 
     /// Adds a property to the group.
@@ -44,6 +45,7 @@ private:
     Completion completion_;
     int running_ = 0;
     bool interrupted_ = false;
+    bool ended_ = false; ///< the report is under way
     bool over_ = false;
 };
 
