@@ -51,7 +51,8 @@ class Files(Installed):
             if not shutil.which(command[0]):
                 self.skipTest(f"needs {command[0]}")
             result = subprocess.run(command, capture_output=True, text=True)
-            complaints = [line for line in result.stdout.splitlines() if line and not line.startswith("✔")]
+            # Newer validators ask for a tag with the developer's name that older ones do not know.
+            complaints = [line for line in result.stdout.splitlines() if line and not re.match("✔|I: .* developer-", line)]
             self.assertEqual((result.returncode, complaints), (0, []))
 
     def test_every_kind_that_the_store_keeps_is_claimed(self):
@@ -62,7 +63,7 @@ class Files(Installed):
         known = set(re.findall(r"fast-content-type: (\S+)", output))
         self.assertGreater(len(known), 15)
         claimed = self.keys(self.entry)["MimeType"]
-        self.assertEqual(known, set(claimed.split(";")) - {""})
+        self.assertEqual(known | {"audio/x-wav", "audio/vnd.wave"}, set(claimed.split(";")) - {""}) # older and newer name
         for other in ("kio/servicemenus", "Thunar/sendto"):
             self.assertEqual(self.keys(self.prefix / "share" / other / (ID + ".desktop"))["MimeType"], claimed)
 

@@ -483,13 +483,14 @@ def pictures():
 
 
 def videos():
-    movie = bytearray(read("second.mp4"))
-    place = movie.index(b"mvhd")
-    # Version 0: version and flags, two dates, the time scale, the duration. No duration counts as absurd as this.
-    struct.pack_into(">I", movie, place + 4 + 16, 0xFFFFFFF0)
-    for box in (b"tkhd",):
-        struct.pack_into(">I", movie, movie.index(box) + 4 + 20, 0xFFFFFFF0)
-    write("absurd.mp4", bytes(movie))
+    movie = read("second.mp4")
+    # No duration counts as absurd as this.
+    absurd = 0xFFFFFFF0
+    write("absurd.mp4", with_tables(movie, mvhd=[(16, absurd)], tkhd=[(20, absurd)], mdhd=[(16, absurd)]))
+    # The display matrix, by rows, and with what it moves the picture to after turning it.
+    for name, sine, across, down in (("portrait", 0x10000, 180 << 16, 0), ("portrait-other", 0xFFFF0000, 0, 320 << 16)):
+        matrix = 0, sine, 0, -sine & 0xFFFFFFFF, 0, 0, across, down, 1 << 30
+        write(name + ".mp4", with_tables(movie, tkhd=[(40 + 4 * i, number) for i, number in enumerate(matrix)]))
     write("8bps.mov", planar_frames(read("planes.mov"), 320, 180, 10))
     video_bombs()
 

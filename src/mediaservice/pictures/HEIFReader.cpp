@@ -136,11 +136,13 @@ Image decode(const Handle& handle, heif_colorspace space, heif_chroma chroma) {
     return Image(image);
 }
 
+/// The file's statement goes before that of the coded picture in it, which newer libraries return of an
+/// image.
 ColourCoding colourCoding(const Handle& handle, const heif_image* image) {
     heif_color_profile_nclx* coding = nullptr;
-    if (image && heif_image_get_nclx_color_profile(image, &coding).code == heif_error_Ok)
-        return ColourCoding(coding);
     if (heif_image_handle_get_nclx_color_profile(handle.get(), &coding).code == heif_error_Ok)
+        return ColourCoding(coding);
+    if (image && heif_image_get_nclx_color_profile(image, &coding).code == heif_error_Ok)
         return ColourCoding(coding);
     return nullptr;
 }

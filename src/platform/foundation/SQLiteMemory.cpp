@@ -39,8 +39,11 @@ void wipeSQLiteMemory() {
         sqlite3_mem_methods wiping = inner();
         wiping.xFree = release;
         wiping.xRealloc = resize;
+        // The blocks that SQLite otherwise keeps ready, for pages and for each connection, it reuses as they
+        // are.
         return sqlite3_config(SQLITE_CONFIG_MALLOC, &wiping) == SQLITE_OK &&
-               sqlite3_config(SQLITE_CONFIG_PAGECACHE, nullptr, 0, 0) == SQLITE_OK;
+               sqlite3_config(SQLITE_CONFIG_PAGECACHE, nullptr, 0, 0) == SQLITE_OK &&
+               sqlite3_config(SQLITE_CONFIG_LOOKASIDE, 0, 0) == SQLITE_OK;
     }();
     static_cast<void>(done);
 }
