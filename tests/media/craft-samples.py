@@ -484,11 +484,12 @@ def pictures():
 
 def videos():
     movie = read("second.mp4")
-    # No duration counts as absurd as this.
+    # No duration counts as absurd as this, which newer libraries take from the frames and the edit list.
     absurd = 0xFFFFFFF0
-    write("absurd.mp4", with_tables(movie, mvhd=[(16, absurd)], tkhd=[(20, absurd)], mdhd=[(16, absurd)]))
+    write("absurd.mp4", with_tables(movie, mvhd=[(16, absurd)], tkhd=[(20, absurd)], elst=[(8, absurd)],
+                                    mdhd=[(12, 100), (16, absurd)], stts=[(12, 0x7FFFFFFF)]))
     # The display matrix, by rows, and with what it moves the picture to after turning it.
-    for name, sine, across, down in (("portrait", 0x10000, 180 << 16, 0), ("portrait-other", 0xFFFF0000, 0, 320 << 16)):
+    for name, sine, across, down in (("portrait", 0xFFFF0000, 0, 320 << 16), ("portrait-other", 0x10000, 180 << 16, 0)):
         matrix = 0, sine, 0, -sine & 0xFFFFFFFF, 0, 0, across, down, 1 << 30
         write(name + ".mp4", with_tables(movie, tkhd=[(40 + 4 * i, number) for i, number in enumerate(matrix)]))
     write("8bps.mov", planar_frames(read("planes.mov"), 320, 180, 10))
