@@ -157,6 +157,24 @@ TEST_F(ShareWindowTest, ShowsWhatTheMouseCouldPress) {
     EXPECT_EQ(pixelOfAddButton(), pointed);
 }
 
+TEST_F(ShareWindowTest, ShowsTheWholeOfWhatIsCutOffUnderTheMouseOrTheFocus) {
+    const auto tip = [&] {
+        QTest::qWait(50);
+        const UIView* const panel = window_.viewNamed("tip");
+        return panel ? std::get<TextContent>(panel->subviews().front()->content()).text.string() : "";
+    };
+    const std::string title = "a name that is longer than its button";
+    probe_->addButton.setTitle(title);
+    EXPECT_EQ(tip(), "");
+    QTest::mouseMove(&shareWindow_, QPoint(140, 80));
+    EXPECT_EQ(tip(), title);
+    QTest::mouseMove(&shareWindow_, QPoint(600, 80));
+    EXPECT_EQ(tip(), "");
+    QTest::keyClick(&shareWindow_, Qt::Key_Tab);
+    QTest::mouseMove(&shareWindow_, QPoint(600, 1300));
+    EXPECT_EQ(tip(), title);
+}
+
 TEST_F(ShareWindowTest, DrawsARingAroundTheFocusAndOnlyThere) {
     const auto picture = [&] {
         QTest::qWait(50);
