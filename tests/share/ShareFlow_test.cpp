@@ -70,7 +70,20 @@ TEST_F(ShareFlow, TheTitleNamesAnAlbumOfOneOrTwoNamesInFullAndElseItsFirst) {
         screen().setSelectedAlbumName(album);
         screen().updateTitle();
         EXPECT_EQ(title(), std::string("Add 1 file to ") + name);
+        // Where there is too little room, of two names the parent is cut, never the one that was chosen.
+        std::string cut;
+        for (const auto& run : dynamic_cast<UIButton&>(view("albumButton")).attributedTitle()->runs())
+            cut += run.attributes.givesWay ? run.text : "";
+        EXPECT_EQ(cut, album.size() == 2 ? album.front() : "");
     }
+}
+
+TEST_F(ShareFlow, AFileWithoutAPictureIsASheetWithItsExtension) {
+    open({file("a.dng")});
+    EXPECT_TRUE(view("documentSheet").isHidden());
+    loop.runUntilIdle();
+    EXPECT_FALSE(view("documentSheet").isHidden());
+    EXPECT_EQ(label("extensionLabel").text(), "DNG");
 }
 
 TEST_F(ShareFlow, AddingGoesThroughItsStagesByTheClock) {

@@ -50,7 +50,8 @@ TEST_F(AlbumPickerTest, AWrongEntryShakesTheDotsAndIsGone) {
     EXPECT_FALSE(dots.layer().hasAnimations());
     EXPECT_EQ(shown(), locked);
     type("12");
-    view("keypadView").keyCommands().front().action(); // of Backspace
+    ASSERT_EQ(view("keypadView").keyCommands().front().input, UIKeyCommand::inputDelete);
+    view("keypadView").keyCommands().front().action();
     EXPECT_EQ(litDots(), 0);
     type("1234");
     EXPECT_EQ(shown(), albumTable);
