@@ -5,7 +5,6 @@
 #include "platform/uikit/UIAccessibility.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace sela {
 
@@ -121,7 +120,10 @@ CGRect Notice::place(CGSize size) const {
 CGRect Notice::bottomPlace(CGSize size) const {
     const CGSize screen = window_.bounds().size;
     CGRect bottom{{(screen.width - size.width) / 2, screen.height - margin * scale_ - size.height}, size};
-    for (const CGRect& button : std::views::reverse(shownRects(AccessibilityRole::button)))
+    // From the lowest up; each may lift the panel onto the next.
+    std::vector<CGRect> buttons = shownRects(AccessibilityRole::button);
+    std::ranges::reverse(buttons);
+    for (const CGRect& button : buttons)
         if (meetsAny(bottom, {button}))
             bottom.origin.y = button.minY() - gap * scale_ - size.height;
     bottom.origin.y = std::max(bottom.origin.y, 0.0);

@@ -165,12 +165,11 @@ void ViewPainter::paintRounded(QPainter& painter, const UIView& view) {
         QImage before;
     };
     std::vector<Corner> corners;
-    for (QPainterPath& outside :
+    for (const QPainterPath& outside :
          PixelGrid::outsideOfCorners(place, view.layer().cornerRadius() * screen_.pixelsPerPoint)) {
         const QRect pixels = outside.boundingRect().toAlignedRect() & drawn;
         if (!pixels.isEmpty())
-            corners.push_back(
-                {std::move(outside), pixels, static_cast<const QImage*>(painter.device())->copy(pixels)});
+            corners.push_back({outside, pixels, static_cast<const QImage*>(painter.device())->copy(pixels)});
     }
     painter.resetTransform();
     painter.setClipRect(drawn, Qt::IntersectClip);
