@@ -1,6 +1,7 @@
 #include "store/SharedItemLedger.h"
 
 #include "platform/foundation/JSONWriter.h"
+#include "store/ShareExtensionError.h"
 #include "store/SharedFolder.h"
 
 #include <algorithm>
@@ -102,7 +103,12 @@ Result<std::vector<Entry>> entries() {
     const Result<std::optional<Data>> text = defaults.value().readData(sharedItemsKey);
     if (!text)
         return text.error();
-    return text.value() ? decode(*text.value()) : std::vector<Entry>();
+    if (!text.value())
+        return std::vector<Entry>();
+    Result<std::vector<Entry>> decoded = decode(*text.value());
+    if (!decoded)
+        return ShareExtensionError::make("the ledger: " + decoded.error()->localizedDescription());
+    return decoded;
 }
 
 std::string key(const SharedItem& item) {

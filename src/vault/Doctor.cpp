@@ -143,7 +143,7 @@ private:
         const Result<std::vector<std::string>> names =
             FileManager::defaultManager().contentsOfDirectory(items.path());
         if (!entries)
-            tell("the ledger: " + entries.error()->localizedDescription());
+            tell(entries.error()->localizedDescription());
         if (!entries || !names)
             return;
         const std::set<std::string> present(names.value().begin(), names.value().end());

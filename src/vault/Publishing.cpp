@@ -116,7 +116,7 @@ Result<CheckedCatalogue> readCatalogue(const std::string& path) {
         return text.error();
     Result<std::vector<SharedAlbum>> albums = decodeJSONArray<SharedAlbum>(text.value());
     if (!albums)
-        return albums.error();
+        return ShareExtensionError::make(path + ": " + albums.error()->localizedDescription());
     if (ErrorRef problem = problemWithPasswords(albums.value()))
         return problem;
     return CheckedCatalogue{std::move(text.value()), std::move(albums.value())};
