@@ -8,12 +8,12 @@ namespace sela {
 namespace {
 
 /// Lengths in points on a screen of scale 1.
-constexpr double fontSize = 14;
-constexpr double cornerRadius = 8;
-constexpr double widest = 400;
-constexpr double margin = 16; ///< to the window's edges
-constexpr double padding = 10;
-constexpr double gap = 6; ///< to the control
+constexpr double tipFontSize = 14;
+constexpr double tipRadius = 8;
+constexpr double tipWidest = 400;
+constexpr double tipMargin = 16; ///< to the window's edges
+constexpr double tipPadding = 10;
+constexpr double tipGap = 6; ///< to the control
 
 /// The first text in `view` that is not wholly shown; empty when there is none.
 std::string cutOffText(const UIView& view) {
@@ -34,8 +34,8 @@ std::string cutOffText(const UIView& view) {
 FullTextTip::FullTextTip(UIWindow& window, double scale) : window_(window), scale_(scale) {
     panel_.setUserInteractionEnabled(false);
     panel_.setBackgroundColor(UIColor::named("AppText"));
-    panel_.layer().setCornerRadius(cornerRadius * scale);
-    label_.setFont(UIFont::systemFont(fontSize * scale));
+    panel_.layer().setCornerRadius(tipRadius * scale);
+    label_.setFont(UIFont::systemFont(tipFontSize * scale));
     label_.setTextColor(UIColor::named("AppCard"));
     label_.setNumberOfLines(0);
     panel_.addSubview(label_);
@@ -59,16 +59,16 @@ void FullTextTip::show(const UIView* view) {
 void FullTextTip::layOut() {
     label_.setText(text_);
     const CGSize room = window_.bounds().size;
-    const double inset = padding * scale_;
-    const double edge = margin * scale_;
+    const double inset = tipPadding * scale_;
+    const double edge = tipMargin * scale_;
     const CGSize text =
-        label_.sizeThatFits({std::min(widest * scale_, room.width - 2 * edge) - 2 * inset, room.height});
+        label_.sizeThatFits({std::min(tipWidest * scale_, room.width - 2 * edge) - 2 * inset, room.height});
     const CGSize size{text.width + 2 * inset, text.height + 2 * inset};
     label_.setFrame({{inset, inset}, text});
     const double x = std::max(edge, std::min(place_.midX() - size.width / 2, room.width - edge - size.width));
-    const double below = place_.maxY() + gap * scale_;
+    const double below = place_.maxY() + tipGap * scale_;
     const bool fitsBelow = below + size.height + edge <= room.height;
-    panel_.setFrame({{x, fitsBelow ? below : place_.minY() - gap * scale_ - size.height}, size});
+    panel_.setFrame({{x, fitsBelow ? below : place_.minY() - tipGap * scale_ - size.height}, size});
 }
 
 } // namespace sela

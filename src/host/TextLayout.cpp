@@ -13,7 +13,7 @@ namespace sela {
 namespace {
 
 /// Wider than any text, yet within the range of Qt's fixed-point lengths.
-constexpr double widest = 1'000'000;
+constexpr double unlimited = 1'000'000;
 
 /// Of a text that is cut off, at most this many characters are examined; more never fit into a line.
 constexpr int longestTruncatedLine = 1'000;
@@ -36,7 +36,7 @@ TextLayout::TextLayout(const NSAttributedString& text, double width, int maximum
     if (!text_.isEmpty() && maximumLines == 1)
         shortenWhatGivesWay(text, width + tolerance);
     if (!text_.isEmpty())
-        breakLines(std::clamp(width + tolerance, 0.0, widest), maximumLines);
+        breakLines(std::clamp(width + tolerance, 0.0, unlimited), maximumLines);
     for (const QTextLine& line : lines_) {
         size_.width = std::max(size_.width, line.naturalTextWidth());
         size_.height += line.height();
@@ -66,7 +66,7 @@ void TextLayout::shortenWhatGivesWay(const NSAttributedString& text, double widt
         return;
     const auto widthOf = [&](const QString& part, const Formats& formats) {
         whole_.setFont(formats.front().format.font());
-        return layOutLine(part, formats, widest, QTextOption::NoWrap)->lineAt(0).naturalTextWidth();
+        return layOutLine(part, formats, unlimited, QTextOption::NoWrap)->lineAt(0).naturalTextWidth();
     };
     const double excess = widthOf(text_, formats_) - width;
     if (excess <= 0)
@@ -123,7 +123,7 @@ void TextLayout::truncateFrom(int start, double width) {
         if (formats.isEmpty())
             formats = formatsFrom(start, 1);
         formats.back().length = static_cast<int>(shown.size()) + 1 - formats.back().start;
-        truncated_ = layOutLine(shown + QChar(0x2026), formats, widest, QTextOption::NoWrap);
+        truncated_ = layOutLine(shown + QChar(0x2026), formats, unlimited, QTextOption::NoWrap);
         if (length <= 0 || truncated_->lineAt(0).naturalTextWidth() <= width)
             break;
         length = full->previousCursorPosition(length);

@@ -7,7 +7,6 @@
 #include "store/SharedFolder.h"
 #include "vault/Catalogue.h"
 
-#include <chrono>
 #include <optional>
 #include <set>
 
@@ -24,10 +23,6 @@ std::optional<URL> coversFolder() {
     const std::optional<URL> container = sharedFolderUrl();
     return container ? std::optional(container->appendingPathComponent(albumThumbnailsFolderName))
                      : std::nullopt;
-}
-
-double secondsSince1970() {
-    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
 } // namespace

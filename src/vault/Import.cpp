@@ -2,6 +2,7 @@
 
 #include "platform/foundation/FileManager.h"
 #include "platform/foundation/StreamCopy.h"
+#include "platform/foundation/TimeText.h"
 #include "store/ItemsLock.h"
 #include "store/ShareExtensionError.h"
 #include "store/SharedFolder.h"
@@ -12,7 +13,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <utility>
 
 namespace sela {
@@ -44,10 +44,6 @@ bool cannotLink(const ErrorRef& error) {
 /// Whether an error means that the file system does not allow such a name.
 bool refusesName(const ErrorRef& error) {
     return isOneOf(error, std::array{EINVAL, EILSEQ, ENAMETOOLONG});
-}
-
-double secondsSince1970() {
-    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
 std::string folderOf(const URL& file) {

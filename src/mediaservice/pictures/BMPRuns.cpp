@@ -11,7 +11,7 @@ namespace {
 // The escape codes after a length of zero; from 3 on the code is a number of pixels that are stored one by
 // one.
 constexpr int endOfRow = 0;
-constexpr int endOfPicture = 1;
+constexpr int endOfBitmap = 1;
 constexpr int moved = 2;
 
 // A run of two bytes covers at most 255 pixels. The limit leaves more than as many again for skipped pixels.
@@ -35,7 +35,7 @@ public:
                 addRun(length);
             else if (value == endOfRow)
                 finishRow();
-            else if (value == endOfPicture)
+            else if (value == endOfBitmap)
                 return finishRow();
             else if (value == moved)
                 move();

@@ -1,6 +1,7 @@
 #include "mediaservice/pictures/DNGReader.h"
 
 #include "mediaservice/pictures/AreaScaler.h"
+#include "mediaservice/pictures/EXIF.h"
 #include "mediaservice/pictures/JPEGReader.h"
 #include "mediaservice/pictures/TIFFDirectory.h"
 
@@ -17,7 +18,6 @@ constexpr std::uint16_t bitsTag = 258;
 constexpr std::uint16_t compressionTag = 259;
 constexpr std::uint16_t photometricTag = 262;
 constexpr std::uint16_t stripOffsetsTag = 273;
-constexpr std::uint16_t orientationTag = 274;
 constexpr std::uint16_t samplesTag = 277;
 constexpr std::uint16_t stripSizesTag = 279;
 constexpr std::uint16_t planesTag = 284;
@@ -101,7 +101,7 @@ bool readDNGPreview(const InputFile& file, PictureTarget& target) {
     const auto chosen = std::ranges::find_if(previews, [&](const TIFFDirectory& directory) {
         return longerSide(directory) >= std::max(wanted.width, wanted.height);
     });
-    const Orientation orientation = orientationOfNumber(main->number(orientationTag).value_or(1));
+    const Orientation orientation = orientationOf(*main);
     if (!isJPEG(*chosen))
         return readPlainRGB(file, *chosen, orientation, target);
     const std::int64_t offset = chosen->numbers(stripOffsetsTag).front();

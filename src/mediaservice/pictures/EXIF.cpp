@@ -13,6 +13,10 @@ constexpr std::string_view prefix("Exif\0\0", 6);
 
 } // namespace
 
+Orientation orientationOf(const TIFFDirectory& directory) {
+    return orientationOfNumber(directory.number(orientationTag).value_or(1));
+}
+
 Orientation orientationOfEXIF(DataView block) {
     if (asText(block).starts_with(prefix))
         block = block.subspan(prefix.size());
@@ -25,7 +29,7 @@ Orientation orientationOfEXIF(DataView block) {
             std::ranges::copy(rest, buffer.begin());
             return rest.size();
         });
-    return orientationOfNumber(directory ? directory->number(orientationTag).value_or(1) : 1);
+    return directory ? orientationOf(*directory) : orientationOfNumber(1);
 }
 
 } // namespace sela

@@ -47,9 +47,9 @@ using ColourCoding = std::unique_ptr<heif_color_profile_nclx, Release<&heif_nclx
 /// The file as the library sees it. What describes the picture (EXIF and the like) is not needed, and the
 /// library refuses files of phones whose description belongs to the picture and its gain map together, so it
 /// sees references of an unknown type there.
-class Input {
+class HEIFInput {
 public:
-    explicit Input(const InputFile& file) : file_(file), hidden_(descriptionReferences(file)) {}
+    explicit HEIFInput(const InputFile& file) : file_(file), hidden_(descriptionReferences(file)) {}
 
     static heif_reader reader() {
         heif_reader made{};
@@ -70,7 +70,7 @@ public:
     }
 
 private:
-    static Input& of(void* input) { return *static_cast<Input*>(input); }
+    static HEIFInput& of(void* input) { return *static_cast<HEIFInput*>(input); }
 
     bool read(std::span<std::byte> bytes) {
         const bool whole = file_.readAt(offset_, bytes) == bytes.size();
@@ -299,8 +299,8 @@ bool readThumbnail(const Handle& thumbnail, const Handle& main, PictureTarget& t
 } // namespace
 
 bool readHEIF(const InputFile& file, PictureTarget& target) {
-    Input input(file);
-    const heif_reader reader = Input::reader();
+    HEIFInput input(file);
+    const heif_reader reader = HEIFInput::reader();
     const Context context(heif_context_alloc());
     heif_context_set_maximum_image_size_limit(context.get(), libraryLimitSide);
     heif_context_set_max_decoding_threads(context.get(), decodingThreads);

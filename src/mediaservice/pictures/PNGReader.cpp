@@ -31,12 +31,12 @@ constexpr std::size_t codePointsSize = 4;
 
 /// libpng on an input file. Its errors come back by longjmp, so the functions that call it keep nothing on
 /// the stack that needs a destructor.
-class Decompressor {
+class PNGDecompressor {
 public:
-    explicit Decompressor(const InputFile& file) : file_(file) {}
-    ~Decompressor() { png_destroy_read_struct(&png_, &info_, nullptr); }
-    Decompressor(const Decompressor&) = delete;
-    Decompressor& operator=(const Decompressor&) = delete;
+    explicit PNGDecompressor(const InputFile& file) : file_(file) {}
+    ~PNGDecompressor() { png_destroy_read_struct(&png_, &info_, nullptr); }
+    PNGDecompressor(const PNGDecompressor&) = delete;
+    PNGDecompressor& operator=(const PNGDecompressor&) = delete;
 
     bool readHeader();
     bool readRows(PictureTarget& target);
@@ -68,14 +68,14 @@ private:
     std::vector<png_bytep> rows_;
 };
 
-void Decompressor::read(png_structp png, png_bytep buffer, png_size_t size) {
-    auto& self = *static_cast<Decompressor*>(png_get_io_ptr(png));
+void PNGDecompressor::read(png_structp png, png_bytep buffer, png_size_t size) {
+    auto& self = *static_cast<PNGDecompressor*>(png_get_io_ptr(png));
     if (self.file_.readAt(self.offset_, std::as_writable_bytes(std::span(buffer, size))) != size)
         png_error(png, "cut");
     self.offset_ += static_cast<std::int64_t>(size);
 }
 
-bool Decompressor::readHeader() {
+bool PNGDecompressor::readHeader() {
     png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, &fail, [](png_structp, png_const_charp) {});
     info_ = png_ ? png_create_info_struct(png_) : nullptr;
     if (!info_ || setjmp(png_jmpbuf(png_)) != 0)
@@ -102,7 +102,7 @@ bool Decompressor::readHeader() {
     return true;
 }
 
-bool Decompressor::readRows(PictureTarget& target) {
+bool PNGDecompressor::readRows(PictureTarget& target) {
     const bool interlaced = png_get_interlace_type(png_, info_) != PNG_INTERLACE_NONE;
     const auto height = static_cast<std::size_t>(size().height);
     const std::size_t rowSize = std::size_t{4} * static_cast<std::size_t>(size().width);
@@ -126,13 +126,13 @@ bool Decompressor::readRows(PictureTarget& target) {
     return true;
 }
 
-void Decompressor::addRow(PictureTarget& target, std::uint8_t* row) {
+void PNGDecompressor::addRow(PictureTarget& target, std::uint8_t* row) {
     if (hasAlpha_)
         premultiply({row, std::size_t{4} * static_cast<std::size_t>(size().width)});
     target.addRow(row);
 }
 
-Data Decompressor::profile() {
+Data PNGDecompressor::profile() {
     png_charp name = nullptr;
     png_bytep bytes = nullptr;
     png_uint_32 size = 0;
@@ -143,7 +143,7 @@ Data Decompressor::profile() {
     return {begin, begin + size};
 }
 
-Orientation Decompressor::orientation() {
+Orientation PNGDecompressor::orientation() {
     png_uint_32 size = 0;
     png_bytep bytes = nullptr;
     if (png_get_eXIf_1(png_, info_, &size, &bytes) == 0)
@@ -151,7 +151,7 @@ Orientation Decompressor::orientation() {
     return orientationOfEXIF({reinterpret_cast<const std::byte*>(bytes), size});
 }
 
-std::optional<HDRColours> Decompressor::hdrColours() {
+std::optional<HDRColours> PNGDecompressor::hdrColours() {
     png_unknown_chunkp chunks = nullptr;
     const int count = png_get_unknown_chunks(png_, info_, &chunks);
     for (const png_unknown_chunk& chunk : std::span(chunks, static_cast<std::size_t>(std::max(count, 0)))) {
@@ -165,7 +165,7 @@ std::optional<HDRColours> Decompressor::hdrColours() {
 } // namespace
 
 bool readPNG(const InputFile& file, PictureTarget& target) {
-    Decompressor decompressor(file);
+    PNGDecompressor decompressor(file);
     if (!decompressor.readHeader())
         return false;
     const PixelColours colours = decompressor.isGray() ? PixelColours::gray : PixelColours::rgb;

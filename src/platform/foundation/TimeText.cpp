@@ -19,9 +19,12 @@ std::string describe(double value) {
     return text;
 }
 
+double secondsSince1970() {
+    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
 std::string uniqueTimeText() {
-    return uniqueTimeText(
-        std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count());
+    return uniqueTimeText(secondsSince1970());
 }
 
 std::string uniqueTimeText(double now) {

@@ -8,6 +8,9 @@ namespace sela {
 /// never with an exponent, and ".0" behind a whole number. Finite numbers only. Any thread.
 std::string describe(double value);
 
+/// The current time by the system's clock. Any thread.
+double secondsSince1970();
+
 /// The current time in seconds since 1970 as such a text, different at each call of a process: when the clock
 /// stands still or steps back, the next representable time after the last text's is taken. Thread-safe.
 std::string uniqueTimeText();
