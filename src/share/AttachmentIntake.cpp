@@ -10,6 +10,7 @@
 #include "store/SharedItemLedger.h"
 #include "store/SharedItemManager.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace sela {
@@ -36,6 +37,7 @@ void AttachmentIntake::begin(std::shared_ptr<NSExtensionContext> context, Pictur
     itemsCount_ = getItemsCount();
     thumbnailCount_ = 0;
     thumbnails_.clear();
+    thumbnailsAhead_ = {};
 }
 
 NSExtensionItem* AttachmentIntake::firstItem() const {
@@ -89,10 +91,30 @@ void AttachmentIntake::loadThumbnails(std::function<void()> completion) {
                           const std::shared_ptr<AttachmentIntake> self = weak.lock();
                           if (!self || self->extensionContext_->isCancelled())
                               return;
+                          self->makeThumbnailsAhead(*self->attachments());
                           self->addThumbnail(item, error, typeIdentifier);
                           self->thumbnailCount_ += 1;
                           self->loadThumbnails(completion);
                       });
+}
+
+void AttachmentIntake::makeThumbnailsAhead(const NSExtensionItem::Attachments& list) {
+    for (std::int64_t place = thumbnailCount_ + 1; place < std::min(countOf(list), thumbnailPlaces);
+         ++place) {
+        const NSItemProvider& provider = *list[static_cast<std::size_t>(place)];
+        if (provider.registeredTypeIdentifiers().empty())
+            return;
+        if (!provider.file() || thumbnailsAhead_.has(place))
+            continue;
+        thumbnailsAhead_.add(place,
+                             [context = extensionContext_, file = *provider.file(),
+                              type = provider.registeredTypeIdentifiers().front(),
+                              bounds = thumbnailBounds_]() -> std::optional<UIImage> {
+                                 if (context->isCancelled())
+                                     return std::nullopt;
+                                 return thumbnailOfSharedFile(file, type, bounds);
+                             });
+    }
 }
 
 void AttachmentIntake::addThumbnail(const NSItemProvider::Item& item, const ErrorRef& error,
@@ -107,7 +129,10 @@ void AttachmentIntake::addThumbnail(const NSItemProvider::Item& item, const Erro
     const std::string place = "item[" + std::to_string(thumbnailCount_) + "]: ";
     NSLog(place + "fileName = " + file->lastPathComponent());
     NSLog(place + "typeIdentifier = " + typeIdentifier);
-    if (std::optional<UIImage> thumbnail = thumbnailOfSharedFile(*file, typeIdentifier, thumbnailBounds_))
+    std::optional<UIImage> thumbnail = thumbnailsAhead_.has(thumbnailCount_)
+                                           ? thumbnailsAhead_.take(thumbnailCount_)
+                                           : thumbnailOfSharedFile(*file, typeIdentifier, thumbnailBounds_);
+    if (thumbnail)
         thumbnails_.push_back(std::move(*thumbnail));
 }
 

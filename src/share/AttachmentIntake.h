@@ -6,6 +6,7 @@
 #include "platform/foundation/Error.h"
 #include "platform/media/UIImage.h"
 #include "share/SaveRun.h"
+#include "share/ThumbnailsAhead.h"
 #include "store/SaveObserver.h"
 
 #include <atomic>
@@ -25,7 +26,8 @@ namespace sela {
 /// Made and used on the main thread, and held by a `std::shared_ptr`. Its two walks hold it weakly from step
 /// to step and end silently when it is destroyed or the request is cancelled; a running copy is finished. A
 /// walk goes on on the thread on which its last step ended; its results are posted to the main queue, the
-/// only place where `saveRun` changes. One load or save is in flight at a time.
+/// only place where `saveRun` changes. One load or save is in flight at a time; while one file's thumbnail is
+/// made, those of the next are made ahead.
 class AttachmentIntake : public std::enable_shared_from_this<AttachmentIntake> {
 public:
     using Completion = std::function<void(const ErrorRef&)>;
@@ -101,6 +103,9 @@ private:
     /// The attachments of the first input item; null when there is no such list.
     std::shared_ptr<const NSExtensionItem::Attachments> attachments() const;
 
+    /// Begins to make the thumbnails of the places that follow, as far as their files are known.
+    void makeThumbnailsAhead(const NSExtensionItem::Attachments& list);
+
     void addThumbnail(const NSItemProvider::Item& item, const ErrorRef& error,
                       const std::string& typeIdentifier);
 
@@ -127,6 +132,7 @@ private:
     std::int64_t itemsCount_ = 0;
     std::int64_t thumbnailCount_ = 0;
     std::vector<UIImage> thumbnails_;
+    ThumbnailsAhead thumbnailsAhead_;
     PictureBounds thumbnailBounds_ = 0;
     std::atomic<bool> stopsCopying_ = false;
     SaveRun saveRun_;

@@ -25,6 +25,19 @@ class Headless(HomeTest):
         self.share("--tap", "addButton", "--wait", "60", "--tree", trees[2], "--tap", "addButton", self.photo)
         self.assertEqual([Screen(tree).view("resultLabel")["text"] for tree in trees], ["Added!", "Adding...", "Done"])
 
+    @unittest.skipIf(len(os.sched_getaffinity(0)) < 2, "one processor")
+    def test_files_are_decoded_by_as_many_helpers_as_can_work_at_once(self):
+        for program, name in (("sela-media", "photo.jpg"), ("sela-media-video", "film.mp4")):
+            started = self.home / "started"
+            helper = self.write("helpers/" + program,
+                                f"#!/bin/sh\necho >> {started}\nsleep 0.5\nexec {BIN / program}\n".encode())
+            os.chmod(helper, 0o755)
+            for files, helpers in ((1, 1), (3, 2)):
+                started.write_text("")
+                shared = [self.write(f"{number}/{name}", b"content") for number in range(files)]
+                self.share(*shared, expect=3, environment={"SELA_MEDIA_DIRECTORY": str(self.home / "helpers")})
+                self.assertEqual(len(started.read_text()), helpers, f"{files} of {name}")
+
 
 class Window(WindowTest):
     def setUp(self):

@@ -17,23 +17,24 @@ ThreadPoolQueue& loadingQueue() {
 }
 
 std::shared_ptr<NSItemProvider> providerOf(NSItemProvider::Item item, const std::string& typeIdentifier,
-                                           std::string suggestedName = {}) {
+                                           std::string suggestedName = {},
+                                           std::optional<URL> file = std::nullopt) {
     return std::make_shared<NSItemProvider>(
         std::vector{typeIdentifier},
         [item = std::move(item)](const std::string&) -> Result<NSItemProvider::Item> { return item; },
-        std::move(suggestedName));
+        std::move(suggestedName), std::move(file));
 }
 
 } // namespace
 
 NSItemProvider::NSItemProvider(std::vector<std::string> typeIdentifiers, Loader loader,
-                               std::string suggestedName)
+                               std::string suggestedName, std::optional<URL> file)
     : typeIdentifiers_(std::move(typeIdentifiers)), loader_(std::move(loader)),
-      suggestedName_(std::move(suggestedName)) {}
+      suggestedName_(std::move(suggestedName)), file_(std::move(file)) {}
 
 std::shared_ptr<NSItemProvider> NSItemProvider::ofFile(const URL& file) {
     const std::string name = file.lastPathComponent();
-    return providerOf(file, std::string(typeIdentifierOfName(name)), name);
+    return providerOf(file, std::string(typeIdentifierOfName(name)), name, file);
 }
 
 std::shared_ptr<NSItemProvider> NSItemProvider::ofImage(const UIImage& image) {

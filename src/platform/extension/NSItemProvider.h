@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -27,7 +28,8 @@ public:
     /// Makes the item for one of the registered type identifiers; runs on the loading queue and may block.
     using Loader = std::function<Result<Item>(const std::string& typeIdentifier)>;
 
-    NSItemProvider(std::vector<std::string> typeIdentifiers, Loader loader, std::string suggestedName = {});
+    NSItemProvider(std::vector<std::string> typeIdentifiers, Loader loader, std::string suggestedName = {},
+                   std::optional<URL> file = std::nullopt);
 
     /// A provider of a file's URL under the type of its name.
     static std::shared_ptr<NSItemProvider> ofFile(const URL& file);
@@ -47,6 +49,9 @@ public:
     /// The file's name; empty when it has none.
     const std::string& suggestedName() const { return suggestedName_; }
 
+    /// The file whose URL loading will yield; absent when that is not known before.
+    const std::optional<URL>& file() const { return file_; }
+
     /// Loads the item on the loading queue, one item of the process at a time and never on the main thread,
     /// and calls `completion` there, once: with the item, or with an error and no item.
     void loadItem(const std::string& typeIdentifier, CompletionHandler completion) const;
@@ -59,6 +64,7 @@ private:
     const std::vector<std::string> typeIdentifiers_;
     const Loader loader_;
     const std::string suggestedName_;
+    const std::optional<URL> file_;
 };
 
 } // namespace sela

@@ -30,6 +30,9 @@ std::function<void(const std::string&)>& redirectedSink() {
 /// Guarded by `sinkMutex`.
 bool isLogPrinted = true;
 
+/// The texts that this thread keeps back; null: it logs at once.
+thread_local std::vector<std::string>* heldTexts = nullptr;
+
 bool isHarmful(char32_t c) {
     const bool control = c < 0x20 || (c >= 0x7F && c <= 0x9F);
     const bool lineSeparator = c == 0x2028 || c == 0x2029;
@@ -91,6 +94,10 @@ std::string escapedForLog(std::string_view text) {
 }
 
 void NSLog(std::string_view text) {
+    if (heldTexts) {
+        heldTexts->emplace_back(text);
+        return;
+    }
     const std::string line = escapedForLog(text);
     const std::lock_guard lock(sinkMutex());
     if (redirectedSink()) {
@@ -118,6 +125,14 @@ void printToStandardError(std::string line) {
 void setLogPrinted(bool printed) {
     const std::lock_guard lock(sinkMutex());
     isLogPrinted = printed;
+}
+
+HeldLog::HeldLog() {
+    heldTexts = &texts_;
+}
+
+HeldLog::~HeldLog() {
+    heldTexts = nullptr;
 }
 
 LogRedirection::LogRedirection(std::function<void(const std::string&)> sink) {

@@ -3,6 +3,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace sela {
 
@@ -26,6 +27,22 @@ public:
     ~LogRedirection();
     LogRedirection(const LogRedirection&) = delete;
     LogRedirection& operator=(const LogRedirection&) = delete;
+};
+
+/// Keeps back what the thread that made it logs while it lives, so that it can be logged later, in its place
+/// among other lines. One at a time on a thread.
+class HeldLog {
+public:
+    HeldLog();
+    ~HeldLog();
+    HeldLog(const HeldLog&) = delete;
+    HeldLog& operator=(const HeldLog&) = delete;
+
+    /// The texts given to `NSLog` so far, unchanged.
+    const std::vector<std::string>& texts() const { return texts_; }
+
+private:
+    std::vector<std::string> texts_;
 };
 
 /// "true" or "false", as log lines print a Boolean.

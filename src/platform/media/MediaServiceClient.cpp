@@ -6,6 +6,7 @@
 #include "platform/media/MediaHelperProcess.h"
 #include "platform/media/SharedMemory.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
@@ -64,6 +65,42 @@ MediaServiceClient& MediaServiceClient::shared() {
     return client;
 }
 
+/// The assignment of a worker to one request, as long as it lives.
+class MediaServiceClient::Assignment {
+public:
+    /// Waits until one is idle, and takes the one that has the request's asset open, else the first.
+    Assignment(MediaServiceClient& client, const MediaRequest& request) : client_(client) {
+        auto& workers = isOfPictures(request.operation) ? client.pictureWorkers_ : client.videoWorkers_;
+        std::unique_lock lock(client.mutex_);
+        client.workerBecameIdle_.wait(lock, [&] { return std::ranges::any_of(workers, &Worker::isIdle); });
+        auto chosen = std::ranges::find_if(workers, [&](const Worker& worker) {
+            return worker.isIdle && request.asset != 0 && worker.asset == request.asset;
+        });
+        if (chosen == workers.end())
+            chosen = std::ranges::find_if(workers, &Worker::isIdle);
+        worker_ = &*chosen;
+        worker_->isIdle = false;
+        worker_->asset = request.asset;
+    }
+
+    ~Assignment() {
+        {
+            const std::lock_guard lock(client_.mutex_);
+            worker_->isIdle = true;
+        }
+        client_.workerBecameIdle_.notify_all();
+    }
+
+    Assignment(const Assignment&) = delete;
+    Assignment& operator=(const Assignment&) = delete;
+
+    Worker& worker() const { return *worker_; }
+
+private:
+    MediaServiceClient& client_;
+    Worker* worker_ = nullptr;
+};
+
 MediaServiceClient::MediaServiceClient(Options options) : options_(std::move(options)) {}
 
 MediaServiceClient::~MediaServiceClient() = default;
@@ -73,29 +110,29 @@ Result<MediaServiceClient::Answer> MediaServiceClient::perform(const std::string
     const auto file = FileManager::defaultManager().openRegularFile(path);
     if (!file)
         return file.error();
-    const std::lock_guard lock(mutex_);
-    if (request.asset != 0 && request.asset == costlyAsset_)
+    const Assignment assignment(*this, request);
+    Worker& worker = assignment.worker();
+    if (request.asset != 0 && request.asset == worker.costlyAsset)
         return helperWasReset();
     request.number = ++requests_;
-    return performLocked(file.value().descriptor.get(), request);
+    return perform(worker, file.value().descriptor.get(), request);
 }
 
 std::optional<pid_t> MediaServiceClient::helperProcessIdentifier(MediaOperation operation) const {
-    const std::lock_guard lock(mutex_);
-    const Helper& helper = isOfPictures(operation) ? pictureHelper_ : videoHelper_;
-    if (!helper)
+    const Worker& first = isOfPictures(operation) ? pictureWorkers_.front() : videoWorkers_.front();
+    if (!first.helper)
         return std::nullopt;
-    return helper->processIdentifier();
+    return first.helper->processIdentifier();
 }
 
-MediaServiceClient::Helper& MediaServiceClient::helperFor(MediaOperation operation) {
-    Helper& helper = isOfPictures(operation) ? pictureHelper_ : videoHelper_;
-    if (!helper)
-        helper = MediaHelperProcess::start(locateProgram(options_.programDirectory, programName(operation)));
-    return helper;
+bool MediaServiceClient::startHelper(Worker& worker, MediaOperation operation) const {
+    worker.helper =
+        MediaHelperProcess::start(locateProgram(options_.programDirectory, programName(operation)));
+    return worker.helper != nullptr;
 }
 
-Result<MediaServiceClient::Answer> MediaServiceClient::performLocked(int file, const MediaRequest& request) {
+Result<MediaServiceClient::Answer> MediaServiceClient::perform(Worker& worker, int file,
+                                                               const MediaRequest& request) const {
     std::vector<int> descriptors{file};
     std::optional<SharedMemory> memory;
     if (request.memorySize() > 0) {
@@ -108,19 +145,16 @@ Result<MediaServiceClient::Answer> MediaServiceClient::performLocked(int file, c
     const double factor = request.operation == MediaOperation::encodePicture ? encodingFactor : 1;
     const double deadline = monotonicSeconds() + factor * options_.timeLimit;
     const Data message = encode(request);
-    Helper& helper = helperFor(request.operation);
-    if (helper && !helper->send(message, descriptors)) {
-        // It ended between requests, so this file is not the cause.
-        helper.reset();
-        if (helperFor(request.operation))
-            helper->send(message, descriptors);
-    }
-    const auto packet = helper ? helper->receive(deadline) : std::nullopt;
+    const bool isSent = worker.helper && worker.helper->send(message, descriptors);
+    // One that ended between requests was not ended by this file.
+    if (!isSent && startHelper(worker, request.operation))
+        worker.helper->send(message, descriptors);
+    const auto packet = worker.helper ? worker.helper->receive(deadline) : std::nullopt;
     const auto response = packet ? decodeResponse(packet->bytes, request) : std::nullopt;
     if (!response) {
-        if (helper)
-            costlyAsset_ = request.asset;
-        helper.reset();
+        if (worker.helper)
+            worker.costlyAsset = request.asset;
+        worker.helper.reset();
         return helperWasReset();
     }
     if (response->status != MediaStatus::done)

@@ -4,6 +4,10 @@
 #include "platform/media/MediaMessages.h"
 #include "platform/media/UIImage.h"
 
+#include <array>
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -15,10 +19,11 @@ namespace sela {
 class MediaHelperProcess;
 class SharedMemory;
 
-/// Has pictures and videos decoded by helper processes, one for each kind of work, which are started on first
-/// need and kept. They run in a sandbox, so a file can at worst crash its helper: that is an error for the
-/// file, and the next request starts a new helper; a video that crashed its helper is not tried again under
-/// its asset's number. Thread-safe; one request is in flight at a time, others wait.
+/// Has pictures and videos decoded by helper processes, which are started on first need and kept: one for
+/// each kind of work, and a second one of the kind when two requests are in flight at the same time; further
+/// ones wait. They run in a sandbox, so a file can at worst crash its helper: that is an error for the file,
+/// and the next request starts a new helper; a video that crashed its helper is not tried again under its
+/// asset's number. Thread-safe, but for requests of one asset, which are to be made one after another.
 class MediaServiceClient {
 public:
     struct Options {
@@ -55,21 +60,29 @@ public:
     /// could not be started, ended, broke the rules or ran out of time. Blocks.
     Result<Answer> perform(const std::string& path, MediaRequest request);
 
-    /// The process that serves `operation`; absent while none runs.
+    /// The first process that serves `operation`; absent while it does not run. To be called while no request
+    /// is in flight.
     std::optional<pid_t> helperProcessIdentifier(MediaOperation operation) const;
 
 private:
-    using Helper = std::unique_ptr<MediaHelperProcess>;
+    /// A helper, used by one request at a time.
+    struct Worker {
+        std::unique_ptr<MediaHelperProcess> helper; ///< null while none runs
+        std::uint32_t asset = 0;                    ///< that of the last request; 0: none
+        std::uint32_t costlyAsset = 0; ///< the last one whose request the helper did not answer; 0: none
+        bool isIdle = true;
+    };
+    class Assignment;
 
-    Helper& helperFor(MediaOperation operation);
-    Result<Answer> performLocked(int file, const MediaRequest& request);
+    bool startHelper(Worker& worker, MediaOperation operation) const;
+    Result<Answer> perform(Worker& worker, int file, const MediaRequest& request) const;
 
     const Options options_;
-    mutable std::mutex mutex_;
-    Helper pictureHelper_;
-    Helper videoHelper_;
-    std::uint32_t requests_ = 0;
-    std::uint32_t costlyAsset_ = 0; ///< the last asset whose request the helper did not answer; 0: none
+    std::mutex mutex_; ///< guards which workers are idle, and the asset of each
+    std::condition_variable workerBecameIdle_;
+    std::array<Worker, 2> pictureWorkers_;
+    std::array<Worker, 2> videoWorkers_;
+    std::atomic<std::uint32_t> requests_ = 0;
 };
 
 } // namespace sela

@@ -1,0 +1,50 @@
+#include "share/ThumbnailsAhead.h"
+
+#include "platform/foundation/NSLog.h"
+#include "support/LogCapture.h"
+
+#include <chrono>
+#include <future>
+#include <gmock/gmock.h>
+#include <string>
+#include <thread>
+
+namespace sela {
+namespace {
+
+/// A picture of that width, done once `mayEnd` is ready; absent when that takes half a minute.
+ThumbnailsAhead::Maker maker(int width, std::promise<void>& begun, std::shared_future<void> mayEnd) {
+    return [width, &begun, mayEnd]() -> std::optional<UIImage> {
+        NSLog("making " + std::to_string(width));
+        begun.set_value();
+        if (mayEnd.wait_for(std::chrono::seconds(30)) != std::future_status::ready)
+            return std::nullopt;
+        return UIImage::fromPixels({width, 1, std::vector<std::uint8_t>(4U * static_cast<unsigned>(width))});
+    };
+}
+
+TEST(ThumbnailsAhead, TwoAreMadeAtOnceAndTakenWithTheirLinesInTheOrderOfTheWalk) {
+    if (std::thread::hardware_concurrency() < 2)
+        GTEST_SKIP() << "one processor";
+    LogCapture log;
+    ThumbnailsAhead ahead;
+    std::promise<void> begun[3];
+    const std::shared_future<void> firstBegan = begun[0].get_future();
+    const std::shared_future<void> secondBegan = begun[1].get_future();
+    // The first can end only when another thread makes the second meanwhile.
+    ahead.add(1, maker(1, begun[0], secondBegan));
+    ahead.add(2, maker(2, begun[1], firstBegan));
+    ahead.add(3, maker(3, begun[2], firstBegan));
+    for (int place = 1; place <= 3; ++place) {
+        ASSERT_TRUE(ahead.has(place));
+        const std::optional<UIImage> image = ahead.take(place);
+        ASSERT_TRUE(image) << place;
+        EXPECT_EQ(image->width(), place);
+        EXPECT_FALSE(ahead.has(place));
+        EXPECT_EQ(log.lines().size(), static_cast<std::size_t>(place));
+        EXPECT_EQ(log.lines().back(), "making " + std::to_string(place));
+    }
+}
+
+} // namespace
+} // namespace sela
