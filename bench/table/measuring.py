@@ -127,14 +127,14 @@ class Bench:
                 for results in taken]
 
     def google(self, program):
-        """The median real time, in milliseconds, of each benchmark of a program, by its name."""
+        """The median real time, in milliseconds, of each benchmark of a program, by its name and arguments."""
         output = subprocess.run(
             # A single repetition has no median.
             [self.bin / program, "--benchmark_format=json", f"--benchmark_repetitions={max(self.runs, 2)}",
              "--benchmark_report_aggregates_only=true"],
             env=self.environment, check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True).stdout
         scale = {"ns": 1e-6, "us": 1e-3, "ms": 1, "s": 1e3}
-        return {re.sub(r"/(iterations:\d+|process_time|real_time)", "", benchmark["run_name"]):
+        return {re.sub(r"/(iterations:\d+|process_time|real_time)|(?<=/)\w+:", "", benchmark["run_name"]):
                 benchmark["real_time"] * scale[benchmark["time_unit"]]
                 for benchmark in json.loads(output)["benchmarks"] if benchmark["aggregate_name"] == "median"}
 
