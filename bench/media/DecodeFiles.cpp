@@ -6,13 +6,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <span>
 #include <string>
 #include <string_view>
 
 // Decodes files as the share screen does and prints the time and memory that took: the program that `run`
 // measures.
 //
-//     decode-files picture|cover SIDE [--write FILE.jpg] FILE...
+//     decode-files picture|cover SIDE [--write FILE.pam] FILE...
 
 namespace {
 
@@ -75,8 +76,11 @@ int main(int count, char** arguments) {
         std::printf("%s: %ux%u at %.3f s, %u frames decoded, %.0f ms\n", arguments[i], response.width,
                     response.height, response.time.seconds(), response.framesDecoded, milliseconds);
         if (!output.empty()) {
-            const auto jpeg = UIImage::fromPixels(std::move(answer.value().pixels)).jpegData(0.9);
-            std::ofstream(output, std::ios::binary) << (jpeg ? asText(jpeg->bytes()) : "");
+            const PixelBuffer& pixels = answer.value().pixels;
+            std::ofstream(output, std::ios::binary)
+                << "P7\nWIDTH " << pixels.width << "\nHEIGHT " << pixels.height
+                << "\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n"
+                << asText(std::as_bytes(std::span(pixels.bytes)));
         }
     }
     const auto helper = MediaServiceClient::shared().helperProcessIdentifier(

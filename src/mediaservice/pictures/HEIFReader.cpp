@@ -4,7 +4,6 @@
 #include "mediaservice/pictures/HEIFReferences.h"
 #include "mediaservice/pictures/Premultiplication.h"
 #include "mediaservice/pictures/ToneMapping.h"
-#include "mediaservice/pictures/YCbCrConversion.h"
 
 #include <algorithm>
 #include <array>
@@ -126,12 +125,14 @@ std::vector<Handle> thumbnailsOf(const Handle& main) {
     return thumbnails;
 }
 
-Image decode(const Handle& handle, heif_colorspace space, heif_chroma chroma) {
+/// In planes of red, green and blue: the form in which the library has a picture before it makes any other of
+/// it, luma and colour differences included.
+Image decode(const Handle& handle) {
     const Options options(heif_decoding_options_alloc());
     options->strict_decoding = 1;
-    options->convert_hdr_to_8bit = space == heif_colorspace_RGB;
     heif_image* image = nullptr;
-    if (heif_decode_image(handle.get(), &image, space, chroma, options.get()).code != heif_error_Ok)
+    if (heif_decode_image(handle.get(), &image, heif_colorspace_RGB, heif_chroma_444, options.get()).code !=
+        heif_error_Ok)
         return nullptr;
     return Image(image);
 }
@@ -142,7 +143,7 @@ ColourCoding colourCoding(const Handle& handle, const heif_image* image) {
     heif_color_profile_nclx* coding = nullptr;
     if (heif_image_handle_get_nclx_color_profile(handle.get(), &coding).code == heif_error_Ok)
         return ColourCoding(coding);
-    if (image && heif_image_get_nclx_color_profile(image, &coding).code == heif_error_Ok)
+    if (heif_image_get_nclx_color_profile(image, &coding).code == heif_error_Ok)
         return ColourCoding(coding);
     return nullptr;
 }
@@ -155,21 +156,22 @@ public:
           bits_(heif_image_get_bits_per_pixel_range(image, channel)),
           samples_(heif_image_get_plane_readonly(image, channel, &stride_)) {}
 
-    bool exists() const { return samples_ && width_ > 0 && height_ > 0 && bits_ >= 8 && bits_ <= 16; }
+    /// Whether it is one of a picture of that size, with samples that can be read.
+    bool existsIn(PictureSize picture) const {
+        return samples_ && size() == picture && width_ > 0 && height_ > 0 && bits_ >= 8 && bits_ <= 16;
+    }
 
-    /// Writes row `y` of a picture of that size into every fourth byte of `out`, stretched to its pixels.
-    void copyRow(int y, PictureSize full, std::uint8_t* out) const {
-        const int row = std::min(static_cast<int>(std::int64_t{y} * height_ / full.height), height_ - 1);
-        const std::uint8_t* samples = samples_ + static_cast<std::ptrdiff_t>(row) * stride_;
-        const int shift = width_ < full.width ? 1 : 0;
+    /// Writes row `y` into every fourth byte of `out`.
+    void copyRow(int y, std::uint8_t* out) const {
+        const std::uint8_t* samples = samples_ + static_cast<std::ptrdiff_t>(y) * stride_;
         if (bits_ == 8) {
-            for (int x = 0; x < full.width; ++x, out += 4)
-                *out = samples[std::min(x >> shift, width_ - 1)];
+            for (int x = 0; x < width_; ++x)
+                out[4 * x] = samples[x];
             return;
         }
         const auto* wide = reinterpret_cast<const std::uint16_t*>(samples);
-        for (int x = 0; x < full.width; ++x, out += 4)
-            *out = static_cast<std::uint8_t>(wide[std::min(x >> shift, width_ - 1)] >> (bits_ - 8));
+        for (int x = 0; x < width_; ++x)
+            out[4 * x] = static_cast<std::uint8_t>(wide[x] >> (bits_ - 8));
     }
 
     PictureSize size() const { return {width_, height_}; }
@@ -200,75 +202,37 @@ Data profileOf(const Handle& handle) {
     return profile;
 }
 
-/// From luma and colour differences to sRGB, by the coding that the file specifies (null: that of JPEG), and
-/// by the profile unless that coding is of a high dynamic range.
+/// To sRGB: from the high dynamic range that the file states, else by the profile.
 PixelConversion conversion(const heif_color_profile_nclx* coding, const Data& profile) {
-    const int matrix = coding ? static_cast<int>(coding->matrix_coefficients) : 6;
-    const bool fullRange = !coding || coding->full_range_flag;
     const auto hdr = coding ? HDRColours::of(static_cast<int>(coding->transfer_characteristics),
                                              static_cast<int>(coding->color_primaries))
                             : std::nullopt;
-    if (!hdr)
-        return [=, byProfile = conversionToSRGB(PixelColours::rgb, profile)](std::span<std::uint8_t> pixels) {
-            convertYCbCr(pixels, matrix, fullRange);
-            if (byProfile)
-                byProfile(pixels);
-        };
-    return [=, mapping = ToneMapping(*hdr)](std::span<std::uint8_t> pixels) {
-        convertYCbCr(pixels, matrix, fullRange);
-        mapping.convert(pixels);
-    };
+    return hdr ? conversionToSRGB(*hdr) : conversionToSRGB(PixelColours::rgb, profile);
 }
 
-/// Passes the planes on as they are, to be converted to RGB when they are scaled: half the memory and less
-/// time than a full-size RGB picture.
+/// Passes the planes on row by row, without making another full-size picture of them.
 bool readPlanes(const Handle& handle, const Destination& destination) {
-    // Requested in the format that nearly every encoder stores, so that the library converts nothing.
-    const Image image = decode(handle, heif_colorspace_YCbCr, heif_chroma_420);
+    const Image image = decode(handle);
     if (!image)
         return false;
-    const Plane luma(image.get(), heif_channel_Y);
-    const Plane blue(image.get(), heif_channel_Cb);
-    const Plane red(image.get(), heif_channel_Cr);
-    if (!luma.exists() || luma.size() != destination.onlyOfSize.value_or(luma.size()))
+    const std::array colours{Plane(image.get(), heif_channel_R), Plane(image.get(), heif_channel_G),
+                             Plane(image.get(), heif_channel_B)};
+    const PictureSize size = colours[0].size();
+    if (size != destination.onlyOfSize.value_or(size) ||
+        !std::ranges::all_of(colours, [=](const Plane& plane) { return plane.existsIn(size); }))
         return false;
-    const PictureSize size = luma.size();
+    const Plane alpha(image.get(), heif_channel_Alpha);
+    const bool isOpaque = !alpha.existsIn(size); // one of another size is left out
+    const bool isPremultiplied = isOpaque || heif_image_handle_is_premultiplied_alpha(handle.get());
     const ColourCoding coding = colourCoding(handle, image.get());
     destination.target.begin(PictureRows::of(size, conversion(coding.get(), destination.profile)));
-    std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width));
-    for (std::size_t i = 0; i < row.size(); i += 4) {
-        row[i + 1] = row[i + 2] = 128;
-        row[i + 3] = 255;
-    }
+    std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width), 255);
     for (int y = 0; y < size.height; ++y) {
-        luma.copyRow(y, size, row.data());
-        if (blue.exists() && red.exists()) {
-            blue.copyRow(y, size, row.data() + 1);
-            red.copyRow(y, size, row.data() + 2);
-        }
-        destination.target.addRow(row.data());
-    }
-    return true;
-}
-
-/// Lets the library convert rare kinds of pictures to RGB.
-bool readInterleaved(const Handle& handle, const Destination& destination) {
-    const Image image = decode(handle, heif_colorspace_RGB, heif_chroma_interleaved_RGBA);
-    int stride = 0;
-    const std::uint8_t* rows =
-        image ? heif_image_get_plane_readonly(image.get(), heif_channel_interleaved, &stride) : nullptr;
-    if (!rows)
-        return false;
-    const PictureSize size{heif_image_get_width(image.get(), heif_channel_interleaved),
-                           heif_image_get_height(image.get(), heif_channel_interleaved)};
-    if (size != destination.onlyOfSize.value_or(size))
-        return false;
-    const bool premultiplied = heif_image_handle_is_premultiplied_alpha(handle.get());
-    destination.target.begin(PictureRows::of(size, conversionToSRGB(PixelColours::rgb, destination.profile)));
-    std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width));
-    for (int y = 0; y < size.height; ++y) {
-        std::copy_n(rows + static_cast<std::ptrdiff_t>(y) * stride, row.size(), row.begin());
-        if (!premultiplied)
+        for (std::size_t i = 0; i < colours.size(); ++i)
+            colours[i].copyRow(y, row.data() + i);
+        if (!isOpaque)
+            alpha.copyRow(y, row.data() + 3);
+        if (!isPremultiplied)
             premultiply(row);
         destination.target.addRow(row.data());
     }
@@ -277,16 +241,13 @@ bool readInterleaved(const Handle& handle, const Destination& destination) {
 
 /// False when it cannot be decoded or is too large.
 bool readImage(const Handle& handle, const Destination& destination) {
-    constexpr auto identityMatrix = heif_matrix_coefficients_RGB_GBR;
-    const ColourCoding coding = colourCoding(handle, nullptr);
-    const bool rare = heif_image_handle_has_alpha_channel(handle.get()) ||
-                      (coding && coding->matrix_coefficients == identityMatrix);
-    const bool plain = !rare && heif_image_handle_get_luma_bits_per_pixel(handle.get()) == 8;
+    const bool plain = !heif_image_handle_has_alpha_channel(handle.get()) &&
+                       heif_image_handle_get_luma_bits_per_pixel(handle.get()) == 8;
     const PictureSize size = sizeOf(handle);
     if (std::int64_t{size.width} * size.height >
         (plain && destination.nothingElseServes ? mostPlainPixels : mostDecodedPixels))
         return false;
-    return (!rare && readPlanes(handle, destination)) || readInterleaved(handle, destination);
+    return readPlanes(handle, destination);
 }
 
 bool readThumbnail(const Handle& thumbnail, const Handle& main, PictureTarget& target) {
