@@ -26,8 +26,8 @@ namespace sela {
 /// Made and used on the main thread, and held by a `std::shared_ptr`. Its two walks hold it weakly from step
 /// to step and end silently when it is destroyed or the request is cancelled; a running copy is finished. A
 /// walk goes on on the thread on which its last step ended; its results are posted to the main queue, the
-/// only place where `saveRun` changes. One load or save is in flight at a time; while one file's thumbnail is
-/// made, those of the next are made ahead.
+/// only place where `saveRun` changes. One load or save is in flight at a time; thumbnails of files that will
+/// be loaded next may be made meanwhile (`ThumbnailsAhead`).
 class AttachmentIntake : public std::enable_shared_from_this<AttachmentIntake> {
 public:
     using Completion = std::function<void(const ErrorRef&)>;

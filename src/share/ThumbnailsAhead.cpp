@@ -7,8 +7,8 @@
 #include <chrono>
 #include <fstream>
 #include <future>
+#include <sched.h>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -28,8 +28,9 @@ std::int64_t availableMemory() {
     return 0;
 }
 
-bool canDecodeTwo() {
-    return std::thread::hardware_concurrency() > 1 && availableMemory() >= memoryOfTwoDecoders;
+int availableProcessors() {
+    cpu_set_t processors;
+    return ::sched_getaffinity(0, sizeof processors, &processors) == 0 ? CPU_COUNT(&processors) : 1;
 }
 
 /// Never destroyed, since a thumbnail may still be made when main ends.
@@ -39,6 +40,10 @@ ThreadPoolQueue& makingQueue() {
 }
 
 } // namespace
+
+bool ThumbnailsAhead::canMakeTwo() {
+    return availableProcessors() > 1 && availableMemory() >= memoryOfTwoDecoders;
+}
 
 struct ThumbnailsAhead::Thumbnail {
     explicit Thumbnail(Maker maker) : make(std::move(maker)) {}
@@ -63,8 +68,11 @@ struct ThumbnailsAhead::Thumbnail {
 void ThumbnailsAhead::add(std::int64_t place, Maker make) {
     const auto thumbnail = std::make_shared<Thumbnail>(std::move(make));
     places_[place] = thumbnail;
-    if (canDecodeTwo())
-        makingQueue().async([thumbnail] { thumbnail->begin(); });
+    if (canMakeTwo())
+        makingQueue().async([weak = std::weak_ptr(thumbnail)] {
+            if (const std::shared_ptr<Thumbnail> wanted = weak.lock())
+                wanted->begin();
+        });
 }
 
 std::optional<UIImage> ThumbnailsAhead::take(std::int64_t place) {

@@ -19,15 +19,19 @@ public:
     /// Makes a thumbnail; absent when there is none. Runs on any thread, once.
     using Maker = std::function<std::optional<UIImage>()>;
 
+    /// Whether two are made at once: there is a second processor, and memory for two decoders.
+    static bool canMakeTwo();
+
     /// Whether that place has a thumbnail to take.
     bool has(std::int64_t place) const { return places_.contains(place); }
 
-    /// Puts a thumbnail in a place that has none. It is made on a thread of its own, after those added
-    /// before, where a second processor and the memory for a second decoder are there; else when it is taken.
+    /// Puts a thumbnail in a place that has none. Where two can be made at once, a thread for all of them
+    /// makes it, after those added before. At the latest it is made when it is taken, and not at all once
+    /// this object is gone.
     void add(std::int64_t place, Maker make);
 
     /// The thumbnail of a place that has one, which has none from then on. While it is being made elsewhere,
-    /// this thread makes those of the places that follow.
+    /// this thread makes those of the places that follow, so it may take as long as two of them.
     std::optional<UIImage> take(std::int64_t place);
 
 private:

@@ -6,17 +6,18 @@
 #include <chrono>
 #include <future>
 #include <gmock/gmock.h>
+#include <memory>
 #include <string>
-#include <thread>
 
 namespace sela {
 namespace {
 
 /// A picture of that width, done once `mayEnd` is ready; absent when that takes half a minute.
-ThumbnailsAhead::Maker maker(int width, std::promise<void>& begun, std::shared_future<void> mayEnd) {
-    return [width, &begun, mayEnd]() -> std::optional<UIImage> {
+ThumbnailsAhead::Maker maker(int width, std::shared_ptr<std::promise<void>> begun,
+                             std::shared_future<void> mayEnd) {
+    return [=]() -> std::optional<UIImage> {
         NSLog("making " + std::to_string(width));
-        begun.set_value();
+        begun->set_value();
         if (mayEnd.wait_for(std::chrono::seconds(30)) != std::future_status::ready)
             return std::nullopt;
         return UIImage::fromPixels({width, 1, std::vector<std::uint8_t>(4U * static_cast<unsigned>(width))});
@@ -24,17 +25,18 @@ ThumbnailsAhead::Maker maker(int width, std::promise<void>& begun, std::shared_f
 }
 
 TEST(ThumbnailsAhead, TwoAreMadeAtOnceAndTakenWithTheirLinesInTheOrderOfTheWalk) {
-    if (std::thread::hardware_concurrency() < 2)
-        GTEST_SKIP() << "one processor";
+    if (!ThumbnailsAhead::canMakeTwo())
+        GTEST_SKIP() << "one processor, or little memory";
     LogCapture log;
     ThumbnailsAhead ahead;
-    std::promise<void> begun[3];
-    const std::shared_future<void> firstBegan = begun[0].get_future();
-    const std::shared_future<void> secondBegan = begun[1].get_future();
+    const auto first = std::make_shared<std::promise<void>>();
+    const auto second = std::make_shared<std::promise<void>>();
+    const std::shared_future<void> firstBegan = first->get_future();
+    const std::shared_future<void> secondBegan = second->get_future();
     // The first can end only when another thread makes the second meanwhile.
-    ahead.add(1, maker(1, begun[0], secondBegan));
-    ahead.add(2, maker(2, begun[1], firstBegan));
-    ahead.add(3, maker(3, begun[2], firstBegan));
+    ahead.add(1, maker(1, first, secondBegan));
+    ahead.add(2, maker(2, second, firstBegan));
+    ahead.add(3, maker(3, std::make_shared<std::promise<void>>(), firstBegan));
     for (int place = 1; place <= 3; ++place) {
         ASSERT_TRUE(ahead.has(place));
         const std::optional<UIImage> image = ahead.take(place);

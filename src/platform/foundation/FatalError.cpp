@@ -21,6 +21,7 @@ std::string_view pathInProject(std::string_view file) {
 } // namespace
 
 void fatalError(std::string_view message, SourceLocation place) {
+    HeldLog::release();
     NSLog(std::string(message));
     NSLog("Fatal error at " + std::string(pathInProject(place.file)) + ":" + std::to_string(place.line));
     std::abort();

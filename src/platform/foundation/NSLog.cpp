@@ -131,6 +131,12 @@ HeldLog::HeldLog() {
     heldTexts = &texts_;
 }
 
+void HeldLog::release() {
+    if (const std::vector<std::string>* const texts = std::exchange(heldTexts, nullptr))
+        for (const std::string& text : *texts)
+            NSLog(text);
+}
+
 HeldLog::~HeldLog() {
     heldTexts = nullptr;
 }

@@ -41,6 +41,10 @@ public:
     /// The texts given to `NSLog` so far, unchanged.
     const std::vector<std::string>& texts() const { return texts_; }
 
+    /// Logs what this thread keeps back, if anything, and keeps nothing more back: for a process that is
+    /// about to stop.
+    static void release();
+
 private:
     std::vector<std::string> texts_;
 };

@@ -111,11 +111,10 @@ Result<MediaServiceClient::Answer> MediaServiceClient::perform(const std::string
     if (!file)
         return file.error();
     const Assignment assignment(*this, request);
-    Worker& worker = assignment.worker();
-    if (request.asset != 0 && request.asset == worker.costlyAsset)
+    if (isCostly(request.asset))
         return helperWasReset();
     request.number = ++requests_;
-    return perform(worker, file.value().descriptor.get(), request);
+    return perform(assignment.worker(), file.value().descriptor.get(), request);
 }
 
 std::optional<pid_t> MediaServiceClient::helperProcessIdentifier(MediaOperation operation) const {
@@ -125,6 +124,11 @@ std::optional<pid_t> MediaServiceClient::helperProcessIdentifier(MediaOperation 
     return first.helper->processIdentifier();
 }
 
+bool MediaServiceClient::isCostly(std::uint32_t asset) {
+    const std::lock_guard lock(mutex_);
+    return costlyAssets_.contains(asset);
+}
+
 bool MediaServiceClient::startHelper(Worker& worker, MediaOperation operation) const {
     worker.helper =
         MediaHelperProcess::start(locateProgram(options_.programDirectory, programName(operation)));
@@ -132,7 +136,7 @@ bool MediaServiceClient::startHelper(Worker& worker, MediaOperation operation) c
 }
 
 Result<MediaServiceClient::Answer> MediaServiceClient::perform(Worker& worker, int file,
-                                                               const MediaRequest& request) const {
+                                                               const MediaRequest& request) {
     std::vector<int> descriptors{file};
     std::optional<SharedMemory> memory;
     if (request.memorySize() > 0) {
@@ -152,9 +156,10 @@ Result<MediaServiceClient::Answer> MediaServiceClient::perform(Worker& worker, i
     const auto packet = worker.helper ? worker.helper->receive(deadline) : std::nullopt;
     const auto response = packet ? decodeResponse(packet->bytes, request) : std::nullopt;
     if (!response) {
-        if (worker.helper)
-            worker.costlyAsset = request.asset;
-        worker.helper.reset();
+        if (std::exchange(worker.helper, nullptr) && request.asset != 0) {
+            const std::lock_guard lock(mutex_);
+            costlyAssets_.insert(request.asset);
+        }
         return helperWasReset();
     }
     if (response->status != MediaStatus::done)

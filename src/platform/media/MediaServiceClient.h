@@ -11,6 +11,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <sys/types.h>
 
@@ -23,7 +24,7 @@ class SharedMemory;
 /// each kind of work, and a second one of the kind when two requests are in flight at the same time; further
 /// ones wait. They run in a sandbox, so a file can at worst crash its helper: that is an error for the file,
 /// and the next request starts a new helper; a video that crashed its helper is not tried again under its
-/// asset's number. Thread-safe, but for requests of one asset, which are to be made one after another.
+/// asset's number. Thread-safe.
 class MediaServiceClient {
 public:
     struct Options {
@@ -69,19 +70,20 @@ private:
     struct Worker {
         std::unique_ptr<MediaHelperProcess> helper; ///< null while none runs
         std::uint32_t asset = 0;                    ///< that of the last request; 0: none
-        std::uint32_t costlyAsset = 0; ///< the last one whose request the helper did not answer; 0: none
         bool isIdle = true;
     };
     class Assignment;
 
+    bool isCostly(std::uint32_t asset);
     bool startHelper(Worker& worker, MediaOperation operation) const;
-    Result<Answer> perform(Worker& worker, int file, const MediaRequest& request) const;
+    Result<Answer> perform(Worker& worker, int file, const MediaRequest& request);
 
     const Options options_;
-    std::mutex mutex_; ///< guards which workers are idle, and the asset of each
+    std::mutex mutex_; ///< guards which workers are idle, the asset of each, and the costly assets
     std::condition_variable workerBecameIdle_;
     std::array<Worker, 2> pictureWorkers_;
     std::array<Worker, 2> videoWorkers_;
+    std::set<std::uint32_t> costlyAssets_; ///< those of which a request was not answered
     std::atomic<std::uint32_t> requests_ = 0;
 };
 

@@ -1,5 +1,8 @@
 #include "platform/foundation/Error.h"
 
+#include "platform/foundation/FatalError.h"
+#include "platform/foundation/NSLog.h"
+
 #include <cerrno>
 #include <gtest/gtest.h>
 
@@ -9,6 +12,16 @@ namespace {
 TEST(ResultDeathTest, AskingAFailedResultForItsValueStopsTheProcessAtThatPlace) {
     const Result<int> failed = NSError::posix(EIO, "photo.jpg");
     EXPECT_DEATH((void)failed.value(), "photo.jpg: Input/output error(.|\n)*Error_test.cpp:");
+}
+
+TEST(FatalErrorDeathTest, TellsWhatWasHeldBack) {
+    EXPECT_DEATH(
+        {
+            const HeldLog held;
+            NSLog("held back");
+            fatalError("broken");
+        },
+        "held back\nbroken\nFatal error at ");
 }
 
 } // namespace

@@ -99,6 +99,9 @@ TEST_F(MediaServiceClientTest, AVideoThatCostItsHelperIsNotTriedAgain) {
     EXPECT_FALSE(client.helperProcessIdentifier(MediaOperation::decodePicture));
     request.asset = 8;
     EXPECT_TRUE(client.perform(file("behave"), request));
+    EXPECT_FALSE(client.perform(file("hang"), request));
+    for (request.asset = 7; request.asset <= 8; ++request.asset)
+        EXPECT_FALSE(client.perform(file("behave"), request)) << request.asset;
 }
 
 TEST_F(MediaServiceClientTest, TheHelpersAreLimitedAndEveryThreadIsInTheSandbox) {
