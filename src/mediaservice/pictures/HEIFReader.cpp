@@ -4,6 +4,7 @@
 #include "mediaservice/pictures/HEIFReferences.h"
 #include "mediaservice/pictures/Premultiplication.h"
 #include "mediaservice/pictures/ToneMapping.h"
+#include "mediaservice/pictures/YCbCrConversion.h"
 
 #include <algorithm>
 #include <array>
@@ -18,8 +19,9 @@ namespace sela {
 namespace {
 
 // The most pixels that are decoded: with more, a picture may not fit into the memory that a helper gets (one
-// of 8 bits takes 4.5 bytes a pixel, a deeper one twice as much). The largest sensors of phones have 200
-// megapixels, which take longer than anybody should wait where a thumbnail serves.
+// of 8 bits takes 4.5 bytes a pixel, a deeper one twice as much; finer colour and transparency more). The
+// largest sensors of phones have 200 megapixels, which take longer than anybody should wait where a thumbnail
+// serves.
 constexpr std::int64_t mostDecodedPixels = std::int64_t{144} * 1000 * 1000;
 constexpr std::int64_t mostPlainPixels = std::int64_t{200} * 1000 * 1000; ///< 8 bits, opaque, no thumbnail
 
@@ -125,14 +127,20 @@ std::vector<Handle> thumbnailsOf(const Handle& main) {
     return thumbnails;
 }
 
-/// In planes of red, green and blue: the form in which the library has a picture before it makes any other of
-/// it, luma and colour differences included.
-Image decode(const Handle& handle) {
+/// The form in which the library gives a picture, always in planes.
+enum class Form {
+    cheapest, ///< as it is coded, or in red, green and blue where a library has it in no other form
+    rgb,
+};
+
+Image decode(const Handle& handle, Form form) {
     const Options options(heif_decoding_options_alloc());
     options->strict_decoding = 1;
+    const bool isRGB = form == Form::rgb;
     heif_image* image = nullptr;
-    if (heif_decode_image(handle.get(), &image, heif_colorspace_RGB, heif_chroma_444, options.get()).code !=
-        heif_error_Ok)
+    if (heif_decode_image(handle.get(), &image, isRGB ? heif_colorspace_RGB : heif_colorspace_undefined,
+                          isRGB ? heif_chroma_444 : heif_chroma_undefined, options.get())
+            .code != heif_error_Ok)
         return nullptr;
     return Image(image);
 }
@@ -143,7 +151,7 @@ ColourCoding colourCoding(const Handle& handle, const heif_image* image) {
     heif_color_profile_nclx* coding = nullptr;
     if (heif_image_handle_get_nclx_color_profile(handle.get(), &coding).code == heif_error_Ok)
         return ColourCoding(coding);
-    if (heif_image_get_nclx_color_profile(image, &coding).code == heif_error_Ok)
+    if (image && heif_image_get_nclx_color_profile(image, &coding).code == heif_error_Ok)
         return ColourCoding(coding);
     return nullptr;
 }
@@ -156,22 +164,22 @@ public:
           bits_(heif_image_get_bits_per_pixel_range(image, channel)),
           samples_(heif_image_get_plane_readonly(image, channel, &stride_)) {}
 
-    /// Whether it is one of a picture of that size, with samples that can be read.
-    bool existsIn(PictureSize picture) const {
-        return samples_ && size() == picture && width_ > 0 && height_ > 0 && bits_ >= 8 && bits_ <= 16;
-    }
+    bool exists() const { return samples_ && width_ > 0 && height_ > 0 && bits_ >= 8 && bits_ <= 16; }
 
-    /// Writes row `y` into every fourth byte of `out`.
-    void copyRow(int y, std::uint8_t* out) const {
-        const std::uint8_t* samples = samples_ + static_cast<std::ptrdiff_t>(y) * stride_;
+    /// Writes row `y` of a picture of that size into every fourth byte of `out`; a plane of fewer columns or
+    /// rows is stretched.
+    void copyRow(int y, PictureSize full, std::uint8_t* out) const {
+        const int row = std::min(static_cast<int>(std::int64_t{y} * height_ / full.height), height_ - 1);
+        const std::uint8_t* samples = samples_ + static_cast<std::ptrdiff_t>(row) * stride_;
+        const int shift = width_ < full.width ? 1 : 0;
         if (bits_ == 8) {
-            for (int x = 0; x < width_; ++x)
-                out[4 * x] = samples[x];
+            for (int x = 0; x < full.width; ++x, out += 4)
+                *out = samples[std::min(x >> shift, width_ - 1)];
             return;
         }
         const auto* wide = reinterpret_cast<const std::uint16_t*>(samples);
-        for (int x = 0; x < width_; ++x)
-            out[4 * x] = static_cast<std::uint8_t>(wide[x] >> (bits_ - 8));
+        for (int x = 0; x < full.width; ++x, out += 4)
+            *out = static_cast<std::uint8_t>(wide[std::min(x >> shift, width_ - 1)] >> (bits_ - 8));
     }
 
     PictureSize size() const { return {width_, height_}; }
@@ -202,36 +210,50 @@ Data profileOf(const Handle& handle) {
     return profile;
 }
 
-/// To sRGB: from the high dynamic range that the file states, else by the profile.
-PixelConversion conversion(const heif_color_profile_nclx* coding, const Data& profile) {
+/// To sRGB by the coding that the file states (null: that of JPEG): from the high dynamic range in it, else
+/// by the profile.
+PixelConversion conversion(bool isRGB, const heif_color_profile_nclx* coding, const Data& profile) {
     const auto hdr = coding ? HDRColours::of(static_cast<int>(coding->transfer_characteristics),
                                              static_cast<int>(coding->color_primaries))
                             : std::nullopt;
-    return hdr ? conversionToSRGB(*hdr) : conversionToSRGB(PixelColours::rgb, profile);
+    PixelConversion fromRGB = hdr ? conversionToSRGB(*hdr) : conversionToSRGB(PixelColours::rgb, profile);
+    if (isRGB)
+        return fromRGB;
+    const int matrix = coding ? static_cast<int>(coding->matrix_coefficients) : 6;
+    const bool fullRange = !coding || coding->full_range_flag;
+    return [=](std::span<std::uint8_t> pixels) {
+        convertYCbCr(pixels, matrix, fullRange);
+        if (fromRGB)
+            fromRGB(pixels);
+    };
 }
 
 /// Passes the planes on row by row, without making another full-size picture of them.
-bool readPlanes(const Handle& handle, const Destination& destination) {
-    const Image image = decode(handle);
+bool readPlanes(const Handle& handle, Form form, const Destination& destination) {
+    const Image image = decode(handle, form);
     if (!image)
         return false;
-    const std::array colours{Plane(image.get(), heif_channel_R), Plane(image.get(), heif_channel_G),
-                             Plane(image.get(), heif_channel_B)};
-    const PictureSize size = colours[0].size();
-    if (size != destination.onlyOfSize.value_or(size) ||
-        !std::ranges::all_of(colours, [=](const Plane& plane) { return plane.existsIn(size); }))
+    const bool isRGB = heif_image_get_colorspace(image.get()) == heif_colorspace_RGB;
+    const auto plane = [&](heif_channel rgb, heif_channel coded) {
+        return Plane(image.get(), isRGB ? rgb : coded);
+    };
+    const std::array planes{plane(heif_channel_R, heif_channel_Y), plane(heif_channel_G, heif_channel_Cb),
+                            plane(heif_channel_B, heif_channel_Cr), Plane(image.get(), heif_channel_Alpha)};
+    const PictureSize size = planes[0].size();
+    if (!planes[0].exists() || size != destination.onlyOfSize.value_or(size))
         return false;
-    const Plane alpha(image.get(), heif_channel_Alpha);
-    const bool isOpaque = !alpha.existsIn(size); // one of another size is left out
-    const bool isPremultiplied = isOpaque || heif_image_handle_is_premultiplied_alpha(handle.get());
+    const bool isPremultiplied =
+        !planes[3].exists() || heif_image_handle_is_premultiplied_alpha(handle.get());
     const ColourCoding coding = colourCoding(handle, image.get());
-    destination.target.begin(PictureRows::of(size, conversion(coding.get(), destination.profile)));
-    std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width), 255);
+    destination.target.begin(PictureRows::of(size, conversion(isRGB, coding.get(), destination.profile)));
+    // Without planes of colour it is grey, without one of alpha opaque.
+    std::vector<std::uint8_t> row(std::size_t{4} * static_cast<std::size_t>(size.width), 128);
+    for (std::size_t i = 3; i < row.size(); i += 4)
+        row[i] = 255;
     for (int y = 0; y < size.height; ++y) {
-        for (std::size_t i = 0; i < colours.size(); ++i)
-            colours[i].copyRow(y, row.data() + i);
-        if (!isOpaque)
-            alpha.copyRow(y, row.data() + 3);
+        for (std::size_t i = 0; i < planes.size(); ++i)
+            if (planes[i].exists())
+                planes[i].copyRow(y, size, row.data() + i);
         if (!isPremultiplied)
             premultiply(row);
         destination.target.addRow(row.data());
@@ -241,13 +263,17 @@ bool readPlanes(const Handle& handle, const Destination& destination) {
 
 /// False when it cannot be decoded or is too large.
 bool readImage(const Handle& handle, const Destination& destination) {
-    const bool plain = !heif_image_handle_has_alpha_channel(handle.get()) &&
-                       heif_image_handle_get_luma_bits_per_pixel(handle.get()) == 8;
+    constexpr auto identityMatrix = heif_matrix_coefficients_RGB_GBR;
+    const ColourCoding coding = colourCoding(handle, nullptr);
+    const bool rare = heif_image_handle_has_alpha_channel(handle.get()) ||
+                      (coding && coding->matrix_coefficients == identityMatrix);
+    const bool plain = !rare && heif_image_handle_get_luma_bits_per_pixel(handle.get()) == 8;
     const PictureSize size = sizeOf(handle);
     if (std::int64_t{size.width} * size.height >
         (plain && destination.nothingElseServes ? mostPlainPixels : mostDecodedPixels))
         return false;
-    return readPlanes(handle, destination);
+    return (!rare && readPlanes(handle, Form::cheapest, destination)) ||
+           readPlanes(handle, Form::rgb, destination);
 }
 
 bool readThumbnail(const Handle& thumbnail, const Handle& main, PictureTarget& target) {
