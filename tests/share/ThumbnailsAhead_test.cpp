@@ -13,14 +13,15 @@ namespace sela {
 namespace {
 
 /// A picture of that width, done once `mayEnd` is ready; absent when that takes half a minute.
-ThumbnailsAhead::Maker maker(int width, std::shared_ptr<std::promise<void>> begun,
-                             std::shared_future<void> mayEnd) {
+ThumbnailsAhead::Maker maker(int width, const std::shared_ptr<std::promise<void>>& begun,
+                             const std::shared_future<void>& mayEnd) {
     return [=]() -> std::optional<UIImage> {
         NSLog("making " + std::to_string(width));
         begun->set_value();
         if (mayEnd.wait_for(std::chrono::seconds(30)) != std::future_status::ready)
             return std::nullopt;
-        return UIImage::fromPixels({width, 1, std::vector<std::uint8_t>(4U * static_cast<unsigned>(width))});
+        return UIImage::fromPixels(
+            {width, 1, std::vector<std::uint8_t>(std::size_t{4} * static_cast<std::size_t>(width))});
     };
 }
 
