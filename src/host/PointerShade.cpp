@@ -15,7 +15,7 @@ constexpr double pointedAlpha = 0.08;
 constexpr double pressedAlpha = 0.16;
 
 /// Corner radius of controls that have none of their own, in points.
-constexpr double ownRadius = 6;
+constexpr double defaultRadius = 6;
 
 } // namespace
 
@@ -23,7 +23,7 @@ CGRect PointerShade::move(const UIWindow& window, const UIView* view, bool press
     std::optional<Place> place;
     if (view) {
         const bool isRow = view->accessibilityRole() == AccessibilityRole::listItem;
-        const double radius = isRow ? 0 : std::max(view->layer().cornerRadius(), ownRadius);
+        const double radius = isRow ? 0 : std::max(view->layer().cornerRadius(), defaultRadius);
         place = Place{window.shownRect(*view), radius, pressed};
     }
     if (place == place_)

@@ -110,9 +110,9 @@ Result<MediaServiceClient::Answer> MediaServiceClient::perform(const std::string
     const auto file = FileManager::defaultManager().openRegularFile(path);
     if (!file)
         return file.error();
-    const Assignment assignment(*this, request);
     if (isCostly(request.asset))
         return helperWasReset();
+    const Assignment assignment(*this, request);
     request.number = ++requests_;
     return perform(assignment.worker(), file.value().descriptor.get(), request);
 }
