@@ -8,7 +8,8 @@ namespace sela {
 /// A token for work in progress off the main thread, which ends on the main queue or nowhere.
 ///
 /// A main loop that ends when nothing is left to do checks `outstanding` for work that may still post tasks.
-/// Queues hold one token per task; a task posts to the main queue before its token is destroyed. Thread-safe.
+/// Queues hold one token per task; a task posts to the main queue, and what it holds is destroyed, before its
+/// token is. Thread-safe.
 class BackgroundWork {
 public:
     BackgroundWork();

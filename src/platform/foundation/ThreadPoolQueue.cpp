@@ -18,6 +18,19 @@
 
 namespace sela {
 
+namespace {
+
+/// A task with its token, which comes first, to be destroyed last: work whose task still holds a lock or a
+/// file has not ended.
+struct CountedTask {
+    explicit CountedTask(DispatchQueue::Task given) : task(std::move(given)) {}
+
+    std::shared_ptr<const BackgroundWork> token = std::make_shared<const BackgroundWork>();
+    DispatchQueue::Task task;
+};
+
+} // namespace
+
 struct ThreadPoolQueue::Pool {
     explicit Pool(int count) : context(count), guard(context.get_executor()) {
         // Fewer threads than requested suffice; without any, no task would ever run.
@@ -66,18 +79,19 @@ ThreadPoolQueue::ThreadPoolQueue(int threads) : pool_(std::make_unique<Pool>(thr
 ThreadPoolQueue::~ThreadPoolQueue() = default;
 
 void ThreadPoolQueue::async(Task task) {
-    boost::asio::post(pool_->context, [pool = pool_.get(), task = std::move(task),
-                                       token = std::make_shared<BackgroundWork>()] { pool->run(task); });
+    boost::asio::post(pool_->context, [pool = pool_.get(), counted = CountedTask(std::move(task))] {
+        pool->run(counted.task);
+    });
 }
 
 void ThreadPoolQueue::asyncAfter(double seconds, Task task) {
     auto timer = std::make_shared<boost::asio::steady_timer>(pool_->context);
     timer->expires_after(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
         std::chrono::duration<double>(seconds)));
-    timer->async_wait([pool = pool_.get(), task = std::move(task), timer,
-                       token = std::make_shared<BackgroundWork>()](const boost::system::error_code& error) {
+    timer->async_wait([pool = pool_.get(), counted = CountedTask(std::move(task)),
+                       timer](const boost::system::error_code& error) {
         if (!error)
-            pool->run(task);
+            pool->run(counted.task);
     });
 }
 

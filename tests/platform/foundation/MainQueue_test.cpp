@@ -1,8 +1,10 @@
 #include "platform/foundation/ThreadPoolQueue.h"
+#include "support/VirtualMainLoop.h"
 
 #include <atomic>
 #include <gtest/gtest.h>
 #include <latch>
+#include <memory>
 #include <sys/resource.h>
 #include <thread>
 
@@ -32,6 +34,23 @@ TEST(ThreadPoolQueue, ASuspendedQueueBeginsNothing) {
     queue.resume();
     second.wait();
     EXPECT_EQ(ran, 2);
+}
+
+TEST(ThreadPoolQueue, WorkIsOutstandingUntilWhatItsTaskHoldsIsDestroyed) {
+    std::atomic<bool> isDestroyed = false;
+    const auto destroySlowly = [&isDestroyed](const int* held) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        delete held;
+        isDestroyed = true;
+    };
+    VirtualMainLoop loop;
+    ThreadPoolQueue queue(1);
+    queue.async([held = std::shared_ptr<const int>(new int, destroySlowly)] {});
+    loop.runPending();
+    EXPECT_TRUE(isDestroyed.exchange(false));
+    queue.asyncAfter(0, [held = std::shared_ptr<const int>(new int, destroySlowly)] {});
+    loop.runPending();
+    EXPECT_TRUE(isDestroyed);
 }
 
 #ifndef SELA_SANITIZED // sanitizers need room themselves
