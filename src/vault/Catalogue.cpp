@@ -86,6 +86,14 @@ std::size_t Catalogue::waiting(const Name& name) const {
     }));
 }
 
+std::size_t Catalogue::waitingElsewhere() const {
+    return static_cast<std::size_t>(std::ranges::count_if(ledger_, [&](const SharedItemLedger::Entry& entry) {
+        return std::ranges::none_of(albums_, [&item = entry.second](const SharedAlbum& album) {
+            return album.fake == item.fake && isAtOrBelow(item.albumNames, album.namePath);
+        });
+    }));
+}
+
 SharedAlbum* Catalogue::find(const Name& name) {
     const auto found = std::ranges::find(albums_, name, nameOf);
     return found == albums_.end() ? nullptr : &*found;

@@ -35,6 +35,9 @@ public:
     /// How many files wait in the ledger for this album, or for one below it.
     std::size_t waiting(const Name& name) const;
 
+    /// How many files wait for no album of the catalogue: for the default album, or for one that is gone.
+    std::size_t waitingElsewhere() const;
+
     /// Null when there is no such album.
     SharedAlbum* find(const Name& name);
 

@@ -78,7 +78,12 @@ std::string albumsTable(const Catalogue& catalogue) {
                     child.namePath.front() == parent.namePath.front())
                     add(child);
         }
-    return table(rows);
+    const std::size_t elsewhere = catalogue.waitingElsewhere();
+    if (elsewhere == 0)
+        return table(rows);
+    return table(rows) + std::to_string(elsewhere) +
+           (elsewhere == 1 ? " more file waits" : " more files wait") +
+           ", for the default album or for albums that are gone; \"sela-vault ledger\" lists all.\n";
 }
 
 Result<std::string> ledgerTable() {

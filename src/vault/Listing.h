@@ -10,7 +10,8 @@ namespace sela {
 /// The group's content as text for standard output. One thread. Names are escaped as in a log, so that none
 /// can control a terminal; passwords and passcodes are never shown.
 
-/// The albums as a tree, each vault's with its children below it, and the files that wait for each.
+/// The albums as a tree, each vault's with its children below it, and the files that wait for each and for
+/// none.
 std::string albumsTable(const Catalogue& catalogue);
 
 /// The ledger as a table, newest last, with each file's size, or "missing".

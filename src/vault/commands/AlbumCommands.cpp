@@ -159,6 +159,8 @@ int albumListCommand(const Arguments& arguments) {
             writer.key("waiting").integer(static_cast<std::int64_t>(waiting)).endObject();
         }
         writer.endArray();
+        writer.key("waitingElsewhere")
+            .integer(static_cast<std::int64_t>(catalogue.value().waitingElsewhere()));
     });
 }
 
