@@ -34,24 +34,29 @@ sigset_t interruptions() {
 }
 
 /// Prompts on the terminal that is standard input and waits for a line typed with echo off. The terminal's
-/// mode is restored before this returns, or before a signal that arrives meanwhile takes effect.
+/// mode is restored before this returns, or before a signal that arrives meanwhile takes effect; after one
+/// that only stopped the program, or is ignored, it prompts again.
 void awaitUnseenLine(const std::string& prompt) {
     termios settings{};
     if (::tcgetattr(STDIN_FILENO, &settings) != 0)
         return;
-    const sigset_t awaited = interruptions();
-    const FileDescriptor signals(::signalfd(-1, &awaited, SFD_CLOEXEC));
-    sigset_t before{};
-    ::pthread_sigmask(SIG_BLOCK, &awaited, &before);
     termios unseen = settings;
     unseen.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     unseen.c_lflag |= ECHONL;
-    ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &unseen);
-    std::fputs((prompt + ": ").c_str(), stderr);
-    pollfd sources[] = {{STDIN_FILENO, POLLIN, 0}, {signals.get(), POLLIN, 0}};
-    retryingInterrupted([&] { return ::poll(sources, std::size(sources), -1); });
-    ::tcsetattr(STDIN_FILENO, TCSADRAIN, &settings);
-    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    const sigset_t awaited = interruptions();
+    const FileDescriptor signals(::signalfd(-1, &awaited, SFD_CLOEXEC));
+    bool isAwaited = true;
+    while (isAwaited) {
+        sigset_t before{};
+        ::pthread_sigmask(SIG_BLOCK, &awaited, &before);
+        ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &unseen);
+        std::fputs((prompt + ": ").c_str(), stderr);
+        pollfd sources[] = {{STDIN_FILENO, POLLIN, 0}, {signals.get(), POLLIN, 0}};
+        retryingInterrupted([&] { return ::poll(sources, std::size(sources), -1); });
+        isAwaited = sources[0].revents == 0 && sources[1].revents != 0;
+        ::tcsetattr(STDIN_FILENO, TCSADRAIN, &settings);
+        ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    }
 }
 
 Result<Data> readStandardInput(const std::string& prompt) {

@@ -9,8 +9,7 @@ namespace sela {
 
 ShareSession::ShareSession(const CommandLine& line, DispatchQueue& loop, const Attachments& attachments)
     : line_(line), scope_(line, loop), context_(makeShareRequest(attachments)),
-      root_(makePrincipalViewController(principalClassName)),
-      signals_([this] { interruptHandler_(); }, [this] { screen_->stopCopying(); }) {
+      root_(makePrincipalViewController(principalClassName)) {
     root_->setExtensionContext(context_);
     root_->loadViewIfNeeded();
     screen_ = shareScreenOf(*root_);
@@ -19,6 +18,7 @@ ShareSession::ShareSession(const CommandLine& line, DispatchQueue& loop, const A
     report_.names = attachments.names;
     report_.leftOut = attachments.problems;
     context_->onEnd = [this](const ErrorRef& cancellation) { requestEnded(cancellation); };
+    signals_.emplace([this] { interruptHandler_(); }, [this] { screen_->stopCopying(); });
 }
 
 ShareSession::~ShareSession() {

@@ -74,8 +74,8 @@ private:
     std::unique_ptr<StepRunner> steps_;
     std::function<void()> endHandler_;
     std::function<void()> interruptHandler_;
-    SaveReport report_; ///< without the run
-    TerminationSignals signals_;
+    SaveReport report_;                         ///< without the run
+    std::optional<TerminationSignals> signals_; ///< made last, since its thread uses the screen
 };
 
 } // namespace sela

@@ -1,5 +1,6 @@
 #include "host/TerminalProgress.h"
 
+#include "platform/foundation/LogOutput.h"
 #include "platform/foundation/MonotonicClock.h"
 
 #include <algorithm>
@@ -61,7 +62,7 @@ bool TerminalProgress::isPossible() {
 
 TerminalProgress::~TerminalProgress() {
     if (isShown_)
-        std::fputs(wiping, stderr);
+        writeToStandardError(wiping);
 }
 
 void TerminalProgress::show(const SaveRun& run) {
@@ -86,7 +87,7 @@ void TerminalProgress::draw(const SaveRun& run, double now) {
             text += ", " + timeText(static_cast<double>(totalSize_ - bytes) / rate) + " left";
     }
     text.resize(std::min(text.size(), terminalWidth() - 1));
-    std::fputs((wiping + text).c_str(), stderr);
+    writeToStandardError(wiping + text);
     drawn_ = now;
     isShown_ = true;
 }

@@ -22,6 +22,9 @@ constexpr double progressDelay = 0.5;
 /// Seconds of saving after which the window can be put aside.
 constexpr double longSaving = 5;
 
+/// Seconds in which the desktop is told that a window is hidden.
+constexpr double hidingTime = 0.1;
+
 std::string localized(std::string_view key) {
     return Bundle::main().localizedString(key);
 }
@@ -61,7 +64,7 @@ SaveReport WindowedRun::run() {
         showSaving(session_.screen().saveRun());
     });
     loop_.run();
-    session_.cancel("The display was closed.");
+    session_.leave("Nothing is left to be done.");
     return session_.report();
 }
 
@@ -127,7 +130,7 @@ void WindowedRun::showSaving(const SaveRun& run) {
     case SaveRun::State::stuck:
         if (endsWhenStuck_)
             session_.giveUp();
-        else
+        else if (!isAside_)
             showOutcome([this] { session_.giveUp(); });
         break;
     case SaveRun::State::ended:
@@ -180,11 +183,13 @@ void WindowedRun::showOutcome(std::function<void()> close) {
     window_.growTo(notice_.heightBesideTexts());
 }
 
-/// Saving goes on without the window.
+/// Saving goes on without the window, and without Qt's events: Qt ends the process when the display does, as
+/// at a logout.
 void WindowedRun::putAside() {
     isAside_ = true;
     notice_.hide();
     window_.hide();
+    loop_.asyncAfter(hidingTime, [this] { loop_.finish(); });
 }
 
 void WindowedRun::requestEnded() {

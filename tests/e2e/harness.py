@@ -154,13 +154,13 @@ class WindowTest(HomeTest):
         super().setUp()
         self.provision()
         read, write = os.pipe()
-        self.start("Xvfb", "-displayfd", str(write), "-screen", "0", "600x800x24", "-nolisten", "tcp", pass_fds=[write])
+        self.display = self.start("Xvfb", "-displayfd", str(write), "-screen", "0", "600x800x24", "-nolisten", "tcp", pass_fds=[write])
         os.close(write)
         with os.fdopen(read) as number:
             self.environment["DISPLAY"] = ":" + number.readline().strip()
 
-    def x(self, *arguments):
-        return subprocess.run(["xdotool", *map(str, arguments)], env=self.environment, check=True, timeout=60,
+    def x(self, *arguments, check=True):
+        return subprocess.run(["xdotool", *map(str, arguments)], env=self.environment, check=check, timeout=60,
                               capture_output=True, text=True).stdout.strip()
 
     def open_card(self, *arguments, command=(), stderr=subprocess.DEVNULL):

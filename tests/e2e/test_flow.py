@@ -103,17 +103,37 @@ class Outcome(WindowTest):
         self.keys("Escape")
         self.assertIn("big.jpg was not added: File too large", self.ended(process, 1))
 
-    @unittest.skipUnless(FAST_CLOCK.exists(), "needs the fast clock")
-    def test_a_long_save_can_be_put_aside(self):
-        files = [self.write("video.mov", b""), self.write("b.jpg", b"x")]
-        os.truncate(files[0], 300 << 20)
-        process = self.add_in_window(*files, command=("env", f"LD_PRELOAD={FAST_CLOCK}", "SELA_CLOCK_SPEED=100"))
+    def put_aside(self, size, *files):
+        """Adds a film of this size and other files, and puts the window aside while the film is copied."""
+        film = self.write("video.mov", b"")
+        os.truncate(film, size)
+        process = self.add_in_window(film, *files,
+                                     command=("env", f"LD_PRELOAD={FAST_CLOCK}", "SELA_CLOCK_SPEED=100"))
         while b"copyItem" not in process.stderr.readline():
             pass
         process.send_signal(signal.SIGSTOP)
         time.sleep(0.2)
         self.keys("Escape")
         process.send_signal(signal.SIGCONT)
+        return process
+
+    @unittest.skipUnless(FAST_CLOCK.exists(), "needs the fast clock")
+    def test_a_long_save_can_be_put_aside(self):
+        self.ended(self.put_aside(300 << 20, self.write("b.jpg", b"x")), 0)
+        self.assertEqual(self.ledger_values("preferredName"), ["video.mov", "b.jpg"])
+
+    @unittest.skipUnless(FAST_CLOCK.exists(), "needs the fast clock")
+    def test_a_save_that_is_stuck_behind_a_window_put_aside_ends(self):
+        told = self.ended(self.put_aside(300 << 20, self.write("empty.jpg", b""), self.write("c.jpg", b"x")), 4)
+        self.assertRegex(told, r"empty\.jpg was not added: the file is empty.*\nsela-share: not tried: c\.jpg\n")
+        self.assertEqual(self.ledger_values("preferredName"), ["video.mov"])
+
+    @unittest.skipUnless(FAST_CLOCK.exists(), "needs the fast clock")
+    def test_a_save_put_aside_outlives_the_display(self):
+        process = self.put_aside(3 << 30, self.write("b.jpg", b"x"))
+        while self.x("search", "--onlyvisible", "--name", "^Sela$", check=False):
+            pass
+        self.display.kill()
         self.ended(process, 0)
         self.assertEqual(self.ledger_values("preferredName"), ["video.mov", "b.jpg"])
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace sela {
 
@@ -8,8 +9,11 @@ namespace sela {
 /// in any case. Thread-safe.
 void setLogPrinted(bool printed);
 
-/// Writes a line with its end to standard error in one write. Never blocks: a line that does not fit into a
-/// full pipe or a stopped terminal is dropped. Thread-safe.
-void printToStandardError(std::string line);
+/// Writes a text to standard error in one write. Never blocks: what does not fit into a full pipe or a
+/// stopped terminal is dropped. Thread-safe.
+void writeToStandardError(std::string_view text);
+
+/// The same for a line, with its end.
+void printToStandardError(const std::string& line);
 
 } // namespace sela

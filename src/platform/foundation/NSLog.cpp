@@ -109,17 +109,19 @@ void NSLog(std::string_view text) {
         printToStandardError(line);
 }
 
-void printToStandardError(std::string line) {
-    // One write per line, so that lines of two processes on one terminal do not mix.
-    line += '\n';
+void writeToStandardError(std::string_view text) {
     const int descriptor = standardError();
-    std::size_t written = 0;
-    while (written < line.size() && hasRoom(descriptor)) {
-        const ssize_t count = ::write(descriptor, line.data() + written, line.size() - written);
+    while (!text.empty() && hasRoom(descriptor)) {
+        const ssize_t count = ::write(descriptor, text.data(), text.size());
         if (count <= 0)
             return;
-        written += static_cast<std::size_t>(count);
+        text.remove_prefix(static_cast<std::size_t>(count));
     }
+}
+
+void printToStandardError(const std::string& line) {
+    // With its end, so that lines of two processes on one terminal do not mix.
+    writeToStandardError(line + '\n');
 }
 
 void setLogPrinted(bool printed) {

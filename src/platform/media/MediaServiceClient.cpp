@@ -61,8 +61,9 @@ ErrorRef errorOfStatus(MediaStatus status) {
 } // namespace
 
 MediaServiceClient& MediaServiceClient::shared() {
-    static MediaServiceClient client{Options{}};
-    return client;
+    // It is never destroyed: a thread may still load when the process ends, and helpers end with it.
+    static auto* const client = new MediaServiceClient{Options{}};
+    return *client;
 }
 
 /// The assignment of a worker to one request, as long as it lives.
