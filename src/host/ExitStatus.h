@@ -10,6 +10,7 @@ enum class ExitStatus {
     cannotEnd = 4, ///< saving has stopped half-way and will never complete
     badArguments = 64,
     stepFailed = 65,
+    cannotPrint = 74, ///< standard output cannot be written; the files are as they would be otherwise
 };
 
 } // namespace sela

@@ -107,7 +107,8 @@ From nothing to an import:
                       {3, "nothing was added: cancelled, or no step pressed Add"},
                       {4, "stuck: saving stopped half-way at a file and can never end"},
                       {64, "nothing was tried: wrong options, unusable files, or no display"},
-                      {65, "a step failed, and the request was cancelled unless it had ended before"}};
+                      {65, "a step failed, and the request was cancelled unless it had ended before"},
+                      {74, "standard output cannot be written; what became of the files is not told"}};
     return table;
 }
 

@@ -15,6 +15,7 @@
 #include "platform/foundation/Heap.h"
 #include "platform/foundation/LogOutput.h"
 #include "platform/foundation/NSLog.h"
+#include "platform/foundation/StandardStreams.h"
 #include "store/ShareExtensionError.h"
 #include "store/SharedFolder.h"
 
@@ -47,6 +48,13 @@ int misuse(const std::string& message) {
     const int status = fail(sela::ExitStatus::badArguments, message);
     std::fputs("Try \"sela-share --help\".\n", stderr);
     return status;
+}
+
+/// Prints on standard output and returns `status`, unless that fails.
+int print(const std::string& text, sela::ExitStatus status) {
+    if (std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0)
+        return static_cast<int>(status);
+    return fail(sela::ExitStatus::cannotPrint, "standard output cannot be written");
 }
 
 bool hasDisplay() {
@@ -104,9 +112,8 @@ int share(const sela::CommandLine& line) {
             tell(report.leftOut[i].description());
         tell(report, line);
         notify(report, line, wasPutAside);
-        if (line.json)
-            std::fputs(sela::saveReportJSON(report).c_str(), stdout);
-        return static_cast<int>(report.status());
+        return line.json ? print(sela::saveReportJSON(report), report.status())
+                         : static_cast<int>(report.status());
     };
     if (line.headless) {
         // The run is destroyed, and its line on the terminal erased, before anything is printed.
@@ -128,6 +135,7 @@ std::vector<std::string> takeArguments(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    sela::openStandardStreams();
     sela::makeUndumpable();
     sela::keepFreedMemory();
     sela::growHeap(heapOfFirstFrame);
@@ -142,9 +150,9 @@ int main(int argc, char** argv) {
         return misuse(parsed.error()->localizedDescription());
     sela::CommandLine line = parsed.value();
     if (line.help)
-        return std::fputs(sela::helpText(sela::shareOptions()).c_str(), stdout) < 0;
+        return print(sela::helpText(sela::shareOptions()), sela::ExitStatus::completed);
     if (line.version)
-        return std::puts("sela-share " SELA_VERSION) < 0;
+        return print("sela-share " SELA_VERSION "\n", sela::ExitStatus::completed);
     if (line.album) {
         const sela::Result<std::vector<sela::Step>> steps = sela::stepsToAlbum(line);
         if (!steps)

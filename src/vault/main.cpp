@@ -2,6 +2,7 @@
 #include "platform/foundation/Dumpable.h"
 #include "platform/foundation/FatalError.h"
 #include "platform/foundation/Heap.h"
+#include "platform/foundation/StandardStreams.h"
 #include "vault/VaultOptions.h"
 #include "vault/commands/Commands.h"
 
@@ -41,6 +42,7 @@ int run(const sela::Arguments& arguments) {
 } // namespace
 
 int main(int argc, char** argv) {
+    sela::openStandardStreams();
     sela::makeUndumpable();
     sela::keepFreedMemory();
     // Exceeding the file size limit, or a closed pipe, is an error of the write, not the end of the process.

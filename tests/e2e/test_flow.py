@@ -175,6 +175,32 @@ class Lifetime(WindowTest):
         self.assertEqual(process.wait(30), 64)
 
 
+class Streams(HomeTest):
+    def test_what_is_printed_goes_into_no_file(self):
+        self.provision()
+        photo = self.write("a.jpg", b"x")
+        commands = {("sela-vault", "album", "add", "New"): (">&-", 1),
+                    ("sela-vault", "album", "remove", "New"): ("2>&-", 0),
+                    ("sela-vault", "album", "list"): (">&- 2>&-", 1),
+                    ("sela-share", "--headless", "--tap", "addButton", photo): ("<&- >&- 2>&-", 0),
+                    ("sela-share", "--headless", "--json", "--tap", "addButton", photo, photo): (">&-", 74),
+                    ("sela-share", "--version"): (">&-", 74)}
+        for (program, *arguments), (closed, status) in commands.items():
+            with self.subTest(program=program, arguments=arguments):
+                ended = subprocess.run(["sh", "-c", f'exec "$@" {closed}', "sh", BIN / program, *arguments],
+                                       env=self.environment, capture_output=True, timeout=60)
+                self.assertEqual(ended.returncode, status, ended.stderr)
+                self.assertEqual(self.settings.read_bytes()[:16], b"SQLite format 3\0")
+        self.assertEqual(len(self.ledger()), 3)
+        self.assert_recorded_files_are_whole({"a.jpg": [b"x"]})
+
+    def test_an_output_that_is_full_is_told(self):
+        with open("/dev/full", "w") as full:
+            ended = subprocess.run([BIN / "sela-share", "--help"], env=self.environment, stdout=full,
+                                   stderr=subprocess.PIPE, timeout=60)
+        self.assertEqual((ended.returncode, ended.stderr), (74, b"sela-share: standard output cannot be written\n"))
+
+
 class Log(HomeTest):
     def test_a_standard_error_that_nobody_reads_stops_nothing(self):
         self.provision()
