@@ -2,6 +2,7 @@
 
 #include "commandline/Arguments.h"
 #include "host/TypedDigits.h"
+#include "host/VaultState.h"
 #include "platform/uikit/UINavigationController.h"
 #include "store/AlbumPath.h"
 #include "store/ShareExtensionError.h"
@@ -13,11 +14,15 @@ namespace sela {
 
 namespace {
 
-Result<Step> typing(const std::string& file) {
+Result<Step> typing(const std::string& file, const std::string& unasked) {
     const Result<Secret> digits = readDigits(file);
     if (!digits)
         return digits.error();
-    return Step{.kind = Step::Kind::type, .digits = digits.value()};
+    return Step{.kind = Step::Kind::type, .digits = digits.value(), .unasked = unasked};
+}
+
+ErrorRef noAlbum(const std::string& path) {
+    return ShareExtensionError::make("there is no album " + path);
 }
 
 /// The picker that was opened above a screen, maybe with another screen above it; null when there is none.
@@ -35,9 +40,12 @@ Result<std::vector<Step>> stepsToAlbum(const CommandLine& line) {
     const Result<std::vector<std::string>> path = albumPath(line.album.value());
     if (!path)
         return usageError(path.error()->localizedDescription());
+    if (path.value().size() == 1 && line.albumPasswordFile)
+        return usageError("an album's password opens the albums inside it; album " + path.value().front() +
+                          " itself needs none");
     std::vector<Step> steps = {{Step::Kind::tap, "albumButton"}};
     if (line.passcodeFile) {
-        const Result<Step> passcode = typing(*line.passcodeFile);
+        const Result<Step> passcode = typing(*line.passcodeFile, "the vault asks for no passcode");
         if (!passcode)
             return passcode.error();
         steps.push_back(passcode.value());
@@ -45,7 +53,9 @@ Result<std::vector<Step>> stepsToAlbum(const CommandLine& line) {
     if (path.value().size() > 1)
         steps.push_back({Step::Kind::unfold, albumPathText({path.value().front()})});
     if (line.albumPasswordFile) {
-        const Result<Step> password = typing(*line.albumPasswordFile);
+        const std::string& parent = path.value().front();
+        const Result<Step> password =
+            typing(*line.albumPasswordFile, "album " + parent + " asks for no password");
         if (!password)
             return password.error();
         steps.push_back(password.value());
@@ -53,6 +63,24 @@ Result<std::vector<Step>> stepsToAlbum(const CommandLine& line) {
     steps.push_back({Step::Kind::album, albumPathText(path.value())});
     steps.push_back({Step::Kind::tap, "addButton"});
     return steps;
+}
+
+ErrorRef problemWithVault(const std::string& album) {
+    switch (vaultState()) {
+    case VaultState::absent:
+        return ShareExtensionError::make(std::string(noVaultText));
+    case VaultState::unreadable:
+        return ShareExtensionError::make(std::string(unreadableVaultText));
+    case VaultState::withoutAlbums:
+        return noAlbum(album);
+    case VaultState::withoutPasscode:
+        return ShareExtensionError::make(
+            "the vault has no passcode yet; \"sela-vault passcode set\" sets it");
+    case VaultState::busy: // the picker waits
+    case VaultState::ready:
+        break;
+    }
+    return nullptr;
 }
 
 ErrorRef lockedAlbum(const Step& step) {
@@ -80,7 +108,7 @@ Result<std::string> viewOfAlbum(const UIViewController& screen, const Step& step
         if (std::ranges::count(albums.childAlbums()[section], path.value(), &SharedAlbum::namePath) > 0)
             return lockedAlbum(step);
     }
-    return ShareExtensionError::make("there is no album " + step.argument);
+    return noAlbum(step.argument);
 }
 
 } // namespace sela

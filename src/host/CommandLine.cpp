@@ -76,7 +76,9 @@ ErrorRef readType(CommandLine& line, const std::string& text) {
 bool sharesStandardInput(const CommandLine& line) {
     const auto steps = std::ranges::count_if(
         line.steps, [](const Step& step) { return step.kind == Step::Kind::type && step.argument == "-"; });
-    return steps > 1 || (steps == 1 && std::ranges::find(line.attachments, "-") != line.attachments.end());
+    return steps + std::ranges::count(line.attachments, "-") + (line.passcodeFile == "-") +
+               (line.albumPasswordFile == "-") >
+           1;
 }
 
 ErrorRef readStep(CommandLine& line, Step::Kind kind, const std::string& text) {
@@ -101,8 +103,6 @@ ErrorRef readAlbum(CommandLine& line) {
                    : nullptr;
     if (!line.steps.empty())
         return usageError("--album presses what is to be pressed by itself, and takes no steps");
-    if (line.passcodeFile == "-" && line.albumPasswordFile == "-")
-        return usageError("only one passcode can come from standard input");
     line.headless = true;
     return nullptr;
 }

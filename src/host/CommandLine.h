@@ -24,8 +24,9 @@ struct Step {
 
     Kind kind;
     std::string argument = {};
-    double seconds = 0; ///< of a `wait`
-    Secret digits = {}; ///< of a `type`
+    double seconds = 0;       ///< of a `wait`
+    Secret digits = {};       ///< of a `type`
+    std::string unasked = {}; ///< of a `type`: what it means that there are no keys
 
     bool operator==(const Step&) const = default;
 };

@@ -1,5 +1,7 @@
 #include "host/DesktopAppearance.h"
 
+#include "host/SessionBus.h"
+
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -7,7 +9,6 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QEvent>
-#include <QFile>
 #include <QGuiApplication>
 #include <QMap>
 #include <QPalette>
@@ -32,12 +33,6 @@ const QString interfaceGroup = QStringLiteral("org.gnome.desktop.interface");
 constexpr auto longestLook = std::chrono::seconds(3);
 
 using SettingGroups = QMap<QString, QVariantMap>;
-
-/// Connecting without an announced bus address would start a bus.
-bool hasSessionBus() {
-    return qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") ||
-           QFile::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus"));
-}
 
 UITraitCollection paletteTraits() {
     const QPalette palette = QGuiApplication::palette();

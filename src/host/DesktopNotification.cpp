@@ -1,5 +1,7 @@
 #include "host/DesktopNotification.h"
 
+#include "host/SessionBus.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QStringList>
@@ -17,6 +19,8 @@ constexpr int defaultDuration = -1;
 } // namespace
 
 void showDesktopNotification(const std::string& title, const std::string& body) {
+    if (!hasSessionBus())
+        return;
     const QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return;

@@ -60,7 +60,7 @@ std::vector<std::string> SaveReport::problems() const {
     for (const AttachmentOutcome& outcome : run.outcomes) {
         if (outcome.kind != Kind::failed)
             continue;
-        lines.push_back(nameOf(outcome) + " was not added: " + outcome.reason->localizedFailureReason());
+        lines.push_back(nameOf(outcome) + " was not added: " + plainReason(*outcome.reason));
         if (run.state == SaveRun::State::stuck)
             lines.back() += "; the end of this is never reported, so the request cannot end";
     }
@@ -89,7 +89,9 @@ std::string SaveReport::success() const {
 
 bool SaveReport::isIncomplete() const {
     const bool isTried = run.count(Kind::recorded) > 0 || run.count(Kind::failed) > 0;
-    return run.count(Kind::failed) > 0 || (isTried && (run.count(Kind::notTried) > 0 || !leftOut.empty()));
+    if (isTried)
+        return run.count(Kind::failed) > 0 || run.count(Kind::notTried) > 0 || !leftOut.empty();
+    return end == ExitStatus::badArguments && !leftOut.empty();
 }
 
 std::string SaveReport::summary() const {
@@ -105,9 +107,14 @@ std::string SaveReport::summary() const {
         if (outcome.kind == Kind::failed)
             reasons.push_back((outcome.name.empty() ? "" : outcome.name + ": ") +
                               localizedReason(*outcome.reason));
-    reasons.resize(std::min(reasons.size(), mostReasons));
-    for (const std::string& reason : reasons)
-        text += "\n" + reason;
+    for (const AttachmentOutcome& outcome : run.outcomes)
+        if (outcome.kind == Kind::notTried && !outcome.name.empty())
+            reasons.push_back(outcome.name);
+    const std::size_t told = std::min(reasons.size(), mostReasons);
+    for (std::size_t i = 0; i < told; ++i)
+        text += "\n" + reasons[i];
+    if (missing > told && told > 0)
+        text += "\n… + " + std::to_string(missing - told);
     return text;
 }
 

@@ -12,7 +12,8 @@ namespace sela {
 
 /// What a run did with its files. A value.
 struct SaveReport {
-    /// How the request ended: `completed`, `cancelled`, `cannotEnd` or `stepFailed`.
+    /// How the request ended: `completed`, `cancelled`, `cannotEnd` or `stepFailed`; `badArguments` when it
+    /// never began.
     ExitStatus end = ExitStatus::cancelled;
 
     /// Why it ended so, in a line, where the save run does not say it; absent when there is nothing to
@@ -42,7 +43,8 @@ struct SaveReport {
     bool isIncomplete() const;
 
     /// The same in short and in the user's language, for the card and for notifications: how many were added,
-    /// how many not, and the first reasons, a line each.
+    /// how many not, and the first of those with their reasons, a line each; a file that was not tried has
+    /// none. "… + 2" stands for two more.
     std::string summary() const;
 };
 

@@ -1,5 +1,6 @@
 #include "host/SaveReportJSON.h"
 
+#include "host/LocalizedReason.h"
 #include "platform/foundation/JSONWriter.h"
 #include "platform/foundation/NSLog.h"
 
@@ -27,7 +28,7 @@ std::string_view textOf(Kind kind) {
 void write(JSONWriter& writer, const std::string& path, const AttachmentOutcome& outcome) {
     writer.beginObject().member("path", path).member("outcome", std::string(textOf(outcome.kind)));
     if (outcome.reason)
-        writer.member("reason", outcome.reason->localizedFailureReason());
+        writer.member("reason", plainReason(*outcome.reason));
     if (outcome.kind == Kind::recorded && outcome.item)
         writer.member("key", outcome.ledgerKey).member("album", outcome.item->albumNames);
     writer.endObject();

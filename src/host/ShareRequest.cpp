@@ -18,6 +18,9 @@ namespace {
 /// The most bytes read from standard input: a picture of half a gigapixel fits.
 constexpr std::int64_t largestInput = 512 << 20;
 
+/// The argument that names standard input.
+constexpr const char* standardInput = "-";
+
 constexpr const char* noPicture =
     "there is no picture that can be read; to add another kind of file, name it";
 constexpr const char* noUsablePicture =
@@ -49,6 +52,8 @@ Result<FileDescriptor> memoryFileOfStandardInput() {
         const std::int64_t count = input.read(block);
         if (count < 0)
             return input.streamError();
+        if (count == 0 && total == 0)
+            return ShareExtensionError::make("it is empty");
         if (count == 0)
             return file;
         const DataView bytes = DataView(block).first(static_cast<std::size_t>(count));
@@ -107,6 +112,10 @@ Result<std::shared_ptr<NSItemProvider>> pictureIn(FileDescriptor file) {
 
 } // namespace
 
+std::string LeftOut::description() const {
+    return (name == standardInput ? "standard input" : name) + ": " + reason->localizedFailureReason();
+}
+
 std::string LeftOut::localizedDescription() const {
     const std::optional<URL> file = fileURLOf(name);
     return (file ? file->lastPathComponent() : name) + ": " + localizedReason(*reason);
@@ -145,9 +154,9 @@ void Attachments::addStandardInput() {
     const auto picture =
         file ? pictureIn(std::move(file.value())) : Result<std::shared_ptr<NSItemProvider>>(file.error());
     if (picture)
-        addProvider(picture.value(), "-");
+        addProvider(picture.value(), standardInput);
     else
-        problems.push_back({"standard input", picture.error()});
+        problems.push_back({standardInput, picture.error()});
 }
 
 void Attachments::addProvider(std::shared_ptr<NSItemProvider> provider, const std::string& name) {
@@ -165,7 +174,7 @@ void Attachments::append(const Attachments& more) {
 Attachments attachmentsOf(const std::vector<std::string>& arguments) {
     Attachments attachments;
     for (const std::string& argument : arguments) {
-        if (argument == "-")
+        if (argument == standardInput)
             attachments.addStandardInput();
         else
             attachments.addFile(argument);

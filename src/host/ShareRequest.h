@@ -15,11 +15,11 @@ namespace sela {
 
 /// Something that was named for a share request and cannot be added. A value.
 struct LeftOut {
-    std::string name; ///< as it was named
+    std::string name; ///< as it was named; "-" for standard input
     ErrorRef reason;
 
     /// "a.txt: only pictures, videos and audio files can be added", in English.
-    std::string description() const { return name + ": " + reason->localizedFailureReason(); }
+    std::string description() const;
 
     /// The same in the user's language, with the name of a file alone.
     std::string localizedDescription() const;

@@ -108,7 +108,8 @@ std::optional<std::string> StepRunner::take(const Step& step) {
     case Step::Kind::type:
         // The error must not reveal the digit.
         if (!step.digits.empty() && !type(step.digits.exposed().front()))
-            return "a key to type is not on the screen, or is hidden or covered";
+            return step.unasked.empty() ? "a key to type is not on the screen, or is hidden or covered"
+                                        : step.unasked;
         return std::nullopt;
     case Step::Kind::snapshot:
         return write(Snapshot::png(screen_.window, screen_.painter, screen_.pixelsPerPoint), "picture",

@@ -1,9 +1,8 @@
 #include "host/WindowedRun.h"
 
 #include "host/MimeAttachments.h"
+#include "host/VaultState.h"
 #include "platform/foundation/Bundle.h"
-#include "store/SharedAlbumManager.h"
-#include "store/SharedFolder.h"
 
 #include <algorithm>
 #include <utility>
@@ -74,14 +73,16 @@ bool WindowedRun::isSavingForLong() const {
 
 /// Says what the user should do when files, vault or albums are missing.
 void WindowedRun::showNextStep() {
-    if (!sharedFolderUrl())
+    const VaultState vault = vaultState();
+    if (vault == VaultState::absent)
         notice_.keep({.text = localized("Please launch the main Sela app first.")});
+    else if (vault == VaultState::unreadable)
+        notice_.keep({.text = localized("UserDefaults is nil")});
     else if (session_.screen().intake().itemsCount() == 0)
         notice_.keep({.text = localized("Paste or drop the files that you want to add.")});
     else if (const std::vector<LeftOut> leftOut = session_.report().leftOut; !leftOut.empty())
         notice_.show(textOf(leftOut));
-    else if (!SharedAlbumManager::isBusy(UserDefaults::Patience::zero()) &&
-             SharedAlbumManager::getAlbums().value_or(std::vector<SharedAlbum>()).empty())
+    else if (vault == VaultState::withoutAlbums)
         notice_.show(localized("There are no albums yet. Files go to the default album."));
 }
 

@@ -25,6 +25,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -91,38 +92,63 @@ sela::Attachments pastedAttachments() {
     return std::move(pasted.attachments);
 }
 
+/// Tells what became of the files where the command line wants it told; returns the exit status.
+int finish(const sela::SaveReport& report, const sela::CommandLine& line, bool wasPutAside = false) {
+    tell(report, line);
+    notify(report, line, wasPutAside);
+    return line.json ? print(sela::saveReportJSON(report), report.status())
+                     : static_cast<int>(report.status());
+}
+
+/// Why the request cannot begin, with the exit status; absent when it can.
+std::optional<sela::SaveReport> obstacle(const sela::Attachments& attachments,
+                                         const sela::CommandLine& line) {
+    sela::SaveReport report;
+    report.names = attachments.names;
+    report.leftOut = attachments.problems;
+    if (attachments.providers.empty() && !attachments.problems.empty()) {
+        report.end = sela::ExitStatus::badArguments;
+        return report;
+    }
+    if (const sela::ErrorRef problem = line.album ? sela::problemWithVault(*line.album) : nullptr) {
+        report.end = sela::ExitStatus::stepFailed;
+        report.problem = problem->localizedDescription();
+        return report;
+    }
+    return std::nullopt;
+}
+
 int share(const sela::CommandLine& line) {
-    if (!line.headless && !hasDisplay())
-        return fail(sela::ExitStatus::badArguments, "there is no display; use --headless with steps such as "
-                                                    "--tap addButton");
+    if (!line.headless && !hasDisplay()) {
+        sela::SaveReport report;
+        report.end = sela::ExitStatus::badArguments;
+        report.problem = "there is no display; use --headless with steps such as --tap addButton";
+        report.names = line.attachments;
+        return finish(report, line);
+    }
     sela::Attachments attachments = sela::attachmentsOf(line.attachments);
     sela::QtApplication application(line);
     if (line.paste && sela::ShareWindow::isClipboardOpen())
         attachments.append(pastedAttachments());
     for (const sela::LeftOut& problem : attachments.problems)
         tell(problem.description());
-    if (attachments.providers.empty() && !attachments.problems.empty())
-        return static_cast<int>(sela::ExitStatus::badArguments);
+    if (const std::optional<sela::SaveReport> report = obstacle(attachments, line))
+        return finish(*report, line);
     // The card opens all the same: the picker says so too, and the log has the failure of each file.
     if (!sela::sharedFolderUrl())
         tell("there is no vault to add to yet; start the main Sela application once, or run \"sela-vault "
              "init\"");
-    const auto finish = [&](const sela::SaveReport& report, bool wasPutAside) {
+    const auto finishRun = [&](const sela::SaveReport& report, bool wasPutAside) {
         for (std::size_t i = attachments.problems.size(); i < report.leftOut.size(); ++i)
             tell(report.leftOut[i].description());
-        tell(report, line);
-        notify(report, line, wasPutAside);
-        return line.json ? print(sela::saveReportJSON(report), report.status())
-                         : static_cast<int>(report.status());
+        return finish(report, line, wasPutAside);
     };
-    if (line.headless) {
+    if (line.headless)
         // The run is destroyed, and its line on the terminal erased, before anything is printed.
-        const sela::SaveReport report = sela::HeadlessRun(application, line, attachments).run();
-        return finish(report, false);
-    }
+        return finishRun(sela::HeadlessRun(application, line, attachments).run(), false);
     sela::WindowedRun run(application, line, attachments);
     const sela::SaveReport report = run.run();
-    return finish(report, run.wasPutAside());
+    return finishRun(report, run.wasPutAside());
 }
 
 /// Copies the arguments and overwrites the digits among them, so that other users cannot read those.
