@@ -7,12 +7,9 @@ namespace sela {
 
 namespace {
 
-// Two coefficients whose sum is this small beside them were meant to cancel out.
-constexpr double cancellation = 1e-12;
-
-bool cancel(double a, double b) {
-    return std::abs(a + b) <= cancellation * std::max(std::abs(a), std::abs(b));
-}
+// Coefficients whose sum is this small beside the largest of them were meant to cancel out: what is left is
+// their rounding.
+constexpr double cancellation = 1e-9;
 
 template<class Terms>
 auto position(Terms& terms, Variable variable) {
@@ -32,29 +29,37 @@ LinearExpression& LinearExpression::add(double constant) {
 }
 
 LinearExpression& LinearExpression::add(Variable variable, double coefficient) {
-    if (coefficient == 0)
-        return *this;
-    const auto found = position(terms_, variable);
-    if (found == terms_.end() || found->variable != variable)
-        terms_.insert(found, {variable, coefficient});
-    else if (cancel(found->coefficient, coefficient))
-        terms_.erase(found);
-    else
-        found->coefficient += coefficient;
+    add({variable, coefficient, std::abs(coefficient)});
     return *this;
 }
 
 LinearExpression& LinearExpression::add(const LinearExpression& other, double factor) {
     for (const Term& term : other.terms_)
-        add(term.variable, factor * term.coefficient);
+        add({term.variable, factor * term.coefficient, std::abs(factor) * term.magnitude});
     return add(factor * other.constant_);
+}
+
+void LinearExpression::add(const Term& term) {
+    if (term.coefficient == 0)
+        return;
+    const auto found = position(terms_, term.variable);
+    if (found == terms_.end() || found->variable != term.variable) {
+        terms_.insert(found, term);
+        return;
+    }
+    found->coefficient += term.coefficient;
+    found->magnitude = std::max(found->magnitude, term.magnitude);
+    if (std::abs(found->coefficient) <= cancellation * found->magnitude)
+        terms_.erase(found);
 }
 
 LinearExpression& LinearExpression::multiply(double factor) {
     if (factor == 0)
         terms_.clear();
-    for (Term& term : terms_)
+    for (Term& term : terms_) {
         term.coefficient *= factor;
+        term.magnitude *= std::abs(factor);
+    }
     constant_ *= factor;
     return *this;
 }

@@ -12,6 +12,7 @@ enum class Variable : std::uint32_t {};
 struct Term {
     Variable variable;
     double coefficient;
+    double magnitude; ///< of the largest summand of the coefficient, by which its rounding is judged
 };
 
 /// A sum of terms and a constant. A value, confined to one thread at a time.
@@ -41,6 +42,8 @@ public:
     double remove(Variable variable);
 
 private:
+    void add(const Term& term);
+
     std::vector<Term> terms_;
     double constant_ = 0;
 };
