@@ -143,9 +143,11 @@ int share(const sela::CommandLine& line) {
             tell(report.leftOut[i].description());
         return finish(report, line, wasPutAside);
     };
-    if (line.headless)
+    if (line.headless) {
         // The run is destroyed, and its line on the terminal erased, before anything is printed.
-        return finishRun(sela::HeadlessRun(application, line, attachments).run(), false);
+        const sela::SaveReport report = sela::HeadlessRun(application, line, attachments).run();
+        return finishRun(report, false);
+    }
     sela::WindowedRun run(application, line, attachments);
     const sela::SaveReport report = run.run();
     return finishRun(report, run.wasPutAside());

@@ -154,7 +154,8 @@ class WindowTest(HomeTest):
         super().setUp()
         self.provision()
         read, write = os.pipe()
-        self.display = self.start("Xvfb", "-displayfd", str(write), "-screen", "0", "600x800x24", "-nolisten", "tcp", pass_fds=[write])
+        self.display = self.start("Xvfb", "-displayfd", str(write), "-screen", "0", "600x800x24", "-nolisten", "tcp", "-noreset",
+                                  pass_fds=[write])
         os.close(write)
         with os.fdopen(read) as number:
             self.environment["DISPLAY"] = ":" + number.readline().strip()

@@ -25,7 +25,7 @@ class Headless(HomeTest):
 
     def test_what_waits_for_nothing_strikes_between_the_stages(self):
         trees = [self.home / str(number) for number in range(3)]
-        self.share("--tap-now", "addButton", "--wait", "0.1", "--tree", trees[0], "--wait", "0.35", "--tree", trees[1],
+        self.share("--tap-now", "addButton", "--wait", "0.1", "--tree", trees[0], "--wait", "0.25", "--tree", trees[1],
                    "--wait", "0", "--tap-now", "addButton", self.photo, expect=65)
         self.share("--tap", "addButton", "--wait", "60", "--tree", trees[2], "--tap", "addButton", self.photo)
         self.assertEqual([Screen(tree).view("resultLabel")["text"] for tree in trees], ["Added!", "Adding...", "Done"])

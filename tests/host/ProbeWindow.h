@@ -108,9 +108,16 @@ protected:
 class ProbeWindowTest : public ProbeTest {
 protected:
     void SetUp() override {
+        bool isShown = false;
+        shareWindow_.setFirstFrameHandler([&] { isShown = true; });
         shareWindow_.open();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&shareWindow_));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return isShown; }));
         window_.prepareFrame();
+    }
+
+    /// The color on the display at a place in pixels.
+    QRgb pixel(int x, int y) {
+        return shareWindow_.screen()->grabWindow(shareWindow_.winId()).toImage().pixel(x, y);
     }
 
     static CommandLine commandLine() {

@@ -36,8 +36,8 @@ TYPED_TEST(MainLoopTest, RunsTasksInOrderOfTimeAndThenOfArrival) {
     std::string order;
     const double start = loop.now();
     double ranAt = 0;
-    loop.asyncAfter(0.103, [&] { ranAt = loop.now(); });
-    loop.asyncAfter(0.102, [&] { order += "f"; });
+    loop.asyncAfter(0.16, [&] { ranAt = loop.now(); });
+    loop.asyncAfter(0.15, [&] { order += "f"; });
     loop.asyncAfter(0.101, [&] { order += "d"; });
     loop.asyncAfter(0.101, [&] { order += "e"; });
     loop.async([&] {

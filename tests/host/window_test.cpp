@@ -33,14 +33,15 @@ TEST_F(ProbeTest, ADialogIsTheCardAndDimsNothingAndGrows) {
     ShareWindow dialog(window_, painter_, CommandLine(), placement);
     dialog.open();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-    QTest::qWait(50);
     EXPECT_EQ(dialog.size(), QSize(320, 390));
-    EXPECT_EQ(dialog.screen()->grabWindow(dialog.winId()).toImage().pixelColor(10, 195), QColor(Qt::white));
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return dialog.screen()->grabWindow(dialog.winId()).toImage().pixelColor(10, 195) == Qt::white;
+    }));
     int resizes = 0;
     dialog.setResizeHandler([&] { ++resizes; });
     for (const double height : {500, 400})
         dialog.growTo(height);
-    QTest::qWait(50);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return resizes > 0; }));
     EXPECT_EQ(dialog.size(), QSize(320, 500));
     EXPECT_EQ(resizes, 1);
 }
@@ -131,64 +132,62 @@ TEST_F(ShareWindowTest, KeepsDigitsThatAreTypedWhileScreensMove) {
     environment_.loop.asyncAfter(1, [&] { QTest::keyClick(&shareWindow_, Qt::Key_7); });
     EXPECT_THAT(probe_->touched, IsEmpty());
     environment_.loop.advance(1);
-    QTest::qWait(50);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return probe_->touched.size() == 3; }));
     EXPECT_THAT(probe_->touched, ElementsAre("button7", "button7", "button7"));
 }
 
 TEST_F(ShareWindowTest, ShowsWhatTheMouseCouldPress) {
-    const auto pixelOfAddButton = [&] {
-        QTest::qWait(50);
-        return shareWindow_.screen()->grabWindow(shareWindow_.winId()).toImage().pixel(60, 60);
+    const auto becomes = [&](QRgb color) { return QTest::qWaitFor([&] { return pixel(60, 60) == color; }); };
+    const auto changesFrom = [&](QRgb color) {
+        return QTest::qWaitFor([&] { return pixel(60, 60) != color; });
     };
-    const QRgb before = pixelOfAddButton();
+    const QRgb before = pixel(60, 60);
     QTest::mouseMove(&shareWindow_, QPoint(140, 80));
-    const QRgb pointed = pixelOfAddButton();
-    EXPECT_NE(pointed, before);
+    EXPECT_TRUE(changesFrom(before));
+    const QRgb pointed = pixel(60, 60);
     EXPECT_EQ(shareWindow_.cursor().shape(), Qt::PointingHandCursor);
     QTest::mousePress(&shareWindow_, Qt::LeftButton, {}, QPoint(140, 80));
-    EXPECT_NE(pixelOfAddButton(), pointed);
+    EXPECT_TRUE(changesFrom(pointed));
     QTest::mouseRelease(&shareWindow_, Qt::LeftButton, {}, QPoint(140, 80));
     QTest::mouseMove(&shareWindow_, QPoint(600, 300));
-    EXPECT_EQ(pixelOfAddButton(), before);
+    EXPECT_TRUE(becomes(before));
     EXPECT_NE(shareWindow_.cursor().shape(), Qt::PointingHandCursor);
     // A window that opens under the mouse, which does not move.
     QEnterEvent enter({140, 80}, {140, 80}, {140, 80});
     QCoreApplication::sendEvent(&shareWindow_, &enter);
-    EXPECT_EQ(pixelOfAddButton(), pointed);
+    EXPECT_TRUE(becomes(pointed));
 }
 
 TEST_F(ShareWindowTest, ShowsTheWholeOfWhatIsCutOffUnderTheMouseOrTheFocus) {
-    const auto tip = [&] {
-        QTest::qWait(50);
-        const UIView* const panel = window_.viewNamed("tip");
-        return panel ? std::get<TextContent>(panel->subviews().front()->content()).text.string() : "";
+    const auto shows = [&](const std::string& text) {
+        return QTest::qWaitFor([&] {
+            const UIView* const panel = window_.viewNamed("tip");
+            return text ==
+                   (panel ? std::get<TextContent>(panel->subviews().front()->content()).text.string() : "");
+        });
     };
     const std::string title = "a name that is longer than its button";
     probe_->addButton.setTitle(title);
-    EXPECT_EQ(tip(), "");
+    EXPECT_TRUE(shows(""));
     QTest::mouseMove(&shareWindow_, QPoint(140, 80));
-    EXPECT_EQ(tip(), title);
+    EXPECT_TRUE(shows(title));
     QTest::mouseMove(&shareWindow_, QPoint(600, 80));
-    EXPECT_EQ(tip(), "");
+    EXPECT_TRUE(shows(""));
     QTest::keyClick(&shareWindow_, Qt::Key_Tab);
     QTest::mouseMove(&shareWindow_, QPoint(600, 1300));
-    EXPECT_EQ(tip(), title);
+    EXPECT_TRUE(shows(title));
 }
 
 TEST_F(ShareWindowTest, DrawsARingAroundTheFocusAndOnlyThere) {
-    const auto picture = [&] {
-        QTest::qWait(50);
-        return shareWindow_.screen()->grabWindow(shareWindow_.winId()).toImage();
-    };
-    const QImage before = picture();
-    QTest::keyClick(&shareWindow_, Qt::Key_Tab);
-    const QImage after = picture();
     // The button takes (40, 40) to (240, 120); the ring lies around it.
-    EXPECT_NE(after.pixel(34, 80), before.pixel(34, 80));
-    EXPECT_EQ(after.pixel(140, 80), before.pixel(140, 80));
-    EXPECT_EQ(after.pixel(140, 140), before.pixel(140, 140));
+    const auto colors = [&] { return std::vector{pixel(140, 80), pixel(140, 140)}; };
+    const QRgb ground = pixel(34, 80);
+    const std::vector<QRgb> before = colors();
+    QTest::keyClick(&shareWindow_, Qt::Key_Tab);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return pixel(34, 80) != ground; }));
+    EXPECT_EQ(colors(), before);
     probe_->addButton.setHidden(true);
-    EXPECT_EQ(picture().pixel(34, 80), before.pixel(34, 80));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return pixel(34, 80) == ground; }));
 }
 
 TEST_F(ShareWindowTest, TakesWhatIsPastedAndDroppedWhileItIsOpen) {

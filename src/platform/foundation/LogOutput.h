@@ -9,8 +9,9 @@ namespace sela {
 /// in any case. Thread-safe.
 void setLogPrinted(bool printed);
 
-/// Writes a text to standard error in one write. Never blocks: what does not fit into a full pipe or a
-/// stopped terminal is dropped. Thread-safe.
+/// Writes a text to standard error, in one write where it fits. What does not fit into a full pipe or a
+/// stopped terminal is dropped: a call waits a moment for room, and then none does until there is some again.
+/// Thread-safe.
 void writeToStandardError(std::string_view text);
 
 /// The same for a line, with its end.

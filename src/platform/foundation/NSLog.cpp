@@ -3,6 +3,8 @@
 #include "platform/foundation/LogOutput.h"
 #include "platform/foundation/UTF8.h"
 
+#include <atomic>
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <mutex>
@@ -72,9 +74,18 @@ int standardError() {
     return descriptor;
 }
 
+/// Milliseconds for a reader that is there to make room; a terminal has none while it takes what came before.
+constexpr int shortWait = 50;
+
+/// The most writes of one text, in case that there is room and yet nothing can be written.
+constexpr int mostWrites = 16;
+
+/// Whether there is room now or soon. Once there was none, nobody waits until there is some again.
 bool hasRoom(int descriptor) {
+    static std::atomic<bool> isStalled = false;
     pollfd waited{descriptor, POLLOUT, 0};
-    return ::poll(&waited, 1, 0) == 1;
+    isStalled = ::poll(&waited, 1, isStalled ? 0 : shortWait) != 1;
+    return !isStalled;
 }
 
 } // namespace
@@ -111,11 +122,12 @@ void NSLog(std::string_view text) {
 
 void writeToStandardError(std::string_view text) {
     const int descriptor = standardError();
-    while (!text.empty() && hasRoom(descriptor)) {
+    for (int writes = 0; writes < mostWrites && !text.empty() && hasRoom(descriptor); ++writes) {
         const ssize_t count = ::write(descriptor, text.data(), text.size());
-        if (count <= 0)
+        if (count > 0)
+            text.remove_prefix(static_cast<std::size_t>(count));
+        else if (errno != EAGAIN && errno != EINTR)
             return;
-        text.remove_prefix(static_cast<std::size_t>(count));
     }
 }
 

@@ -150,11 +150,14 @@ Result<MediaServiceClient::Answer> MediaServiceClient::perform(Worker& worker, i
     const double factor = request.operation == MediaOperation::encodePicture ? encodingFactor : 1;
     const double deadline = monotonicSeconds() + factor * options_.timeLimit;
     const Data message = encode(request);
-    const bool isSent = worker.helper && worker.helper->send(message, descriptors);
-    // One that ended between requests was not ended by this file.
-    if (!isSent && startHelper(worker, request.operation))
-        worker.helper->send(message, descriptors);
-    const auto packet = worker.helper ? worker.helper->receive(deadline) : std::nullopt;
+    const auto ask = [&] {
+        return worker.helper->send(message, descriptors) ? worker.helper->receive(deadline) : std::nullopt;
+    };
+    auto packet = worker.helper ? ask() : std::nullopt;
+    // It may have ended between two requests, or earlier ones may have used up its time on the processor:
+    // only a new helper is ended by this file.
+    if (!packet && monotonicSeconds() < deadline && startHelper(worker, request.operation))
+        packet = ask();
     const auto response = packet ? decodeResponse(packet->bytes, request) : std::nullopt;
     if (!response) {
         if (std::exchange(worker.helper, nullptr) && request.asset != 0) {

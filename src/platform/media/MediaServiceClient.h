@@ -22,8 +22,9 @@ class SharedMemory;
 
 /// Has pictures and videos decoded by helper processes, which are started on first need and kept: one for
 /// each kind of work, and a second one of the kind when two requests are in flight at the same time; further
-/// ones wait. They run in a sandbox, so a file can at worst crash its helper: that is an error for the file,
-/// and the next request starts a new helper; a video that crashed its helper is not tried again under its
+/// ones wait. They run in a sandbox, so a file can at worst crash its helper, and then a new one, if that
+/// helper had answered before: that is an error for the file, and the next request starts a new helper; a
+/// video that crashed its helper is not tried again under its
 /// asset's number. Thread-safe.
 class MediaServiceClient {
 public:

@@ -77,7 +77,7 @@ TEST_F(MediaServiceClientTest, StartsTheHelperOnFirstNeedKeepsItAndReplacesIt) {
 }
 
 TEST_F(MediaServiceClientTest, AHelperThatMisbehavesCostsOneFileOnly) {
-    MediaServiceClient client({programs + "/misbehaving", 0.3});
+    MediaServiceClient client({programs + "/misbehaving", 2});
     ASSERT_TRUE(client.perform(file("behave"), pictureRequest()));
     const auto descriptors = openDescriptors();
     for (const char* behaviour : {"crash", "hang", "exit", "answer another request", "claim too many pixels",
@@ -87,11 +87,12 @@ TEST_F(MediaServiceClientTest, AHelperThatMisbehavesCostsOneFileOnly) {
         EXPECT_EQ(codeOf(answer.error()), AVErrorMediaServicesWereReset) << behaviour;
         EXPECT_TRUE(client.perform(file("behave"), pictureRequest())) << "after " << behaviour;
     }
+    EXPECT_TRUE(client.perform(file("end when used"), pictureRequest())) << "as one does at its limit";
     EXPECT_EQ(openDescriptors(), descriptors);
 }
 
 TEST_F(MediaServiceClientTest, AVideoThatCostItsHelperIsNotTriedAgain) {
-    MediaServiceClient client({programs + "/misbehaving", 0.3});
+    MediaServiceClient client({programs + "/misbehaving", 2});
     MediaRequest request = pictureRequest();
     request.asset = 7;
     EXPECT_FALSE(client.perform(file("hang"), request));

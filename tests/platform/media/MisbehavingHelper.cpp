@@ -39,6 +39,7 @@ Data responseTo(const MediaRequest& request, const std::string& behaviour) {
 } // namespace
 
 int main() {
+    bool isUsed = false;
     while (const auto packet = MediaSocket::receive(mediaHelperSocket)) {
         const auto request = decodeRequest(packet->bytes);
         const std::string behaviour = contents(packet->descriptors.front().get());
@@ -50,6 +51,9 @@ int main() {
             ::pause();
         if (behaviour == "exit")
             return EXIT_SUCCESS;
+        if (behaviour == "end when used" && isUsed)
+            return EXIT_SUCCESS;
+        isUsed = true;
         MediaSocket::send(mediaHelperSocket, responseTo(*request, behaviour));
     }
     return EXIT_SUCCESS;
