@@ -30,7 +30,7 @@ struct SaveObserver {
     /// Once for each item, before the last call of its completion.
     std::function<void(const SaveEnd& end)> ended;
 
-    /// Asked after each block of a file: true ends the copy with an error and removes the partial file.
+    /// Asked after each block: true ends the copy with an error and removes the partial file.
     std::function<bool()> shouldStop;
 
     bool wantsStop() const { return shouldStop && shouldStop(); }

@@ -98,8 +98,9 @@ void SharedItemManager::saveItem(const SharedItem& item, DataView data, const Co
     if (!destination)
         return;
     const auto size = static_cast<std::int64_t>(data.size());
-    const auto written = [&](std::size_t bytes) {
+    const auto written = [&](std::size_t bytes) -> ErrorRef {
         observer.tellCopied(static_cast<std::int64_t>(bytes), size);
+        return observer.wantsStop() ? ShareExtensionError::make("the copy was interrupted") : nullptr;
     };
     if (const ErrorRef error =
             FileManager::defaultManager().writeAtomically(data, destination->file, written)) {

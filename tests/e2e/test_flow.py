@@ -153,6 +153,17 @@ class Signals(HomeTest):
         self.assertEqual(len(list(self.items.iterdir())), 1)
 
 
+class SessionBus(HomeTest):
+    def test_none_is_started_to_tell_of_a_failure(self):
+        self.provision()
+        launcher = self.write("bin/dbus-launch", f"#!/bin/sh\n: >{self.home}/launched\n".encode())
+        os.chmod(launcher, 0o755)
+        del self.environment["DBUS_SESSION_BUS_ADDRESS"]
+        self.environment |= {"PATH": f"{self.home}/bin:{os.environ['PATH']}", "DISPLAY": ":987"}
+        self.add(self.write("a.jpg", b"x"), self.write("b.txt", b"x"), expect=1)
+        self.assertFalse((self.home / "launched").exists())
+
+
 class Lifetime(WindowTest):
     def test_a_request_that_ends_before_a_frame_was_shown_ends_the_process(self):
         # A window manager that maps no window.

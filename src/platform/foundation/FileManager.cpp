@@ -50,17 +50,17 @@ ErrorRef reserve(int descriptor, std::int64_t size, const std::string& path) {
     return result == -EOPNOTSUPP || result == -ENOSYS ? nullptr : errorOf(result, path);
 }
 
-/// Writes all bytes, and tells after each block how many there are.
+/// Writes all bytes, and tells after each block how many there are, unless that ends it with an error.
 ErrorRef writeBlocks(int descriptor, DataView bytes, const std::string& path,
-                     const std::function<void(std::size_t)>& written) {
+                     const std::function<ErrorRef(std::size_t)>& written) {
     constexpr std::size_t blockSize = 2 << 20;
     for (std::size_t offset = 0; offset < bytes.size();) {
         const DataView block = bytes.subspan(offset, std::min(blockSize, bytes.size() - offset));
         if (ErrorRef error = writeFully(descriptor, block, static_cast<std::int64_t>(offset), path))
             return error;
         offset += block.size();
-        if (written)
-            written(offset);
+        if (ErrorRef error = written ? written(offset) : nullptr)
+            return error;
     }
     return nullptr;
 }
@@ -237,7 +237,7 @@ Result<OutputStream> FileManager::outputStream(const URL& destination, std::int6
 }
 
 ErrorRef FileManager::writeAtomically(DataView bytes, const URL& destination,
-                                      const std::function<void(std::size_t)>& written) {
+                                      const std::function<ErrorRef(std::size_t)>& written) {
     const std::string folder = folderOf(destination.path());
     // The time makes the names of one process unique, and its id those of several.
     const std::string temporary = folder + "/.sela-" + std::to_string(::getpid()) + "-" + uniqueTimeText();

@@ -104,9 +104,10 @@ public:
     /// Writes a whole file atomically: into a temporary file of the same folder, which is flushed and then
     /// renamed. On an error no temporary file is left and the destination is unchanged, except that it may be
     /// the new file, not yet durable, when only the fsync of the folder failed. `written` (which may be
-    /// empty) is called after each block of 2 MiB and at the end, with the number of bytes so far.
+    /// empty) is called after each block of 2 MiB and at the end, with the number of bytes so far; an error
+    /// that it returns ends the writing.
     ErrorRef writeAtomically(DataView bytes, const URL& destination,
-                             const std::function<void(std::size_t)>& written = {});
+                             const std::function<ErrorRef(std::size_t)>& written = {});
 
     /// All bytes of a regular file; an error when it is larger than `maximumSize`.
     Result<Data> contentsOfFile(const std::string& path, std::int64_t maximumSize);

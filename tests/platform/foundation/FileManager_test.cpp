@@ -110,6 +110,9 @@ TEST_F(FileManagerTest, AnAtomicWriteIsWholeOrNotThere) {
     EXPECT_FALSE(files.writeAtomically(asData("new content"), at("file")));
     EXPECT_EQ(contentOf(home.path() / "file"), "new content");
     fs::create_directories(home.path() / "occupied/by a folder");
+    EXPECT_TRUE(files.writeAtomically(asData("x"), at("file"),
+                                      [](std::size_t) { return NSError::posix(ECANCELED, ""); }));
+    EXPECT_EQ(contentOf(home.path() / "file"), "new content");
     EXPECT_TRUE(files.writeAtomically(asData("x"), at("occupied")));
     EXPECT_TRUE(files.writeAtomically(asData("x"), at("missing/file")));
     EXPECT_EQ(files.contentsOfDirectory(home.path().string()).value(),
