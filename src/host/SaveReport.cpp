@@ -1,6 +1,7 @@
 #include "host/SaveReport.h"
 
 #include "host/LocalizedReason.h"
+#include "host/ReasonSummary.h"
 #include "platform/foundation/Bundle.h"
 #include "platform/uikit/NSAttributedString.h"
 
@@ -15,9 +16,6 @@ using Kind = AttachmentOutcome::Kind;
 
 /// The most names that are listed of files that were not tried.
 constexpr std::int64_t mostNames = 10;
-
-/// The most reasons that a summary gives.
-constexpr std::size_t mostReasons = 3;
 
 std::string nameOf(const AttachmentOutcome& outcome) {
     return outcome.name.empty() ? "a picture without a name" : outcome.name;
@@ -100,21 +98,17 @@ std::string SaveReport::summary() const {
     std::string text = localized("Added: %@", recorded);
     if (missing > 0)
         text += "\n" + localized("Not added: %@", missing);
-    std::vector<std::string> reasons;
+    ReasonSummary reasons;
     for (const LeftOut& file : leftOut)
-        reasons.push_back(file.localizedDescription());
+        reasons.add(file.shortName(), localizedReason(*file.reason));
     for (const AttachmentOutcome& outcome : run.outcomes)
         if (outcome.kind == Kind::failed)
-            reasons.push_back((outcome.name.empty() ? "" : outcome.name + ": ") +
-                              localizedReason(*outcome.reason));
+            reasons.add(outcome.name, localizedReason(*outcome.reason));
     for (const AttachmentOutcome& outcome : run.outcomes)
         if (outcome.kind == Kind::notTried && !outcome.name.empty())
-            reasons.push_back(outcome.name);
-    const std::size_t told = std::min(reasons.size(), mostReasons);
-    for (std::size_t i = 0; i < told; ++i)
-        text += "\n" + reasons[i];
-    if (missing > told && told > 0)
-        text += "\n… + " + std::to_string(missing - told);
+            reasons.add(outcome.name, {});
+    if (const std::string lines = reasons.text(); !lines.empty())
+        text += "\n" + lines;
     return text;
 }
 

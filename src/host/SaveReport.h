@@ -43,8 +43,7 @@ struct SaveReport {
     bool isIncomplete() const;
 
     /// The same in short and in the user's language, for the card and for notifications: how many were added,
-    /// how many not, and the first of those with their reasons, a line each; a file that was not tried has
-    /// none. "… + 2" stands for two more.
+    /// how many not, and which and why.
     std::string summary() const;
 };
 

@@ -1,6 +1,5 @@
 #include "host/ShareRequest.h"
 
-#include "host/LocalizedReason.h"
 #include "platform/extension/TypeIdentifier.h"
 #include "platform/foundation/FileManager.h"
 #include "store/FileKind.h"
@@ -116,9 +115,11 @@ std::string LeftOut::description() const {
     return (name == standardInput ? "standard input" : name) + ": " + reason->localizedFailureReason();
 }
 
-std::string LeftOut::localizedDescription() const {
+std::string LeftOut::shortName() const {
+    if (name == standardInput)
+        return "standard input";
     const std::optional<URL> file = fileURLOf(name);
-    return (file ? file->lastPathComponent() : name) + ": " + localizedReason(*reason);
+    return file ? file->lastPathComponent() : name;
 }
 
 void Attachments::addFile(const std::string& argument) {

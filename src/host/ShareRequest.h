@@ -21,8 +21,8 @@ struct LeftOut {
     /// "a.txt: only pictures, videos and audio files can be added", in English.
     std::string description() const;
 
-    /// The same in the user's language, with the name of a file alone.
-    std::string localizedDescription() const;
+    /// The name of a file without its folders.
+    std::string shortName() const;
 };
 
 /// The arguments of a share request: what can be added, and why the rest cannot. A value.

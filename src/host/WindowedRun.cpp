@@ -1,6 +1,8 @@
 #include "host/WindowedRun.h"
 
+#include "host/LocalizedReason.h"
 #include "host/MimeAttachments.h"
+#include "host/ReasonSummary.h"
 #include "host/VaultState.h"
 #include "platform/foundation/Bundle.h"
 
@@ -28,9 +30,12 @@ std::string localized(std::string_view key) {
     return Bundle::main().localizedString(key);
 }
 
-/// The message that files are left out, with the first of them.
+/// The message that files are left out, and why.
 std::string textOf(const std::vector<LeftOut>& leftOut) {
-    return localized("Some files cannot be added.") + "\n" + leftOut.front().localizedDescription();
+    ReasonSummary reasons;
+    for (const LeftOut& file : leftOut)
+        reasons.add(file.shortName(), localizedReason(*file.reason));
+    return localized("Some files cannot be added.") + "\n" + reasons.text();
 }
 
 } // namespace
