@@ -4,13 +4,13 @@
 #include "platform/foundation/Disk.h"
 #include "platform/foundation/FileManager.h"
 #include "store/AlbumPath.h"
-#include "store/ShareExtensionError.h"
 #include "store/SharedAlbumManager.h"
 #include "store/SharedFolder.h"
 #include "store/StoreConst.h"
 #include "vault/Catalogue.h"
 #include "vault/Covers.h"
 #include "vault/PublicationRules.h"
+#include "vault/VaultPlace.h"
 
 #include <functional>
 #include <set>
@@ -168,10 +168,8 @@ private:
 } // namespace
 
 Result<std::vector<Finding>> examineGroup(bool mend) {
-    const std::optional<URL> container = sharedFolderUrl();
-    if (!container)
-        return ShareExtensionError::make("there is no vault yet; run \"sela-vault init\" first");
-    return Examination(*container, mend).run();
+    const Result<URL> container = vaultContainer();
+    return container ? Examination(container.value(), mend).run() : container.error();
 }
 
 } // namespace sela

@@ -9,6 +9,7 @@
 #include "vault/ContentComparison.h"
 #include "vault/ImportJournal.h"
 #include "vault/ImportLock.h"
+#include "vault/VaultPlace.h"
 
 #include <algorithm>
 #include <array>
@@ -70,9 +71,10 @@ ErrorRef takeOutOfLedger(const std::vector<SharedItemLedger::Entry>& gone) {
 } // namespace
 
 Result<Import::Report> Import::run() {
-    container_ = sharedFolderUrl();
-    if (!container_)
-        return ShareExtensionError::make("the group is not provisioned; run \"sela-vault init\" first");
+    const Result<URL> container = vaultContainer();
+    if (!container)
+        return container.error();
+    container_ = container.value();
     const Result<ImportLock> lock = ImportLock::take(*container_);
     if (!lock)
         return lock.error();

@@ -8,6 +8,7 @@
 #include "store/SharedFolder.h"
 #include "store/SharedItemLedger.h"
 #include "vault/ImportLock.h"
+#include "vault/VaultPlace.h"
 
 #include <algorithm>
 #include <array>
@@ -69,13 +70,13 @@ Result<std::set<std::string>> ledgerKeys() {
 } // namespace
 
 ErrorRef watchAndImport(const std::function<Result<Import::Report>()>& import) {
-    const std::optional<URL> container = sharedFolderUrl();
+    const Result<URL> container = vaultContainer();
     if (!container)
-        return ShareExtensionError::make("there is no vault yet; run \"sela-vault init\" first");
+        return container.error();
     const FileDescriptor signals = endingSignals();
     // Each import locks the container, and each save locks "Items"; the watch locks the remaining folder.
     const Result<ImportLock> lock =
-        ImportLock::take(container->appendingPathComponent(albumThumbnailsFolderName));
+        ImportLock::take(container.value().appendingPathComponent(albumThumbnailsFolderName));
     if (!lock)
         return lock.error();
     const Result<FileDescriptor> changes = settingsChanges();
