@@ -34,6 +34,8 @@ Result<std::string> storeCover(const std::string& path) {
         return container.error();
     const URL folder = container.value().appendingPathComponent(albumThumbnailsFolderName);
     FileManager& files = FileManager::defaultManager();
+    if (const Result<FileManager::RegularFile> file = files.openRegularFile(path); !file)
+        return file.error();
     const std::optional<EncodedImage> jpeg =
         UIImage::jpegDataOfFile(path, PictureBounds::filling(coverSide), coverQuality);
     if (!jpeg)
