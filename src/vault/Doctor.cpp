@@ -9,6 +9,7 @@
 #include "store/StoreConst.h"
 #include "vault/Catalogue.h"
 #include "vault/Covers.h"
+#include "vault/KeptLedgers.h"
 #include "vault/PublicationRules.h"
 #include "vault/VaultPlace.h"
 
@@ -98,10 +99,9 @@ private:
             tell(damage->localizedDescription());
         if (!defaults)
             return false;
-        if (const Result<std::vector<std::string>> kept = defaults.value().keys(unreadableItemsKeyPrefix);
-            kept)
+        if (const Result<std::vector<std::string>> kept = keptLedgers(); kept)
             for (const std::string& key : kept.value())
-                tell("an earlier ledger could not be read and is kept in the settings under " + key);
+                tell("an earlier ledger could not be read and is kept in the settings; " + howToDiscard(key));
         const std::optional<Secret> passcode = SharedAlbumManager::sharedPassword();
         if (!passcode)
             tell("there is no passcode, so no albums are shown; set one with \"sela-vault passcode set\"");
@@ -154,9 +154,12 @@ private:
                 tell("the file of " + item.preferredName.value_or(item.fileName) + " for album " +
                      albumPathText(item.albumNames) + " is missing: " + item.fileName);
         }
+        const Result<std::vector<std::string>> kept = keptLedgers();
+        const bool mayBePruned = kept && kept.value().empty();
         for (const std::string& name : unrecorded)
             tell("no entry of the ledger knows the file " + name +
-                 "; \"sela-vault import --prune\" removes it a day after it was left");
+                 (mayBePruned ? "; \"sela-vault import --prune\" removes it a day after it was left"
+                              : "; the earlier ledger may"));
     }
 
     const URL container_;

@@ -40,9 +40,14 @@ public:
     struct Report {
         std::vector<std::string> imported; ///< paths
         std::vector<std::string> dropped;  ///< names of missing files whose entries were dropped
-        std::vector<std::string> problems; ///< entries that stay in the ledger, and whatever else went wrong
+        std::vector<std::string> left;     ///< entries that stay since their files cannot be imported
+        std::size_t waiting = 0;           ///< entries that were not finished, since the import ended early
+        std::vector<std::string> problems; ///< what else could not be done
+        ErrorRef failure; ///< why the import could not go on, which is among the problems; mostly null
         std::vector<std::string> unrecorded; ///< names in "Items" that no entry has
         std::vector<std::string> pruned;
+
+        bool isComplete() const { return left.empty() && problems.empty(); }
     };
 
     explicit Import(Options options) : options_(std::move(options)) {}
@@ -92,11 +97,14 @@ private:
     /// Flushes the folders of these, removes their entries and the missing ones from the ledger, and unlinks
     /// their files from "Items".
     ErrorRef takeOut(const std::vector<Placement>& placed, const std::vector<Entry>& missing);
+
+    /// Reports the files of "Items" that no entry has, and removes those that are to be pruned.
     ErrorRef findUnrecorded();
+    Result<std::string> obstacleToPruning(bool isLocked) const;
 
     URL temporaryCopy() const;
     URL itemURL(const std::string& fileName) const;
-    void addProblem(const SharedItem& item, const ErrorRef& error);
+    void addLeft(const SharedItem& item, const ErrorRef& error);
 
     const Options options_;
     DefaultAlbum defaultAlbum_;

@@ -86,7 +86,13 @@ OptionTable makeTable() {
              "password would give the vault away. Albums that are not shown and covers that are not there "
              "are "
              "told."},
-        {.name = "ledger", .help = "list what was shared and waits for the import"},
+        {.name = "ledger",
+         .help = "list what was shared and waits for the import",
+         .options = {{.name = "--discard",
+                      .value = "KEY",
+                      .help = "print an earlier ledger that could not be read, and remove it",
+                      .detail = "Its KEY is in the list. As long as it is kept, --prune removes no files, "
+                                "since it may record them."}}},
         {.name = "import",
          .help = "move what was shared into a folder",
          .options = {{.name = "--into",
