@@ -79,6 +79,9 @@ Result<Import::Report> Import::run() {
     const Result<ImportLock> lock = ImportLock::take(*container_);
     if (!lock)
         return lock.error();
+    if (isInsideContainer(options_.into, *container_))
+        return ShareExtensionError::make(options_.into.path() +
+                                         " is inside the vault's own folder; import into another one");
     if (ErrorRef error = FileManager::defaultManager().createDirectory(options_.into.path()))
         return error;
     // The partial copy of an import that was killed.

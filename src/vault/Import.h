@@ -25,7 +25,7 @@ namespace sela {
 class Import {
 public:
     struct Options {
-        URL into;          ///< made if missing
+        URL into;          ///< made if missing; refused inside the container
         bool keep = false; ///< copy only: the ledger and "Items" stay as they are
         /// Remove unrecorded files of "Items" that are older than a day. Nothing is removed while an
         /// unreadable ledger is kept in the settings, since it may record them, nor while a share is saving.
@@ -52,8 +52,8 @@ public:
 
     explicit Import(Options options) : options_(std::move(options)) {}
 
-    /// Imports everything. The error when it could not begin: no group, settings or ledger that cannot be
-    /// read, another import that is running.
+    /// Imports everything. The error when it could not begin: no group, a target inside its container,
+    /// settings or ledger that cannot be read, another import that is running.
     Result<Report> run();
 
 private:

@@ -14,4 +14,7 @@ Result<URL> vaultPlace();
 /// reached.
 Result<URL> vaultContainer();
 
+/// Whether a folder, which need not exist yet, is the container or inside it, on whatever path.
+bool isInsideContainer(const URL& folder, const URL& container);
+
 } // namespace sela
