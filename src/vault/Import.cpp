@@ -94,7 +94,9 @@ Result<Import::Report> Import::run() {
     const std::size_t toBeDone = report_.imported.size() + entries.value().size();
     report_.failure = importAll(std::move(entries.value()));
     report_.waiting = toBeDone - report_.imported.size() - report_.dropped.size() - report_.left.size();
-    if (!report_.failure)
+    if (report_.waiting > 0 && !report_.failure)
+        report_.problems.push_back("stopped; the next import goes on");
+    else if (!report_.failure)
         report_.failure = findUnrecorded();
     if (report_.failure)
         report_.problems.push_back(report_.failure->localizedDescription());
@@ -134,10 +136,12 @@ ErrorRef Import::recover() {
 ErrorRef Import::importAll(std::vector<Entry> entries) {
     const std::size_t count = entries.size();
     std::size_t done = 0;
-    while (!entries.empty()) {
+    while (!entries.empty() && !options_.isStopped()) {
         std::vector<Entry> again;
         Batch batch;
         for (const Entry& entry : entries) {
+            if (options_.isStopped())
+                break;
             if (options_.progress)
                 options_.progress(std::min(++done, count), count);
             if (ErrorRef error = plan(entry, batch))
@@ -220,6 +224,8 @@ ErrorRef Import::finish(const Batch& batch, std::vector<Entry>& again) {
 std::vector<Import::Placement> Import::putInPlace(const Batch& batch, std::vector<Entry>& again) {
     std::vector<Placement> placed;
     for (const Placement& placement : batch.placements) {
+        if (options_.isStopped())
+            break;
         const ErrorRef error = putAt(placement.source, placement.target);
         if (!error) {
             placed.push_back(placement);

@@ -34,6 +34,9 @@ public:
 
         /// Called with the number of the next entry, from 1 on, and the number of entries.
         std::function<void(std::size_t entry, std::size_t count)> progress = {};
+
+        /// Asked before each file; once it is true the import ends in order, with the files before that one.
+        std::function<bool()> isStopped = [] { return false; };
     };
 
     /// The outcome for the entries and files; each line is for the user.

@@ -106,7 +106,9 @@ OptionTable makeTable() {
                      {.name = "--watch", .help = "go on, and import whenever something was shared"}},
          .detail =
              "No file is ever overwritten, and an entry leaves the ledger only after its file is safely in "
-             "place."},
+             "place. SIGINT and SIGTERM end it after the file under way; what was imported until then is "
+             "told, "
+             "and the next import goes on."},
         {.name = "doctor",
          .help = "look whether all of the vault is as it should be",
          .options = {{.name = "--mend", .help = "mend what can be mended without losing anything"}}}};

@@ -74,6 +74,21 @@ TEST_F(ImportTest, FilesOfOneNameAreNumberedAcrossBatches) {
     EXPECT_TRUE(fs::is_empty(home.container() / "Items"));
 }
 
+TEST_F(ImportTest, OneThatIsStoppedTellsWhatItImportedAndTheNextGoesOn) {
+    record(std::vector(600, std::pair<std::string, std::string>("A", "a.jpg")));
+    int asked = 0;
+    const Import::Report stopped =
+        Import({.into = URL::fileURL(into.string()), .isStopped = [&] { return ++asked > 1000; }})
+            .run()
+            .value();
+    EXPECT_GT(stopped.imported.size(), 300u);
+    EXPECT_GT(stopped.waiting, 0u);
+    EXPECT_EQ(stopped.imported.size() + stopped.waiting, 600u);
+    EXPECT_EQ(import().imported.size(), stopped.waiting);
+    EXPECT_TRUE(fs::exists(into / "vault/A/a (600).jpg"));
+    EXPECT_TRUE(fs::is_empty(home.container() / "Items"));
+}
+
 TEST_F(ImportTest, AFileThatCannotBeRemovedFromItemsIsImportedAllTheSame) {
     record({{"A", "a.jpg"}});
     const class : public DiskWrapper {

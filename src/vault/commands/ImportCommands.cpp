@@ -1,4 +1,5 @@
 #include "platform/foundation/NSLog.h"
+#include "vault/EndingSignals.h"
 #include "vault/Import.h"
 #include "vault/ImportWatch.h"
 #include "vault/KeptLedgers.h"
@@ -110,6 +111,8 @@ int importCommand(const Arguments& arguments) {
         options.progress = [](std::size_t entry, std::size_t count) {
             std::fprintf(stderr, "\r\33[KImporting %zu of %zu", entry, count);
         };
+    EndingSignals signals;
+    options.isStopped = [&signals] { return signals.haveArrived(); };
     const Result<Import::Report> report = Import(options).run();
     if (options.progress)
         std::fputs("\r\33[K", stderr);
