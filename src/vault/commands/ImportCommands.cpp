@@ -96,10 +96,12 @@ int importCommand(const Arguments& arguments) {
                             .keep = arguments.has("--keep"),
                             .prune = arguments.has("--prune"),
                             .dropMissing = arguments.has("--drop-missing")};
+    if (arguments.has("--watch") && options.keep)
+        return misuse("--watch and --keep would copy the same files again and again");
+    EndingSignals signals;
+    options.isStopped = [&signals] { return signals.haveArrived(); };
     if (arguments.has("--watch")) {
-        if (options.keep)
-            return misuse("--watch and --keep would copy the same files again and again");
-        const ErrorRef error = watchAndImport([&] {
+        const ErrorRef error = watchAndImport(signals, [&] {
             Result<Import::Report> report = Import(options).run();
             if (report && isWorthTelling(report.value()))
                 tell(arguments, report.value());
@@ -111,8 +113,6 @@ int importCommand(const Arguments& arguments) {
         options.progress = [](std::size_t entry, std::size_t count) {
             std::fprintf(stderr, "\r\33[KImporting %zu of %zu", entry, count);
         };
-    EndingSignals signals;
-    options.isStopped = [&signals] { return signals.haveArrived(); };
     const Result<Import::Report> report = Import(options).run();
     if (options.progress)
         std::fputs("\r\33[K", stderr);
