@@ -20,6 +20,10 @@ ErrorRef problemWithPasscodes(const std::optional<Secret>& vault, const std::opt
 /// Why an album's password must not be published; null when all may.
 ErrorRef problemWithPasswords(const std::vector<SharedAlbum>& albums);
 
+/// Why an album must not be given a name; null when it may: it is not blank, can be shown on one line, and
+/// can be a folder's name.
+ErrorRef problemWithName(const std::string& name);
+
 /// Warnings for passcodes that may be published but probably are a mistake, a line each.
 std::vector<std::string> warningsOfPasscodes(const Secret& vault, const std::optional<Secret>& decoy);
 

@@ -4,6 +4,11 @@ namespace sela {
 
 namespace {
 
+constexpr std::string_view albumPathRule =
+    "PATH is a name, or two like Trips/Rome for an album inside another; a \"/\" or \"\\\" that belongs to a "
+    "name has a \"\\\" before it: AC\\/DC, Back\\\\Black. A name has up to 255 bytes, and no control "
+    "characters.";
+
 OptionTable makeTable() {
     OptionTable table;
     table.program = "sela-vault";
@@ -41,9 +46,7 @@ OptionTable makeTable() {
                       .help = "a picture to show beside its name",
                       .completion = Completion::files},
                      {.name = "--password", .help = "ask for a password that unfolds it in the picker"}},
-         .detail = "PATH is a name, or two like Trips/Rome for an album inside another; a \"/\" inside a "
-                   "name has a \"\\\" "
-                   "before it."},
+         .detail = albumPathRule},
         {.name = "album rename",
          .operands = "PATH NAME",
          .help = "give an album another name",

@@ -56,8 +56,8 @@ int change(const Arguments& arguments, const Catalogue::Name& name, const std::s
             writer.member("path", name.path).member("decoy", name.fake).member("done", what);
             writer.member("warnings", warnings);
         });
-    return print("Album " + albumPathText(name.path) + (name.fake ? " of the decoy vault " : " ") + what +
-                 ".\n");
+    return print("Album " + escapedForLog(albumPathText(name.path)) +
+                 (name.fake ? " of the decoy vault " : " ") + what + ".\n");
 }
 
 /// Prints the paths of the albums that a passcode opens: none for a wrong one.
