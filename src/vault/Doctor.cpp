@@ -104,7 +104,7 @@ private:
                 tell("an earlier ledger could not be read and is kept in the settings; " + howToDiscard(key));
         const std::optional<Secret> passcode = SharedAlbumManager::sharedPassword();
         if (!passcode)
-            tell("there is no passcode, so no albums are shown; set one with \"sela-vault passcode set\"");
+            tell(std::string(noPasscode));
         if (const ErrorRef problem = problemWithPasscodes(passcode, SharedAlbumManager::sharedFakePassword()))
             tell(problem->localizedDescription());
         return true;

@@ -14,6 +14,9 @@ namespace sela {
 /// Published passcodes must not reveal the vault on the keypad: it has ten digits and no enter key, so a code
 /// opens with its last digit, and the entry is at most as long as the vault passcode. Any thread.
 
+inline constexpr std::string_view noPasscode =
+    "there is no passcode, so no albums are shown; set one with \"sela-vault passcode set\"";
+
 /// Why these two passcodes (absent: none) must not be published together; null when they may.
 ErrorRef problemWithPasscodes(const std::optional<Secret>& vault, const std::optional<Secret>& decoy);
 

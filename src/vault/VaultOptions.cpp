@@ -45,7 +45,10 @@ OptionTable makeTable() {
                       .value = "FILE",
                       .help = "a picture to show beside its name",
                       .completion = Completion::files},
-                     {.name = "--password", .help = "ask for a password that unfolds it in the picker"}},
+                     {.name = "--password",
+                      .help = "ask for a password that unfolds it in the picker",
+                      .detail = "It guards the albums inside it, so that of an album inside another is never "
+                                "asked for. The album itself can be chosen without it."}},
          .detail = albumPathRule},
         {.name = "album rename",
          .operands = "PATH NAME",
