@@ -47,8 +47,9 @@ Result<Catalogue> Catalogue::decode(const Result<std::optional<Data>>& albums,
     if (albums.value()) {
         Result<std::vector<SharedAlbum>> decoded = decodeJSONArray<SharedAlbum>(*albums.value());
         if (!decoded)
-            return ShareExtensionError::make("the published catalogue: " +
-                                             decoded.error()->localizedDescription());
+            return ShareExtensionError::make(
+                "the published catalogue: " + decoded.error()->localizedDescription() +
+                "; \"sela-vault publish\" puts another in its place");
         catalogue.albums_ = std::move(decoded.value());
     }
     if (ledger.value()) {

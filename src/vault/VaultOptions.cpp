@@ -124,7 +124,9 @@ OptionTable makeTable() {
           {.name = "--help", .help = "this text, or that of the command", .letter = 'h'},
           {.name = "--version", .help = "the version", .letter = 'V'}}}};
     table.statuses = {
-        {0, "done"}, {1, "something could not be done; standard error says what"}, {64, "bad arguments"}};
+        {0, "done"},
+        {1, "something could not be done, as standard error says, or doctor found something, as it prints"},
+        {64, "bad arguments"}};
     return table;
 }
 
