@@ -49,10 +49,17 @@ private:
             position_ = command.name == one ? 1 : 2;
             return nullptr;
         }
-        const bool isBeginning = std::ranges::any_of(
-            table_.commands, [&](const Command& command) { return command.name.starts_with(one + " "); });
-        return usageError(isBeginning ? "\"" + one + "\" needs to know what to do"
-                                      : "there is no command \"" + one + "\"");
+        std::string possible;
+        for (const Command& command : table_.commands)
+            if (command.name.starts_with(one + " "))
+                possible += (possible.empty() ? "" : ", ") + std::string(command.name.substr(one.size() + 1));
+        if (possible.empty())
+            return usageError("there is no command \"" + one + "\"");
+        // What may be an option with its value, or a passcode, is not repeated.
+        const bool isNamed = two != one && !words_[1].starts_with('-') &&
+                             words_[1].find_first_not_of("0123456789") != std::string::npos;
+        return usageError(isNamed ? "there is no command \"" + two + "\"; " + one + " takes: " + possible
+                                  : "\"" + one + "\" needs to know what to do: " + possible);
     }
 
     /// A command takes the operands that its help names; with --help it takes any.

@@ -100,7 +100,12 @@ Result<Secret> firstLine(Result<Data> content, const std::string& origin) {
 Result<Secret> readPasscode(const std::string& path) {
     if (path == "-")
         return firstLine(readStandardInput("Passcode"), "standard input");
-    return firstLine(FileManager::defaultManager().contentsOfFile(path, largestFile), path);
+    FileManager& files = FileManager::defaultManager();
+    const Result<FileAttributes> attributes = files.attributesOfItem(path);
+    if (attributes && attributes.value().type == FileAttributes::Type::other)
+        return ErrorRef(std::make_shared<NSError>(
+            passcodeErrorDomain, 2, "a passcode comes from an ordinary file, or from standard input for -"));
+    return firstLine(files.contentsOfFile(path, largestFile), path);
 }
 
 Result<Secret> askForNewPasscode(const std::string& what) {

@@ -3,6 +3,7 @@
 #include "store/AlbumPath.h"
 #include "store/ShareExtensionError.h"
 #include "store/SharedFolder.h"
+#include "vault/PublicationRules.h"
 
 #include <algorithm>
 #include <iterator>
@@ -46,8 +47,9 @@ Result<Catalogue> Catalogue::decode(const Result<std::optional<Data>>& albums,
     if (albums.value()) {
         Result<std::vector<SharedAlbum>> decoded = decodeJSONArray<SharedAlbum>(*albums.value());
         if (!decoded)
-            return ShareExtensionError::make("the published catalogue: " +
-                                             decoded.error()->localizedDescription());
+            return ShareExtensionError::make(
+                "the published catalogue: " + decoded.error()->localizedDescription() +
+                "; \"sela-vault publish\" puts another in its place");
         catalogue.albums_ = std::move(decoded.value());
     }
     if (ledger.value()) {
@@ -102,6 +104,8 @@ SharedAlbum* Catalogue::find(const Name& name) {
 ErrorRef Catalogue::add(SharedAlbum album) {
     if (find(nameOf(album)))
         return ShareExtensionError::make("there is an album " + albumPathText(album.namePath) + " already");
+    if (ErrorRef problem = problemWithName(album.namePath.back()))
+        return problem;
     Name parent = nameOf(album);
     parent.path.pop_back();
     if (!parent.path.empty() && !find(parent))
@@ -117,6 +121,8 @@ ErrorRef Catalogue::rename(const Name& name, const std::string& newName) {
         return noSuchAlbum(name);
     if (find(renamed))
         return ShareExtensionError::make("there is an album " + albumPathText(renamed.path) + " already");
+    if (ErrorRef problem = problemWithName(newName))
+        return problem;
     for (SharedAlbum& album : albums_)
         if (album.fake == name.fake && isAtOrBelow(album.namePath, name.path))
             album.namePath[name.path.size() - 1] = newName;

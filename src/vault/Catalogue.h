@@ -41,11 +41,12 @@ public:
     /// Null when there is no such album.
     SharedAlbum* find(const Name& name);
 
-    /// Adds an album after the others of its level. The error when it exists already or has no parent.
+    /// Adds an album after the others of its level. The error when it exists already, has no parent,
+    /// or must not have its name (`PublicationRules.h`).
     ErrorRef add(SharedAlbum album);
 
-    /// Renames an album and updates the paths of the albums below it. The error when there is no such album
-    /// or already one of the new name.
+    /// Renames an album and updates the paths of the albums below it. The error when there is no such album,
+    /// already one of the new name, or when it must not have that.
     ErrorRef rename(const Name& name, const std::string& newName);
 
     /// Removes an album and those below it. The error when there is no such album.

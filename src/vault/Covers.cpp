@@ -6,6 +6,7 @@
 #include "store/ShareExtensionError.h"
 #include "store/SharedFolder.h"
 #include "vault/Catalogue.h"
+#include "vault/VaultPlace.h"
 
 #include <optional>
 #include <set>
@@ -28,18 +29,21 @@ std::optional<URL> coversFolder() {
 } // namespace
 
 Result<std::string> storeCover(const std::string& path) {
-    const std::optional<URL> folder = coversFolder();
-    if (!folder)
-        return ShareExtensionError::make("there is no vault yet; run \"sela-vault init\" first");
+    const Result<URL> container = vaultContainer();
+    if (!container)
+        return container.error();
+    const URL folder = container.value().appendingPathComponent(albumThumbnailsFolderName);
+    FileManager& files = FileManager::defaultManager();
+    if (const Result<FileManager::RegularFile> file = files.openRegularFile(path); !file)
+        return file.error();
     const std::optional<EncodedImage> jpeg =
         UIImage::jpegDataOfFile(path, PictureBounds::filling(coverSide), coverQuality);
     if (!jpeg)
         return ShareExtensionError::make(path + " is no picture that can be shown");
     std::string name = uniqueTimeText() + ".jpg";
-    FileManager& files = FileManager::defaultManager();
-    if (ErrorRef error = files.createDirectory(folder->path()))
+    if (ErrorRef error = files.createDirectory(folder.path()))
         return error;
-    if (ErrorRef error = files.writeAtomically(jpeg->bytes(), folder->appendingPathComponent(name)))
+    if (ErrorRef error = files.writeAtomically(jpeg->bytes(), folder.appendingPathComponent(name)))
         return error;
     return name;
 }

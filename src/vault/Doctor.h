@@ -19,9 +19,9 @@ struct Finding {
     State state = State::forTheUser;
 };
 
-/// Checks all of the group: the modes of its folders and files, the settings, the catalogue with its
-/// passcodes and covers, and the ledger against the files; and repairs what can be repaired if asked to. The
-/// error when there is no group, or when something cannot be checked or repaired. One thread.
+/// Checks all of the group: whether the user, and nobody else, can use its folders and files; the settings,
+/// the catalogue with its passcodes and covers, and the ledger against the files; and repairs what can be
+/// repaired if asked to. The error when there is no group. One thread.
 Result<std::vector<Finding>> examineGroup(bool mend);
 
 } // namespace sela

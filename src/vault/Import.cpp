@@ -9,6 +9,8 @@
 #include "vault/ContentComparison.h"
 #include "vault/ImportJournal.h"
 #include "vault/ImportLock.h"
+#include "vault/KeptLedgers.h"
+#include "vault/VaultPlace.h"
 
 #include <algorithm>
 #include <array>
@@ -70,12 +72,16 @@ ErrorRef takeOutOfLedger(const std::vector<SharedItemLedger::Entry>& gone) {
 } // namespace
 
 Result<Import::Report> Import::run() {
-    container_ = sharedFolderUrl();
-    if (!container_)
-        return ShareExtensionError::make("the group is not provisioned; run \"sela-vault init\" first");
+    const Result<URL> container = vaultContainer();
+    if (!container)
+        return container.error();
+    container_ = container.value();
     const Result<ImportLock> lock = ImportLock::take(*container_);
     if (!lock)
         return lock.error();
+    if (isInsideContainer(options_.into, *container_))
+        return ShareExtensionError::make(options_.into.path() +
+                                         " is inside the vault's own folder; import into another one");
     if (ErrorRef error = FileManager::defaultManager().createDirectory(options_.into.path()))
         return error;
     // The partial copy of an import that was killed.
@@ -85,11 +91,15 @@ Result<Import::Report> Import::run() {
     Result<std::vector<Entry>> entries = SharedItemLedger::entries();
     if (!entries)
         return entries.error();
-    ErrorRef error = importAll(std::move(entries.value()));
-    if (!error)
-        error = findUnrecorded();
-    if (error)
-        report_.problems.push_back(error->localizedDescription());
+    const std::size_t toBeDone = report_.imported.size() + entries.value().size();
+    report_.failure = importAll(std::move(entries.value()));
+    report_.waiting = toBeDone - report_.imported.size() - report_.dropped.size() - report_.left.size();
+    if (report_.waiting > 0 && !report_.failure)
+        report_.problems.push_back("stopped; the next import goes on");
+    else if (!report_.failure)
+        report_.failure = findUnrecorded();
+    if (report_.failure)
+        report_.problems.push_back(report_.failure->localizedDescription());
     return std::move(report_);
 }
 
@@ -126,14 +136,16 @@ ErrorRef Import::recover() {
 ErrorRef Import::importAll(std::vector<Entry> entries) {
     const std::size_t count = entries.size();
     std::size_t done = 0;
-    while (!entries.empty()) {
+    while (!entries.empty() && !options_.isStopped()) {
         std::vector<Entry> again;
         Batch batch;
         for (const Entry& entry : entries) {
+            if (options_.isStopped())
+                break;
             if (options_.progress)
                 options_.progress(std::min(++done, count), count);
             if (ErrorRef error = plan(entry, batch))
-                addProblem(entry.second, error);
+                addLeft(entry.second, error);
             const std::size_t planned = batch.placements.size();
             const bool isFull = planned >= fullBatch || batch.bytes >= fullBatchSize;
             if (!isFull || planned < count / mostFullBatches)
@@ -212,6 +224,8 @@ ErrorRef Import::finish(const Batch& batch, std::vector<Entry>& again) {
 std::vector<Import::Placement> Import::putInPlace(const Batch& batch, std::vector<Entry>& again) {
     std::vector<Placement> placed;
     for (const Placement& placement : batch.placements) {
+        if (options_.isStopped())
+            break;
         const ErrorRef error = putAt(placement.source, placement.target);
         if (!error) {
             placed.push_back(placement);
@@ -221,7 +235,7 @@ std::vector<Import::Placement> Import::putInPlace(const Batch& batch, std::vecto
             form_ = NameForm::portable;
             again.push_back(placement.entry);
         } else {
-            addProblem(placement.entry.second, error);
+            addLeft(placement.entry.second, error);
         }
     }
     return placed;
@@ -276,7 +290,9 @@ ErrorRef Import::takeOut(const std::vector<Placement>& placed, const std::vector
         report_.imported.push_back(placement.target.path());
         const ErrorRef error = options_.keep ? nullptr : files.removeItem(placement.source.path());
         if (error)
-            report_.problems.push_back(error->localizedDescription());
+            report_.problems.push_back(
+                placement.target.path() +
+                " is imported, but its file in Items cannot be removed: " + error->localizedFailureReason());
     }
     for (const Entry& entry : missing)
         report_.dropped.push_back(entry.second.preferredName.value_or(entry.second.fileName));
@@ -292,9 +308,8 @@ URL Import::itemURL(const std::string& fileName) const {
     return container_->appendingPathComponent(itemsFolderName).appendingPathComponent(fileName);
 }
 
-void Import::addProblem(const SharedItem& item, const ErrorRef& error) {
-    report_.problems.push_back(item.preferredName.value_or(item.fileName) + ": " +
-                               error->localizedDescription());
+void Import::addLeft(const SharedItem& item, const ErrorRef& error) {
+    report_.left.push_back(item.preferredName.value_or(item.fileName) + ": " + error->localizedDescription());
 }
 
 ErrorRef Import::findUnrecorded() {
@@ -302,14 +317,7 @@ ErrorRef Import::findUnrecorded() {
     const URL items = container_->appendingPathComponent(itemsFolderName);
     if (!files.fileExists(items.path()))
         return nullptr;
-    bool prune = options_.prune;
-    std::optional<ItemsLock> lock;
-    if (prune) {
-        lock = ItemsLock::forRemoving(items);
-        prune = lock.has_value();
-        if (!lock)
-            report_.problems.emplace_back("nothing is pruned while something is being shared");
-    }
+    const std::optional<ItemsLock> lock = options_.prune ? ItemsLock::forRemoving(items) : std::nullopt;
     // The names are listed first, so that a file that is recorded in between counts as recorded.
     const Result<std::vector<std::string>> names = files.contentsOfDirectory(items.path());
     if (!names)
@@ -317,17 +325,13 @@ ErrorRef Import::findUnrecorded() {
     const Result<std::vector<Entry>> entries = SharedItemLedger::entries();
     if (!entries)
         return entries.error();
-    const std::optional<UserDefaults> defaults = sharedDefaults();
-    if (prune && defaults) {
-        const Result<std::vector<std::string>> keptLedgers = defaults->keys(unreadableItemsKeyPrefix);
-        if (!keptLedgers)
-            return keptLedgers.error();
-        // An unreadable ledger that was kept may still record some of the files.
-        prune = keptLedgers.value().empty();
-    }
+    const Result<std::string> obstacle = obstacleToPruning(lock.has_value());
+    if (!obstacle)
+        return obstacle.error();
     std::set<std::string_view> recorded;
     for (const Entry& entry : entries.value())
         recorded.insert(entry.second.fileName);
+    bool isObstructed = false;
     for (const std::string& name : names.value()) {
         if (recorded.contains(name))
             continue;
@@ -335,13 +339,28 @@ ErrorRef Import::findUnrecorded() {
         const Result<FileAttributes> attributes = files.attributesOfEntry(path);
         if (!attributes)
             continue;
-        const bool old = secondsSince1970() - attributes.value().modificationDate > dayInSeconds;
-        if (prune && defaults && old && !files.removeItem(path))
-            report_.pruned.push_back(name);
-        else
-            report_.unrecorded.push_back(name);
+        const bool isOld = secondsSince1970() - attributes.value().modificationDate > dayInSeconds;
+        const bool isRemovable = options_.prune && isOld && obstacle.value().empty();
+        const ErrorRef error = isRemovable ? files.removeItem(path) : nullptr;
+        (isRemovable && !error ? report_.pruned : report_.unrecorded).push_back(name);
+        if (error)
+            report_.problems.push_back(name + " cannot be removed: " + error->localizedFailureReason());
+        isObstructed = isObstructed || (options_.prune && isOld && !isRemovable);
     }
+    if (isObstructed)
+        report_.problems.push_back("nothing is pruned " + obstacle.value());
     return nullptr;
+}
+
+/// Why files that no entry has must stay; empty when they need not.
+Result<std::string> Import::obstacleToPruning(bool isLocked) const {
+    const Result<std::vector<std::string>> kept = keptLedgers();
+    if (!kept)
+        return kept.error();
+    if (!kept.value().empty())
+        return "while an earlier ledger that could not be read may record the files; " +
+               howToDiscard(kept.value().front());
+    return std::string(isLocked ? "" : "while something is being shared");
 }
 
 } // namespace sela

@@ -25,7 +25,7 @@ namespace sela {
 class Import {
 public:
     struct Options {
-        URL into;          ///< made if missing
+        URL into;          ///< made if missing; refused inside the container
         bool keep = false; ///< copy only: the ledger and "Items" stay as they are
         /// Remove unrecorded files of "Items" that are older than a day. Nothing is removed while an
         /// unreadable ledger is kept in the settings, since it may record them, nor while a share is saving.
@@ -34,21 +34,29 @@ public:
 
         /// Called with the number of the next entry, from 1 on, and the number of entries.
         std::function<void(std::size_t entry, std::size_t count)> progress = {};
+
+        /// Asked before each file; once it is true the import ends in order, with the files before that one.
+        std::function<bool()> isStopped = [] { return false; };
     };
 
     /// The outcome for the entries and files; each line is for the user.
     struct Report {
         std::vector<std::string> imported; ///< paths
         std::vector<std::string> dropped;  ///< names of missing files whose entries were dropped
-        std::vector<std::string> problems; ///< entries that stay in the ledger, and whatever else went wrong
+        std::vector<std::string> left;     ///< entries that stay since their files cannot be imported
+        std::size_t waiting = 0;           ///< entries that were not finished, since the import ended early
+        std::vector<std::string> problems; ///< what else could not be done
+        ErrorRef failure; ///< why the import could not go on, which is among the problems; mostly null
         std::vector<std::string> unrecorded; ///< names in "Items" that no entry has
         std::vector<std::string> pruned;
+
+        bool isComplete() const { return left.empty() && problems.empty(); }
     };
 
     explicit Import(Options options) : options_(std::move(options)) {}
 
-    /// Imports everything. The error when it could not begin: no group, settings or ledger that cannot be
-    /// read, another import that is running.
+    /// Imports everything. The error when it could not begin: no group, a target inside its container,
+    /// settings or ledger that cannot be read, another import that is running.
     Result<Report> run();
 
 private:
@@ -92,11 +100,14 @@ private:
     /// Flushes the folders of these, removes their entries and the missing ones from the ledger, and unlinks
     /// their files from "Items".
     ErrorRef takeOut(const std::vector<Placement>& placed, const std::vector<Entry>& missing);
+
+    /// Reports the files of "Items" that no entry has, and removes those that are to be pruned.
     ErrorRef findUnrecorded();
+    Result<std::string> obstacleToPruning(bool isLocked) const;
 
     URL temporaryCopy() const;
     URL itemURL(const std::string& fileName) const;
-    void addProblem(const SharedItem& item, const ErrorRef& error);
+    void addLeft(const SharedItem& item, const ErrorRef& error);
 
     const Options options_;
     DefaultAlbum defaultAlbum_;

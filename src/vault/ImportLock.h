@@ -21,4 +21,7 @@ private:
     FileDescriptor folder_;
 };
 
+/// Whether an error passes by itself: another import holds the lock, or another program locks the settings.
+bool isPassing(const ErrorRef& error);
+
 } // namespace sela

@@ -1,59 +1,35 @@
 #include "vault/ImportWatch.h"
 
 #include "platform/foundation/BaseDirectories.h"
-#include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/FileManager.h"
-#include "platform/foundation/SystemCall.h"
 #include "store/ShareExtensionError.h"
 #include "store/SharedFolder.h"
 #include "store/SharedItemLedger.h"
 #include "vault/ImportLock.h"
+#include "vault/SettingsFolder.h"
+#include "vault/VaultPlace.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <csignal>
 #include <iterator>
-#include <poll.h>
 #include <set>
 #include <string>
-#include <sys/inotify.h>
-#include <sys/signalfd.h>
-#include <unistd.h>
 
 namespace sela {
 
 namespace {
 
-/// The signals that end a watch, blocked until they are waited for.
-FileDescriptor endingSignals() {
-    sigset_t signals;
-    ::sigemptyset(&signals);
-    ::sigaddset(&signals, SIGTERM);
-    ::sigaddset(&signals, SIGINT);
-    ::sigprocmask(SIG_BLOCK, &signals, nullptr);
-    return FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
-}
+constexpr int oneSecond = 1000;
+constexpr int forever = -1;
 
-/// Watches the folder of the settings (inotify), which is made if missing: the file itself may not exist yet.
-Result<FileDescriptor> settingsChanges() {
+/// The folder of the settings, made if missing.
+Result<URL> settingsFolder() {
     const std::optional<URL> config = BaseDirectories::config();
     if (!config)
         return ShareExtensionError::make("there is no place for settings");
-    const std::string folder = config->appendingPathComponent("sela").path();
-    if (ErrorRef error = FileManager::defaultManager().createDirectory(folder))
+    URL folder = config->appendingPathComponent("sela");
+    if (ErrorRef error = FileManager::defaultManager().createDirectory(folder.path()))
         return error;
-    FileDescriptor changes(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
-    if (!changes.isOpen() || ::inotify_add_watch(changes.get(), folder.c_str(), IN_MODIFY | IN_MOVED_TO) < 0)
-        return NSError::posix(errno, "inotify");
-    return changes;
-}
-
-/// Discards the events so far.
-void drain(const FileDescriptor& changes) {
-    std::array<std::byte, 4096> events;
-    while (retryingInterrupted([&] { return ::read(changes.get(), events.data(), events.size()); }) > 0) {
-    }
+    return folder;
 }
 
 Result<std::set<std::string>> ledgerKeys() {
@@ -66,45 +42,69 @@ Result<std::set<std::string>> ledgerKeys() {
     return keys;
 }
 
+/// What a watch has done so far.
+struct Progress {
+    std::set<std::string> left; ///< the keys that the last import left
+    bool isDone = false;        ///< there is nothing new to import
+};
+
+/// Imports if there is anything but what the last import left. The error when that failed.
+ErrorRef importWhatIsNew(const std::function<Result<Import::Report>()>& import, Progress& progress) {
+    const Result<std::set<std::string>> keys = ledgerKeys();
+    if (!keys)
+        return keys.error();
+    progress.isDone = std::ranges::includes(progress.left, keys.value());
+    if (progress.isDone)
+        return nullptr;
+    const Result<Import::Report> report = import();
+    if (!report)
+        return report.error();
+    if (isPassing(report.value().failure))
+        return report.value().failure;
+    const Result<std::set<std::string>> after = ledgerKeys();
+    if (!after)
+        return after.error();
+    progress.left.clear();
+    std::ranges::set_intersection(keys.value(), after.value(),
+                                  std::inserter(progress.left, progress.left.end()));
+    return nullptr;
+}
+
 } // namespace
 
-ErrorRef watchAndImport(const std::function<Result<Import::Report>()>& import) {
-    const std::optional<URL> container = sharedFolderUrl();
+ErrorRef watchAndImport(EndingSignals& signals, const std::function<Result<Import::Report>()>& import) {
+    const Result<URL> container = vaultContainer();
     if (!container)
-        return ShareExtensionError::make("there is no vault yet; run \"sela-vault init\" first");
-    const FileDescriptor signals = endingSignals();
+        return container.error();
     // Each import locks the container, and each save locks "Items"; the watch locks the remaining folder.
     const Result<ImportLock> lock =
-        ImportLock::take(container->appendingPathComponent(albumThumbnailsFolderName));
+        ImportLock::take(container.value().appendingPathComponent(albumThumbnailsFolderName));
     if (!lock)
         return lock.error();
-    const Result<FileDescriptor> changes = settingsChanges();
-    if (!changes)
-        return changes.error();
-    std::set<std::string> left;
-    while (true) {
-        // An import changes the settings itself, and its own changes must be distinguished from those of
-        // others.
-        drain(changes.value());
-        const Result<std::set<std::string>> keys = ledgerKeys();
-        if (!keys)
-            return keys.error();
-        pollfd sources[] = {{signals.get(), POLLIN, 0}, {changes.value().get(), POLLIN, 0}};
-        const bool isNew = !std::ranges::includes(left, keys.value());
-        retryingInterrupted([&] { return ::poll(sources, std::size(sources), isNew ? 0 : -1); });
-        if (sources[0].revents)
-            return nullptr;
-        if (!isNew)
-            continue;
-        const Result<Import::Report> report = import();
-        if (!report)
-            return report.error();
-        const Result<std::set<std::string>> after = ledgerKeys();
-        if (!after)
-            return after.error();
-        left.clear();
-        std::ranges::set_intersection(keys.value(), after.value(), std::inserter(left, left.end()));
+    const Result<URL> place = settingsFolder();
+    if (!place)
+        return place.error();
+    SettingsFolder folder(place.value());
+    if (ErrorRef error = folder.watch())
+        return error;
+    Progress progress;
+    while (!signals.haveArrived()) {
+        // Read before the ledger: an import changes the settings itself, and its own changes must be
+        // distinguished from those of others.
+        if (folder.changes() == SettingsFolder::Changes::end) {
+            if (!folder.awaitNext(signals))
+                break;
+            progress = {};
+        }
+        if (ErrorRef error = importWhatIsNew(import, progress)) {
+            if (!isPassing(error))
+                return error;
+            signals.arriveWithin(oneSecond);
+        } else if (progress.isDone) {
+            signals.arriveWithin(forever, folder.descriptor());
+        }
     }
+    return nullptr;
 }
 
 } // namespace sela

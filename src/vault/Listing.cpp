@@ -7,6 +7,7 @@
 #include "store/SharedAlbum.h"
 #include "store/SharedFolder.h"
 #include "store/SharedItemLedger.h"
+#include "vault/KeptLedgers.h"
 
 #include <algorithm>
 #include <fmt/core.h>
@@ -97,14 +98,12 @@ Result<std::string> ledgerTable() {
                         pathText(defaultAlbum.pathOf(item.albumNames)),
                         escapedForLog(item.preferredName.value_or("-")), escapedForLog(item.fileName)});
     std::string text = table(rows);
-    if (const std::optional<UserDefaults> defaults = sharedDefaults()) {
-        const Result<std::vector<std::string>> keptLedgers = defaults->keys(unreadableItemsKeyPrefix);
-        if (!keptLedgers)
-            return keptLedgers.error();
-        for (const std::string& key : keptLedgers.value())
-            text += "An earlier ledger could not be read and is kept in the settings under " +
-                    escapedForLog(key) + "\n";
-    }
+    const Result<std::vector<std::string>> kept = keptLedgers();
+    if (!kept)
+        return kept.error();
+    for (const std::string& key : kept.value())
+        text += "An earlier ledger could not be read and is kept in the settings; " +
+                escapedForLog(howToDiscard(key)) + ".\n";
     return text;
 }
 

@@ -1,5 +1,8 @@
 #include "vault/PublicationRules.h"
 
+#include "platform/foundation/FileName.h"
+#include "platform/foundation/NSLog.h"
+#include "platform/foundation/UTF8.h"
 #include "store/AlbumPath.h"
 #include "store/ShareExtensionError.h"
 
@@ -28,6 +31,19 @@ ErrorRef problemWithPasscode(const std::string& name, const Secret& passcode) {
 
 bool fillsItsDots(const Secret& passcode) {
     return passcode.size() == 4 || passcode.size() == 6;
+}
+
+bool isBlank(std::string_view text) {
+    constexpr std::u32string_view blanks = U" \u00A0\u1680\u202F\u205F\u3000\uFEFF";
+    while (!text.empty()) {
+        const DecodedCharacter character = decodeUTF8(text);
+        const bool isBlank = blanks.find(character.codePoint) != std::u32string_view::npos ||
+                             (character.codePoint >= 0x2000 && character.codePoint <= 0x200D);
+        if (!isBlank)
+            return false;
+        text.remove_prefix(character.length);
+    }
+    return true;
 }
 
 /// Why the picker does not show an album; empty when it does.
@@ -86,6 +102,18 @@ ErrorRef problemWithPasswords(const std::vector<SharedAlbum>& albums) {
             return ShareExtensionError::make(password +
                                              " cannot be typed: the keypad has the digits 0 to 9 only");
     }
+    return nullptr;
+}
+
+ErrorRef problemWithName(const std::string& name) {
+    const std::string album = "album \"" + name + "\": the name ";
+    if (name.size() > longestFileName)
+        return ShareExtensionError::make(album + "has more than " + std::to_string(longestFileName) +
+                                         " bytes");
+    if (escapedForLog(name) != name)
+        return ShareExtensionError::make(album + "has control characters");
+    if (isBlank(name))
+        return ShareExtensionError::make(album + "is blank");
     return nullptr;
 }
 

@@ -5,8 +5,8 @@
 #include "store/SharedAlbum.h"
 #include "store/SharedAlbumManager.h"
 #include "store/SharedFolder.h"
-#include "store/StoreConst.h"
 #include "vault/PublicationRules.h"
+#include "vault/VaultPlace.h"
 
 #include <iterator>
 #include <set>
@@ -22,10 +22,6 @@ constexpr std::int64_t largestCover = 64 << 20;
 
 void append(PublicationWarnings& lines, std::vector<std::string> more) {
     lines.insert(lines.end(), std::move_iterator(more.begin()), std::move_iterator(more.end()));
-}
-
-ErrorRef notProvisioned() {
-    return ShareExtensionError::make("the group is not provisioned; run \"sela-vault init\" first");
 }
 
 /// Checks the new values together with the stored ones, and adds to the warnings.
@@ -143,23 +139,22 @@ ErrorRef publishCovers(const Publication& publication, const std::set<std::strin
 
 Result<ProvisionedGroup> provisionGroup() {
     FileManager& files = FileManager::defaultManager();
-    const std::optional<URL> container = files.provisioningURL(StoreConst::shared().groupId);
+    const Result<URL> container = vaultPlace();
     if (!container)
-        return ShareExtensionError::make("there is no place for the group \"" + StoreConst::shared().groupId +
-                                         "\"");
-    const bool isNew = !files.fileExists(container->path());
+        return container.error();
+    const bool isNew = !files.fileExists(container.value().path());
     for (const std::string_view folder : {itemsFolderName, albumThumbnailsFolderName})
-        if (ErrorRef error = files.createDirectory(container->appendingPathComponent(folder).path()))
+        if (ErrorRef error = files.createDirectory(container.value().appendingPathComponent(folder).path()))
             return error;
-    files.closeToOthers(container->path());
-    return ProvisionedGroup{container->path(), isNew};
+    files.closeToOthers(container.value().path());
+    return ProvisionedGroup{container.value().path(), isNew};
 }
 
 Result<PublicationWarnings> publish(const Publication& publication) {
-    const std::optional<URL> container = sharedFolderUrl();
+    const Result<URL> container = vaultContainer();
     if (!container)
-        return notProvisioned();
-    const URL coversFolder = container->appendingPathComponent(albumThumbnailsFolderName);
+        return container.error();
+    const URL coversFolder = container.value().appendingPathComponent(albumThumbnailsFolderName);
     PublicationWarnings warnings;
     std::optional<Data> catalogue;
     std::set<std::string> covers;

@@ -4,6 +4,11 @@ namespace sela {
 
 namespace {
 
+constexpr std::string_view albumPathRule =
+    "PATH is a name, or two like Trips/Rome for an album inside another; a \"/\" or \"\\\" that belongs to a "
+    "name has a \"\\\" before it: AC\\/DC, Back\\\\Black. A name has up to 255 bytes, and no control "
+    "characters.";
+
 OptionTable makeTable() {
     OptionTable table;
     table.program = "sela-vault";
@@ -40,10 +45,11 @@ OptionTable makeTable() {
                       .value = "FILE",
                       .help = "a picture to show beside its name",
                       .completion = Completion::files},
-                     {.name = "--password", .help = "ask for a password that unfolds it in the picker"}},
-         .detail = "PATH is a name, or two like Trips/Rome for an album inside another; a \"/\" inside a "
-                   "name has a \"\\\" "
-                   "before it."},
+                     {.name = "--password",
+                      .help = "ask for a password that unfolds it in the picker",
+                      .detail = "It guards the albums inside it, so that of an album inside another is never "
+                                "asked for. The album itself can be chosen without it."}},
+         .detail = albumPathRule},
         {.name = "album rename",
          .operands = "PATH NAME",
          .help = "give an album another name",
@@ -86,7 +92,13 @@ OptionTable makeTable() {
              "password would give the vault away. Albums that are not shown and covers that are not there "
              "are "
              "told."},
-        {.name = "ledger", .help = "list what was shared and waits for the import"},
+        {.name = "ledger",
+         .help = "list what was shared and waits for the import",
+         .options = {{.name = "--discard",
+                      .value = "KEY",
+                      .help = "print an earlier ledger that could not be read, and remove it",
+                      .detail = "Its KEY is in the list. As long as it is kept, --prune removes no files, "
+                                "since it may record them."}}},
         {.name = "import",
          .help = "move what was shared into a folder",
          .options = {{.name = "--into",
@@ -100,7 +112,9 @@ OptionTable makeTable() {
                      {.name = "--watch", .help = "go on, and import whenever something was shared"}},
          .detail =
              "No file is ever overwritten, and an entry leaves the ledger only after its file is safely in "
-             "place."},
+             "place. SIGINT and SIGTERM end it after the file under way; what was imported until then is "
+             "told, "
+             "and the next import goes on."},
         {.name = "doctor",
          .help = "look whether all of the vault is as it should be",
          .options = {{.name = "--mend", .help = "mend what can be mended without losing anything"}}}};
@@ -110,7 +124,9 @@ OptionTable makeTable() {
           {.name = "--help", .help = "this text, or that of the command", .letter = 'h'},
           {.name = "--version", .help = "the version", .letter = 'V'}}}};
     table.statuses = {
-        {0, "done"}, {1, "something could not be done; standard error says what"}, {64, "bad arguments"}};
+        {0, "done"},
+        {1, "something could not be done, as standard error says, or doctor found something, as it prints"},
+        {64, "bad arguments"}};
     return table;
 }
 

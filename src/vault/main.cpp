@@ -4,6 +4,7 @@
 #include "platform/foundation/Heap.h"
 #include "platform/foundation/StandardStreams.h"
 #include "vault/VaultOptions.h"
+#include "vault/VaultPlace.h"
 #include "vault/commands/Commands.h"
 
 #include <csignal>
@@ -33,10 +34,13 @@ constexpr std::pair<std::string_view, Action> actions[] = {
 };
 
 int run(const sela::Arguments& arguments) {
+    const std::string_view wanted = arguments.command->name;
+    if (const sela::ErrorRef problem = wanted == "init" ? nullptr : sela::vaultContainer().error())
+        return sela::fail(problem);
     for (const auto& [name, action] : actions)
-        if (name == arguments.command->name)
+        if (name == wanted)
             return action(arguments);
-    sela::fatalError("no action for the command " + std::string(arguments.command->name));
+    sela::fatalError("no action for the command " + std::string(wanted));
 }
 
 } // namespace

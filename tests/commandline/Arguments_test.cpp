@@ -34,7 +34,9 @@ TEST(Arguments, WhatIsWrongIsSaidWithoutTheValueOfAnOption) {
         {{"publish", "--covers"}, "--covers needs a value"},
         {{"ledger", "--json=1234"}, "--json takes no value"},
         {{"init", "--keep", "--"}, "unknown option --keep"},
-        {{"album"}, "\"album\" needs to know what to do"},
+        {{"passcode", "--file=1234"}, "\"passcode\" needs to know what to do: set, clear"},
+        {{"passcode", "1234"}, "\"passcode\" needs to know what to do: set, clear"},
+        {{"passcode", "sett"}, "there is no command \"passcode sett\"; passcode takes: set, clear"},
         {{"album", "rename", "Trips"}, "album rename needs PATH NAME"},
         {{"init", "now"}, "init does not take \"now\""},
     };

@@ -46,6 +46,7 @@ class Faults(HomeTest):
         result = self.add(self.write("a.jpg", b"x"), expect=1)
         self.assertIn("saveItem, error: failed to create stream", result.stderr)
         self.assertEqual(self.ledger(), {})
+        self.assertIn(f"{self.items}: Read-only file system\n", self.vault("doctor", expect=1).stdout)
 
     @unittest.skipUnless(can_mount(), "mounting needs root")
     def test_an_import_goes_to_another_disk(self):

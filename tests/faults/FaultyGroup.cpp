@@ -142,7 +142,7 @@ bool FaultyGroup::import(bool links) const {
     if (!links)
         noLinks.emplace();
     const Result<Import::Report> report = Import({.into = URL::fileURL((home_ / "into").string())}).run();
-    return report && report.value().problems.empty();
+    return report && report.value().isComplete();
 }
 
 bool FaultyGroup::publish(int number) const {

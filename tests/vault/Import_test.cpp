@@ -60,7 +60,7 @@ TEST_F(ImportTest, AFileThatTheTargetRefusesKeepsItsEntryAndTheOthersGoOnUnderNa
         const Import::Report report = import();
         EXPECT_THAT(report.imported,
                     ElementsAre(EndsWith("vault/B_ c/1.jpg"), EndsWith("vault/A/what_.jpg")));
-        EXPECT_THAT(report.problems, ElementsAre(EndsWith("full.jpg: No space left on device")));
+        EXPECT_THAT(report.left, ElementsAre(EndsWith("full.jpg: No space left on device")));
     }
     EXPECT_EQ(contentOf(into / "vault/A/what_.jpg"), "what?.jpg");
     EXPECT_THAT(import().imported, ElementsAre(EndsWith("vault/A/full.jpg")));
@@ -74,6 +74,34 @@ TEST_F(ImportTest, FilesOfOneNameAreNumberedAcrossBatches) {
     EXPECT_TRUE(fs::is_empty(home.container() / "Items"));
 }
 
+TEST_F(ImportTest, OneThatIsStoppedTellsWhatItImportedAndTheNextGoesOn) {
+    record(std::vector(600, std::pair<std::string, std::string>("A", "a.jpg")));
+    int asked = 0;
+    const Import::Report stopped =
+        Import({.into = URL::fileURL(into.string()), .isStopped = [&] { return ++asked > 1000; }})
+            .run()
+            .value();
+    EXPECT_GT(stopped.imported.size(), 300u);
+    EXPECT_GT(stopped.waiting, 0u);
+    EXPECT_EQ(stopped.imported.size() + stopped.waiting, 600u);
+    EXPECT_EQ(import().imported.size(), stopped.waiting);
+    EXPECT_TRUE(fs::exists(into / "vault/A/a (600).jpg"));
+    EXPECT_TRUE(fs::is_empty(home.container() / "Items"));
+}
+
+TEST_F(ImportTest, AFileThatCannotBeRemovedFromItemsIsImportedAllTheSame) {
+    record({{"A", "a.jpg"}});
+    const class : public DiskWrapper {
+        int unlink(const std::string& path) override {
+            return path.ends_with("/Items/0.5.jpg") ? -EACCES : DiskWrapper::unlink(path);
+        }
+    } disk;
+    const Import::Report report = import();
+    EXPECT_THAT(report.imported, ElementsAre(EndsWith("vault/A/a.jpg")));
+    EXPECT_THAT(report.left, IsEmpty());
+    EXPECT_THAT(report.problems, ElementsAre(EndsWith("cannot be removed: Permission denied")));
+}
+
 TEST_F(ImportTest, NothingIsPrunedWhileSomebodyShares) {
     const fs::path old = home.write("data/sela/groups/group.sela.vault/Items/old.jpg", "x");
     fs::last_write_time(old, fs::file_time_type::clock::now() - std::chrono::hours(25));
@@ -81,6 +109,7 @@ TEST_F(ImportTest, NothingIsPrunedWhileSomebodyShares) {
         const ItemsLock saving = ItemsLock::forSaving(URL::fileURL(old.parent_path().string()));
         const Import::Report report = import(true);
         EXPECT_THAT(report.unrecorded, ElementsAre("old.jpg"));
+        EXPECT_THAT(report.left, IsEmpty());
         EXPECT_THAT(report.problems, ElementsAre("nothing is pruned while something is being shared"));
     }
     EXPECT_THAT(import(true).pruned, ElementsAre("old.jpg"));

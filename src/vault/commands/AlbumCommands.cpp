@@ -9,7 +9,9 @@
 #include "vault/PublicationRules.h"
 #include "vault/commands/Commands.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <utility>
 
 namespace sela {
@@ -35,14 +37,23 @@ ErrorRef problemWithWaiting(const Arguments& arguments, const Catalogue& catalog
         albumPathText(name.path) + "; import first, or use --force and they go to a folder of the old name");
 }
 
-/// Changes the catalogue and reports the album, and albums that the picker will not show.
+/// What a new album's password does not guard, which one may expect of it.
+std::string limitOfPassword(const Catalogue::Name& name) {
+    const std::string password = "the password of album " + albumPathText(name.path);
+    if (name.path.size() > 1)
+        return password +
+               " is never asked for: it guards the albums inside, and there are none inside this one";
+    return password + " is asked for before those inside it are shown, not when the album itself is chosen";
+}
+
+/// Changes the catalogue and reports the album, with these warnings and those of albums that the picker will
+/// not show.
 int change(const Arguments& arguments, const Catalogue::Name& name, const std::string& what,
-           const std::function<ErrorRef(Catalogue&)>& edit) {
-    std::vector<std::string> warnings;
+           const std::function<ErrorRef(Catalogue&)>& edit, std::vector<std::string> warnings = {}) {
     const ErrorRef error = Catalogue::change([&](Catalogue& catalogue) -> ErrorRef {
         if (ErrorRef problem = edit(catalogue))
             return problem;
-        warnings = warningsOfAlbums(catalogue.albums());
+        std::ranges::copy(warningsOfAlbums(catalogue.albums()), std::back_inserter(warnings));
         return problemWithPasswords(catalogue.albums());
     });
     if (error)
@@ -56,21 +67,33 @@ int change(const Arguments& arguments, const Catalogue::Name& name, const std::s
             writer.member("path", name.path).member("decoy", name.fake).member("done", what);
             writer.member("warnings", warnings);
         });
-    return print("Album " + albumPathText(name.path) + (name.fake ? " of the decoy vault " : " ") + what +
-                 ".\n");
+    return print("Album " + escapedForLog(albumPathText(name.path)) +
+                 (name.fake ? " of the decoy vault " : " ") + what + ".\n");
 }
 
-/// Prints the paths of the albums that a passcode opens: none for a wrong one.
-int listOpened(const Catalogue& catalogue, const std::string& file) {
+/// Prints the paths of the albums that a passcode opens. A wrong one is a failure that tells nothing of the
+/// decoy.
+int listOpened(const Arguments& arguments, const Catalogue& catalogue, const std::string& file) {
     const Result<Secret> passcode = readPasscode(file);
     if (!passcode)
         return fail(file + ": " + passcode.error()->localizedFailureReason());
-    const bool opensVault = passcode.value() == SharedAlbumManager::sharedPassword();
+    const std::optional<Secret> vaultPasscode = SharedAlbumManager::sharedPassword();
+    const bool opensVault = passcode.value() == vaultPasscode;
     const bool opensDecoy = !opensVault && passcode.value() == SharedAlbumManager::sharedFakePassword();
+    if (!opensVault && !opensDecoy)
+        return fail(std::string(vaultPasscode ? "the passcode is wrong" : noPasscode));
+    std::vector<SharedAlbum> opened = catalogue.albums();
+    std::erase_if(opened, [&](const SharedAlbum& album) { return album.fake != opensDecoy; });
+    if (arguments.has("--json"))
+        return printJSON([&](JSONWriter& writer) {
+            writer.key("albums").beginArray();
+            for (const SharedAlbum& album : opened)
+                writer.beginObject().member("path", album.namePath).endObject();
+            writer.endArray();
+        });
     std::string text;
-    for (const SharedAlbum& album : catalogue.albums())
-        if (album.fake ? opensDecoy : opensVault)
-            text += escapedForLog(albumPathText(album.namePath)) + "\n";
+    for (const SharedAlbum& album : opened)
+        text += escapedForLog(albumPathText(album.namePath)) + "\n";
     return print(text);
 }
 
@@ -80,6 +103,7 @@ int albumAddCommand(const Arguments& arguments) {
     const Result<Catalogue::Name> name = albumOf(arguments);
     if (!name)
         return fail(name.error());
+    std::vector<std::string> warnings;
     SharedAlbum album;
     album.namePath = name.value().path;
     album.fake = name.value().fake;
@@ -88,6 +112,7 @@ int albumAddCommand(const Arguments& arguments) {
         if (!password)
             return fail(password.error());
         album.password = password.value();
+        warnings.push_back(limitOfPassword(name.value()));
     }
     if (const std::optional<std::string> picture = arguments.valueOf("--cover")) {
         const Result<std::string> cover = storeCover(*picture);
@@ -95,8 +120,9 @@ int albumAddCommand(const Arguments& arguments) {
             return fail(cover.error());
         album.thumbNailName = cover.value();
     }
-    return change(arguments, name.value(), "added",
-                  [&](Catalogue& catalogue) { return catalogue.add(std::move(album)); });
+    return change(
+        arguments, name.value(), "added",
+        [&](Catalogue& catalogue) { return catalogue.add(std::move(album)); }, std::move(warnings));
 }
 
 int albumRenameCommand(const Arguments& arguments) {
@@ -147,7 +173,7 @@ int albumListCommand(const Arguments& arguments) {
     if (!catalogue)
         return fail(catalogue.error());
     if (const std::optional<std::string> file = arguments.valueOf("--passcode-file"))
-        return listOpened(catalogue.value(), *file);
+        return listOpened(arguments, catalogue.value(), *file);
     if (!arguments.has("--json"))
         return print(albumsTable(catalogue.value()));
     return printJSON([&](JSONWriter& writer) {

@@ -1,4 +1,5 @@
 #include "commandline/PasscodeFile.h"
+#include "platform/foundation/NSLog.h"
 #include "vault/Doctor.h"
 #include "vault/Publishing.h"
 #include "vault/commands/Commands.h"
@@ -33,8 +34,8 @@ int initCommand(const Arguments& arguments) {
             writer.member("container", made.container).member("new", made.isNew);
         });
     if (!made.isNew)
-        return print("There is a vault already: " + made.container + "\n");
-    return print("Made a vault: " + made.container +
+        return print("There is a vault already: " + escapedForLog(made.container) + "\n");
+    return print("Made a vault: " + escapedForLog(made.container) +
                  "\nWhat to do next:\n"
                  "  sela-vault passcode set      the passcode that shows your albums\n"
                  "  sela-vault album add Trips   albums to add to\n");
@@ -93,7 +94,7 @@ int doctorCommand(const Arguments& arguments) {
     std::string text;
     for (const Finding& finding : findings.value()) {
         isWell = isWell && finding.state == Finding::State::mended;
-        text += finding.text;
+        text += escapedForLog(finding.text);
         text += finding.state == Finding::State::mended     ? " (mended)\n"
                 : finding.state == Finding::State::mendable ? " (--mend mends it)\n"
                                                             : "\n";

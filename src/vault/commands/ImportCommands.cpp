@@ -1,6 +1,8 @@
 #include "platform/foundation/NSLog.h"
+#include "vault/EndingSignals.h"
 #include "vault/Import.h"
 #include "vault/ImportWatch.h"
+#include "vault/KeptLedgers.h"
 #include "vault/Listing.h"
 #include "vault/commands/Commands.h"
 
@@ -20,25 +22,34 @@ std::string summaryOf(const Import::Report& report) {
             text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + what;
     };
     add(report.imported.size(), "imported");
-    add(report.problems.size(), "left");
+    add(report.left.size(), "left");
+    add(report.waiting, "waiting");
     add(report.dropped.size(), "dropped");
     add(report.pruned.size(), "removed");
     add(report.unrecorded.size(), "recorded nowhere");
     return text.empty() ? "Nothing to import.\n" : text + "\n";
 }
 
+/// Whether an import of many did anything.
+bool isWorthTelling(const Import::Report& report) {
+    return !report.imported.empty() || !report.isComplete();
+}
+
 int tell(const Arguments& arguments, const Import::Report& report) {
     for (const std::string& name : report.unrecorded)
         fail("left in Items, recorded nowhere: " + name);
-    for (const std::string& problem : report.problems)
-        fail(problem);
+    for (const std::vector<std::string>* lines : {&report.left, &report.problems})
+        for (const std::string& line : *lines)
+            fail(line);
     int status = EXIT_SUCCESS;
     if (arguments.has("--json")) {
         status = printJSON([&](JSONWriter& writer) {
-            writer.member("imported", report.imported).member("left", report.problems);
+            writer.member("imported", report.imported).member("left", report.left);
+            writer.key("waiting").integer(static_cast<std::int64_t>(report.waiting));
             writer.member("dropped", report.dropped)
                 .member("removed", report.pruned)
-                .member("unrecorded", report.unrecorded);
+                .member("unrecorded", report.unrecorded)
+                .member("problems", report.problems);
         });
     } else {
         std::string text;
@@ -50,12 +61,30 @@ int tell(const Arguments& arguments, const Import::Report& report) {
             text += "removed from Items, recorded nowhere: " + escapedForLog(name) + "\n";
         status = print(text + summaryOf(report));
     }
-    return report.problems.empty() ? status : EXIT_FAILURE;
+    return report.isComplete() ? status : EXIT_FAILURE;
+}
+
+/// Prints a ledger that could not be read, and then removes it.
+int discardLedger(const Arguments& arguments, const std::string& key) {
+    const Result<std::string> kept = keptLedger(key);
+    if (!kept)
+        return fail(kept.error());
+    const std::string text = escapedForLog(kept.value());
+    const int status =
+        arguments.has("--json")
+            ? printJSON([&](JSONWriter& writer) { writer.member("discarded", key).member("text", text); })
+            : print(text + "\n");
+    if (status != EXIT_SUCCESS)
+        return status;
+    const ErrorRef error = discardKeptLedger(key);
+    return error ? fail(error) : EXIT_SUCCESS;
 }
 
 } // namespace
 
 int ledgerCommand(const Arguments& arguments) {
+    if (const std::optional<std::string> key = arguments.valueOf("--discard"))
+        return discardLedger(arguments, *key);
     return print(arguments.has("--json") ? ledgerJSON() : ledgerTable());
 }
 
@@ -67,12 +96,14 @@ int importCommand(const Arguments& arguments) {
                             .keep = arguments.has("--keep"),
                             .prune = arguments.has("--prune"),
                             .dropMissing = arguments.has("--drop-missing")};
+    if (arguments.has("--watch") && options.keep)
+        return misuse("--watch and --keep would copy the same files again and again");
+    EndingSignals signals;
+    options.isStopped = [&signals] { return signals.haveArrived(); };
     if (arguments.has("--watch")) {
-        if (options.keep)
-            return misuse("--watch and --keep would copy the same files again and again");
-        const ErrorRef error = watchAndImport([&] {
+        const ErrorRef error = watchAndImport(signals, [&] {
             Result<Import::Report> report = Import(options).run();
-            if (report && !(report.value().imported.empty() && report.value().problems.empty()))
+            if (report && isWorthTelling(report.value()))
                 tell(arguments, report.value());
             return report;
         });
