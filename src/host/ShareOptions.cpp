@@ -33,7 +33,7 @@ From nothing to an import:
            .help = "add to the album of that name, or to one inside another, as in Trips/Rome",
            .completion = Completion::albums,
            .detail = "It goes the way of a person (keypad, albums, Add), without waiting for what nobody "
-                     "sees. A \"/\" "
+                     "sees. A \"/\" or \"\\\" "
                      "inside a name has a \"\\\" before it."},
           {.name = "--passcode-file",
            .value = "FILE",

@@ -204,14 +204,14 @@ private:
                      albumPathText(item.albumNames) + " is missing: " + item.fileName +
                      "; \"sela-vault import --drop-missing\" drops its entry");
         }
-        const Result<std::vector<std::string>> kept = keptLedgers();
-        const bool mayBePruned = kept && kept.value().empty();
+        const Result<std::string> reason = reasonToKeepUnrecorded();
+        const std::string reasonToKeep = reason ? reason.value() : reason.error()->localizedDescription();
         if (!lock)
             unrecorded.clear();
         for (const std::string& name : unrecorded)
             tell("no entry of the ledger knows the file " + name +
-                 (mayBePruned ? "; \"sela-vault import --prune\" removes it a day after it was left"
-                              : "; the earlier ledger may"));
+                 (reasonToKeep.empty() ? "; \"sela-vault import --prune\" removes it a day after it was left"
+                                       : "; it stays, since " + reasonToKeep));
         return true;
     }
 

@@ -348,19 +348,19 @@ ErrorRef Import::findUnrecorded() {
         isObstructed = isObstructed || (options_.prune && isOld && !isRemovable);
     }
     if (isObstructed)
-        report_.problems.push_back("nothing is pruned " + obstacle.value());
+        report_.problems.push_back("no file is pruned: " + obstacle.value());
     return nullptr;
 }
 
-/// Why files that no entry has must stay; empty when they need not.
+/// Why nothing may be removed; empty when it may.
 Result<std::string> Import::obstacleToPruning(bool isLocked) const {
+    if (!isLocked)
+        return std::string("something is being shared");
+    Result<std::string> reason = reasonToKeepUnrecorded();
     const Result<std::vector<std::string>> kept = keptLedgers();
-    if (!kept)
-        return kept.error();
-    if (!kept.value().empty())
-        return "while an earlier ledger that could not be read may record the files; " +
-               howToDiscard(kept.value().front());
-    return std::string(isLocked ? "" : "while something is being shared");
+    if (reason && kept && !kept.value().empty())
+        reason.value() += "; " + howToDiscard(kept.value().front());
+    return reason;
 }
 
 } // namespace sela

@@ -28,7 +28,8 @@ public:
         URL into;          ///< made if missing; refused inside the container
         bool keep = false; ///< copy only: the ledger and "Items" stay as they are
         /// Remove unrecorded files of "Items" that are older than a day. Nothing is removed while an
-        /// unreadable ledger is kept in the settings, since it may record them, nor while a share is saving.
+        /// unreadable ledger is kept in the settings or they never had one, since a ledger that is kept or
+        /// lost may record them, nor while a share is saving.
         bool prune = false;
         bool dropMissing = false; ///< remove entries whose file is missing from the ledger
 

@@ -29,6 +29,22 @@ ErrorRef discardKeptLedger(const std::string& key) {
     return defaults ? defaults.value().removeObject(key) : defaults.error();
 }
 
+Result<std::string> reasonToKeepUnrecorded() {
+    const Result<std::vector<std::string>> kept = keptLedgers();
+    if (!kept)
+        return kept.error();
+    if (!kept.value().empty())
+        return std::string("an earlier ledger that could not be read may record it");
+    const Result<UserDefaults> defaults = openSharedDefaults();
+    if (!defaults)
+        return defaults.error();
+    const Result<std::optional<Data>> ledger = defaults.value().readData(sharedItemsKey);
+    if (!ledger)
+        return ledger.error();
+    return std::string(
+        ledger.value() ? "" : "these settings never had a ledger, and one that was lost may record it");
+}
+
 std::string howToDiscard(const std::string& key) {
     return "\"sela-vault ledger --discard " + key + "\" prints and removes it";
 }
