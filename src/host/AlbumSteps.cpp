@@ -45,7 +45,9 @@ Result<std::vector<Step>> stepsToAlbum(const CommandLine& line) {
                           " itself needs none");
     std::vector<Step> steps = {{Step::Kind::tap, "albumButton"}};
     if (line.passcodeFile) {
-        const Result<Step> passcode = typing(*line.passcodeFile, "the vault asks for no passcode");
+        const Result<Step> passcode =
+            typing(*line.passcodeFile,
+                   "no keypad asks for the passcode: the vault has none, or another program uses it");
         if (!passcode)
             return passcode.error();
         steps.push_back(passcode.value());

@@ -41,17 +41,20 @@ std::string shortened(std::string_view name) {
 void ReasonSummary::add(const std::string& name, const std::string& reason) {
     auto line = std::ranges::find(lines_, reason, &Line::reason);
     if (line == lines_.end())
-        line = lines_.insert(line, {reason, {}});
-    line->names.push_back(shortened(name));
+        line = lines_.insert(line, {.reason = reason, .names = {}});
+    ++line->files;
+    if (!name.empty() && line->names.size() < mostNames)
+        line->names.push_back(shortened(name));
 }
 
 std::string ReasonSummary::text(const Line& line) {
     std::string text;
-    for (std::size_t i = 0; i < std::min(line.names.size(), mostNames); ++i)
-        text += (i > 0 ? ", " : "") + line.names[i];
-    if (line.names.size() > mostNames)
-        text += ", " + more(line.names.size() - mostNames);
-    return line.reason.empty() ? text : text + ": " + line.reason;
+    for (const std::string& name : line.names)
+        text += (text.empty() ? "" : ", ") + name;
+    if (!text.empty() && line.files > line.names.size())
+        text += ", " + more(line.files - line.names.size());
+    const char* const separator = text.empty() || line.reason.empty() ? "" : ": ";
+    return text + separator + line.reason;
 }
 
 std::string ReasonSummary::text() const {
@@ -61,7 +64,7 @@ std::string ReasonSummary::text() const {
         if (i < mostLines)
             text += (i > 0 ? "\n" : "") + ReasonSummary::text(lines_[i]);
         else
-            untold += lines_[i].names.size();
+            untold += lines_[i].files;
     }
     return untold > 0 ? text + "\n" + more(untold) : text;
 }

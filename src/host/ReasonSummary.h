@@ -12,7 +12,7 @@ namespace sela {
 /// middle; there are at most three lines. "… + 2" stands for two more. A value.
 class ReasonSummary {
 public:
-    /// `reason` is empty for a file that was not tried.
+    /// `name` is empty for a picture without one, and `reason` for a file that was not tried; not both.
     void add(const std::string& name, const std::string& reason);
 
     /// The lines, in the order in which their reasons were added first; empty when nothing was.
@@ -22,6 +22,7 @@ private:
     struct Line {
         std::string reason;
         std::vector<std::string> names;
+        std::size_t files = 0;
     };
 
     static std::string text(const Line& line);

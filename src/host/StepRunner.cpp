@@ -81,6 +81,8 @@ void StepRunner::next() {
         previousStepTime_ = now;
         if (step.kind == Step::Kind::type && step.digits.size() > 1) {
             step.digits.removeFirst();
+            if (!step.unasked.empty())
+                step.unasked = "the digits are more than the keypad asks for";
             scheduleNext(0);
             return;
         }

@@ -5,25 +5,36 @@
 
 namespace sela {
 
+namespace {
+
+VaultState stateOf(const ErrorRef& error) {
+    return isBusy(error) ? VaultState::busy : VaultState::unreadable;
+}
+
+/// The state in which something is absent that cannot be read while the vault is busy, either.
+VaultState unlessBusy(VaultState state) {
+    return SharedAlbumManager::isBusy(UserDefaults::Patience::zero()) ? VaultState::busy : state;
+}
+
+} // namespace
+
 VaultState vaultState() {
     if (!sharedFolderUrl())
         return VaultState::absent;
-    if (SharedAlbumManager::isBusy(UserDefaults::Patience::zero()))
-        return VaultState::busy;
-    const Result<UserDefaults> settings = openSharedDefaults();
+    const Result<UserDefaults> settings = openSharedDefaults(UserDefaults::Patience::zero());
     if (!settings)
-        return VaultState::unreadable;
+        return stateOf(settings.error());
     const Result<std::optional<Data>> published = settings.value().readData(sharedAlbumsKey);
     if (!published)
-        return VaultState::unreadable;
+        return stateOf(published.error());
     if (!published.value())
         return VaultState::withoutAlbums;
     const std::optional<std::vector<SharedAlbum>> albums = SharedAlbumManager::getAlbums();
     if (!albums)
-        return VaultState::unreadable;
+        return unlessBusy(VaultState::unreadable);
     if (albums->empty())
         return VaultState::withoutAlbums;
-    return SharedAlbumManager::sharedPassword() ? VaultState::ready : VaultState::withoutPasscode;
+    return SharedAlbumManager::sharedPassword() ? VaultState::ready : unlessBusy(VaultState::withoutPasscode);
 }
 
 } // namespace sela

@@ -19,7 +19,7 @@ inline constexpr std::string_view noVaultText = "there is no vault yet; \"sela-v
 inline constexpr std::string_view unreadableVaultText =
     "the vault's settings cannot be read; \"sela-vault doctor\" says why";
 
-/// The state now. Does not wait for a lock. Main thread.
+/// The state now. Waits for a lock as briefly as `SharedAlbumManager`. Main thread.
 VaultState vaultState();
 
 } // namespace sela

@@ -9,6 +9,7 @@
 #include "host/ShareRequest.h"
 #include "host/ShareWindow.h"
 #include "host/TypedDigits.h"
+#include "host/VaultState.h"
 #include "host/WindowedRun.h"
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Dumpable.h"
@@ -136,8 +137,7 @@ int share(const sela::CommandLine& line) {
         return finish(*report, line);
     // The card opens all the same: the picker says so too, and the log has the failure of each file.
     if (!sela::sharedFolderUrl())
-        tell("there is no vault to add to yet; start the main Sela application once, or run \"sela-vault "
-             "init\"");
+        tell(std::string(sela::noVaultText));
     const auto finishRun = [&](const sela::SaveReport& report, bool wasPutAside) {
         for (std::size_t i = attachments.problems.size(); i < report.leftOut.size(); ++i)
             tell(report.leftOut[i].description());

@@ -110,14 +110,13 @@ private:
         examineMode(container_.path(), folderMode);
         for (const std::string_view folder : {itemsFolderName, albumThumbnailsFolderName})
             examineFolder(container_.appendingPathComponent(folder));
-        if (const std::optional<URL> config = BaseDirectories::config()) {
-            const URL folder = config->appendingPathComponent("sela");
-            examineMode(folder.path(), folderMode);
-            examineAccess(folder.path(), folderMode);
-            const std::string file = StoreConst::shared().groupId + ".sqlite3";
-            for (const std::string& name : {file, file + "-journal"}) {
-                examineMode(folder.appendingPathComponent(name).path(), fileMode);
-                examineAccess(folder.appendingPathComponent(name).path(), fileMode);
+        if (const std::optional<URL> file = settingsFile()) {
+            const std::string folder = file->deletingLastPathComponent().path();
+            examineMode(folder, folderMode);
+            examineAccess(folder, folderMode);
+            for (const std::string& path : {file->path(), file->path() + "-journal"}) {
+                examineMode(path, fileMode);
+                examineAccess(path, fileMode);
             }
         }
     }

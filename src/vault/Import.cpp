@@ -261,9 +261,12 @@ ErrorRef Import::copyTo(const URL& source, const URL& target) {
         return output.error();
     StreamCopy copy(input.value(), output.value());
     std::int64_t count = 0;
-    do
+    do {
         count = copy.copyBlock();
-    while (count > 0 && !output.value().streamError());
+        // The file is finished all the same, but once the first signal was seen a second one ends the
+        // process.
+        options_.isStopped();
+    } while (count > 0 && !output.value().streamError());
     ErrorRef error = count < 0 ? input.value().streamError() : output.value().synchronizeContent();
     if (!error)
         error = files.moveItem(temporary.path(), target.path());

@@ -28,7 +28,7 @@ public:
         URL into;          ///< made if missing; refused inside the container
         bool keep = false; ///< copy only: the ledger and "Items" stay as they are
         /// Remove unrecorded files of "Items" that are older than a day. Nothing is removed while an
-        /// unreadable ledger is kept in the settings or they never had one, since a ledger that is kept or
+        /// unreadable ledger is kept in the settings or these are missing, since a ledger that is kept or
         /// lost may record them, nor while a share is saving.
         bool prune = false;
         bool dropMissing = false; ///< remove entries whose file is missing from the ledger
@@ -36,7 +36,8 @@ public:
         /// Called with the number of the next entry, from 1 on, and the number of entries.
         std::function<void(std::size_t entry, std::size_t count)> progress = {};
 
-        /// Asked before each file; once it is true the import ends in order, with the files before that one.
+        /// Asked before each file and after each block of one that is copied; once it is true the import ends
+        /// in order, with the file under way.
         std::function<bool()> isStopped = [] { return false; };
     };
 

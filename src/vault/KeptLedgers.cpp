@@ -1,7 +1,9 @@
 #include "vault/KeptLedgers.h"
 
+#include "platform/foundation/FileManager.h"
 #include "store/ShareExtensionError.h"
 #include "store/SharedFolder.h"
+#include "vault/VaultPlace.h"
 
 #include <optional>
 
@@ -35,14 +37,10 @@ Result<std::string> reasonToKeepUnrecorded() {
         return kept.error();
     if (!kept.value().empty())
         return std::string("an earlier ledger that could not be read may record it");
-    const Result<UserDefaults> defaults = openSharedDefaults();
-    if (!defaults)
-        return defaults.error();
-    const Result<std::optional<Data>> ledger = defaults.value().readData(sharedItemsKey);
-    if (!ledger)
-        return ledger.error();
-    return std::string(
-        ledger.value() ? "" : "these settings never had a ledger, and one that was lost may record it");
+    // Settings that were lost may have had a ledger.
+    const std::optional<URL> file = settingsFile();
+    const bool isThere = file && FileManager::defaultManager().fileExists(file->path());
+    return std::string(isThere ? "" : "the settings, which may record it, are missing");
 }
 
 std::string howToDiscard(const std::string& key) {

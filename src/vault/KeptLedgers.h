@@ -19,8 +19,8 @@ Result<std::string> keptLedger(const std::string& key);
 /// Removes one. The error when the settings cannot be changed.
 ErrorRef discardKeptLedger(const std::string& key);
 
-/// Why files of "Items" that no entry has may be recorded all the same, in a ledger that is kept or lost, and
-/// so must stay; empty when they need not. The error when the settings cannot be read.
+/// Why files of "Items" that no entry has may be recorded all the same, in a ledger that is kept or was lost
+/// with its settings, and so must stay; empty when they need not. The error when the settings cannot be read.
 Result<std::string> reasonToKeepUnrecorded();
 
 /// Tells a person how to remove it.

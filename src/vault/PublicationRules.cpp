@@ -110,6 +110,10 @@ ErrorRef problemWithName(const std::string& name) {
     if (name.size() > longestFileName)
         return ShareExtensionError::make(album + "has more than " + std::to_string(longestFileName) +
                                          " bytes");
+    if (!isValidUTF8(name))
+        return ShareExtensionError::make(album + "is not UTF-8");
+    if (name == "." || name == "..")
+        return ShareExtensionError::make(album + "means another folder");
     if (escapedForLog(name) != name)
         return ShareExtensionError::make(album + "has control characters");
     if (isBlank(name))

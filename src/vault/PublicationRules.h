@@ -24,7 +24,7 @@ ErrorRef problemWithPasscodes(const std::optional<Secret>& vault, const std::opt
 ErrorRef problemWithPasswords(const std::vector<SharedAlbum>& albums);
 
 /// Why an album must not be given a name; null when it may: it is not blank, can be shown on one line, and
-/// can be a folder's name.
+/// is no longer than a folder's name may be.
 ErrorRef problemWithName(const std::string& name);
 
 /// Warnings for passcodes that may be published but probably are a mistake, a line each.

@@ -1,5 +1,6 @@
 #include "vault/VaultPlace.h"
 
+#include "platform/foundation/BaseDirectories.h"
 #include "platform/foundation/FileManager.h"
 #include "store/ShareExtensionError.h"
 #include "store/SharedFolder.h"
@@ -36,6 +37,14 @@ Result<URL> vaultContainer() {
     if (attributes.value().type != FileAttributes::Type::directory)
         return NSError::posix(ENOTDIR, place.value().path());
     return place;
+}
+
+std::optional<URL> settingsFile() {
+    const std::optional<URL> config = BaseDirectories::config();
+    if (!config)
+        return std::nullopt;
+    return config->appendingPathComponent("sela").appendingPathComponent(StoreConst::shared().groupId +
+                                                                         ".sqlite3");
 }
 
 bool isInsideContainer(const URL& folder, const URL& container) {

@@ -59,12 +59,16 @@ TEST(SaveReport, TellsTheStatusAndWhatWasAddedByWhatBecameOfEachFile) {
 TEST(SaveReport, SumsUpReasonsInFewLines) {
     ReasonSummary reasons;
     EXPECT_EQ(reasons.text(), "");
+    reasons.add("", "damaged");
+    EXPECT_EQ(reasons.text(), "damaged");
+    reasons = {};
     reasons.add("a.txt", "no picture");
     reasons.add("Zeugnisse für das Amt 2024–25.txt", "empty");
     for (const char* name : {"b.txt", "a name of twenty-seven c.txt", "d.txt", "e.txt"})
         reasons.add(name, "no picture");
     reasons.add("f.jpg", "");
-    EXPECT_EQ(reasons.text(), "a.txt, b.txt, a name of twen…-seven c.txt, … + 2: no picture\n"
+    reasons.add("", "no picture");
+    EXPECT_EQ(reasons.text(), "a.txt, b.txt, a name of twen…-seven c.txt, … + 3: no picture\n"
                               "Zeugnisse für … 2024–25.txt: empty\nf.jpg");
     reasons.add("g.jpg", "gone");
     EXPECT_TRUE(reasons.text().ends_with("\nf.jpg\n… + 1"));

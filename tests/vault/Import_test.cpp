@@ -103,7 +103,7 @@ TEST_F(ImportTest, AFileThatCannotBeRemovedFromItemsIsImportedAllTheSame) {
 }
 
 TEST_F(ImportTest, NothingIsPrunedWhileSomebodyShares) {
-    record({});
+    record({{"A", "a.jpg"}});
     const fs::path old = home.write("data/sela/groups/group.sela.vault/Items/old.jpg", "x");
     fs::last_write_time(old, fs::file_time_type::clock::now() - std::chrono::hours(25));
     {

@@ -23,7 +23,7 @@ int misuse(const std::string& message) {
 }
 
 int print(const std::string& text) {
-    std::fputs(text.c_str(), stdout);
+    std::fwrite(text.data(), 1, text.size(), stdout);
     return std::fflush(stdout) == 0 ? EXIT_SUCCESS : fail(std::string("standard output cannot be written"));
 }
 

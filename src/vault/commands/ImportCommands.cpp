@@ -1,4 +1,5 @@
 #include "platform/foundation/NSLog.h"
+#include "platform/foundation/UTF8.h"
 #include "vault/EndingSignals.h"
 #include "vault/Import.h"
 #include "vault/ImportWatch.h"
@@ -64,16 +65,21 @@ int tell(const Arguments& arguments, const Import::Report& report) {
     return report.isComplete() ? status : EXIT_FAILURE;
 }
 
-/// Prints a ledger that could not be read, and then removes it.
+/// Prints a ledger that could not be read, byte for byte, and then removes it.
 int discardLedger(const Arguments& arguments, const std::string& key) {
     const Result<std::string> kept = keptLedger(key);
     if (!kept)
         return fail(kept.error());
-    const std::string text = escapedForLog(kept.value());
+    const std::string& text = kept.value();
+    const bool isJSON = arguments.has("--json");
+    const bool isShown = !isJSON && ::isatty(STDOUT_FILENO);
+    if (isJSON ? !isValidUTF8(text) : isShown && escapedForLog(text) != text)
+        return fail(
+            "this ledger has bytes that cannot be shown here; without --json they can go into a file, "
+            "as in > FILE");
     const int status =
-        arguments.has("--json")
-            ? printJSON([&](JSONWriter& writer) { writer.member("discarded", key).member("text", text); })
-            : print(text + "\n");
+        isJSON ? printJSON([&](JSONWriter& writer) { writer.member("discarded", key).member("text", text); })
+               : print(text + (isShown ? "\n" : ""));
     if (status != EXIT_SUCCESS)
         return status;
     const ErrorRef error = discardKeptLedger(key);

@@ -26,7 +26,6 @@ TEST(LinearSystem, TellsWhatContradictsFromWhatIsRounded) {
     EXPECT_EQ(system.addEquation(longer(1e-4)), Outcome::contradiction);
 }
 
-/// A system of up to 29 variables and a solution that equations may be made to have.
 TEST(LinearSystem, TakesNoUnknownForWhatRoundingLeftOfIt) {
     LinearSystem system;
     const Variable base = system.addVariable();
@@ -40,6 +39,7 @@ TEST(LinearSystem, TakesNoUnknownForWhatRoundingLeftOfIt) {
     EXPECT_EQ(system.addEquation(sum), Outcome::contradiction);
 }
 
+/// A system of up to 29 variables and a solution that equations may be made to have.
 struct Unknowns {
     LinearSystem system;
     Values solution;
