@@ -9,7 +9,7 @@ namespace sela {
 namespace {
 
 constexpr std::size_t mostLines = 3;
-constexpr std::size_t mostNames = 3;
+constexpr std::size_t mostNamesOfLine = 3;
 
 /// Characters of the start and the end of a long name that are kept.
 constexpr std::size_t keptStart = 14;
@@ -43,7 +43,7 @@ void ReasonSummary::add(const std::string& name, const std::string& reason) {
     if (line == lines_.end())
         line = lines_.insert(line, {.reason = reason, .names = {}});
     ++line->files;
-    if (!name.empty() && line->names.size() < mostNames)
+    if (!name.empty() && line->names.size() < mostNamesOfLine)
         line->names.push_back(shortened(name));
 }
 

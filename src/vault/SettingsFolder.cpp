@@ -13,7 +13,8 @@ namespace sela {
 
 namespace {
 
-constexpr int oneSecond = 1000;
+/// Milliseconds between two looks, and without changes in a folder that is whole again.
+constexpr int quietTime = 1000;
 
 } // namespace
 
@@ -53,7 +54,7 @@ bool SettingsFolder::awaitNext(EndingSignals& signals) {
     Changes since = Changes::end;
     while (since != Changes::none) {
         const bool isWatched = since == Changes::some || !watch();
-        if (signals.arriveWithin(oneSecond, isWatched ? descriptor() : -1))
+        if (signals.arriveWithin(quietTime, isWatched ? descriptor() : -1))
             return false;
         since = isWatched ? changes() : Changes::end;
     }
