@@ -1,13 +1,11 @@
 #include "vault/Doctor.h"
 
-#include "platform/foundation/BaseDirectories.h"
 #include "platform/foundation/Disk.h"
 #include "platform/foundation/FileManager.h"
 #include "store/AlbumPath.h"
 #include "store/ItemsLock.h"
 #include "store/SharedAlbumManager.h"
 #include "store/SharedFolder.h"
-#include "store/StoreConst.h"
 #include "vault/Catalogue.h"
 #include "vault/Covers.h"
 #include "vault/KeptLedgers.h"
